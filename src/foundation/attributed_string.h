@@ -1,0 +1,72 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// AttributedString: text and, for stretches of it, the three attributes that a transcript's
+// reader looks at. Archived runs are kept as they are: never joined, empty ones left out.
+
+#include <QString>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "foundation/file_wrapper.h"
+#include "foundation/value.h"
+
+namespace foundation {
+
+/// What is kept of an attribute dictionary; each value as archived, of whatever class.
+struct Attributes {
+    Value link;            ///< "NSLink"
+    Value attachment;      ///< "NSAttachment"
+    Value inlineFilePath;  ///< "FezInlineFilePath"
+};
+
+class AttributedString final : public Object {
+  public:
+    struct Run {
+        qsizetype length = 0;  ///< UTF-16 units, at least 1
+        /// Null when none of the three is set.
+        std::shared_ptr<const Attributes> attributes;
+    };
+
+    /// The runs must cover the text exactly.
+    AttributedString(QString text, std::vector<Run> runs);
+
+    [[nodiscard]] const QString& text() const { return text_; }
+    /// In text order; none for empty text.
+    [[nodiscard]] const std::vector<Run>& runs() const { return runs_; }
+
+    [[nodiscard]] QByteArray className() const override { return "NSAttributedString"; }
+    /// The text.
+    [[nodiscard]] QString description() const override { return text_; }
+
+  private:
+    QString text_;
+    std::vector<Run> runs_;
+};
+
+/// Builds runs that cover a text whatever the archive says: clamps at its end, leaves out empty
+/// runs, and leaves what is not covered without attributes.
+class AttributeRunBuilder {
+  public:
+    explicit AttributeRunBuilder(qsizetype textLength) : remaining_(textLength) {}
+    void add(quint64 length, std::shared_ptr<const Attributes> attributes);
+    [[nodiscard]] std::vector<AttributedString::Run> finish();
+
+  private:
+    qsizetype remaining_;
+    std::vector<AttributedString::Run> runs_;
+};
+
+/// "NSTextAttachment" and its subclasses.
+class TextAttachment final : public Object {
+  public:
+    std::shared_ptr<const FileWrapper> fileWrapper;
+    std::optional<Data> contents;
+    /// A uniform type identifier.
+    std::optional<QString> fileType;
+
+    [[nodiscard]] QByteArray className() const override { return "NSTextAttachment"; }
+};
+
+}  // namespace foundation

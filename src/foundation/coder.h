@@ -1,0 +1,33 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// Coder: what an archived class sees while it is rebuilt. A keyed archive answers by key, a
+// non-keyed one by position; a class asks which of the two it has before it asks for anything.
+// A missing, mistyped or exhausted value is nothing, never an error; an archive that can't be read
+// at all ends the decoding by an exception that classes let pass.
+
+#include <optional>
+#include <string_view>
+
+#include "foundation/value.h"
+
+namespace foundation {
+
+class Coder {
+  public:
+    virtual ~Coder() = default;
+
+    /// Whether values are asked for by key.
+    [[nodiscard]] virtual bool isKeyed() const = 0;
+    /// The object under the key in the instance being decoded; nothing in a non-keyed archive.
+    virtual Value decodeObject(std::string_view key) = 0;
+    /// The next object of the instance being decoded; nothing past its end, when the next value is
+    /// no object, or in a keyed archive.
+    virtual Value decodeObject() = 0;
+    /// The next value of the instance when it is a plain integer (type code "I"), as 32 bits.
+    virtual std::optional<quint32> decodeUInt32() = 0;
+    /// Names the coder in diagnostics, without addresses.
+    [[nodiscard]] virtual QString description() const = 0;
+};
+
+}  // namespace foundation

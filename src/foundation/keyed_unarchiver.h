@@ -1,0 +1,40 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// KeyedUnarchiver: reads a keyed archive (a binary or XML property list) on demand. Objects are
+// decoded when somebody asks for them by key, each once, and shared; what nobody asks for is never
+// looked at. docs/formats/keyed-archive.md tells the format as it is read here.
+
+#include <memory>
+#include <span>
+
+#include "foundation/class_registry.h"
+#include "foundation/error.h"
+
+namespace foundation {
+
+class KeyedUnarchiver final : public Coder {
+  public:
+    /// The object under "root", restricted to the allowed classes and their subclasses; nothing
+    /// when the archive's root is nil. Throws Error when the bytes are no keyed archive, when the
+    /// archive names a class that is unknown or not allowed, or when it is malformed on a path that
+    /// is asked for. Attachment bytes are slices of `data`.
+    static Value unarchivedObject(const Data& data,
+                                  std::span<const ClassInfo* const> allowedClasses,
+                                  const ClassRegistry& registry);
+
+    ~KeyedUnarchiver() override;
+
+    [[nodiscard]] bool isKeyed() const override { return true; }
+    Value decodeObject(std::string_view key) override;
+    Value decodeObject() override;
+    std::optional<quint32> decodeUInt32() override;
+    [[nodiscard]] QString description() const override;
+
+  private:
+    class Impl;
+    explicit KeyedUnarchiver(std::unique_ptr<Impl> impl);
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace foundation

@@ -1,0 +1,53 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// Picture: bytes that are recognised as a picture by their own header, with format and size. A
+// table of ours decides, so that a transcript has the same events on every machine, and no
+// third-party decoder runs while one is loaded. Drawing belongs to the toolkit.
+
+#include <QSize>
+#include <optional>
+
+#include "foundation/data.h"
+
+namespace foundation {
+
+enum class PictureFormat {
+    png,
+    jpeg,
+    gif,
+    tiff,
+    bmp,
+    ico,
+    icns,
+    webp,
+    heic,
+    avif,
+    photoshop,
+    jpeg2000,
+    pict,
+    pdf,
+    svg,
+};
+
+/// A short name for people: "PNG", "JPEG 2000" …
+[[nodiscard]] const char* name(PictureFormat format);
+/// "image/png" …
+[[nodiscard]] const char* mimeType(PictureFormat format);
+/// The usual file extension without a dot: "png" …
+[[nodiscard]] const char* fileExtension(PictureFormat format);
+
+struct Picture {
+    Data data;
+    PictureFormat format = PictureFormat::png;
+    /// Width and height in pixels; absent where the format tells none cheaply.
+    std::optional<QSize> pixelSize;
+
+    friend bool operator==(const Picture&, const Picture&) = default;
+};
+
+/// The picture these bytes hold, or nothing. Looks at headers only, in time that does not grow with
+/// the pixels.
+[[nodiscard]] std::optional<Picture> recognisePicture(const Data& data);
+
+}  // namespace foundation

@@ -1,0 +1,158 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// TesselChatLog: a transcript as everything else sees it, a flat list of events numbered from 1.
+// An immutable value; copies share their events' content. Reading one is in chat_log_reader's
+// hands: TesselChatLog::fromData.
+
+#include <QString>
+#include <memory>
+#include <optional>
+#include <variant>
+#include <vector>
+
+#include "foundation/calendar.h"
+#include "foundation/date.h"
+#include "foundation/file_wrapper.h"
+#include "foundation/picture.h"
+#include "foundation/url.h"
+#include "transcript/user_id.h"
+
+namespace foundation {
+class ClassRegistry;
+}
+
+namespace vell {
+
+class ContactsStore;
+
+class TesselChatLog {
+  public:
+    struct PlainText {
+        QString text;
+        friend bool operator==(const PlainText&, const PlainText&) = default;
+        friend size_t qHash(const PlainText& v, size_t seed = 0) { return ::qHash(v.text, seed); }
+    };
+
+    /// An inline picture; its fields are shared between copies.
+    class Image {
+      public:
+        Image(foundation::Picture image, foundation::Data data, QString type,
+              std::optional<QString> path);
+        [[nodiscard]] const foundation::Picture& image() const { return fields_->image; }
+        /// The bytes exactly as archived.
+        [[nodiscard]] const foundation::Data& data() const { return fields_->data; }
+        /// The uniform type identifier.
+        [[nodiscard]] const QString& type() const { return fields_->type; }
+        [[nodiscard]] const std::optional<QString>& path() const { return fields_->path; }
+        friend bool operator==(const Image& a, const Image& b) {
+            return a.fields_ == b.fields_ || *a.fields_ == *b.fields_;
+        }
+        friend size_t qHash(const Image& v, size_t seed = 0) {
+            return qHashMulti(seed, v.data(), v.type());
+        }
+
+      private:
+        struct Fields {
+            foundation::Picture image;
+            foundation::Data data;
+            QString type;
+            std::optional<QString> path;
+            friend bool operator==(const Fields&, const Fields&) = default;
+        };
+        std::shared_ptr<const Fields> fields_;
+    };
+
+    struct File {
+        std::shared_ptr<const foundation::FileWrapper> wrapper;  ///< never null
+        friend bool operator==(const File& a, const File& b) {
+            return a.wrapper == b.wrapper || *a.wrapper == *b.wrapper;
+        }
+        friend size_t qHash(const File& v, size_t seed = 0) {
+            return ::qHash(v.wrapper->description(), seed);
+        }
+    };
+
+    struct Link {
+        std::shared_ptr<const foundation::URL> url;  ///< never null
+        QString title;
+        friend bool operator==(const Link& a, const Link& b) {
+            return a.title == b.title && (a.url == b.url || *a.url == *b.url);
+        }
+        friend size_t qHash(const Link& v, size_t seed = 0) {
+            return qHashMulti(seed, v.url->absoluteString(), v.title);
+        }
+    };
+
+    /// The following events are on a new calendar day.
+    struct NewDay {
+        friend bool operator==(const NewDay&, const NewDay&) = default;
+    };
+    /// The same day, but a new minute.
+    struct NewMinute {
+        friend bool operator==(const NewMinute&, const NewMinute&) = default;
+    };
+    /// The run of events by the event's sender has ended.
+    struct User {
+        friend bool operator==(const User&, const User&) = default;
+    };
+
+    struct Event {
+        using Value = std::variant<PlainText, Image, File, Link, NewDay, NewMinute, User>;
+
+        qint64 sequence = 0;  ///< 1, 2, 3 … without gaps; the event's identity
+        foundation::Date timestamp;
+        std::optional<TesselUserID> sender;
+        Value value;
+
+        [[nodiscard]] bool isSystemMessage() const { return !sender; }
+        /// For diagnostics: "<Event[3]: ts=… by=<@alice (AIM)> …".
+        [[nodiscard]] QString description() const;
+
+        friend bool operator==(const Event&, const Event&) = default;
+        friend size_t qHash(const Event& event, size_t seed) { return event.hash(seed); }
+        [[nodiscard]] size_t hash(size_t seed) const;
+    };
+
+    TesselChatLog(TesselServiceID serviceID, TesselUserID ownUserID,
+                  QSet<TesselUserID> otherUserIDs, std::vector<Event> events);
+
+    /// Reads a transcript's bytes, keyed or non-keyed. Writes its steps to the load log and throws
+    /// the keyed reader's error when neither form can be read. `fileDate` dates the events of an
+    /// empty transcript.
+    static TesselChatLog fromData(const foundation::Data& data,
+                                  std::optional<foundation::Date> fileDate,
+                                  const foundation::Calendar& calendar);
+    static TesselChatLog fromData(const foundation::Data& data,
+                                  std::optional<foundation::Date> fileDate,
+                                  const foundation::Calendar& calendar,
+                                  const foundation::ClassRegistry& registry);
+    /// Reads the file at the path whole, dated by its modification time; also throws
+    /// foundation::Error when it can't be read.
+    static TesselChatLog fromFile(const QString& path, const foundation::Calendar& calendar);
+
+    [[nodiscard]] const TesselServiceID& serviceID() const { return serviceID_; }
+    /// The user who owned the transcript; "?" on the transcript's service when nobody can tell.
+    [[nodiscard]] const TesselUserID& ownUserID() const { return ownUserID_; }
+    [[nodiscard]] const QSet<TesselUserID>& otherUserIDs() const { return otherUserIDs_; }
+    [[nodiscard]] const std::vector<Event>& events() const { return events_; }
+
+    /// The decoration of the text rendering; defined by export.
+    struct TextRenderSettings;
+    /// The whole log as Markdown; defined by export.
+    [[nodiscard]] QString generatePlainText(const ContactsStore& contacts) const;
+    [[nodiscard]] QString generatePlainText(const ContactsStore& contacts,
+                                            const TextRenderSettings& settings) const;
+
+    friend bool operator==(const TesselChatLog&, const TesselChatLog&) = default;
+    friend size_t qHash(const TesselChatLog& log, size_t seed) { return log.hash(seed); }
+    [[nodiscard]] size_t hash(size_t seed) const;
+
+  private:
+    TesselServiceID serviceID_;
+    TesselUserID ownUserID_;
+    QSet<TesselUserID> otherUserIDs_;
+    std::vector<Event> events_;
+};
+
+}  // namespace vell
