@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: MIT
 //
 // Calendar: whether two instants share a day or a minute in a time zone, with the offset valid at
-// each instant. It remembers the bounds of the last local day and offset, so the zone's rules are
-// asked only on leaving them; one calendar serves one thread at a time (copies are cheap).
+// each instant. It remembers the stretches of constant offset that it has met, so the zone's rules
+// are asked once for each; one calendar serves one thread at a time (copies are cheap).
 
+#include <QByteArray>
 #include <QTimeZone>
 #include <optional>
+#include <vector>
 
 #include "foundation/date.h"
 
@@ -16,22 +18,34 @@ class Calendar {
   public:
     explicit Calendar(QTimeZone zone);
 
-    /// In the zone named by TZ as the C library would read it, else the system's.
+    /// In the zone named by TZ as the C library would read it, else the system's. A name that
+    /// nobody knows stands for UTC, as it does there, and is reported on standard error.
     static Calendar current();
+    /// In the zone of this name: "Europe/Berlin", or a rule such as "CET-1CEST,M3.5.0,M10.5.0/3"; a
+    /// leading ":" and the path of the zone database are ignored. Nothing when it is unknown.
+    static std::optional<Calendar> named(const QByteArray& zone);
 
     [[nodiscard]] const QTimeZone& timeZone() const { return zone_; }
-    /// The same local day. Instants outside the calendar share a day only with themselves.
+    /// The same local day. Instants outside the years 1-9999 share a day only with themselves.
     [[nodiscard]] bool isSameDay(Date a, Date b) const;
     /// The same local minute; the second 02:30 of an autumn night is another minute than the first.
     [[nodiscard]] bool isSameMinute(Date a, Date b) const;
 
   private:
-    QTimeZone zone_;
-    // The stretch [begin, end) of seconds since 1970 in which `offset_` holds without a change.
-    mutable double begin_ = 0;
-    mutable double end_ = 0;
-    mutable int offset_ = 0;
+    /// [begin, end) in seconds since 1970 within which the zone keeps one offset.
+    struct Stretch {
+        qint64 begin;
+        qint64 end;
+        int offset;
+    };
 
+    QTimeZone zone_;
+    mutable std::vector<Stretch> stretches_;  // in order of time, never overlapping
+    mutable std::size_t last_ = 0;            // where the last instant lay
+
+    [[nodiscard]] const Stretch& stretchAt(qint64 second) const;
+    [[nodiscard]] Stretch askZone(qint64 second) const;
+    /// Seconds since 1970 as a local clock would count them.
     [[nodiscard]] std::optional<qint64> localSecond(Date date) const;
 };
 

@@ -4,6 +4,7 @@
 // Date: an instant as archives hold it, and its text in UTC. Any double is allowed, NaN and
 // infinities included; what the calendar can't express prints as the bare number.
 
+#include <QHashFunctions>
 #include <QString>
 #include <optional>
 

@@ -110,8 +110,8 @@ class TesselChatLog {
         [[nodiscard]] QString description() const;
 
         friend bool operator==(const Event&, const Event&) = default;
-        friend size_t qHash(const Event& event, size_t seed) { return event.hash(seed); }
-        [[nodiscard]] size_t hash(size_t seed) const;
+        friend size_t qHash(const Event& event, size_t seed = 0) { return event.hash(seed); }
+        [[nodiscard]] size_t hash(size_t seed = 0) const;
     };
 
     TesselChatLog(TesselServiceID serviceID, TesselUserID ownUserID,
@@ -145,8 +145,8 @@ class TesselChatLog {
                                             const TextRenderSettings& settings) const;
 
     friend bool operator==(const TesselChatLog&, const TesselChatLog&) = default;
-    friend size_t qHash(const TesselChatLog& log, size_t seed) { return log.hash(seed); }
-    [[nodiscard]] size_t hash(size_t seed) const;
+    friend size_t qHash(const TesselChatLog& log, size_t seed = 0) { return log.hash(seed); }
+    [[nodiscard]] size_t hash(size_t seed = 0) const;
 
   private:
     TesselServiceID serviceID_;
