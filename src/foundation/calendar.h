@@ -30,6 +30,9 @@ class Calendar {
     [[nodiscard]] bool isSameDay(Date a, Date b) const;
     /// The same local minute; the second 02:30 of an autumn night is another minute than the first.
     [[nodiscard]] bool isSameMinute(Date a, Date b) const;
+    /// Seconds since 1970 as a local clock counts them, rounded down; nothing outside the years
+    /// 1-9999.
+    [[nodiscard]] std::optional<qint64> localSecond(Date date) const;
 
   private:
     /// [begin, end) in seconds since 1970 within which the zone keeps one offset.
@@ -45,8 +48,6 @@ class Calendar {
 
     [[nodiscard]] const Stretch& stretchAt(qint64 second) const;
     [[nodiscard]] Stretch askZone(qint64 second) const;
-    /// Seconds since 1970 as a local clock would count them.
-    [[nodiscard]] std::optional<qint64> localSecond(Date date) const;
 };
 
 }  // namespace foundation

@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/date_formatters.h"
+
+#include <unicode/ucal.h>
+#include <unicode/udat.h>
+#include <unicode/uloc.h>
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include "foundation/checked.h"
+
+namespace vell {
+namespace {
+
+constexpr qint64 kMinutesPerDay = 24 * 60;
+constexpr qint64 kSecondsPerDay = kMinutesPerDay * 60;
+
+/// ICU's name of a locale written as the C library or as language tags have it.
+QByteArray icuLocale(QByteArray name) {
+    // Script modifiers mean nothing to ICU: "sr_RS@latin" is its "sr_Latn_RS".
+    const auto modifier = name.indexOf('@');
+    QByteArray script;
+    if (modifier >= 0 && !name.contains('=')) {
+        if (name.endsWith("@latin")) script = "_Latn";
+        if (name.endsWith("@cyrillic")) script = "_Cyrl";
+        name.truncate(modifier);
+    }
+    const auto codeset = name.indexOf('.');
+    if (codeset >= 0) name.truncate(codeset);
+    if (name.isEmpty() || name == "C" || name == "POSIX") return "en_US_POSIX";
+    if (!script.isEmpty()) {
+        const auto region = name.indexOf('_');
+        name.insert(region < 0 ? name.size() : region, script);
+    }
+    char canonical[ULOC_FULLNAME_CAPACITY + 1] = {};
+    UErrorCode status = U_ZERO_ERROR;
+    uloc_canonicalize(name.constData(), canonical, ULOC_FULLNAME_CAPACITY, &status);
+    return U_SUCCESS(status) ? QByteArray(canonical) : QByteArray("en_US_POSIX");
+}
+
+}  // namespace
+
+/// Owns one formatter of ICU; null when ICU has no data at all.
+struct DateFormatter::Format {
+    UDateFormat* handle = nullptr;
+
+    Format(Style style, const QByteArray& locale) {
+        UErrorCode status = U_ZERO_ERROR;
+        // Local time is handed over as if it were UTC: the calendar knows the zones, those that
+        // are only a rule included, and ICU would silently take UTC for what it can't find.
+        handle = udat_open(UDAT_SHORT, style == Style::shortTime ? UDAT_NONE : UDAT_MEDIUM,
+                           locale.constData(), u"Etc/UTC", -1, nullptr, 0, &status);
+        if (U_FAILURE(status)) handle = nullptr;
+        if (handle) avoidJulianDates();
+    }
+    explicit Format(const Format& other) {
+        UErrorCode status = U_ZERO_ERROR;
+        if (other.handle) handle = udat_clone(other.handle, &status);
+    }
+    Format& operator=(const Format&) = delete;
+    ~Format() {
+        if (handle) udat_close(handle);
+    }
+
+  private:
+    /// The day of a heading is the day of the log, in the Gregorian calendar at all times.
+    void avoidJulianDates() {
+        UErrorCode status = U_ZERO_ERROR;
+        UCalendar* calendar = ucal_clone(udat_getCalendar(handle), &status);
+        if (U_FAILURE(status)) return;
+        // Refused by calendars that aren't Gregorian, such as the Persian one.
+        ucal_setGregorianChange(calendar, -std::numeric_limits<double>::max(), &status);
+        if (U_SUCCESS(status)) udat_setCalendar(handle, calendar);
+        ucal_close(calendar);
+    }
+};
+
+DateFormatter::DateFormatter(Style style, const QByteArray& locale, foundation::Calendar calendar)
+    : style_(style),
+      prototype_(std::make_shared<Format>(style, icuLocale(locale))),
+      format_(std::make_unique<Format>(*prototype_)),
+      calendar_(std::move(calendar)) {}
+
+// Only what never changes is copied; the cache may be in use by the other's thread.
+DateFormatter::DateFormatter(const DateFormatter& other)
+    : style_(other.style_),
+      prototype_(other.prototype_),
+      format_(std::make_unique<Format>(*prototype_)),
+      calendar_(other.calendar_.timeZone()) {}
+
+DateFormatter::~DateFormatter() = default;
+
+QString DateFormatter::string(foundation::Date date) const {
+    const std::optional<qint64> localSecond = calendar_.localSecond(date);
+    if (!localSecond || !format_->handle) return date.description();
+    if (style_ != Style::shortTime) return formatted(*localSecond);
+    // A short time depends on nothing but the minute of the local day, whatever the offset was.
+    qint64 secondOfDay = *localSecond % kSecondsPerDay;
+    if (secondOfDay < 0) secondOfDay += kSecondsPerDay;
+    if (shortTimes_.empty()) shortTimes_.resize(kMinutesPerDay);
+    QString& text = shortTimes_[static_cast<std::size_t>(secondOfDay / 60)];
+    if (text.isEmpty()) text = formatted(secondOfDay);
+    return text;
+}
+
+QString DateFormatter::formatted(qint64 localSecond) const {
+    char16_t buffer[128];
+    UErrorCode status = U_ZERO_ERROR;
+    const auto length = udat_format(format_->handle, static_cast<double>(localSecond) * 1000,
+                                    buffer, std::size(buffer), nullptr, &status);
+    return QString::fromUtf16(buffer, std::min<int>(length, std::size(buffer)));
+}
+
+namespace {
+
+/// The formatters that every thread's own are clones of.
+struct Prototypes {
+    std::mutex lock;
+    bool used = false;
+    QByteArray locale = environmentDateLocale();
+    foundation::Calendar calendar = foundation::Calendar::current();
+    std::optional<DateFormatter> day;
+    std::optional<DateFormatter> time;
+};
+
+Prototypes& prototypes() {
+    static Prototypes shared;
+    return shared;
+}
+
+DateFormatter clone(std::optional<DateFormatter> Prototypes::*which, DateFormatter::Style style) {
+    Prototypes& all = prototypes();
+    const std::lock_guard lock(all.lock);
+    all.used = true;
+    std::optional<DateFormatter>& prototype = all.*which;
+    if (!prototype) prototype.emplace(style, all.locale, all.calendar);
+    return *prototype;
+}
+
+}  // namespace
+
+const DateFormatter& daySeparatorFormatter() {
+    thread_local const DateFormatter mine =
+        clone(&Prototypes::day, DateFormatter::Style::mediumDateShortTime);
+    return mine;
+}
+
+const DateFormatter& timeSeparatorFormatter() {
+    thread_local const DateFormatter mine =
+        clone(&Prototypes::time, DateFormatter::Style::shortTime);
+    return mine;
+}
+
+void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& calendar) {
+    Prototypes& all = prototypes();
+    const std::lock_guard lock(all.lock);
+    if (all.used) foundation::fatal("the date format is set after its first use");
+    all.locale = locale;
+    all.calendar = calendar;
+}
+
+QByteArray environmentDateLocale() {
+    for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) {
+        QByteArray value = qgetenv(variable);
+        if (!value.isEmpty()) return value;
+    }
+    return {};
+}
+
+}  // namespace vell

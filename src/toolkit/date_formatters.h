@@ -1,0 +1,59 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// Dates for people, in their locale and time zone: the two shared formatters that separators on
+// screen and headings in exported text are made with. Making one takes milliseconds, so there is
+// one of each for the process, and a clone for every further thread that asks.
+//
+//     timeSeparatorFormatter().string(event.timestamp)
+
+#include <QByteArray>
+#include <QString>
+#include <memory>
+#include <vector>
+
+#include "foundation/calendar.h"
+#include "foundation/date.h"
+
+namespace vell {
+
+/// One style of date in one locale and time zone. A formatter serves one thread; copying it is how
+/// another one gets its own, and is safe at any time.
+class DateFormatter {
+  public:
+    enum class Style { mediumDateShortTime, shortTime };
+
+    /// Locales as in LANG or as language tags: "de_DE.UTF-8", "de-DE"; "C" and "POSIX" are English.
+    DateFormatter(Style style, const QByteArray& locale, foundation::Calendar calendar);
+    DateFormatter(const DateFormatter& other);
+    DateFormatter& operator=(const DateFormatter&) = delete;
+    ~DateFormatter();
+
+    /// The local date or time at that instant; what no calendar expresses is the number of seconds.
+    [[nodiscard]] QString string(foundation::Date date) const;
+
+  private:
+    struct Format;
+
+    Style style_;
+    std::shared_ptr<const Format> prototype_;  // never formats, so that anybody may clone it
+    std::unique_ptr<Format> format_;
+    foundation::Calendar calendar_;
+    mutable std::vector<QString> shortTimes_;  // by local minute of the day, made on demand
+
+    [[nodiscard]] QString formatted(qint64 localSecond) const;
+};
+
+/// Medium date and short time. The reference is this thread's own and lives as long as the thread.
+[[nodiscard]] const DateFormatter& daySeparatorFormatter();
+/// Short time alone; otherwise like daySeparatorFormatter().
+[[nodiscard]] const DateFormatter& timeSeparatorFormatter();
+
+/// Replaces the user's locale and time zone for the shared formatters. Call it before their first
+/// use; later it stops the program.
+void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& calendar);
+
+/// The locale for dates that the environment asks for: LC_ALL, else LC_TIME, else LANG.
+[[nodiscard]] QByteArray environmentDateLocale();
+
+}  // namespace vell
