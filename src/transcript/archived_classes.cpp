@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "transcript/archived_classes.h"
+
+#include <utility>
+
+#include "foundation/print.h"
+#include "transcript/instant_message.h"
+#include "transcript/presentity.h"
+
+namespace vell {
+
+using namespace Qt::StringLiterals;
+using foundation::ClassInfo;
+using foundation::ClassKind;
+using foundation::ClassRegistry;
+
+foundation::Value IMHandle::initWithCoder(foundation::Coder& coder) {
+    foundation::print(u"IMHandle INIT: "_s + coder.description());
+    return std::make_shared<IMHandle>();
+}
+
+foundation::Value IMDirectlyObservableObject::initWithCoder(foundation::Coder& coder) {
+    foundation::print(u"IMDirectlyObservableObject INIT: "_s + coder.description());
+    return std::make_shared<IMDirectlyObservableObject>();
+}
+
+foundation::Value Person::initWithCoder(foundation::Coder&) {
+    return std::make_shared<Person>();
+}
+
+void registerTranscriptClasses(ClassRegistry& registry) {
+    const auto add = [&registry](const char* name,
+                                 foundation::Value (*initWithCoder)(foundation::Coder&),
+                                 bool supportsSecureCoding = true) {
+        ClassInfo info;
+        info.name = name;
+        info.superclass = registry.find("NSObject");
+        info.kind = ClassKind::application;
+        info.supportsSecureCoding = supportsSecureCoding;
+        info.initWithCoder = initWithCoder;
+        registry.add(std::move(info));
+    };
+    add("InstantMessage", &InstantMessage::initWithCoder);
+    add("Presentity", &Presentity::initWithCoder);
+    add("IMHandle", &IMHandle::initWithCoder);
+    add("IMDirectlyObservableObject", &IMDirectlyObservableObject::initWithCoder);
+    add("Person", &Person::initWithCoder, false);
+}
+
+const ClassRegistry& sharedClassRegistry() {
+    struct Shared {
+        ClassRegistry registry;
+        Shared() {
+            foundation::registerPlatformClasses(registry);
+            registerTranscriptClasses(registry);
+        }
+    };
+    static const Shared shared;
+    return shared.registry;
+}
+
+std::vector<const ClassInfo*> allowedClassList(const ClassRegistry& registry) {
+    constexpr const char* kNames[] = {
+        "InstantMessage",
+        "IMHandle",
+        "IMDirectlyObservableObject",
+        "Presentity",
+        "NSArray",
+        "NSMutableArray",
+        "NSDictionary",
+        "NSMutableDictionary",
+        "NSString",
+        "NSMutableString",
+        "NSAttributedString",
+        "NSMutableAttributedString",
+        "NSDate",
+        "NSCalendar",
+        "NSData",
+        "NSMutableData",
+        "NSNumber",
+        "NSURL",
+        "NSFont",
+        "NSParagraphStyle",
+        "NSMutableParagraphStyle",
+        "NSTextAttachment",
+        "NSGlyphInfo",
+        "NSColor",
+        "NSFileWrapper",
+    };
+    std::vector<const ClassInfo*> result;
+    for (const char* name : kNames) {
+        if (const ClassInfo* info = registry.find(name)) result.push_back(info);
+    }
+    return result;
+}
+
+const std::vector<const ClassInfo*>& allowedClassList() {
+    static const std::vector<const ClassInfo*> shared = allowedClassList(sharedClassRegistry());
+    return shared;
+}
+
+}  // namespace vell

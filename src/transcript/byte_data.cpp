@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#include "transcript/byte_data.h"
+
+#include <algorithm>
+
+namespace vell {
+namespace {
+
+/// What isprint says in the POSIX locale, whatever the locale is now.
+bool isPrintable(unsigned char byte) {
+    return byte >= 0x20 && byte <= 0x7e;
+}
+
+}  // namespace
+
+std::vector<QByteArrayView> chunk(QByteArrayView data, qsizetype size) {
+    std::vector<QByteArrayView> result;
+    for (qsizetype at = 0; at < data.size(); at += size)
+        result.push_back(data.sliced(at, std::min(size, data.size() - at)));
+    return result;
+}
+
+QString hexdump(QByteArrayView data, qsizetype bytesPerLine) {
+    constexpr char16_t kDigits[] = u"0123456789abcdef";
+    QString result;
+    result.reserve(data.size() * 4);
+    for (const QByteArrayView line : chunk(data, bytesPerLine)) {
+        for (const char c : line) {
+            const auto byte = static_cast<unsigned char>(c);
+            result += QChar(kDigits[byte >> 4]);
+            result += QChar(kDigits[byte & 15]);
+            result += u' ';
+        }
+        result += QStringView(u" |");
+        for (const char c : line)
+            result += isPrintable(static_cast<unsigned char>(c)) ? QChar(QLatin1Char(c)) : u'.';
+        result += QStringView(u"|\n");
+    }
+    return result;
+}
+
+}  // namespace vell

@@ -1,0 +1,19 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// Bytes cut into pieces and bytes as people read them, for the load log.
+
+#include <QByteArrayView>
+#include <QString>
+#include <vector>
+
+namespace vell {
+
+/// Consecutive pieces of `size` bytes (at least 1), the last one shorter, none empty.
+[[nodiscard]] std::vector<QByteArrayView> chunk(QByteArrayView data, qsizetype size);
+
+/// Lines of "62 00  |b.|": each byte in hexadecimal, then each as the character it is in ASCII, "."
+/// when it can't be printed. The last, shorter line is not padded.
+[[nodiscard]] QString hexdump(QByteArrayView data, qsizetype bytesPerLine);
+
+}  // namespace vell

@@ -1,0 +1,39 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// Run: one typed piece of a message's text. extractRuns cuts an attributed string into them:
+// neighbouring plain stretches become one run, links and attachments stand for themselves.
+
+#include <QString>
+#include <memory>
+#include <optional>
+#include <variant>
+#include <vector>
+
+#include "foundation/attributed_string.h"
+#include "transcript/chat_log.h"
+
+namespace vell {
+
+struct PlainRun {
+    QString text;
+};
+struct FileRun {
+    std::shared_ptr<const foundation::FileWrapper> wrapper;  ///< never null
+    std::optional<QString> path;
+};
+/// A link's and a picture's payloads are those of their events.
+using Run = std::variant<PlainRun, TesselChatLog::Link, TesselChatLog::Image, FileRun>;
+
+/// The runs of the whole string; none when it is empty. A run that covers the whole text shares its
+/// QString. An attachment that holds nothing is printed as an error and stays text.
+[[nodiscard]] std::vector<Run> extractRuns(const foundation::AttributedString& string);
+
+/// What extractRuns would make of the string, at most.
+struct RunCensus {
+    std::size_t runs = 0;
+    std::size_t copiedUnits = 0;  ///< UTF-16 units that the runs can't share with the string
+};
+[[nodiscard]] RunCensus countRuns(const foundation::AttributedString& string);
+
+}  // namespace vell
