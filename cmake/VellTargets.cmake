@@ -25,6 +25,9 @@ if(VELL_SANITIZERS)
                         -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${VELL_SANITIZERS})
 endif()
+if(VELL_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
 
 # vell_library(NAME [SOURCES …] [LINK …]): one static library per folder of src/. What it links is
 # what it may include; the generated link lists are the layering.
@@ -43,4 +46,31 @@ function(vell_test name)
                                           GTest::gtest_main)
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
+endfunction()
+
+# vell_fuzz(NAME [SOURCES …] [LINK …] [DICTIONARY FILE]): the program fuzz_NAME around a
+# LLVMFuzzerTestOneInput, with its seeds and all earlier findings in fuzz/corpus/NAME. Under the fuzz
+# preset its test reads these and goes on from them for ten seconds; in every other build it is an
+# ordinary program, and its test only replays them.
+function(vell_fuzz name)
+    cmake_parse_arguments(arg "" "DICTIONARY" "SOURCES;LINK" ${ARGN})
+    set(target fuzz_${name})
+    set(corpus "${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name}")
+    add_executable(${target} ${arg_SOURCES})
+    target_link_libraries(${target} PRIVATE ${arg_LINK})
+    if(NOT VELL_FUZZ)
+        target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp")
+        add_test(NAME ${target} COMMAND ${target} "${corpus}")
+        return()
+    endif()
+    target_link_options(${target} PRIVATE -fsanitize=fuzzer)
+    add_dependencies(fuzzers ${target})
+    set(found "${CMAKE_CURRENT_BINARY_DIR}/${name}")
+    file(MAKE_DIRECTORY "${found}/corpus")
+    if(arg_DICTIONARY)
+        set(dictionary "-dict=${CMAKE_CURRENT_SOURCE_DIR}/${arg_DICTIONARY}")
+    endif()
+    add_test(NAME ${target}
+             COMMAND ${target} -max_total_time=10 -timeout=5 -rss_limit_mb=512 -print_final_stats=1
+                     ${dictionary} "-artifact_prefix=${found}/" "${found}/corpus" "${corpus}")
 endfunction()
