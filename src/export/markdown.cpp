@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: MIT
+#include "export/markdown.h"
+
+#include <QByteArray>
+#include <array>
+
+namespace vell {
+namespace {
+
+/// The longest name of an HTML character reference has 31 letters.
+constexpr qsizetype kLongestEntity = 31;
+/// A longer number starts no list.
+constexpr qsizetype kLongestListNumber = 9;
+
+bool isAsciiAlphanumeric(char16_t unit) {
+    return (unit >= u'0' && unit <= u'9') || (unit >= u'a' && unit <= u'z') ||
+           (unit >= u'A' && unit <= u'Z');
+}
+
+bool isDigit(char16_t unit) {
+    return unit >= u'0' && unit <= u'9';
+}
+
+/// The ASCII characters that a scan has to stop at: controls and what Markdown gives a meaning.
+constexpr std::array<bool, 128> kStops = [] {
+    std::array<bool, 128> stops{};
+    for (std::size_t unit = 0; unit < 0x20; ++unit)
+        stops[unit] = true;
+    for (const char unit : {'\\', '`', '*', '_', '[', ']', '<', '&', '~', '|', '!', '\x7f'}) {
+        stops[static_cast<std::size_t>(unit)] = true;
+    }
+    stops['\t'] = false;
+    return stops;
+}();
+
+/// Beyond ASCII: controls, line and paragraph separators, and surrogates, which may be lone.
+bool stopsScan(char16_t unit) {
+    if (unit < 0x80) return kStops[unit];
+    return unit < 0xA0 || unit == 0x2028 || unit == 0x2029 || QChar::isSurrogate(unit);
+}
+
+/// What must not stand in an address as it is.
+bool isControl(char16_t unit) {
+    return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x2028 || unit == 0x2029;
+}
+
+bool isSurrogatePair(QStringView text, qsizetype at) {
+    return QChar::isHighSurrogate(text[at].unicode()) && at + 1 < text.size() &&
+           QChar::isLowSurrogate(text[at + 1].unicode());
+}
+
+/// Whether an ampersand here would start a character reference.
+bool startsEntity(QStringView text, qsizetype ampersand) {
+    qsizetype at = ampersand + 1;
+    if (at < text.size() && text[at] == u'#') return true;
+    const qsizetype limit = qMin(text.size(), at + kLongestEntity);
+    while (at < limit && isAsciiAlphanumeric(text[at].unicode()))
+        ++at;
+    return at > ampersand + 1 && at < text.size() && text[at] == u';';
+}
+
+/// Whether an underscore here stands inside a word, where it is no mark.
+bool isInsideWord(QStringView text, qsizetype at) {
+    return at > 0 && at + 1 < text.size() && isAsciiAlphanumeric(text[at - 1].unicode()) &&
+           isAsciiAlphanumeric(text[at + 1].unicode());
+}
+
+/// scheme ":" and then anything but blanks, controls, "<" and ">".
+bool isAutolink(QStringView address) {
+    const qsizetype colon = address.indexOf(u':');
+    if (colon < 2 || colon > 32 || !QChar(address[0]).isLetter()) return false;
+    for (qsizetype i = 0; i < colon; ++i) {
+        const char16_t unit = address[i].unicode();
+        if (!isAsciiAlphanumeric(unit) && unit != u'+' && unit != u'.' && unit != u'-')
+            return false;
+    }
+    for (qsizetype i = colon + 1; i < address.size(); ++i) {
+        const char16_t unit = address[i].unicode();
+        if (unit == u'<' || unit == u'>' || QChar::isSpace(unit) || unit < 0x20 ||
+            (unit >= 0x7F && unit < 0xA0)) {
+            return false;
+        }
+        if (unit == u'&' && startsEntity(address, i)) return false;
+        if (QChar::isSurrogate(unit)) {
+            if (!isSurrogatePair(address, i)) return false;
+            ++i;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+void MarkdownWriter::beginBlock(QStringView linePrefix) {
+    prefix_ = linePrefix;
+    out_ += prefix_;
+    lineStart_ = out_.size();
+}
+
+void MarkdownWriter::lineBreak() {
+    out_ += u"\\\n";
+    beginBlock(prefix_);
+}
+
+void MarkdownWriter::reference(char16_t unit) {
+    out_ += u"&#";
+    out_ += QString::number(unit);
+    out_ += u';';
+}
+
+void MarkdownWriter::literal(QStringView text, Next next) {
+    const qsizetype size = text.size();
+    qsizetype lineBegin = 0;
+    qsizetype clean = startLine(text, 0);  // what is before it has been written
+    qsizetype at = clean;
+    while (at < size) {
+        const char16_t unit = text[at].unicode();
+        if (!stopsScan(unit)) {
+            ++at;
+            continue;
+        }
+        if (isSurrogatePair(text, at)) {
+            at += 2;
+            continue;
+        }
+        out_ += text.sliced(clean, at - clean);
+        if (unit != u'\n' && unit != u'\r') {
+            clean = at = escape(text, at, next);
+            continue;
+        }
+        endLine(text, lineBegin, at);
+        at += unit == u'\r' && at + 1 < size && text[at + 1] == u'\n' ? 2 : 1;
+        lineBegin = at;
+        // A backslash before the end of a block would be a backslash.
+        if (at == size && next == Next::blockEnd) {
+            reference(u'\n');
+            return;
+        }
+        lineBreak();
+        clean = at = startLine(text, at);
+    }
+    out_ += text.sliced(clean);
+    if (next != Next::more) endLine(text, lineBegin, size);
+}
+
+/// Takes its meaning from what has one only at a line's start; answers where to go on.
+qsizetype MarkdownWriter::startLine(QStringView text, qsizetype at) {
+    if (at >= text.size() || !isAtLineStart()) return at;
+    const char16_t unit = text[at].unicode();
+    if (unit == u'\n' || unit == u'\r') return at;
+    if (QChar::isSpace(unit)) {
+        reference(unit);
+        return at + 1;
+    }
+    if (QStringView(u"#+-=>").contains(unit)) out_ += u'\\';
+    if (!isDigit(unit)) return at;
+    qsizetype end = at;
+    while (end < text.size() && isDigit(text[end].unicode()))
+        ++end;
+    const bool isListNumber = end - at <= kLongestListNumber && end < text.size() &&
+                              (text[end] == u'.' || text[end] == u')') &&
+                              (end + 1 == text.size() || text[end + 1].isSpace());
+    if (!isListNumber) return at;
+    out_ += text.sliced(at, end - at);
+    out_ += u'\\';
+    return end;
+}
+
+/// Keeps white space that a reader would drop before a line's end.
+void MarkdownWriter::endLine(QStringView text, qsizetype begin, qsizetype end) {
+    if (end == begin) return;
+    const QChar last = text[end - 1];
+    if (!last.isSpace() || out_.back() != last) return;
+    out_.chop(1);
+    reference(last.unicode());
+}
+
+/// Writes the unit at which a scan has stopped; answers where to go on.
+qsizetype MarkdownWriter::escape(QStringView text, qsizetype at, Next next) {
+    const char16_t unit = text[at].unicode();
+    if (unit == 0 || QChar::isSurrogate(unit)) {
+        out_ += QChar::ReplacementCharacter;
+        return at + 1;
+    }
+    // Controls as well: whoever looks at the text in a terminal gets no commands from it.
+    if (unit < 0x20 || unit >= 0x7F) {
+        reference(unit);
+        return at + 1;
+    }
+    bool isPlain = false;
+    if (unit == u'_') isPlain = isInsideWord(text, at);
+    if (unit == u'&') isPlain = !startsEntity(text, at);
+    // Only right before a link of ours does it make a picture of it.
+    if (unit == u'!') isPlain = at + 1 < text.size() || next != Next::more;
+    if (!isPlain) out_ += u'\\';
+    out_ += unit;
+    return at + 1;
+}
+
+void MarkdownWriter::link(const QString& address, const QString& title) {
+    if (title.isEmpty() && isAutolink(address)) {
+        out_ += u'<';
+        out_ += address;
+        out_ += u'>';
+        return;
+    }
+    out_ += u'[';
+    literal(title.isEmpty() ? address : title, Next::more);
+    out_ += u']';
+    destination(address);
+}
+
+void MarkdownWriter::image(const QString& name, const QString& path) {
+    out_ += u"![";
+    literal(name, Next::more);
+    out_ += u']';
+    destination(path);
+}
+
+void MarkdownWriter::destination(QStringView address) {
+    out_ += u"(<";
+    for (qsizetype at = 0; at < address.size(); ++at) {
+        const QChar unit = address[at];
+        const bool isEdge = at == 0 || at + 1 == address.size();
+        if (isSurrogatePair(address, at)) {
+            out_ += address.sliced(at++, 2);
+        } else if (unit.isSurrogate()) {
+            out_ += QChar::ReplacementCharacter;
+        } else if (isControl(unit.unicode()) || (isEdge && unit == u' ')) {
+            out_ += QLatin1StringView(QString(unit).toUtf8().toPercentEncoding());
+        } else if (unit == u'&' && startsEntity(address, at)) {
+            // Some readers look for references before they look for backslashes.
+            out_ += u"&amp;";
+        } else {
+            if (unit == u'<' || unit == u'>' || unit == u'\\') out_ += u'\\';
+            out_ += unit;
+        }
+    }
+    out_ += u">)";
+}
+
+}  // namespace vell

@@ -1,0 +1,50 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// MarkdownWriter: appends to one Markdown text such that a CommonMark reader finds exactly the
+// words that were given, whatever they hold. It knows where the current line began, since most
+// marks mean something only there. Every line it begins inside a block starts with a prefix: "> "
+// inside a quote.
+
+#include <QString>
+#include <QStringView>
+
+namespace vell {
+
+class MarkdownWriter {
+  public:
+    /// What comes after a literal.
+    enum class Next {
+        more,      ///< something on the same line
+        line,      ///< another line of the same block
+        blockEnd,  ///< nothing more in this block
+    };
+
+    /// Appends to a text that outlives the writer.
+    explicit MarkdownWriter(QString& out) : out_(out) {}
+
+    /// Starts a line of a block; what is between its lines starts with the prefix as well.
+    void beginBlock(QStringView linePrefix);
+    /// Text as it stands. CR LF, CR and LF are line breaks; NUL and lone surrogates become U+FFFD.
+    void literal(QStringView text, Next next);
+    /// A break between two lines of the same block.
+    void lineBreak();
+    /// Whether nothing is on the current line yet.
+    [[nodiscard]] bool isAtLineStart() const { return out_.size() == lineStart_; }
+    /// An empty title: the address alone, in the short form where the syntax allows it.
+    void link(const QString& address, const QString& title);
+    void image(const QString& name, const QString& path);
+
+  private:
+    QString& out_;
+    QStringView prefix_;
+    qsizetype lineStart_ = -1;
+
+    void reference(char16_t unit);
+    qsizetype startLine(QStringView text, qsizetype at);
+    void endLine(QStringView text, qsizetype begin, qsizetype end);
+    qsizetype escape(QStringView text, qsizetype at, Next next);
+    void destination(QStringView address);
+};
+
+}  // namespace vell

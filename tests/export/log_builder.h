@@ -1,0 +1,64 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// LogBuilder: a chat log written down event by event, on the service AIM, owned by "me".
+
+#include <QString>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "transcript/chat_log.h"
+
+namespace vell::test {
+
+/// "" stands for nobody: a system message.
+using Sender = QString;
+
+class LogBuilder {
+  public:
+    LogBuilder& text(const Sender& sender, const QString& text) {
+        return add(sender, TesselChatLog::PlainText{text});
+    }
+    LogBuilder& system(const QString& text) { return add({}, TesselChatLog::PlainText{text}); }
+    LogBuilder& link(const Sender& sender, const QString& address, const QString& title) {
+        return add(sender,
+                   TesselChatLog::Link{std::make_shared<const foundation::URL>(address), title});
+    }
+    LogBuilder& image(const Sender& sender, std::optional<QString> path) {
+        return add(sender, TesselChatLog::Image({}, {}, QStringLiteral("public.image"), path));
+    }
+    LogBuilder& file(const Sender& sender, const QString& name, const QByteArray& contents) {
+        auto wrapper = std::make_shared<foundation::FileWrapper>(foundation::Data(contents));
+        wrapper->filename = name;
+        return add(sender, TesselChatLog::File{std::move(wrapper)});
+    }
+    LogBuilder& user(const Sender& sender) { return add(sender, TesselChatLog::User{}); }
+    LogBuilder& newDay() { return add({}, TesselChatLog::NewDay{}); }
+    LogBuilder& newMinute() { return add({}, TesselChatLog::NewMinute{}); }
+    /// Seconds until the next event; events at one instant may be one message.
+    LogBuilder& wait(double seconds) {
+        seconds_ += seconds;
+        return *this;
+    }
+
+    [[nodiscard]] TesselChatLog log() const {
+        return {TesselServiceID::aim, user_(QStringLiteral("me")), {}, events_};
+    }
+
+  private:
+    double seconds_ = 0;
+    std::vector<TesselChatLog::Event> events_;
+
+    static TesselUserID user_(const QString& name) { return {TesselServiceID::aim, name}; }
+    LogBuilder& add(const Sender& sender, TesselChatLog::Event::Value value) {
+        TesselChatLog::Event event{
+            static_cast<qint64>(events_.size()) + 1, {seconds_}, std::nullopt, std::move(value)};
+        if (!sender.isEmpty()) event.sender = user_(sender);
+        events_.push_back(std::move(event));
+        return *this;
+    }
+};
+
+}  // namespace vell::test

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include "export/commonmark.h"
+#include "export/log_builder.h"
+#include "export/text_render_settings.h"
+#include "identity/contacts_store.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vell::test {
+namespace {
+
+std::string markdown(const LogBuilder& builder) {
+    return builder.log().generatePlainText(ContactsStore()).toStdString();
+}
+
+std::string day(double seconds) {
+    return daySeparatorFormatter().string({seconds}).toStdString();
+}
+
+std::string time(double seconds) {
+    return timeSeparatorFormatter().string({seconds}).toStdString();
+}
+
+TEST(Markdown, ATranscriptAsItIsConverted) {
+    LogBuilder log;
+    log.newDay().text(u"bob"_s, u"Hi,\nare you there?"_s).wait(5).text(u"bob"_s, u"Hello?"_s);
+    log.wait(60).user(u"bob"_s).newMinute().text(u"me"_s, u"Yes!"_s).wait(5).text(u"me"_s, u""_s);
+    log.wait(5).text(u"me"_s, u"1. Sure."_s).wait(5).user(u"me"_s);
+    log.system(u"User has left the chat."_s).system(u""_s).text(u"bob"_s, u""_s);
+    EXPECT_EQ(markdown(log), "\n# " + day(0) +
+                                 "\n"
+                                 "\n*bob:*\n> Hi,\\\n> are you there?\n"
+                                 "\n> Hello?\n"
+                                 "\n*me:*\n"
+                                 "\n### " +
+                                 time(65) +
+                                 "\n"
+                                 "\nYes!\n"
+                                 "\n1\\. Sure.\n"
+                                 "\n---\n_User has left the chat._\n---\n\n"
+                                 "\n---\n_<!-- -->_\n---\n\n"
+                                 "\n*bob:*\n>\n");
+}
+
+TEST(Markdown, NothingIsWrittenBeforeTheFirstEventAndForMarkersAlone) {
+    EXPECT_EQ(markdown(LogBuilder()), "");
+    LogBuilder log;
+    log.user(u"me"_s).system(u"x"_s).user(u"me"_s);
+    EXPECT_EQ(markdown(log), "\n---\n_x_\n---\n\n");
+}
+
+TEST(Markdown, RunsOfOneMessageAreOneBody) {
+    const struct {
+        const char* what;
+        LogBuilder log;
+        const char* body;
+    } rows[] = {
+        {"text and links on one line",
+         LogBuilder()
+             .text(u"b"_s, u"see "_s)
+             .link(u"b"_s, u"http://a.b/c_d"_s, u"http://a.b/c_d"_s)
+             .text(u"b"_s, u" and "_s)
+             .link(u"b"_s, u"page.html"_s, u""_s),
+         "> see <http://a.b/c_d> and [page.html](<page.html>)\n"},
+        {"an exclamation mark makes no picture of a link",
+         LogBuilder().text(u"b"_s, u"wow!"_s).link(u"b"_s, u"x:y"_s, u"t"_s),
+         "> wow\\![t](<x:y>)\n"},
+        {"pictures by name, with or without a path",
+         LogBuilder()
+             .image(u"b"_s, u"~/My Pictures/cat.png"_s)
+             .text(u"b"_s, u"\n"_s)
+             .image(u"b"_s, std::nullopt),
+         "> ![cat.png](<~/My Pictures/cat.png>)\\\n> ![picture.png](<picture.png>)\n"},
+        {"a file has a line of its own",
+         LogBuilder()
+             .text(u"b"_s, u"here: "_s)
+             .file(u"b"_s, u"a*b.pdf"_s, "1234")
+             .text(u"b"_s, u"ok"_s),
+         "> here:&#32;\\\n> File: a\\*b.pdf (4 bytes)\\\n> ok\n"},
+        {"two texts at one instant are two messages",
+         LogBuilder().text(u"b"_s, u"one"_s).text(u"b"_s, u"two"_s), "> one\n\n> two\n"},
+        {"a later link is another message",
+         LogBuilder().text(u"b"_s, u"one"_s).wait(1).link(u"b"_s, u"xx:y"_s, u"xx:y"_s),
+         "> one\n\n> <xx:y>\n"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(markdown(row.log), std::string("\n*b:*\n") + row.body) << row.what;
+    }
+}
+
+TEST(Markdown, AddressesThatFitNoAutolinkAreSpelledOut) {
+    const struct {
+        QString address;
+        const char* link;
+    } rows[] = {
+        {u"http://a/b c"_s, "[http://a/b c](<http://a/b c>)"},
+        {u"http://a/<b>\\"_s, "[http://a/\\<b>\\\\](<http://a/\\<b\\>\\\\>)"},
+        {u"http://a/\n\u2028"_s, "[http://a/\\\n> &#8232;](<http://a/%0A%E2%80%A8>)"},
+        {u"http://a/?b&lt;"_s, "[http://a/?b\\&lt;](<http://a/?b&amp;lt;>)"},
+        {u"http://a/?b&lt=c"_s, "<http://a/?b&lt=c>"},
+        {u" x:y "_s, "[ x:y ](<%20x:y%20>)"},
+        {u"1x:y"_s, "[1x:y](<1x:y>)"},
+        {u"\u00e4x:y"_s, "[\u00e4x:y](<\u00e4x:y>)"},
+        {u"http://a/\u00e4"_s, "<http://a/\u00e4>"},
+        {u""_s, "[](<>)"},
+    };
+    for (const auto& row : rows) {
+        LogBuilder log;
+        log.link(u"b"_s, row.address, u""_s);
+        EXPECT_EQ(markdown(log), std::string("\n*b:*\n> ") + row.link + "\n");
+    }
+}
+
+TEST(Markdown, SendersOfOneNameStayApart) {
+    ContactsStore contacts({{u"b1"_s, {u"1"_s, u"b1"_s, u"Bob"_s, std::nullopt}},
+                            {u"b2"_s, {u"2"_s, u"b2"_s, u"Robert"_s, u"Bob"_s}}});
+    LogBuilder log;
+    log.text(u"b1"_s, u"x"_s).user(u"b1"_s).text(u"b2"_s, u"y"_s);
+    EXPECT_EQ(log.log().generatePlainText(contacts), u"\n*Bob:*\n> x\n\n*Bob:*\n> y\n");
+}
+
+TEST(Markdown, ControlsAreReferences) {
+    // The reader's XML can't carry them and so can't tell them from each other.
+    LogBuilder log;
+    log.text(u"me"_s, u"\v\f\u001b[0m\u0085"_s);
+    EXPECT_EQ(markdown(log), "\n*me:*\n\n&#11;&#12;&#27;\\[0m&#133;\n");
+}
+
+}  // namespace
+}  // namespace vell::test

@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: MIT
+#include "export/random_logs.h"
+
+#include <QStringList>
+
+#include "export/log_builder.h"
+
+namespace vell::test {
+namespace {
+
+const char16_t* const kFragments[] = {
+    u"hello",
+    u"two words",
+    u"*",
+    u"**bold**",
+    u"_",
+    u"__",
+    u"_it_",
+    u"a_b",
+    u"`",
+    u"``code``",
+    u"```",
+    u"~~~",
+    u"~~gone~~",
+    u"\\",
+    u"\\\\",
+    u"[",
+    u"]",
+    u"[a](b)",
+    u"[a]: b",
+    u"![x](y)",
+    u"!",
+    u"<",
+    u"<b>",
+    u"<!-- x -->",
+    u"</pre>",
+    u"<http://a.b>",
+    u"&",
+    u"&amp;",
+    u"&copy",
+    u"&#65;",
+    u"&notanentity;",
+    u"#",
+    u"# one",
+    u"###### six",
+    u"+",
+    u"+ plus",
+    u"- minus",
+    u"---",
+    u"===",
+    u"=",
+    u"> quote",
+    u">",
+    u"1. one",
+    u"1)",
+    u"12345678901. x",
+    u"2009.",
+    u"|",
+    u"| a | b |\n|---|---|",
+    u":-)",
+    u"http://example.org/a_b_c",
+    u"me@example.org",
+    u"\t",
+    u"    four",
+    u" ",
+    u"  ",
+    u"\u00a0",
+    u"\u3000",
+    u"\u2003x",
+    u"\n",
+    u"\n\n",
+    u"\r\n",
+    u"\r",
+    u"\r\r\n",
+    u"\v",
+    u"\f",
+    u"\u0085",
+    u"\u2028",
+    u"\u2029",
+    u"\u001b[31m",
+    u"\u0001",
+    u"\u007f",
+    u"\ufeff",
+    u"\u200b",
+    u"\u202e",
+    u"\U0001F600",
+    u"e\u0301",
+    u"\u05d0\u05d1",
+    u"$x$",
+    u"www.example.org",
+    u":",
+    u"\u00e4",
+};
+const QChar kLone[] = {QChar(0xD83D), QChar(0xDE00), QChar(u'\0')};
+
+int below(std::mt19937& random, int limit) {
+    return static_cast<int>(random() % static_cast<unsigned>(limit));
+}
+
+QString nasty(std::mt19937& random) {
+    QString text;
+    for (int count = below(random, 6); count > 0; --count) {
+        const int pick = below(random, static_cast<int>(std::size(kFragments) + std::size(kLone)));
+        if (pick < static_cast<int>(std::size(kFragments))) {
+            text += kFragments[pick];
+        } else {
+            text += kLone[pick - static_cast<int>(std::size(kFragments))];
+        }
+    }
+    return text;
+}
+
+bool fitsXml(char16_t unit) {
+    return unit >= 0x20 || unit == u'\t' || unit == u'\n';
+}
+
+/// What a reader has to find for this text.
+QString asRead(QString text) {
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const bool isPair =
+            text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+        if (isPair) {
+            ++i;
+        } else if (text[i].isSurrogate() || !fitsXml(text[i].unicode())) {
+            text[i] = QChar::ReplacementCharacter;
+        }
+    }
+    return text;
+}
+
+QString headingAsRead(const QString& name) {
+    QString text = name;
+    text.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
+    return asRead(text.replace(u'\r', u' ').replace(u'\n', u' ').trimmed());
+}
+
+/// A random body of one message: a text, or a text, a link and a text.
+void addBody(std::mt19937& random, LogBuilder& builder, const Sender& sender, Block& block) {
+    const QString before = nasty(random);
+    builder.text(sender, before);
+    block.text = asRead(before);
+    if (below(random, 3) > 0) return;
+    QString address = QStringLiteral("http://example.org/?a=") + QString::number(random());
+    if (below(random, 2) == 0) address += QStringLiteral("&b=<c>&amp;\\d(e)f g*_`[]");
+    const QString title = nasty(random);
+    const QString after = nasty(random);
+    builder.link(sender, address, title).text(sender, after);
+    block.text += asRead(title.isEmpty() ? address : title) + asRead(after);
+    block.destinations += address;
+}
+
+}  // namespace
+
+ExpectedLog nastyLog(std::mt19937& random) {
+    LogBuilder builder;
+    ContactsStore::Table contacts;
+    std::vector<Block> blocks;
+    const Sender senders[] = {QStringLiteral("me"), QStringLiteral("bob"), nasty(random) + u'x'};
+    const QString nick = nasty(random) + u'.';
+    contacts.insert(senders[1], {QStringLiteral("1"), senders[1], QStringLiteral("Bob"), nick});
+    const auto nameOf = [&](const Sender& s) { return s == senders[1] ? nick : s; };
+    Sender headed;
+    Sender previous;
+    for (int count = 2 + below(random, 8); count > 0; --count) {
+        builder.wait(1);
+        const bool isSystem = below(random, 4) == 0;
+        const Sender sender = isSystem ? Sender() : senders[below(random, 3)];
+        if (!previous.isEmpty() && sender != previous) {
+            builder.user(previous);
+            headed.clear();
+        }
+        previous = sender;
+        Block block;
+        if (isSystem) {
+            const QString text = nasty(random);
+            builder.system(text);
+            blocks.push_back({Block::Kind::rule, {}, {}});
+            blocks.push_back({Block::Kind::system, asRead(text), {}});
+            headed.clear();
+            continue;
+        }
+        if (headed != sender) {
+            blocks.push_back({Block::Kind::senderHeading, headingAsRead(nameOf(sender)), {}});
+        }
+        headed = sender;
+        const bool isOwn = sender == senders[0];
+        block.kind = isOwn ? Block::Kind::paragraph : Block::Kind::quote;
+        addBody(random, builder, sender, block);
+        const bool isNothing = block.text.isEmpty() && block.destinations.isEmpty();
+        if (!isOwn || !isNothing) blocks.push_back(block);
+    }
+    return {builder.log(), contacts, blocks};
+}
+
+ExpectedLog disorderlyLog(std::mt19937& random) {
+    LogBuilder builder;
+    std::vector<Block> blocks;
+    const Sender senders[] = {QStringLiteral("me"), QStringLiteral("bob"), QStringLiteral("eve")};
+    for (int count = 5 + below(random, 30); count > 0; --count) {
+        const Sender sender = senders[below(random, 3)];
+        const QString number = QString::number(count);
+        if (below(random, 3) > 0) builder.wait(1);
+        switch (below(random, 9)) {
+            case 0:
+                builder.newDay();
+                break;
+            case 1:
+                builder.newMinute();
+                break;
+            case 2:
+                builder.user(sender);
+                break;
+            case 3:
+                builder.system(u'/' + number);
+                blocks.push_back({Block::Kind::system, u'/' + number, {}});
+                break;
+            case 4:
+                builder.link({}, QStringLiteral("a:b"), u'/' + number);
+                blocks.push_back({Block::Kind::system, u'/' + number, {QStringLiteral("a:b")}});
+                break;
+            default:
+                builder.text(sender, sender + u'/' + number);
+                blocks.push_back(
+                    {sender == senders[0] ? Block::Kind::paragraph : Block::Kind::quote,
+                     sender + u'/' + number,
+                     {}});
+        }
+    }
+    return {builder.log(), {}, blocks};
+}
+
+}  // namespace vell::test

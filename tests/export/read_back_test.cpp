@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+//
+// Reads Markdown back with an independent reader: the words are those that were typed, and stand
+// below the name of whoever typed them.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "export/commonmark.h"
+#include "export/random_logs.h"
+
+namespace vell::test {
+namespace {
+
+constexpr int kNastyLogs = 500;
+constexpr int kDisorderlyLogs = 300;
+
+std::vector<ExpectedLog> makeLogs(ExpectedLog (*make)(std::mt19937&), int count) {
+    std::mt19937 random(2009);
+    std::vector<ExpectedLog> logs;
+    while (static_cast<int>(logs.size()) < count)
+        logs.push_back(make(random));
+    return logs;
+}
+
+QStringList rendered(const std::vector<ExpectedLog>& logs) {
+    QStringList texts;
+    for (const ExpectedLog& expected : logs) {
+        texts += expected.log.generatePlainText(ContactsStore(expected.contacts));
+    }
+    return texts;
+}
+
+TEST(ReadBack, EveryTextIsExactlyTheTypedOne) {
+    if (!hasMarkdownReader()) GTEST_SKIP() << "cmark is not installed";
+    const auto logs = makeLogs(nastyLog, kNastyLogs);
+    const QStringList texts = rendered(logs);
+    const auto found = readMarkdown(texts);
+    ASSERT_EQ(found.size(), logs.size());
+    for (std::size_t i = 0; i < logs.size(); ++i) {
+        const QString& text = texts[static_cast<qsizetype>(i)];
+        ASSERT_FALSE(text.contains(u'\r'));
+        ASSERT_EQ(found[i], logs[i].blocks) << "log " << i << ":\n" << text.toStdString();
+    }
+}
+
+TEST(ReadBack, EveryBodyStandsBelowItsOwnSender) {
+    if (!hasMarkdownReader()) GTEST_SKIP() << "cmark is not installed";
+    const auto logs = makeLogs(disorderlyLog, kDisorderlyLogs);
+    const QStringList texts = rendered(logs);
+    const auto found = readMarkdown(texts);
+    ASSERT_EQ(found.size(), logs.size());
+    for (std::size_t i = 0; i < logs.size(); ++i) {
+        SCOPED_TRACE(texts[static_cast<qsizetype>(i)].toStdString());
+        QString headed;
+        std::vector<Block> bodies;
+        for (const Block& block : found[i]) {
+            ASSERT_NE(block.kind, Block::Kind::other);
+            if (block.kind == Block::Kind::senderHeading) headed = block.text;
+            if (block.kind == Block::Kind::system) headed.clear();
+            const bool isBody =
+                block.kind == Block::Kind::quote || block.kind == Block::Kind::paragraph;
+            if (isBody) {
+                ASSERT_EQ(headed, block.text.split(u'/').first());
+            }
+            if (isBody || block.kind == Block::Kind::system) bodies.push_back(block);
+        }
+        ASSERT_EQ(bodies, logs[i].blocks);
+    }
+}
+
+}  // namespace
+}  // namespace vell::test
