@@ -86,11 +86,15 @@ const ClassInfo* ClassRegistry::find(std::string_view name) const {
     return found == byName_.end() ? nullptr : found->second;
 }
 
-void registerPlatformClasses(ClassRegistry& registry) {
+void registerValueClasses(ClassRegistry& registry) {
     for (const PlatformClass& row : platformClasses)
         registry.add({.name = row.name,
                       .superclass = row.superclass ? registry.find(row.superclass) : nullptr,
                       .kind = row.kind});
+}
+
+void registerPlatformClasses(ClassRegistry& registry) {
+    registerValueClasses(registry);
     registry.add({.name = "NSUnarchiver",
                   .superclass = registry.find("NSCoder"),
                   .supportsSecureCoding = false,

@@ -72,7 +72,10 @@ class ClassRegistry {
 };
 
 /// Adds the platform's value classes and their public subclasses ("NSTextStorage",
-/// "NSTokenAttachment" …), and "NSUnarchiver", which reads with the classes of this registry.
+/// "NSTokenAttachment" …).
+void registerValueClasses(ClassRegistry& registry);
+
+/// Adds the value classes, and "NSUnarchiver", which reads with the classes of this registry.
 void registerPlatformClasses(ClassRegistry& registry);
 
 }  // namespace foundation

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#include "cli/format.h"
+
+#include <algorithm>
+
+#include "cli/json_format.h"
+
+namespace vell {
+
+std::span<const Format> formats() {
+    static constexpr Format kFormats[] = {
+        {"json", "json", &writeJson},
+    };
+    return kFormats;
+}
+
+const Format* findFormat(const QString& name) {
+    const auto all = formats();
+    const auto at = std::find_if(all.begin(), all.end(), [&name](const Format& format) {
+        return name == QLatin1StringView(format.name);
+    });
+    return at == all.end() ? nullptr : &*at;
+}
+
+}  // namespace vell

@@ -1,0 +1,38 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// What vell-export was asked to do, from its arguments.
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+#include "cli/format.h"
+#include "foundation/calendar.h"
+
+namespace vell {
+
+struct Options {
+    const Format* format = nullptr;  ///< never null
+    QStringList files;               ///< at least one; "-" is standard input
+    std::optional<QString> output;   ///< a file or folder
+    bool force = false;
+    bool printsLoadLog = false;
+    foundation::Calendar calendar;
+    QString locale;  ///< empty: the user's own
+};
+
+/// Arguments that make no sense; says why.
+struct UsageError {
+    QString reason;
+};
+
+/// A text to print instead of doing anything: help or version.
+struct Information {
+    QString text;
+};
+
+/// Reads the arguments, the program's name not among them. Throws UsageError or Information.
+[[nodiscard]] Options parseOptions(const QStringList& arguments);
+
+}  // namespace vell
