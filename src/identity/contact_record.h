@@ -1,0 +1,36 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// ContactRecord: one person as an address book tells it, before anything is filed or decoded.
+
+#include <QByteArray>
+#include <QString>
+#include <optional>
+#include <vector>
+
+namespace vell {
+
+struct ContactRecord {
+    struct InstantMessageAddress {
+        QString userName;
+        QString service;  ///< "AIM", "Jabber" …; empty when the address book tells none
+    };
+
+    struct PhoneNumber {
+        QString stringValue;  ///< as written
+        /// "<PhoneNumber: +1 555 0100>"
+        [[nodiscard]] QString description() const {
+            return QStringLiteral("<PhoneNumber: ") + stringValue + u'>';
+        }
+    };
+
+    QString identifier;           ///< unique in its address book and the same every time
+    std::optional<QString> name;  ///< the full name for display; absent when there is none
+    QString nickname;             ///< empty when there is none
+    QByteArray thumbnail;         ///< an encoded picture; empty when there is none
+    std::vector<InstantMessageAddress> instantMessageAddresses;
+    std::vector<PhoneNumber> phoneNumbers;
+    std::vector<QString> emailAddresses;
+};
+
+}  // namespace vell
