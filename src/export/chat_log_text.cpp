@@ -105,11 +105,13 @@ void Renderer::senderHeading(const TesselUserID& sender) {
         QString name = senderName(sender, contacts_);
         name.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
         name.replace(u'\n', u' ').replace(u'\r', u' ');
+        text = settings_.newUserLinePrefix + settings_.newUserPrefix;
         MarkdownWriter(text).literal(name.trimmed(), Next::more);
-        text = settings_.newUserPrefix + text;
+        text += settings_.newUserLineSuffix;
     }
-    heading(settings_.newUserLinePrefix, {}, text, settings_.newUserLineSuffix);
+    out_ += text;
     headed_ = sender;
+    followsBody_ = false;
 }
 
 void Renderer::systemMessage(const Event& event) {

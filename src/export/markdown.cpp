@@ -44,6 +44,14 @@ bool isControl(char16_t unit) {
     return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x2028 || unit == 0x2029;
 }
 
+qsizetype nextStop(QStringView text, qsizetype from) {
+    const char16_t* const end = text.utf16() + text.size();
+    const char16_t* at = text.utf16() + from;
+    while (at != end && !stopsScan(*at))
+        ++at;
+    return at - text.utf16();
+}
+
 bool isSurrogatePair(QStringView text, qsizetype at) {
     return QChar::isHighSurrogate(text[at].unicode()) && at + 1 < text.size() &&
            QChar::isLowSurrogate(text[at + 1].unicode());
@@ -114,11 +122,9 @@ void MarkdownWriter::literal(QStringView text, Next next) {
     qsizetype clean = startLine(text, 0);  // what is before it has been written
     qsizetype at = clean;
     while (at < size) {
+        at = nextStop(text, at);
+        if (at == size) break;
         const char16_t unit = text[at].unicode();
-        if (!stopsScan(unit)) {
-            ++at;
-            continue;
-        }
         if (isSurrogatePair(text, at)) {
             at += 2;
             continue;
