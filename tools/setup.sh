@@ -57,20 +57,22 @@ need() {
     fi
     mapfile -t lacking < <(mapfile -t entries < <(listed "$@") && missing "${entries[@]}")
     [ ${#lacking[@]} -gt 0 ] || return 0
-    say "To $reason, ${#lacking[@]} packages are missing: ${lacking[*]%%|*}"
+    say "To $reason, ${#lacking[@]} packages are missing: ${lacking[*]//|/ or }"
     if [ "$(id -u)" -ne 0 ]; then
         if ! command -v sudo >/dev/null; then
             say "There is no sudo here. As root: apt-get update && apt-get install ${lacking[*]%%|*}"
             exit 1
         fi
         sudo=(sudo)
-        say "Installing them with sudo apt-get install; it may ask for your password."
+        say "Installing them with sudo apt-get; it may ask for your password."
+    else
+        say "Installing them with apt-get."
     fi
     local apt=("${sudo[@]}" env LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive apt-get -qq)
-    "${apt[@]}" update </dev/null || say "The package lists could not be refreshed; trying those here."
+    "${apt[@]}" update </dev/null >"$log" 2>&1 || say "The package lists could not be refreshed; trying those here."
     for entry in "${lacking[@]}"; do names+=("$(known "$entry")"); done
     if ! "${apt[@]}" -o Dpkg::Use-Pty=0 install -y --no-install-recommends "${names[@]}" \
-        </dev/null >"$log"; then
+        </dev/null >"$log" 2>&1; then
         tail -n 20 "$log" >&2
         say "Installing failed: the lines above say why."
         exit 1
