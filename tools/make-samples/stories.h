@@ -1,0 +1,17 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// The conversations of the samples.
+
+#include "support/transcript_writer.h"
+
+namespace samples {
+
+/// Three people, one cat, four days.
+[[nodiscard]] support::Transcript catInTheBathtub();
+/// Two people and two umbrellas, years earlier.
+[[nodiscard]] support::Transcript twoUmbrellas();
+/// Two people who said nothing.
+[[nodiscard]] support::Transcript nobodySaidAnything();
+
+}  // namespace samples
