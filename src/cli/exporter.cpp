@@ -5,9 +5,11 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <memory>
 
 #include "foundation/error.h"
 #include "foundation/print.h"
+#include "toolkit/console.h"
 #include "transcript/load_log.h"
 
 namespace vell {
@@ -153,6 +155,9 @@ void Exporter::clearProgress() const {
 int runExport(const QStringList& arguments, Streams streams) {
     // Standard output is for documents.
     foundation::setPrintTarget(streams.error);
+    console::setDefaultConsole(std::make_shared<Console2<>>(FileOutputStream(streams.error),
+                                                            FileOutputStream(streams.error),
+                                                            LogLevel::defaultLevel()));
     try {
         const Options options = parseOptions(arguments);
         return Exporter(options, streams).run() ? kDone : kSomeFailed;

@@ -4,11 +4,14 @@
 #include <algorithm>
 
 #include "cli/json_format.h"
+#include "cli/text_formats.h"
 
 namespace vell {
 
 std::span<const Format> formats() {
     static constexpr Format kFormats[] = {
+        {"markdown", "md", &writeMarkdown},
+        {"text", "txt", &writeText},
         {"json", "json", &writeJson},
     };
     return kFormats;

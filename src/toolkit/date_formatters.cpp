@@ -6,13 +6,12 @@
 #include <unicode/uloc.h>
 
 #include <algorithm>
+#include <atomic>
 #include <iterator>
 #include <limits>
 #include <mutex>
 #include <optional>
 #include <utility>
-
-#include "foundation/checked.h"
 
 namespace vell {
 namespace {
@@ -118,14 +117,16 @@ QString DateFormatter::formatted(qint64 localSecond) const {
 
 namespace {
 
+using Style = DateFormatter::Style;
+
 /// The formatters that every thread's own are clones of.
 struct Prototypes {
     std::mutex lock;
-    bool used = false;
     QByteArray locale = environmentDateLocale();
     foundation::Calendar calendar = foundation::Calendar::current();
     std::optional<DateFormatter> day;
     std::optional<DateFormatter> time;
+    std::atomic<quint64> generation = 1;
 };
 
 Prototypes& prototypes() {
@@ -133,35 +134,51 @@ Prototypes& prototypes() {
     return shared;
 }
 
-DateFormatter clone(std::optional<DateFormatter> Prototypes::*which, DateFormatter::Style style) {
-    Prototypes& all = prototypes();
-    const std::lock_guard lock(all.lock);
-    all.used = true;
-    std::optional<DateFormatter>& prototype = all.*which;
-    if (!prototype) prototype.emplace(style, all.locale, all.calendar);
-    return *prototype;
-}
+/// One thread's formatter, made anew in its place when another format has been set.
+class OwnFormatter {
+  public:
+    OwnFormatter(Style style, std::optional<DateFormatter> Prototypes::*which)
+        : style_(style), which_(which) {}
+
+    const DateFormatter& get() {
+        Prototypes& all = prototypes();
+        if (generation_ == all.generation.load(std::memory_order_acquire)) return *formatter_;
+        const std::lock_guard lock(all.lock);
+        std::optional<DateFormatter>& prototype = all.*which_;
+        if (!prototype) prototype.emplace(style_, all.locale, all.calendar);
+        formatter_.emplace(*prototype);
+        generation_ = all.generation;
+        return *formatter_;
+    }
+
+  private:
+    Style style_;
+    std::optional<DateFormatter> Prototypes::*which_;
+    std::optional<DateFormatter> formatter_;
+    quint64 generation_ = 0;
+};
 
 }  // namespace
 
 const DateFormatter& daySeparatorFormatter() {
-    thread_local const DateFormatter mine =
-        clone(&Prototypes::day, DateFormatter::Style::mediumDateShortTime);
-    return mine;
+    thread_local OwnFormatter mine(Style::mediumDateShortTime, &Prototypes::day);
+    return mine.get();
 }
 
 const DateFormatter& timeSeparatorFormatter() {
-    thread_local const DateFormatter mine =
-        clone(&Prototypes::time, DateFormatter::Style::shortTime);
-    return mine;
+    thread_local OwnFormatter mine(Style::shortTime, &Prototypes::time);
+    return mine.get();
 }
 
 void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& calendar) {
     Prototypes& all = prototypes();
     const std::lock_guard lock(all.lock);
-    if (all.used) foundation::fatal("the date format is set after its first use");
+    if (locale == all.locale && calendar.timeZone() == all.calendar.timeZone()) return;
     all.locale = locale;
     all.calendar = calendar;
+    all.day.reset();
+    all.time.reset();
+    ++all.generation;
 }
 
 QByteArray environmentDateLocale() {

@@ -49,8 +49,8 @@ class DateFormatter {
 /// Short time alone; otherwise like daySeparatorFormatter().
 [[nodiscard]] const DateFormatter& timeSeparatorFormatter();
 
-/// Replaces the user's locale and time zone for the shared formatters. Call it before their first
-/// use; later it stops the program.
+/// Replaces the user's locale and time zone in the shared formatters; what they are asked for from
+/// now on follows, on each thread from its next call above.
 void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& calendar);
 
 /// The locale for dates that the environment asks for: LC_ALL, else LC_TIME, else LANG.

@@ -118,6 +118,17 @@ TEST(SharedFormatters, ThreadsUseThemAtOnce) {
     EXPECT_EQ(wrong, 0);
 }
 
+TEST(SharedFormatters, FollowAnotherFormat) {
+    const Date instant = at("2006-01-02T21:04:05Z");
+    const DateFormatter& time = timeSeparatorFormatter();
+    setSharedDateFormat("de_DE", zone("Asia/Kolkata"));
+    EXPECT_EQ(&timeSeparatorFormatter(), &time);
+    EXPECT_EQ(time.string(instant), u"02:34");
+    EXPECT_EQ(daySeparatorFormatter().string(instant), u"03.01.2006, 02:34");
+    setSharedDateFormat(environmentDateLocale(), Calendar::current());
+    EXPECT_NE(daySeparatorFormatter().string(instant), u"03.01.2006, 02:34");
+}
+
 TEST(DateLocale, IsTakenFromTheMostSpecificVariable) {
     const QByteArray all = qgetenv("LC_ALL");
     const QByteArray lang = qgetenv("LANG");

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "cli/text_formats.h"
+
+#include "cli/format.h"
+#include "export/terminal_text.h"
+#include "identity/contacts_store.h"
+#include "toolkit/date_formatters.h"
+
+namespace vell {
+namespace {
+
+void tellDatesAsAsked(const FormatContext& context) {
+    setSharedDateFormat(
+        context.locale.isEmpty() ? environmentDateLocale() : context.locale.toUtf8(),
+        context.calendar);
+}
+
+}  // namespace
+
+void writeMarkdown(const TesselChatLog& log, const FormatContext& context, QIODevice& output) {
+    tellDatesAsAsked(context);
+    output.write(log.generatePlainText(ContactsStore()).toUtf8());
+}
+
+void writeText(const TesselChatLog& log, const FormatContext& context, QIODevice& output) {
+    tellDatesAsAsked(context);
+    output.write(terminalText(log, ContactsStore()).toUtf8());
+}
+
+}  // namespace vell
