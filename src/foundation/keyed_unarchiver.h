@@ -33,7 +33,8 @@ class KeyedUnarchiver final : public Coder {
 
   private:
     class Impl;
-    explicit KeyedUnarchiver(std::unique_ptr<Impl> impl);
+    KeyedUnarchiver(const Data& data, std::span<const ClassInfo* const> allowedClasses,
+                    const ClassRegistry& registry);
     std::unique_ptr<Impl> impl_;
 };
 

@@ -1,0 +1,60 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// KeyedArchive: a property list that holds an archive. "$top" names the values that were archived,
+// "$objects" holds all objects of the graph, which refer to each other by UID, their index there.
+
+#include <optional>
+#include <string_view>
+
+#include "foundation/plist/binary_property_list.h"
+
+namespace foundation::keyed {
+
+using Node = BinaryPropertyList::Node;
+using Kind = BinaryPropertyList::Kind;
+
+class Archive {
+  public:
+    /// Reads either form of property list. Throws Error when the data holds no keyed archive.
+    explicit Archive(const Data& data);
+
+    [[nodiscard]] const BinaryPropertyList& list() const { return list_; }
+    /// The bytes of the file; every limit is a multiple of it.
+    [[nodiscard]] quint64 fileSize() const { return fileSize_; }
+
+    /// The elements of "$objects".
+    [[nodiscard]] quint64 objectCount() const { return objects_.count; }
+    /// Invalid when there is no such object.
+    [[nodiscard]] Node object(quint64 uid) const {
+        if (uid >= objects_.count) return {};
+        return list_.node(list_.element(objects_, uid));
+    }
+    /// The value under a key of "$top"; nothing when it is missing.
+    [[nodiscard]] std::optional<Node> top(std::string_view key) const { return find(top_, key); }
+
+    /// The UID that a value is: a UID object or, from careless converters, a dictionary whose only
+    /// entry is an integer "CF$UID".
+    [[nodiscard]] std::optional<quint64> uid(const Node& value) const {
+        if (value.kind == Kind::uid) return value.count;
+        return value.kind == Kind::dictionary && value.count == 1 ? disguisedUid(value)
+                                                                  : std::nullopt;
+    }
+    /// The bytes of an ASCII string; null for anything else.
+    [[nodiscard]] static QByteArrayView ascii(const Node& node) {
+        if (node.kind != Kind::asciiString) return {};
+        return {node.payload, qsizetype(node.count)};
+    }
+    /// The first value under a key, compared as bytes. Looks through all pairs.
+    [[nodiscard]] std::optional<Node> find(const Node& dictionary, std::string_view key) const;
+
+  private:
+    BinaryPropertyList list_;
+    quint64 fileSize_;
+    Node top_;
+    Node objects_;
+
+    [[nodiscard]] std::optional<quint64> disguisedUid(const Node& dictionary) const;
+};
+
+}  // namespace foundation::keyed

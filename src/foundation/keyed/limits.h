@@ -1,0 +1,55 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// What a keyed archive may ask for. References make a small file describe a graph that is far
+// larger; since an honest archive stores every object and every reference to it, what is built from
+// it is bounded by its size. All limits are multiples of the file's size, so that memory and time
+// are.
+
+#include <QtGlobal>
+
+#include "foundation/keyed/errors.h"
+
+namespace foundation::keyed {
+
+/// Nested objects; honest transcripts stay below 20.
+constexpr int depthLimit = 512;
+
+/// The most elements of one collection: each takes at least eight bytes of an honest file.
+[[nodiscard]] constexpr quint64 elementLimit(quint64 fileSize) {
+    return fileSize / 8 + 4096;
+}
+
+/// One bounded sum. Throws Error when it is passed.
+class Allowance {
+  public:
+    Allowance(quint64 most, const char* what) : left_(most), what_(what) {}
+
+    void spend(quint64 amount) {
+        if (amount > left_) throw excessError(what_);
+        left_ -= amount;
+    }
+    [[nodiscard]] quint64 left() const { return left_; }
+
+  private:
+    quint64 left_;
+    const char* what_;
+};
+
+/// The sums over a whole archive.
+struct Limits {
+    explicit Limits(quint64 fileSize)
+        : elements(2 * elementLimit(fileSize), "elements"),
+          runs(fileSize / 2 + 4096, "attribute runs"),
+          units(3 * fileSize + 65536, "characters"),
+          files(fileSize / 32 + 4096, "files"),
+          steps(16 * fileSize + 1'000'000, "references") {}
+
+    Allowance elements;  ///< of all collections
+    Allowance runs;      ///< of all attributed strings
+    Allowance units;     ///< of all strings; Texts shares the long ones before this is passed
+    Allowance files;     ///< wrappers, entries of directories included
+    Allowance steps;     ///< of work that builds nothing: keys compared, empty runs passed over
+};
+
+}  // namespace foundation::keyed

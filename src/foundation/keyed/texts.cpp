@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/keyed/texts.h"
+
+#include <QtEndian>
+
+namespace foundation::keyed {
+namespace {
+
+/// Shorter texts are not worth an entry in the map.
+constexpr quint64 shortestShared = 64;
+
+}  // namespace
+
+QString Texts::text(const Node& node) {
+    const bool isShared = decoded_ > fileSize_ && node.count >= shortestShared;
+    if (isShared)
+        if (const auto found = shared_.find(node.payload); found != shared_.end())
+            return found->second;
+    units_.spend(node.count);
+    decoded_ += node.count;
+    QString text = decode(node);
+    if (isShared) shared_.emplace(node.payload, text);
+    return text;
+}
+
+QString Texts::decode(const Node& node) {
+    const auto size = qsizetype(node.count);
+    if (node.kind == Kind::utf16String) {
+        QString text(size, Qt::Uninitialized);
+        qFromBigEndian<char16_t>(node.payload, size, text.data());
+        return text;
+    }
+    const QLatin1StringView bytes(node.payload, size);
+    return QtPrivate::isAscii(bytes) ? QString(bytes)
+                                     : QString::fromUtf8(QByteArrayView(node.payload, size));
+}
+
+}  // namespace foundation::keyed

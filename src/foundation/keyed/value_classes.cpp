@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+//
+// Strings, numbers, data, dates, addresses and collections. Plain ones stand in the property list
+// itself; the mutable forms and what other writers make are instances.
+#include <algorithm>
+#include <bit>
+#include <charconv>
+
+#include "foundation/keyed/decoder.h"
+#include "foundation/keyed/errors.h"
+
+namespace foundation::keyed {
+namespace {
+
+bool isNumber(const Node& node) {
+    return node.kind == Kind::boolean || node.kind == Kind::integer || node.kind == Kind::real;
+}
+
+/// The number behind a prefix: "NS.object.12".
+std::optional<quint64> numberBehind(QByteArrayView name, std::string_view prefix) {
+    const std::string_view text(name.data(), std::size_t(name.size()));
+    if (!text.starts_with(prefix)) return std::nullopt;
+    quint64 number = 0;
+    const auto [end, error] =
+        std::from_chars(text.data() + prefix.size(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return number;
+}
+
+}  // namespace
+
+/// Nothing for containers, which are no values by themselves.
+Value Decoder::scalar(const Node& node) {
+    switch (node.kind) {
+        case Kind::boolean:
+            return Number(node.count != 0);
+        case Kind::integer:
+            return node.isSigned ? Number(qint64(node.count)) : Number(node.count);
+        case Kind::real:
+            return Number(std::bit_cast<double>(node.count));
+        case Kind::date:
+            return Date{std::bit_cast<double>(node.count)};
+        case Kind::data:
+            return archive_.list().slice(node);
+        case Kind::asciiString:
+        case Kind::utf16String:
+            return texts_.text(node);
+        default:
+            return {};
+    }
+}
+
+Value Decoder::decodeString(const Instance& instance) {
+    const Value text = decodePart(instance, "NS.string", ClassKind::string);
+    if (text.string()) return text;
+    const auto bytes = instance.value("NS.bytes");
+    if (!bytes || bytes->kind != Kind::data) return QString();
+    limits_.units.spend(bytes->count);
+    return QString::fromUtf8(bytes->payload, qsizetype(bytes->count));
+}
+
+Value Decoder::decodeNumber(const Instance& instance) {
+    for (const std::string_view key : {"NS.boolval", "NS.intval", "NS.dblval", "NS.number"}) {
+        const auto value = instance.value(key);
+        if (!value || !isNumber(*value)) continue;
+        if (key == "NS.boolval") return Number(scalar(*value).number()->toBool());
+        return scalar(*value);
+    }
+    return Number(qint64(0));
+}
+
+Value Decoder::decodeData(const Instance& instance) {
+    for (const std::string_view key : {"NS.data", "NS.bytes"}) {
+        const Value bytes = decodePart(instance, key, ClassKind::data);
+        if (bytes.data()) return bytes;
+    }
+    return Data();
+}
+
+Value Decoder::decodeDate(const Instance& instance) {
+    const auto seconds = instance.value("NS.time");
+    if (!seconds || !isNumber(*seconds)) return Date{};
+    return Date{scalar(*seconds).number()->toDouble()};
+}
+
+Value Decoder::decodeUrl(const Instance& instance) {
+    const Value relative = decodePart(instance, "NS.relative", ClassKind::string);
+    if (!relative.string()) return {};
+    const Value base = decodePart(instance, "NS.base", ClassKind::url);
+    return std::make_shared<URL>(*relative.string(), base.object<URL>());
+}
+
+std::vector<Value> Decoder::decodeElements(const Instance& instance, std::string_view listKey,
+                                           std::string_view numberedPrefix) {
+    const auto list = instance.value(listKey);
+    const bool isList = list && list->kind == Kind::array;
+    const std::vector<Node> numbered =
+        isList ? std::vector<Node>() : numberedValues(instance, numberedPrefix);
+    const quint64 count = isList ? list->count : numbered.size();
+    if (count > elementLimit(archive_.fileSize())) throw excessError("elements in one collection");
+    limits_.elements.spend(count);
+
+    std::vector<Value> values;
+    values.reserve(count);
+    for (quint64 i = 0; i < count; ++i) {
+        const Node node =
+            isList ? archive_.list().node(archive_.list().element(*list, i)) : numbered[i];
+        values.push_back(decodeValue(node, listKey, Check::allowedClasses));
+    }
+    return values;
+}
+
+std::vector<Node> Decoder::numberedValues(const Instance& instance, std::string_view prefix) {
+    const Node& dictionary = instance.dictionary();
+    const BinaryPropertyList& list = archive_.list();
+    limits_.steps.spend(dictionary.count);
+    std::vector<std::pair<quint64, quint64>> numbered;  // number, pair
+    for (quint64 i = 0; i < dictionary.count; ++i) {
+        const QByteArrayView name = Archive::ascii(list.node(list.key(dictionary, i)));
+        if (const auto number = numberBehind(name, prefix)) numbered.emplace_back(*number, i);
+    }
+    std::sort(numbered.begin(), numbered.end());
+    std::vector<Node> values;
+    for (const auto& [number, pair] : numbered) {
+        if (number > values.size()) break;
+        if (number == values.size()) values.push_back(list.node(list.value(dictionary, pair)));
+    }
+    return values;
+}
+
+Value Decoder::decodeDictionary(const Instance& instance) {
+    const std::vector<Value> keys = decodeElements(instance, "NS.keys", "NS.key.");
+    const std::vector<Value> values = decodeElements(instance, "NS.objects", "NS.object.");
+    const std::size_t count = std::min(keys.size(), values.size());
+    std::vector<std::pair<Value, Value>> pairs;
+    pairs.reserve(count);
+    for (std::size_t i = 0; i < count; ++i)
+        pairs.emplace_back(keys[i], values[i]);
+    return std::make_shared<Dictionary>(std::move(pairs));
+}
+
+}  // namespace foundation::keyed
