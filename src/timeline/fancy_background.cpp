@@ -39,13 +39,13 @@ const std::array<int, 256>& softLightGain() {
 }
 
 /// What the two gradients are at one row; rows that agree look alike where the masks do.
-struct RowColors {
+struct LineColors {
     std::array<int, 3> base;
     int gloss;  ///< opacity of white, 0-255
-    bool operator==(const RowColors&) const = default;
+    bool operator==(const LineColors&) const = default;
 };
 
-RowColors colorsAt(const FancyBackground& background, int row, int height, qreal ratio) {
+LineColors colorsAt(const FancyBackground& background, int row, int height, qreal ratio) {
     const auto& [top, bottom] = background.baseGradient;
     const double t = std::clamp((row + 0.5) / height, 0.0, 1.0);
     const auto mix = [t](float a, float b) {
@@ -62,7 +62,7 @@ RowColors colorsAt(const FancyBackground& background, int row, int height, qreal
             static_cast<int>(std::lround(opacity * 255))};
 }
 
-void composeRow(const BackgroundMasks& masks, int maskRow, const RowColors& colors, QRgb* out) {
+void composeRow(const BackgroundMasks& masks, int maskRow, const LineColors& colors, QRgb* out) {
     const uint8_t* outline = masks.outline.row(maskRow);
     const uint8_t* shadow = masks.shadow.row(maskRow);
     const uint8_t* wide = masks.wideBorder.row(maskRow);
@@ -139,12 +139,12 @@ QImage composeBackground(const BackgroundMasks& masks, const FancyBackground& ba
     const int margin = backgroundMargin(ratio);
     const int stretched = height - masks.size.height();
     const int middle = margin + masks.size.height() / 2;
-    RowColors previousColors{};
+    LineColors previousColors{};
     int previousMaskRow = -1;
     for (int i = 0; i < rowCount; ++i) {
         const int row = firstRow + i;
         const int maskRow = row <= middle ? row : std::max(middle, row - stretched);
-        const RowColors colors = colorsAt(background, row - margin, height, ratio);
+        const LineColors colors = colorsAt(background, row - margin, height, ratio);
         auto* out = reinterpret_cast<QRgb*>(image.scanLine(i));
         if (maskRow == previousMaskRow && colors == previousColors) {
             std::memcpy(out, image.constScanLine(i - 1), static_cast<size_t>(image.width()) * 4);

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "timeline/sender_views.h"
+
+#include <QPainter>
+
+#include "identity/contacts_store.h"
+#include "identity/identicons.h"
+#include "identity/sender_name.h"
+#include "identity/style.h"
+#include "timeline/line_layout.h"
+
+namespace vell {
+
+RowLayout SenderInfoView::measure(const RowContext& context, int width) const {
+    return measureLine(senderName(sender, context.contacts), context.fonts.footnote,
+                       isOwn ? LineSide::right : LineSide::left, context, width);
+}
+
+void SenderInfoView::paint(QPainter& painter, const RowLayout& layout, const RowContext& context,
+                           const RowPaint& what) const {
+    paintLine(painter, layout, context.colors.label, what);
+}
+
+QSize SenderIconView::size(const RowContext& context) {
+    return {context.px(Style::userIconSize.width()), context.px(Style::userIconSize.height())};
+}
+
+void SenderIconView::paint(QPainter& painter, const QRect& rect, const RowContext& context) const {
+    const QImage image = identicons().icon(sender.userID, context.ratio);
+    if (image.isNull()) return;
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(rect, image);
+}
+
+}  // namespace vell
