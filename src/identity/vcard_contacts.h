@@ -8,14 +8,13 @@
 #include <functional>
 #include <stop_token>
 
+#include "identity/contacts_source.h"
 #include "identity/vcard_contact.h"
 #include "identity/vcard_reader.h"
 
 namespace vell {
 
 class Logger;
-
-using ContactHandler = std::function<void(const ContactRecord& contact)>;
 
 /// Hands out each contact in the stream's order. A card without an identifier gets the origin and
 /// its number in the stream for one. Pictures that aren't in the cards are left out.

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#include "identity/contact_table.h"
+
+#include "identity/contact_picture.h"
+
+namespace vell {
+namespace {
+
+constexpr qsizetype usualAddresses = 1000;
+
+ContactsStore::Info infoOf(const ContactRecord& contact) {
+    ContactsStore::Info info;
+    info.id = contact.identifier;
+    info.name = *contact.name;
+    if (!contact.nickname.isEmpty()) info.nick = contact.nickname;
+    info.image = contactPicture(contact.thumbnail);
+    return info;
+}
+
+}  // namespace
+
+ContactTable::ContactTable(Logger& log) : log_(log) {
+    table_.reserve(usualAddresses);
+}
+
+template <class... Values>
+bool ContactTable::fileUnder(const QString& address, const ContactsStore::Info& info,
+                             const char* duplicateMessage, const Values&... values) {
+    const qsizetype before = table_.size();
+    ContactsStore::Info& entry = table_[address];
+    if (table_.size() > before) {
+        entry = info;
+        entry.address = address;
+        return true;
+    }
+    if (entry.id != info.id) log_.log(duplicateMessage, address, values..., info.name, entry.name);
+    return false;
+}
+
+void ContactTable::file(const ContactRecord& contact) {
+    if (!contact.name) {
+        log_.log("Contact has no name:", contact.identifier);
+        return;
+    }
+    if (contact.instantMessageAddresses.empty() && contact.phoneNumbers.empty() &&
+        contact.emailAddresses.empty())
+        return;  // its picture needn't be decoded
+
+    ContactsStore::Info info = infoOf(contact);
+    for (const auto& address : contact.instantMessageAddresses)
+        fileUnder(address.userName, info, "Duplicate chat user name in contacts:", address.service);
+    for (const auto& number : contact.phoneNumbers) {
+        const QString& written = number.stringValue;
+        if (!fileUnder(written, info, "Duplicate phone number in contacts:", number)) continue;
+        QString cleaned = written;
+        cleaned.remove(u' ').remove(u'-');
+        if (cleaned == written) continue;
+        info.address = written;
+        table_.insert(cleaned, info);
+    }
+    for (const QString& address : contact.emailAddresses)
+        fileUnder(address, info, "Duplicate email in contacts:");
+}
+
+}  // namespace vell
