@@ -1,0 +1,265 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/non_keyed_reader.h"
+
+#include <array>
+
+namespace foundation {
+
+namespace {
+
+using Kind = StreamValue::Kind;
+
+/// What the first entry of a table is called in references: below zero, so that the first 110 of
+/// them take one byte apart from the marks.
+constexpr qint64 kFirstReference = -110;
+/// Objects and brackets inside one another; real archives stay below 30.
+constexpr int kMaximumNesting = 256;
+constexpr int kMaximumClassChain = 64;
+/// An array of more elements than this and an eighth of the archive's size is no honest one.
+constexpr size_t kArrayAllowance = 4096;
+/// Values of unfinished objects, above a quarter of the archive's size.
+constexpr size_t kValueAllowance = size_t(1) << 20;
+
+}  // namespace
+
+NonKeyedReader::NonKeyedReader(const Data& data, const ClassRegistry& registry)
+    : data_(data),
+      registry_(registry),
+      stream_(data_),
+      budget_(data_.size()),
+      rebuilder_(data_, table_, budget_),
+      maximumValues_(static_cast<size_t>(data_.size()) / 4 + kValueAllowance),
+      maximumElements_(static_cast<size_t>(data_.size()) / 8 + kArrayAllowance) {}
+
+Value NonKeyedReader::readRoot() {
+    const auto group = readGroup();
+    if (group.size() != 1 || !group[0].isObject()) throw MalformedArchive();
+    return rebuilder_.value(group[0]);
+}
+
+std::span<const StreamValue> NonKeyedReader::readGroup() {
+    values_.clear();
+    const auto types = readSharedString();
+    if (!types) throw MalformedArchive();
+    readGroupOf(*types, true);
+    return values_;
+}
+
+void NonKeyedReader::readGroupOf(quint32 types, bool keeps) {
+    const auto [text, first, end] = typesOf(types);
+    for (quint32 at = first; at < end;) {
+        const quint32 next = ops_[at].end;
+        const StreamValue value = readValue(at);
+        if (keeps) keep(value);
+        at = next;
+    }
+}
+
+StreamValue NonKeyedReader::readValue(quint32 at) {
+    const char type = ops_[at].type;
+    switch (type) {
+        case 'c':
+            return StreamValue::ofInteger(type, static_cast<qint8>(stream_.byte()));
+        case 'C':
+        case 'B':
+            return StreamValue::ofInteger(type, stream_.byte());
+        // Unsigned values are stored through the signed coding: widened first, then cut.
+        case 'S':
+            return StreamValue::ofInteger(type, static_cast<quint16>(stream_.integer()));
+        case 'I':
+        case 'L':
+            return StreamValue::ofInteger(type, static_cast<quint32>(stream_.integer()));
+        case 's':
+        case 'i':
+        case 'l':
+        case 'q':
+        case 'Q':
+            return StreamValue::ofInteger(type, stream_.integer());
+        case 'f':
+            return StreamValue::ofReal(type, stream_.real32());
+        case 'd':
+            return StreamValue::ofReal(type, stream_.real64());
+        case '@':
+            return readObject();
+        case '#':
+            return StreamValue::of(readClass() ? Kind::classReference : Kind::nil, type);
+        case '*':
+            return readCString();
+        case '+':
+            if (stream_.takes(Mark::nil)) return StreamValue::of(Kind::nil, type);
+            return StreamValue::ofBytes(Kind::bytes, type, stream_.unsharedString());
+        case '[':
+            return readArray(at);
+        case '{':
+            skipBody(at + 1, ops_[at].end);
+            return StreamValue::of(Kind::compound, type);
+        default:  // a selector or an atom
+            return readShared(type);
+    }
+}
+
+StreamValue NonKeyedReader::readArray(quint32 at) {
+    const auto [type, count, end] = ops_[at];
+    const bool isOfCharacters = end == at + 2 && (ops_[at + 1].type | 0x20) == 'c';
+    if (isOfCharacters) return StreamValue::ofBytes(Kind::bytes, type, stream_.bytes(count));
+    // Whatever it holds, each element takes a byte at least.
+    if (count > stream_.remaining()) throw MalformedArchive();
+    for (quint32 i = 0; i < count; ++i)
+        skipBody(at + 1, end);
+    return StreamValue::of(Kind::compound, type);
+}
+
+void NonKeyedReader::skipBody(quint32 first, quint32 end) {
+    enter();
+    for (quint32 at = first; at < end;) {
+        const quint32 next = ops_[at].end;
+        readValue(at);
+        at = next;
+    }
+    leave();
+}
+
+StreamValue NonKeyedReader::readObject() {
+    if (stream_.takes(Mark::nil)) return StreamValue::of(Kind::nil, '@');
+    StreamValue result = StreamValue::of(Kind::object, '@');
+    if (!stream_.takes(Mark::isNew)) {
+        result.number = readReference(table_.size());
+        const auto kind = table_[result.number].kind;
+        if (kind > ObjectTable::Kind::dictionary) throw MalformedArchive();
+        return result;
+    }
+    result.number = addEntry({});
+    const ClassRecord* cls = readClass();
+    if (!cls) throw MalformedArchive();
+    enter();
+    readObjectBody(result.number, *cls);
+    leave();
+    return result;
+}
+
+void NonKeyedReader::readObjectBody(quint32 number, const ClassRecord& cls) {
+    const size_t first = values_.size();
+    const ObjectRebuilder::Needs needs = rebuilder_.needs(cls);
+    while (!stream_.takes(Mark::endOfObject)) {
+        const auto types = readSharedString();
+        if (!types) throw MalformedArchive();
+        readGroupOf(*types, needs != ObjectRebuilder::Needs::nothing);
+        if (needs == ObjectRebuilder::Needs::elements &&
+            values_.size() - first > maximumElements_ + 1)
+            throw MalformedArchive();
+    }
+    rebuilder_.rebuild(number, cls, std::span(values_).subspan(first));
+    values_.resize(first);
+}
+
+StreamValue NonKeyedReader::readCString() {
+    if (stream_.takes(Mark::nil)) return StreamValue::of(Kind::nil, '*');
+    quint32 string = 0;
+    if (stream_.takes(Mark::isNew)) {
+        const auto body = readSharedString();
+        if (!body) throw MalformedArchive();
+        string = *body;
+        addEntry({.kind = ObjectTable::Kind::cString, .index = string});
+    } else {
+        const auto& entry = table_[readReference(table_.size())];
+        if (entry.kind != ObjectTable::Kind::cString) throw MalformedArchive();
+        string = entry.index;
+    }
+    return StreamValue::ofBytes(Kind::text, '*', strings_[string].text);
+}
+
+StreamValue NonKeyedReader::readShared(char type) {
+    const auto string = readSharedString();
+    if (!string) return StreamValue::of(Kind::nil, type);
+    return StreamValue::ofBytes(Kind::text, type, strings_[*string].text);
+}
+
+/// A class is written with its superclasses, up to nil or to one that is known. All of them are
+/// numbered in that order, and none may be referred to before the chain ends.
+const ClassRecord* NonKeyedReader::readClass() {
+    const quint32 first = table_.size();
+    std::array<quint32, kMaximumClassChain> names{};
+    quint32 count = 0;
+    const ClassRecord* superclass = nullptr;
+    while (!stream_.takes(Mark::nil)) {
+        if (!stream_.takes(Mark::isNew)) {
+            const auto& entry = table_[readReference(table_.size())];
+            if (entry.kind != ObjectTable::Kind::classRecord) throw MalformedArchive();
+            superclass = &classes_[entry.index];
+            break;
+        }
+        const auto name = readSharedString();
+        if (!name || count == kMaximumClassChain) throw MalformedArchive();
+        stream_.integer();  // its version
+        names[count++] = *name;
+        addEntry({.kind = ObjectTable::Kind::unfinishedClass});
+    }
+    while (count > 0) {
+        --count;
+        superclass = &addClass(first + count, names[count], superclass);
+    }
+    return superclass;
+}
+
+const ClassRecord& NonKeyedReader::addClass(quint32 number, quint32 name,
+                                            const ClassRecord* superclass) {
+    // Shared names are looked up once: they may be long, and a class takes few bytes.
+    const std::string_view text = strings_[name].text;
+    const auto [known, isNew] = knownClasses_.try_emplace(text.data());
+    if (isNew) known->second = registry_.find(text);
+    ClassRecord record{.name = text, .info = known->second};
+    if (superclass) {
+        if (!record.info) record.info = superclass->info;
+        record.chainLength = superclass->chainLength + 1;
+        if (record.chainLength > kMaximumClassChain) throw MalformedArchive();
+    }
+    budget_.takeWorking(2 * sizeof(ClassRecord));
+    table_.set(number, {.kind = ObjectTable::Kind::classRecord,
+                        .index = static_cast<quint32>(classes_.size())});
+    return classes_.emplace_back(record);
+}
+
+/// Nothing for nil.
+std::optional<quint32> NonKeyedReader::readSharedString() {
+    if (stream_.takes(Mark::nil)) return std::nullopt;
+    if (!stream_.takes(Mark::isNew)) return readReference(static_cast<quint32>(strings_.size()));
+    budget_.takeWorking(sizeof(SharedString));
+    strings_.push_back({.text = stream_.unsharedString()});
+    return static_cast<quint32>(strings_.size() - 1);
+}
+
+quint32 NonKeyedReader::readReference(quint32 tableSize) {
+    const qint64 index = stream_.integer() - kFirstReference;
+    if (index < 0 || index >= tableSize) throw MalformedArchive();
+    return static_cast<quint32>(index);
+}
+
+const NonKeyedReader::SharedString& NonKeyedReader::typesOf(quint32 string) {
+    SharedString& shared = strings_[string];
+    if (shared.endOp == 0) {
+        shared.firstOp = static_cast<quint32>(ops_.size());
+        if (!appendTypeOps(shared.text, ops_)) throw MalformedArchive();
+        shared.endOp = static_cast<quint32>(ops_.size());
+        budget_.takeWorking((shared.endOp - shared.firstOp) * sizeof(TypeOp) * 2);
+    }
+    return shared;
+}
+
+quint32 NonKeyedReader::addEntry(ObjectTable::Entry entry) {
+    budget_.takeWorking(sizeof(ObjectTable::Entry));
+    return table_.add(entry);
+}
+
+void NonKeyedReader::keep(const StreamValue& value) {
+    if (values_.size() == values_.capacity()) {
+        if (values_.size() >= maximumValues_) throw MalformedArchive();
+        values_.reserve(std::min(values_.size() * 2 + 64, maximumValues_));
+    }
+    values_.push_back(value);
+}
+
+void NonKeyedReader::enter() {
+    if (++nesting_ > kMaximumNesting) throw MalformedArchive();
+}
+
+}  // namespace foundation

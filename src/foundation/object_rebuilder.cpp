@@ -1,0 +1,377 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/object_rebuilder.h"
+
+#include <QStringDecoder>
+#include <algorithm>
+#include <iterator>
+
+#include "foundation/positional_coder.h"
+#include "foundation/url.h"
+
+namespace foundation {
+
+namespace {
+
+using Kind = StreamValue::Kind;
+
+/// How deep rebuilt objects nest at most, by reference too: whoever walks or frees them recurses.
+constexpr int kMaximumHeight = 250;
+
+// What rebuilt values take in memory, roughly, allocation included.
+constexpr quint64 kObjectSize = 80;  // of a small one
+constexpr quint64 kApplicationObjectSize = 160;
+constexpr quint64 kFileWrapperSize = 208;
+
+/// An element that is no number where a reference to an object may stand.
+constexpr quint32 kNoNumber = 0xffffffff;
+
+constexpr QByteArrayView kByteOrderMark = "\xEF\xBB\xBF";
+
+/// UTF-8 with replacement of what is none. A byte-order mark is a character like any other: run
+/// lengths count it.
+QString decodedText(std::string_view bytes) {
+    const QByteArrayView view(bytes);
+    if (!view.startsWith(kByteOrderMark)) return QString::fromUtf8(view);
+    return QStringDecoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom)
+        .decode(view);
+}
+
+const StreamValue* find(std::span<const StreamValue> values, auto matches) {
+    const auto found = std::find_if(values.begin(), values.end(), matches);
+    return found == values.end() ? nullptr : &*found;
+}
+
+const StreamValue* findInteger(std::span<const StreamValue> values) {
+    return find(values, [](const StreamValue& value) { return value.kind == Kind::integer; });
+}
+
+Value number(std::span<const StreamValue> values) {
+    for (const StreamValue& value : values) {
+        if (value.kind == Kind::real) return Number(value.real);
+        if (value.kind != Kind::integer) continue;
+        if (value.type == 'B') return Number(value.integer != 0);
+        if (value.type == 'Q') return Number(static_cast<quint64>(value.integer));
+        return Number(value.integer);
+    }
+    return {};
+}
+
+Value date(std::span<const StreamValue> values) {
+    const auto* seconds =
+        find(values, [](const StreamValue& value) { return value.kind == Kind::real; });
+    return seconds ? Value(Date{seconds->real}) : Value();
+}
+
+/// Characters that resolving against a base copies. A long one may be shared by many addresses.
+quint64 resolvingCost(const URL* base) {
+    quint64 result = 0;
+    quint64 length = 0;
+    for (; base; base = base->base().get()) {
+        length += static_cast<quint64>(base->relative().size());
+        result += length;
+    }
+    return result;
+}
+
+quint64 wrapperSize(const FileWrapper& wrapper) {
+    quint64 size = kFileWrapperSize;
+    for (const auto& child : wrapper.children)
+        size += wrapperSize(*child);
+    return size;
+}
+
+}  // namespace
+
+ObjectRebuilder::Needs ObjectRebuilder::needs(const ClassRecord& cls) {
+    if (!cls.info) return Needs::nothing;
+    switch (cls.info->kind) {
+        case ClassKind::array:
+        case ClassKind::set:
+        case ClassKind::countedSet:
+        case ClassKind::orderedSet:
+            return Needs::elements;
+        case ClassKind::none:
+        case ClassKind::opaque:
+        case ClassKind::null:
+        case ClassKind::calendar:
+            return Needs::nothing;
+        default:
+            return Needs::values;
+    }
+}
+
+void ObjectRebuilder::rebuild(quint32 number, const ClassRecord& cls,
+                              std::span<const StreamValue> values) {
+    const quint8 height = heightOf(values);
+    if (cls.info && cls.info->kind == ClassKind::dictionary)
+        return addDictionary(number, values, height);
+    Value result = rebuilt(cls, values);
+    if (result.isNothing()) return;
+    budget_.takeWorking(sizeof(Value));
+    table_.set(number, {.kind = ObjectTable::Kind::object,
+                        .height = height,
+                        .index = static_cast<quint32>(rebuilt_.size())});
+    rebuilt_.push_back(std::move(result));
+}
+
+Value ObjectRebuilder::value(const StreamValue& value) {
+    return value.kind == Kind::object ? valueOf(value.number) : Value();
+}
+
+Value ObjectRebuilder::rebuilt(const ClassRecord& cls, std::span<const StreamValue> values) {
+    switch (cls.info ? cls.info->kind : ClassKind::none) {
+        case ClassKind::string:
+            return string(values);
+        case ClassKind::number:
+            return foundation::number(values);
+        case ClassKind::data:
+            return data(values);
+        case ClassKind::date:
+            return date(values);
+        case ClassKind::url:
+            return url(values);
+        case ClassKind::array:
+            return std::make_shared<Array>(elements(values));
+        case ClassKind::set:
+        case ClassKind::countedSet:
+        case ClassKind::orderedSet:
+            return std::make_shared<Set>(elements(values));
+        case ClassKind::attributedString:
+            return attributedString(values);
+        case ClassKind::textAttachment:
+            return textAttachment(values);
+        case ClassKind::fileWrapper:
+            return fileWrapper(values);
+        case ClassKind::application:
+            if (cls.info->initWithCoder) return application(*cls.info, values);
+            return opaque(cls);
+        default:
+            return opaque(cls);
+    }
+}
+
+/// One for each name: nothing tells two of them apart.
+Value ObjectRebuilder::opaque(const ClassRecord& cls) {
+    const auto [known, isNew] = opaqueByName_.try_emplace(cls.name.data());
+    if (isNew) {
+        budget_.takeKept(kObjectSize + cls.name.size());
+        known->second = std::make_shared<OpaqueObject>(
+            QByteArray(cls.name.data(), static_cast<qsizetype>(cls.name.size())));
+    }
+    return known->second;
+}
+
+Value ObjectRebuilder::string(std::span<const StreamValue> values) {
+    const auto* text = find(values, [](const StreamValue& value) {
+        return (value.kind == Kind::bytes && value.type == '+') || value.kind == Kind::text;
+    });
+    if (!text) return {};
+    QString string = decodedText(text->view());
+    budget_.takeKept(static_cast<quint64>(string.size()) * sizeof(QChar) + 32);
+    return string;
+}
+
+Value ObjectRebuilder::data(std::span<const StreamValue> values) {
+    const auto* bytes =
+        find(values, [](const StreamValue& value) { return value.kind == Kind::bytes; });
+    budget_.takeKept(kObjectSize);
+    if (bytes) return slice(*bytes);
+    // Data without bytes may go without the group that would hold them.
+    const auto* length = findInteger(values);
+    return length && length->integer == 0 ? Value(Data()) : Value();
+}
+
+Value ObjectRebuilder::url(std::span<const StreamValue> values) {
+    std::optional<QString> relative;
+    std::shared_ptr<const URL> base;
+    for (const StreamValue& item : values) {
+        const Value object = value(item);
+        if (const QString* text = object.string(); text && !relative) relative = *text;
+        if (!base) base = object.object<URL>();
+    }
+    if (!relative) return {};
+    budget_.takeKept(kObjectSize);
+    budget_.takeWorking(resolvingCost(base.get()));
+    return std::make_shared<URL>(*std::move(relative), std::move(base));
+}
+
+/// The elements that are there, whatever the stored count: a subclass may have added others.
+quint64 ObjectRebuilder::storedCount(std::span<const StreamValue> values) const {
+    const auto* count = findInteger(values);
+    if (!count) return 0;
+    if (count->integer < 0 || count->integer > data_.size()) throw MalformedArchive();
+    return static_cast<quint64>(count->integer);
+}
+
+std::vector<Value> ObjectRebuilder::elements(std::span<const StreamValue> values) {
+    const quint64 wanted = std::min<quint64>(storedCount(values), values.size() - 1);
+    budget_.takeKept(kObjectSize + wanted * sizeof(Value));
+    std::vector<Value> result;
+    result.reserve(wanted);
+    for (const StreamValue& item : values) {
+        if (result.size() == wanted) break;
+        if (item.isObject()) result.push_back(value(item));
+    }
+    return result;
+}
+
+void ObjectRebuilder::addDictionary(quint32 number, std::span<const StreamValue> values,
+                                    quint8 height) {
+    const quint64 wanted = std::min<quint64>(storedCount(values) * 2, values.size());
+    const auto first = static_cast<quint32>(members_.size());
+    quint32 count = 0;
+    for (const StreamValue& item : values) {
+        if (count == wanted) break;
+        if (!item.isObject()) continue;
+        // What is absent now stays so, although the objects around this one will be finished.
+        const bool isThere = item.kind == Kind::object &&
+                             table_[item.number].kind != ObjectTable::Kind::absentObject;
+        members_.push_back(isThere ? item.number : kNoNumber);
+        ++count;
+    }
+    count &= ~1u;
+    budget_.takeWorking(sizeof(ArchivedDictionary) + count * sizeof(quint32));
+    table_.set(number, {.kind = ObjectTable::Kind::dictionary,
+                        .height = height,
+                        .index = static_cast<quint32>(dictionaries_.size())});
+    dictionaries_.push_back({.firstMember = first,
+                             .memberCount = count,
+                             .attributes = attributesAmong(first, count),
+                             .value = {}});
+}
+
+std::shared_ptr<const Attributes> ObjectRebuilder::attributesAmong(quint32 firstMember,
+                                                                   quint32 memberCount) {
+    Attributes found;
+    bool isEmpty = true;
+    for (quint32 i = 0; i < memberCount; i += 2) {
+        const quint32 keyNumber = members_[firstMember + i];
+        if (keyNumber == kNoNumber || table_[keyNumber].kind != ObjectTable::Kind::object) continue;
+        const QString* key = rebuilt_[table_[keyNumber].index].string();
+        if (!key) continue;
+        Value* const attribute = *key == u"NSLink"              ? &found.link
+                                 : *key == u"NSAttachment"      ? &found.attachment
+                                 : *key == u"FezInlineFilePath" ? &found.inlineFilePath
+                                                                : nullptr;
+        if (!attribute) continue;
+        *attribute = valueOf(members_[firstMember + i + 1]);
+        isEmpty = isEmpty && attribute->isNothing();
+    }
+    if (isEmpty) return nullptr;
+    budget_.takeKept(sizeof(Attributes) + 16);
+    return std::make_shared<Attributes>(std::move(found));
+}
+
+const std::shared_ptr<const Attributes>* ObjectRebuilder::attributesOf(const StreamValue& value) {
+    if (value.kind != Kind::object) return nullptr;
+    const auto& entry = table_[value.number];
+    if (entry.kind != ObjectTable::Kind::dictionary) return nullptr;
+    return &dictionaries_[entry.index].attributes;
+}
+
+/// A text, then for each run the number of its attributes and its length. A number that is new is
+/// followed by the dictionary.
+Value ObjectRebuilder::attributedString(std::span<const StreamValue> values) {
+    const auto* first = find(values, [](const StreamValue& value) { return value.isObject(); });
+    if (!first) return {};
+    const Value text = value(*first);
+    QString string = text.string() ? *text.string() : QString();
+    AttributeRunBuilder builder(string.size());
+    numberedAttributes_.clear();
+    for (auto at = first + 1; at < values.data() + values.size();) {
+        const StreamValue& attributesNumber = *at++;
+        if (attributesNumber.kind != Kind::integer || at == values.data() + values.size()) continue;
+        const StreamValue& length = *at++;
+        const auto index = static_cast<quint64>(attributesNumber.integer) - 1;
+        if (index == numberedAttributes_.size() && at < values.data() + values.size())
+            numberedAttributes_.push_back(at->isObject() ? attributesOf(*at++) : nullptr);
+        if (length.kind != Kind::integer) continue;
+        const auto* attributes =
+            index < numberedAttributes_.size() ? numberedAttributes_[index] : nullptr;
+        builder.add(static_cast<quint32>(length.integer), attributes ? *attributes : nullptr);
+    }
+    auto result = builder.finish();
+    budget_.takeKept(kObjectSize + result.capacity() * sizeof(AttributedString::Run));
+    return std::make_shared<AttributedString>(std::move(string), std::move(result));
+}
+
+/// The order of what an attachment holds is not relied upon: each part is known by its class.
+Value ObjectRebuilder::textAttachment(std::span<const StreamValue> values) {
+    auto attachment = std::make_shared<TextAttachment>();
+    for (const StreamValue& item : values) {
+        const Value object = value(item);
+        if (!attachment->fileWrapper) attachment->fileWrapper = object.object<FileWrapper>();
+        if (const Data* bytes = object.data(); bytes && !attachment->contents)
+            attachment->contents = *bytes;
+        if (const QString* type = object.string(); type && !attachment->fileType)
+            attachment->fileType = *type;
+    }
+    // A folder beside contents of the attachment's own is the rich text around it, not what is
+    // attached.
+    if (attachment->contents && attachment->fileType && attachment->fileWrapper &&
+        attachment->fileWrapper->isDirectory())
+        attachment->fileWrapper = nullptr;
+    budget_.takeKept(kApplicationObjectSize);
+    return attachment;
+}
+
+Value ObjectRebuilder::fileWrapper(std::span<const StreamValue> values) {
+    std::optional<Data> serialized;
+    for (const StreamValue& item : values) {
+        if (item.kind == Kind::bytes) serialized = slice(item);
+        const Value object = value(item);
+        if (const Data* bytes = object.data()) serialized = *bytes;
+        if (serialized) break;
+    }
+    if (!serialized) return {};
+    // Many wrappers may name one data object; it is read once.
+    const auto [known, isNew] = wrappersBySource_.try_emplace(serialized->begin());
+    if (isNew) {
+        budget_.takeWorking(kObjectSize);
+        known->second = parseSerializedFileWrapper(*serialized);
+        if (known->second) budget_.takeKept(wrapperSize(*known->second));
+    }
+    return known->second;
+}
+
+Value ObjectRebuilder::application(const ClassInfo& info, std::span<const StreamValue> values) {
+    budget_.takeKept(kApplicationObjectSize);
+    PositionalCoder coder(*this, values);
+    return info.initWithCoder(coder);
+}
+
+Value ObjectRebuilder::valueOf(quint32 number) {
+    if (number == kNoNumber) return {};
+    const auto& entry = table_[number];
+    if (entry.kind == ObjectTable::Kind::object) return rebuilt_[entry.index];
+    if (entry.kind != ObjectTable::Kind::dictionary) return {};
+    ArchivedDictionary& dictionary = dictionaries_[entry.index];
+    if (dictionary.value.isNothing()) {
+        budget_.takeKept(kObjectSize + dictionary.memberCount * sizeof(Value));
+        std::vector<std::pair<Value, Value>> pairs;
+        pairs.reserve(dictionary.memberCount / 2);
+        for (quint32 i = 0; i < dictionary.memberCount; i += 2) {
+            const auto member = [&](quint32 n) {
+                return valueOf(members_[dictionary.firstMember + n]);
+            };
+            pairs.emplace_back(member(i), member(i + 1));
+        }
+        dictionary.value = std::make_shared<Dictionary>(std::move(pairs));
+    }
+    return dictionary.value;
+}
+
+quint8 ObjectRebuilder::heightOf(std::span<const StreamValue> values) const {
+    int height = 0;
+    for (const StreamValue& value : values) {
+        if (value.kind == Kind::object) height = std::max<int>(height, table_[value.number].height);
+    }
+    if (height == kMaximumHeight) throw MalformedArchive();
+    return static_cast<quint8>(height + 1);
+}
+
+Data ObjectRebuilder::slice(const StreamValue& value) const {
+    return data_.slice(value.data - data_.begin(), value.number);
+}
+
+}  // namespace foundation

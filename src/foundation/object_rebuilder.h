@@ -1,0 +1,76 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// ObjectRebuilder: turns the values of one finished object of a non-keyed archive into what its
+// class stands for. Objects end innermost first, so all that an object holds is there already,
+// except the objects around it, which count as absent: rebuilt graphs hold no cycles.
+
+#include <deque>
+#include <memory>
+#include <span>
+#include <unordered_map>
+
+#include "foundation/attributed_string.h"
+#include "foundation/stream_value.h"
+
+namespace foundation {
+
+class ObjectRebuilder {
+  public:
+    /// What an object of a class has to hand over when it ends.
+    enum class Needs {
+        nothing,   ///< nobody asks for what it holds
+        values,    ///< all of its values
+        elements,  ///< the same, for a collection whose size is bounded
+    };
+
+    /// All three must outlive the rebuilder. Attachment bytes become slices of `data`.
+    ObjectRebuilder(const Data& data, ObjectTable& table, MemoryBudget& budget)
+        : data_(data), table_(table), budget_(budget) {}
+
+    [[nodiscard]] static Needs needs(const ClassRecord& cls);
+    /// Rebuilds the object of that number, which must not be finished yet.
+    void rebuild(quint32 number, const ClassRecord& cls, std::span<const StreamValue> values);
+    /// The object that the value holds; nothing when it is nil, absent or no object.
+    [[nodiscard]] Value value(const StreamValue& value);
+
+  private:
+    struct ArchivedDictionary {
+        quint32 firstMember = 0;  ///< in members_: the numbers of keys and values in turn
+        quint32 memberCount = 0;
+        /// What it means as an attribute dictionary; null when none of the attributes is set.
+        std::shared_ptr<const Attributes> attributes;
+        Value value;  ///< made when somebody asks for it
+    };
+
+    Value rebuilt(const ClassRecord& cls, std::span<const StreamValue> values);
+    Value opaque(const ClassRecord& cls);
+    Value string(std::span<const StreamValue> values);
+    Value data(std::span<const StreamValue> values);
+    Value url(std::span<const StreamValue> values);
+    std::vector<Value> elements(std::span<const StreamValue> values);
+    Value attributedString(std::span<const StreamValue> values);
+    Value textAttachment(std::span<const StreamValue> values);
+    Value fileWrapper(std::span<const StreamValue> values);
+    Value application(const ClassInfo& info, std::span<const StreamValue> values);
+    void addDictionary(quint32 number, std::span<const StreamValue> values, quint8 height);
+    std::shared_ptr<const Attributes> attributesAmong(quint32 firstMember, quint32 memberCount);
+    [[nodiscard]] const std::shared_ptr<const Attributes>* attributesOf(const StreamValue& value);
+    Value valueOf(quint32 number);
+    [[nodiscard]] quint64 storedCount(std::span<const StreamValue> values) const;
+    [[nodiscard]] quint8 heightOf(std::span<const StreamValue> values) const;
+    [[nodiscard]] Data slice(const StreamValue& value) const;
+
+    const Data& data_;
+    ObjectTable& table_;
+    MemoryBudget& budget_;
+    std::deque<Value> rebuilt_;
+    std::deque<ArchivedDictionary> dictionaries_;
+    std::deque<quint32> members_;
+    std::unordered_map<const char*, Value> opaqueByName_;
+    std::unordered_map<const char*, std::shared_ptr<const FileWrapper>> wrappersBySource_;
+    /// Of the attributed string being rebuilt, by their number less one.
+    std::vector<const std::shared_ptr<const Attributes>*> numberedAttributes_;
+};
+
+}  // namespace foundation

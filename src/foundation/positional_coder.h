@@ -1,0 +1,44 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// PositionalCoder: what an application class reads its instance from in a non-keyed archive: the
+// values of one object, one after another, whatever groups they were written in.
+
+#include <span>
+
+#include "foundation/object_rebuilder.h"
+
+namespace foundation {
+
+class PositionalCoder final : public Coder {
+  public:
+    PositionalCoder(ObjectRebuilder& rebuilder, std::span<const StreamValue> values)
+        : rebuilder_(rebuilder), rest_(values) {}
+
+    [[nodiscard]] bool isKeyed() const override { return false; }
+    Value decodeObject(std::string_view) override { return {}; }
+    Value decodeObject() override {
+        const StreamValue* next = take();
+        return next ? rebuilder_.value(*next) : Value();
+    }
+    std::optional<quint32> decodeUInt32() override {
+        const StreamValue* next = take();
+        if (!next || next->kind != StreamValue::Kind::integer) return std::nullopt;
+        return static_cast<quint32>(next->integer);
+    }
+    [[nodiscard]] QString description() const override { return QStringLiteral("<NSUnarchiver>"); }
+
+  private:
+    /// A position is a position: a value of another type than the one asked for is passed too.
+    const StreamValue* take() {
+        if (rest_.empty()) return nullptr;
+        const StreamValue* next = &rest_.front();
+        rest_ = rest_.subspan(1);
+        return next;
+    }
+
+    ObjectRebuilder& rebuilder_;
+    std::span<const StreamValue> rest_;
+};
+
+}  // namespace foundation

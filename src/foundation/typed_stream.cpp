@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/typed_stream.h"
+
+#include <bit>
+
+namespace foundation {
+
+namespace {
+
+constexpr quint8 kStreamerVersion = 4;
+constexpr std::string_view kLittleEndianName = "streamtyped";
+constexpr std::string_view kBigEndianName = "typedstream";
+
+}  // namespace
+
+TypedStream::TypedStream(const Data& data) : position_(data.begin()), end_(data.end()) {
+    if (byte() != kStreamerVersion) throw MalformedArchive();
+    const std::string_view name = unsharedString();
+    if (name != kLittleEndianName && name != kBigEndianName) throw MalformedArchive();
+    isBigEndian_ = name == kBigEndianName;
+    integer();  // the writing system's version
+}
+
+std::string_view TypedStream::unsharedString() {
+    const qint32 length = integer();
+    if (length < 0) throw MalformedArchive();
+    return bytes(static_cast<quint64>(length));
+}
+
+qint32 TypedStream::wideInteger(quint8 head) {
+    if (head == static_cast<quint8>(Mark::int16)) return fixed<qint16>();
+    if (head == static_cast<quint8>(Mark::int32)) return fixed<qint32>();
+    throw MalformedArchive();
+}
+
+template <class Real, class Bits>
+double TypedStream::real() {
+    const quint8 head = byte();
+    if (head != static_cast<quint8>(Mark::real)) return integerWithHead(head);
+    return std::bit_cast<Real>(fixed<Bits>());
+}
+
+template double TypedStream::real<float, quint32>();
+template double TypedStream::real<double, quint64>();
+
+}  // namespace foundation

@@ -1,0 +1,80 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// TypedStream: the bytes of a non-keyed archive from front to back: its header, its integers, reals
+// and strings in the byte order that the header tells. Every read is checked against what is left
+// and throws MalformedArchive; no such exception leaves the reader of non-keyed archives.
+
+#include <QtEndian>
+#include <string_view>
+
+#include "foundation/data.h"
+
+namespace foundation {
+
+/// The bytes are no non-keyed archive or break its grammar or bounds.
+struct MalformedArchive {};
+
+/// Bytes that stand where a value could begin and mean something else.
+enum class Mark : quint8 {
+    int16 = 0x81,
+    int32 = 0x82,
+    real = 0x83,
+    isNew = 0x84,
+    nil = 0x85,
+    endOfObject = 0x86,
+};
+
+class TypedStream {
+  public:
+    /// Reads the header. The data must outlive the stream.
+    explicit TypedStream(const Data& data);
+
+    [[nodiscard]] quint64 remaining() const { return static_cast<quint64>(end_ - position_); }
+    [[nodiscard]] const char* position() const { return position_; }
+    /// Takes the next byte when it is the mark.
+    bool takes(Mark mark) {
+        if (position_ == end_) throw MalformedArchive();
+        if (static_cast<quint8>(*position_) != static_cast<quint8>(mark)) return false;
+        ++position_;
+        return true;
+    }
+    /// The next bytes, which the stream then has passed.
+    std::string_view bytes(quint64 size) {
+        if (size > remaining()) throw MalformedArchive();
+        const std::string_view result(position_, size);
+        position_ += size;
+        return result;
+    }
+    quint8 byte() { return static_cast<quint8>(bytes(1).front()); }
+    /// An integer of at most 32 bits, with its sign.
+    qint32 integer() { return integerWithHead(byte()); }
+    /// A real, of four or eight bytes unless it is written as an integer.
+    double real32() { return real<float, quint32>(); }
+    double real64() { return real<double, quint64>(); }
+    /// A length and that many bytes.
+    std::string_view unsharedString();
+
+  private:
+    qint32 integerWithHead(quint8 head) {
+        // Small numbers stand for themselves; the marks lie between the two ranges.
+        if (head < 0x80 || head > kLastReserved) return static_cast<qint8>(head);
+        return wideInteger(head);
+    }
+    qint32 wideInteger(quint8 head);
+    template <class T>
+    T fixed() {
+        const char* source = bytes(sizeof(T)).data();
+        return isBigEndian_ ? qFromBigEndian<T>(source) : qFromLittleEndian<T>(source);
+    }
+    template <class Real, class Bits>
+    double real();
+
+    static constexpr quint8 kLastReserved = 0x91;
+
+    const char* position_;
+    const char* end_;
+    bool isBigEndian_ = false;
+};
+
+}  // namespace foundation
