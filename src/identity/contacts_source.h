@@ -24,7 +24,8 @@ class ContactsSource : public QObject {
     /// Hands out every contact, in the same order each time. It owns all it needs: it may run on
     /// any thread, beside others and after its source is gone. It ends early, whichever way, once a
     /// stop is requested, and throws foundation::Error when the contacts can't be read.
-    using Enumeration = std::function<void(const ContactHandler& handle, std::stop_token stop)>;
+    using Enumeration =
+        std::function<void(const ContactHandler& handle, const std::stop_token& stop)>;
 
     /// Asks for access. The answer comes once, at any time and on any thread; a source that is
     /// merely absent grants it.

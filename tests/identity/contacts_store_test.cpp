@@ -5,7 +5,6 @@
 
 #include <QBuffer>
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -15,6 +14,7 @@
 #include "identity/log_lines.h"
 #include "identity/memory_contacts.h"
 #include "identity/sender_name.h"
+#include "identity/waiting.h"
 #include "transcript/user_id.h"
 
 namespace {
@@ -22,13 +22,6 @@ namespace {
 using namespace vell;
 using namespace Qt::StringLiterals;
 using foundation::Error;
-
-bool waitFor(const std::function<bool()>& condition) {
-    const QDeadlineTimer deadline(10000);
-    while (!condition() && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    return condition();
-}
 
 ContactRecord contact(const QString& id, const std::optional<QString>& name) {
     ContactRecord record;
@@ -68,7 +61,7 @@ class ContactsStoreTest : public testing::Test {
     void reload(const std::function<void()>& start) {
         QSignalSpy published(store.get(), &ContactsStore::addressToContactChanged);
         if (start) start();
-        ASSERT_TRUE(waitFor([&] { return !published.isEmpty(); }));
+        ASSERT_TRUE(test::waitFor([&] { return !published.isEmpty(); }));
     }
     QString idAt(const QString& address) const {
         return store->addressToContact().value(address).id;
@@ -95,7 +88,7 @@ TEST_F(ContactsStoreTest, AsksNobodyUntilToldAndNeverTwice) {
     store->requestAccess();
     std::thread([&] { source->answer(false); }).join();
     EXPECT_TRUE(store->shouldRequestABAccess()) << "answers are taken on the window thread";
-    ASSERT_TRUE(waitFor([&] { return asked.size() == 1; }));
+    ASSERT_TRUE(test::waitFor([&] { return asked.size() == 1; }));
     EXPECT_FALSE(store->shouldRequestABAccess());
     EXPECT_FALSE(store->contactsAvailable());
     Q_EMIT source->contactsChanged();
@@ -123,13 +116,13 @@ TEST_F(ContactsStoreTest, TellsErrorsAndKeepsTheTableThatIsThere) {
     source->contacts = {withEmail("b", "b@x.org")};
     Q_EMIT source->contactsChanged();
     QStringList lines;
-    ASSERT_TRUE(waitFor([&] { return (lines += log->take()).size() == 2; }));
+    ASSERT_TRUE(test::waitFor([&] { return (lines += log->take()).size() == 2; }));
     EXPECT_EQ(lines[1], "ERROR: Error while retrieving contact data: " + error.description());
     EXPECT_EQ(store->addressToContact().size(), 1);
 
     store->requestAccess();
     source->answer(false, error);
-    ASSERT_TRUE(waitFor([&] { return !store->contactsAvailable(); }));
+    ASSERT_TRUE(test::waitFor([&] { return !store->contactsAvailable(); }));
     EXPECT_EQ(log->take(),
               QStringList{"ERROR: Contact authoriation failed: false " + error.description()});
 }
@@ -265,7 +258,7 @@ TEST_F(ContactsStoreTest, EndsWhileAReadingHangs) {
     const auto gate = source->gate;
     gate->set(false);
     source->answer(true);
-    ASSERT_TRUE(waitFor([&] { return source->enumerations == 1; }));
+    ASSERT_TRUE(test::waitFor([&] { return source->enumerations == 1; }));
     store.reset();
     gate->set(true);
     QCoreApplication::processEvents();

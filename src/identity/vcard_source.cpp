@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "identity/vcard_source.h"
+
+#include <QDir>
+#include <QStandardPaths>
+#include <utility>
+
+#include "identity/contact_files.h"
+#include "identity/contact_table.h"
+#include "identity/file_watch.h"
+#include "identity/mailbox.h"
+#include "identity/vcard_contacts.h"
+
+namespace vell {
+
+VCardSource::VCardSource(QStringList paths, Chosen chosen, std::shared_ptr<Logger> log)
+    : paths_(std::move(paths)),
+      chosen_(chosen),
+      log_(std::move(log)),
+      mailbox_(std::make_shared<Mailbox>(this)) {}
+
+VCardSource::~VCardSource() {
+    mailbox_->close();
+}
+
+QStringList VCardSource::customaryFolders() {
+    return {QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                QStringLiteral("/contacts"),
+            QDir::homePath() + QStringLiteral("/.contacts")};
+}
+
+void VCardSource::setPaths(const QStringList& paths) {
+    if (paths_ == paths) return;
+    paths_ = paths;
+    Q_EMIT contactsChanged();
+}
+
+ContactsSource::Enumeration VCardSource::enumeration() {
+    if (!watch_)
+        watch_ = std::make_shared<FileWatch>([this, mailbox = mailbox_] {
+            // The mailbox answers for `this`.
+            mailbox->post([this] { Q_EMIT contactsChanged(); });
+        });
+    return [paths = paths_, log = log_, watch = watch_](const ContactHandler& handle,
+                                                        const std::stop_token& stop) {
+        const ContactFiles found = findContactFiles(paths, stop);
+        watch->watch(paths, found);
+        for (const QString& file : found.files)
+            readVCardFile(file, ContactPictures::wanted, *log, handle, stop);
+    };
+}
+
+ContactsStore::Table readContactTable(const QStringList& files, Logger& log) {
+    ContactTable table(log);
+    for (const QString& file : files)
+        readVCardFile(file, ContactPictures::unwanted, log,
+                      [&](const ContactRecord& contact) { table.file(contact); });
+    return table.take();
+}
+
+}  // namespace vell

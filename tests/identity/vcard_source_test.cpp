@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: MIT
+//
+// Real files on a real disk, as people and synchronisers leave them.
+#include "identity/vcard_source.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <QDir>
+#include <QFile>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include "identity/contact_files.h"
+#include "identity/log_lines.h"
+#include "identity/waiting.h"
+
+namespace {
+
+using namespace vell;
+
+QByteArray card(const QByteArray& id, const QByteArray& lines) {
+    return "BEGIN:VCARD\nVERSION:3.0\nUID:" + id + "\nFN:" + id.toUpper() + "\n" + lines +
+           "END:VCARD\n";
+}
+
+class VCardSourceTest : public testing::Test {
+  protected:
+    QString path(const QString& name) const { return folder.filePath(name); }
+    void write(const QString& name, const QByteArray& bytes) const {
+        QDir().mkpath(QFileInfo(path(name)).path());
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(bytes), bytes.size());
+    }
+    void replace(const QString& name, const QByteArray& bytes) const {
+        write(name + ".new", bytes);
+        ASSERT_EQ(std::rename(path(name + ".new").toLocal8Bit().constData(),
+                              path(name).toLocal8Bit().constData()),
+                  0);
+    }
+    /// A store that has read the paths.
+    void load(const QStringList& paths) {
+        settings.setValue("VellDidRequestABAccess", true);
+        auto owned = std::make_unique<VCardSource>(paths, VCardSource::Chosen::byCustom, log);
+        source = owned.get();
+        store = std::make_unique<ContactsStore>(std::move(owned), settings, log);
+        published =
+            std::make_unique<QSignalSpy>(store.get(), &ContactsStore::addressToContactChanged);
+        ASSERT_TRUE(test::waitFor([&] { return published->size() == 1; }));
+        (void)log->take();
+    }
+    testing::AssertionResult comesToKnow(const QString& address, const QString& id) {
+        if (test::waitFor([&] { return idAt(address) == id; })) return testing::AssertionSuccess();
+        return testing::AssertionFailure()
+               << address.toStdString() << " is " << idAt(address).toStdString();
+    }
+    QString idAt(const QString& address) const {
+        return store->addressToContact().value(address).id;
+    }
+
+    QTemporaryDir folder;
+    QTemporaryDir elsewhere;
+    QSettings settings{elsewhere.filePath("settings.ini"), QSettings::IniFormat};
+    std::shared_ptr<test::LogLines> log = std::make_shared<test::LogLines>();
+    VCardSource* source = nullptr;
+    std::unique_ptr<ContactsStore> store;
+    std::unique_ptr<QSignalSpy> published;
+};
+
+TEST_F(VCardSourceTest, FindsCardFilesInAStableOrder) {
+    for (const char* name :
+         {"b.vcf", "a/z.VCF", "a/y.vcard", "a/notes.txt", ".hidden/c.vcf", "c/d/e.vcf", ".d.vcf"})
+        write(name, card("x", ""));
+    ASSERT_EQ(symlink("..", path("a/circle").toLocal8Bit().constData()), 0);
+    ASSERT_EQ(mkfifo(path("pipe.vcf").toLocal8Bit().constData(), 0600), 0);
+    write("chosen.txt", card("x", ""));
+
+    const ContactFiles found = findContactFiles({path("chosen.txt"), path("missing"), path("")});
+    QStringList names;
+    for (const QString& file : found.files)
+        names.append(folder.path().isEmpty() ? file : QDir(folder.path()).relativeFilePath(file));
+    EXPECT_EQ(names, (QStringList{"chosen.txt", "a/y.vcard", "a/z.VCF", "b.vcf", "c/d/e.vcf"}));
+    EXPECT_EQ(found.fingerprint,
+              findContactFiles({path("chosen.txt"), path("missing"), path("")}).fingerprint);
+}
+
+TEST_F(VCardSourceTest, HoldsTheNumberAndMergeRulesForFiles) {
+    write("1.vcf", card("a", "TEL:1 2-3\nEMAIL:m@x\n") + card("b", "TEL:12-3\nEMAIL:m@x\n"));
+    write("2.vcf", card("c", "TEL:1 2-3\nX-AIM:chat\n"));
+    auto kept = std::make_shared<test::LogLines>();
+    log = kept;
+    load({folder.path()});
+    EXPECT_EQ(idAt("1 2-3"), "a");
+    EXPECT_EQ(idAt("12-3"), "b");
+    EXPECT_EQ(idAt("123"), "b") << "the last one takes the cleaned form";
+    EXPECT_EQ(idAt("m@x"), "a");
+    EXPECT_EQ(idAt("chat"), "c");
+
+    write("1.vcf", card("d", "EMAIL:m@x\nEMAIL:new@x\n"));
+    EXPECT_TRUE(comesToKnow("new@x", "d"));
+    EXPECT_EQ(idAt("m@x"), "d") << "replaced";
+    EXPECT_EQ(idAt("12-3"), "b") << "kept until the program ends";
+    EXPECT_EQ(log->take().filter("Duplicate"), QStringList()) << "old entries are no duplicates";
+}
+
+TEST_F(VCardSourceTest, SeesEveryKindOfChange) {
+    write("book/1.vcf", card("a", "EMAIL:1@x\n"));
+    load({path("book"), path("later/contacts"), path("chosen.vcf")});
+    EXPECT_EQ(idAt("1@x"), "a");
+
+    write("book/1.vcf", card("edited", "EMAIL:1@x\n"));
+    EXPECT_TRUE(comesToKnow("1@x", "edited"));
+    replace("book/1.vcf", card("renamed", "EMAIL:1@x\n"));
+    EXPECT_TRUE(comesToKnow("1@x", "renamed"));
+    replace("book/1.vcf", card("again", "EMAIL:1@x\n"));
+    EXPECT_TRUE(comesToKnow("1@x", "again")) << "still watched after it was replaced";
+    write("book/sub/2.vcf", card("added", "EMAIL:2@x\n"));
+    EXPECT_TRUE(comesToKnow("2@x", "added"));
+    write("book/sub/2.vcf", card("edited", "EMAIL:2@x\n"));
+    EXPECT_TRUE(comesToKnow("2@x", "edited")) << "new folders and files are watched";
+    write("book/sub/0.vcf", card("first", "EMAIL:2@x\n"));
+    EXPECT_TRUE(comesToKnow("2@x", "first"));
+    ASSERT_TRUE(QFile::remove(path("book/sub/0.vcf")));
+    EXPECT_TRUE(comesToKnow("2@x", "edited")) << "removed";
+    write("chosen.vcf", card("chosen", "EMAIL:3@x\n"));
+    EXPECT_TRUE(comesToKnow("3@x", "chosen")) << "was missing";
+    write("later/contacts/4.vcf", card("late", "EMAIL:4@x\n"));
+    EXPECT_TRUE(comesToKnow("4@x", "late")) << "its folder was missing";
+    ASSERT_TRUE(QDir(path("later/contacts")).removeRecursively());
+    write("later/contacts/4.vcf", card("later", "EMAIL:4@x\n"));
+    EXPECT_TRUE(comesToKnow("4@x", "later")) << "its folder was made anew";
+}
+
+TEST_F(VCardSourceTest, TakesABurstAsOneChangeAndOthersAsNone) {
+    write("book/0.vcf", card("0", "EMAIL:0@x\n"));
+    load({path("book"), path("chosen.vcf")});
+    for (int i = 1; i <= 200; i++)
+        write(QStringLiteral("book/%1.vcf").arg(i),
+              card(QByteArray::number(i), "EMAIL:" + QByteArray::number(i) + "@x\n"));
+    EXPECT_TRUE(comesToKnow("200@x", "200"));
+    EXPECT_LT(published->size(), 10);
+
+    const auto before = published->size();
+    write("book/notes.txt", "no card");
+    write("nobody.vcf", card("n", "EMAIL:n@x\n"));
+    test::waitFor([] { return false; }, 400);
+    EXPECT_EQ(published->size(), before);
+}
+
+TEST_F(VCardSourceTest, TellsDamageAndReadsTheRest) {
+    write("1.vcf", "BEGIN:VCARD\nFN:Lost\n" + card("a", "EMAIL:a@x\n"));
+    write("2.vcf", card("b", "EMAIL:b@x\n"));
+    const auto lines = std::make_shared<test::LogLines>();
+    VCardSource files({folder.path()}, VCardSource::Chosen::byUser, lines);
+    QStringList ids;
+    files.enumeration()([&](const ContactRecord& contact) { ids += contact.identifier; }, {});
+    EXPECT_EQ(ids, (QStringList{"a", "b"}));
+    EXPECT_EQ(lines->take(), QStringList{"WARN:  Skipped a malformed contact card: " +
+                                         path("1.vcf") + ":1 it has no end"});
+    EXPECT_TRUE(files.hasFreeContacts());
+    EXPECT_FALSE(VCardSource({}, VCardSource::Chosen::byUser).hasFreeContacts());
+    EXPECT_FALSE(VCardSource({"/"}, VCardSource::Chosen::byCustom).hasFreeContacts());
+}
+
+TEST_F(VCardSourceTest, NamesPeopleForTheCommandLineWithoutPictures) {
+    write("1.vcf", card("a", "NICKNAME:Al\nTEL:1 2\nPHOTO;ENCODING=b:/9j/4AAQSkZJRg==\n"));
+    test::LogLines lines;
+    const ContactsStore::Table table = readContactTable({path("1.vcf"), path("none.vcf")}, lines);
+    EXPECT_EQ(table.value("12"), (ContactsStore::Info{"a", "1 2", "A", "Al"}));
+    EXPECT_EQ(lines.take().filter("Could not read contacts:").size(), 1);
+}
+
+}  // namespace
