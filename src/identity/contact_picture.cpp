@@ -1,24 +1,24 @@
 // SPDX-License-Identifier: MIT
 #include "identity/contact_picture.h"
 
-#include <QBuffer>
-#include <QImageReader>
-
+#include "foundation/picture.h"
 #include "identity/style.h"
+#include "toolkit/picture_decoder.h"
 
 namespace vell {
+namespace {
+
+constexpr int kPixelsPerPoint = 2;
+
+}  // namespace
 
 std::optional<QImage> contactPicture(const QByteArray& encoded) {
-    if (encoded.isEmpty()) return std::nullopt;
-    QBuffer buffer;
-    buffer.setData(encoded);
-    QImageReader reader(&buffer);
-    QImage image = reader.read();
-    if (image.isNull()) return std::nullopt;
-    image = image.scaled((Style::userIconSize * 2).toSize(), Qt::IgnoreAspectRatio,
-                         Qt::SmoothTransformation);
-    image.setDevicePixelRatio(2);
-    return image;
+    const auto picture = foundation::recognisePicture(encoded);
+    if (!picture) return std::nullopt;
+    const QSize pixels = (Style::userIconSize * kPixelsPerPoint).toSize();
+    const DecodedPicture decoded = decodePicture(*picture, pixels, Qt::IgnoreAspectRatio);
+    if (!decoded) return std::nullopt;
+    return decoded.picture.qxResize(Style::userIconSize, {}, kPixelsPerPoint).image;
 }
 
 }  // namespace vell
