@@ -9,7 +9,7 @@
 #include <limits>
 #include <utility>
 
-#include "timeline/emoji.h"
+#include "toolkit/emoji.h"
 
 namespace vell {
 namespace {

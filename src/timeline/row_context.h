@@ -4,10 +4,10 @@
 // RowContext: what every row needs beside its own event to be measured and painted: fonts, colours,
 // the screen's device ratio and the caches. Owned by the timeline; rows only borrow it.
 
-#include <QtCore/qnamespace.h>
 #include <QColor>
 #include <QFont>
 #include <QPalette>
+#include <Qt>
 #include <cmath>
 
 namespace vell {

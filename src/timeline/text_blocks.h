@@ -4,8 +4,8 @@
 // A message's text cut into the pieces that are laid out one by one: its paragraphs, and parts of
 // those that are longer than a layout should get.
 
-#include <QtCore/qnamespace.h>
 #include <QStringView>
+#include <Qt>
 #include <vector>
 
 namespace vell {

@@ -7,10 +7,10 @@
 #include <QTextBoundaryFinder>
 #include <random>
 
-#include "timeline/emoji.h"
 #include "timeline/height_tree.h"
 #include "timeline/laid_out_text.h"
 #include "timeline/text_blocks.h"
+#include "toolkit/emoji.h"
 
 namespace vell {
 namespace {

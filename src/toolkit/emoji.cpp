@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "timeline/emoji.h"
+#include "toolkit/emoji.h"
 
 #include <unicode/uchar.h>
 
