@@ -1,0 +1,16 @@
+# What the program says of itself stands in packaging/Info.plist.in and nowhere else; here CMake
+# fills in the version, and takes from it what manual pages and packages repeat.
+
+math(EXPR VELL_BUILD "10000 * ${PROJECT_VERSION_MAJOR} + 100 * ${PROJECT_VERSION_MINOR}
+                      + ${PROJECT_VERSION_PATCH}")
+configure_file("${PROJECT_SOURCE_DIR}/packaging/Info.plist.in" "${CMAKE_BINARY_DIR}/Info.plist"
+               @ONLY)
+
+# vell_info(KEY VARIABLE): the string under that key.
+function(vell_info key variable)
+    file(READ "${CMAKE_BINARY_DIR}/Info.plist" plist)
+    if(NOT plist MATCHES "<key>${key}</key>[ \t\r\n]*<string>([^<]*)</string>")
+        message(FATAL_ERROR "Info.plist has no string under ${key}")
+    endif()
+    set(${variable} "${CMAKE_MATCH_1}" PARENT_SCOPE)
+endfunction()
