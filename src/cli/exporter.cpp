@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "foundation/error.h"
+#include "foundation/local_path.h"
 #include "foundation/print.h"
 #include "toolkit/console.h"
 #include "transcript/load_log.h"
@@ -15,6 +16,7 @@
 namespace vell {
 
 using namespace Qt::StringLiterals;
+using foundation::localPath;
 
 namespace {
 
@@ -52,7 +54,7 @@ QString reasonOf(const std::exception& error) {
 foundation::FileWrapper wrapperOf(const QString& file) {
     using Kind = foundation::FileWrapper::Kind;
     if (file == u"-") return foundation::FileWrapper(Kind::regularFile);
-    const QFileInfo info(filePath(file));
+    const QFileInfo info(localPath(file));
     const Kind kind = info.isSymLink() ? Kind::symbolicLink
                       : info.isDir()   ? Kind::directory
                                        : Kind::regularFile;
@@ -78,7 +80,10 @@ bool Exporter::run() {
 
 void Exporter::prepareOutput() {
     if (!options_.output) return;
-    const QFileInfo info(filePath(*options_.output));
+    for (const QString& file : options_.files) {
+        if (file != u"-") transcripts_.insert(QFileInfo(localPath(file)).canonicalFilePath());
+    }
+    const QFileInfo info(localPath(*options_.output));
     intoFolder_ = info.isDir() || options_.files.size() > 1 || options_.output->endsWith(u'/');
     if (!intoFolder_ || info.isDir()) return;
     if (info.exists()) throw UsageError{*options_.output + u" is no folder"_s};
@@ -123,10 +128,9 @@ void Exporter::write(const TesselChatLog& log, const QString& file) {
     QString path = *options_.output;
     if (intoFolder_)
         path += u'/' + names_.nameFor(file, QString::fromLatin1(options_.format->fileExtension));
-    for (const QString& input : options_.files) {
-        if (input != u"-" && isSameFile(path, input))
-            throw WriteError{path + u": a transcript itself, never replaced"_s};
-    }
+    if (QFileInfo target(localPath(path));
+        target.exists() && transcripts_.contains(target.canonicalFilePath()))
+        throw WriteError{path + u": a transcript itself, never replaced"_s};
     try {
         writeFile(path, options_.force, writeTo);
     } catch (const WriteError& error) {
@@ -143,7 +147,7 @@ void Exporter::report(const QString& file, const QString& reason) const {
 
 void Exporter::showProgress(qsizetype done, const QString& file) const {
     if (!showsProgress_) return;
-    const QString name = oneLine(QFileInfo(filePath(file)).fileName()).left(50);
+    const QString name = oneLine(QFileInfo(localPath(file)).fileName()).left(50);
     writeText(streams_.error,
               u"\r\033[K%1 of %2: "_s.arg(done + 1).arg(options_.files.size()) + name);
 }

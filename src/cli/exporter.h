@@ -5,6 +5,7 @@
 // for, and tells what went wrong without stopping.
 
 #include <QIODevice>
+#include <QSet>
 #include <cstdio>
 
 #include "cli/options.h"
@@ -31,6 +32,7 @@ class Exporter {
     const Options& options_;
     Streams streams_;
     OutputNames names_;
+    QSet<QString> transcripts_;  // where the files really lie; no output replaces one of them
     bool intoFolder_ = false;
     bool showsProgress_ = false;
 

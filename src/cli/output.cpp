@@ -2,16 +2,18 @@
 #include "cli/output.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
+#include "foundation/local_path.h"
+
 namespace vell {
 
 using namespace Qt::StringLiterals;
+using foundation::localPath;
 
 namespace {
 
@@ -43,7 +45,7 @@ void moveInto(QFile& temporary, const QString& path, bool replacesExisting) {
 QString OutputNames::nameFor(const QString& input, const QString& extension) {
     QString name = u"stdin"_s;
     if (input != u"-") {
-        const QFileInfo info(filePath(input));
+        const QFileInfo info(localPath(input));
         name = info.completeBaseName().isEmpty() ? info.fileName() : info.completeBaseName();
     }
     QString unique = name;
@@ -55,7 +57,7 @@ QString OutputNames::nameFor(const QString& input, const QString& extension) {
 
 void writeFile(const QString& path, bool replacesExisting,
                const std::function<void(QIODevice&)>& write) {
-    const QFileInfo target(filePath(path));
+    const QFileInfo target(localPath(path));
     const bool isThere = target.exists() || target.isSymLink();
     if (isThere && !replacesExisting) throw WriteError{u"the file exists (--force replaces it)"_s};
     if (target.exists() && !target.isFile()) throw WriteError{u"it is no regular file"_s};
@@ -72,15 +74,6 @@ void writeFile(const QString& path, bool replacesExisting,
         temporary.remove();
         throw;
     }
-}
-
-bool isSameFile(const QString& a, const QString& b) {
-    const QString first = QFileInfo(filePath(a)).canonicalFilePath();
-    return !first.isEmpty() && first == QFileInfo(filePath(b)).canonicalFilePath();
-}
-
-QString filePath(const QString& path) {
-    return path.startsWith(u':') ? QDir::currentPath() + u'/' + path : path;
 }
 
 }  // namespace vell

@@ -31,10 +31,4 @@ class OutputNames {
 void writeFile(const QString& path, bool replacesExisting,
                const std::function<void(QIODevice&)>& write);
 
-/// Whether both paths lead to the same existing file.
-[[nodiscard]] bool isSameFile(const QString& a, const QString& b);
-
-/// The path as Qt's file classes take it for a file's, even when it starts with ":".
-[[nodiscard]] QString filePath(const QString& path);
-
 }  // namespace vell

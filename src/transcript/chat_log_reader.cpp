@@ -3,13 +3,13 @@
 // From a file's bytes to a chat log: reads the timeline, then walks its messages once and writes
 // the events.
 #include <QDateTime>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
 #include <unordered_map>
 #include <utility>
 
+#include "foundation/local_path.h"
 #include "foundation/print.h"
 #include "transcript/archived_classes.h"
 #include "transcript/chat_log.h"
@@ -215,11 +215,6 @@ TesselChatLog Conversion::finish() {
     return {serviceID_, std::move(own), std::move(others), std::move(events_)};
 }
 
-/// A path that Qt takes for a file's, even when it starts with ":".
-QString filePath(const QString& path) {
-    return path.startsWith(u':') ? QDir::currentPath() + u'/' + path : path;
-}
-
 }  // namespace
 
 TesselChatLog TesselChatLog::fromData(const foundation::Data& data, std::optional<Date> fileDate,
@@ -236,7 +231,7 @@ TesselChatLog TesselChatLog::fromData(const foundation::Data& data, std::optiona
 }
 
 TesselChatLog TesselChatLog::fromFile(const QString& path, const foundation::Calendar& calendar) {
-    QFile file(filePath(path));
+    QFile file(foundation::localPath(path));
     if (!file.open(QIODevice::ReadOnly))
         throw foundation::Error(u"NSCocoaErrorDomain"_s, 256, file.errorString());
     const QByteArray bytes = file.readAll();
