@@ -12,6 +12,10 @@ constexpr quint64 shortestShared = 64;
 }  // namespace
 
 QString Texts::text(const Node& node) {
+    Recent& recent = recent_[reinterpret_cast<quintptr>(node.payload) % recent_.size()];
+    if (recent.node.payload == node.payload && recent.node.count == node.count &&
+        recent.node.kind == node.kind)
+        return recent.text;
     const bool isShared = decoded_ > fileSize_ && node.count >= shortestShared;
     if (isShared)
         if (const auto found = shared_.find(node.payload); found != shared_.end())
@@ -20,6 +24,7 @@ QString Texts::text(const Node& node) {
     decoded_ += node.count;
     QString text = decode(node);
     if (isShared) shared_.emplace(node.payload, text);
+    recent = {node, text};
     return text;
 }
 

@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: MIT
 //
 // Texts: the strings of an archive as QStrings. Writers store equal strings once in the property
-// list, however many objects have them; once the texts are longer together than the file, long ones
-// are looked up by where they lie, so that their copies share one buffer.
+// list, however many objects have them. The copies that follow each other, such as the two texts of
+// one message, share one buffer; once the texts are longer together than the file, all long ones
+// do.
 
 #include <QString>
+#include <array>
 #include <map>
 
 #include "foundation/keyed/archive.h"
@@ -26,6 +28,11 @@ class Texts {
     Allowance& units_;
     quint64 decoded_ = 0;
     std::map<const char*, QString> shared_;  ///< by payload
+    struct Recent {
+        Node node;
+        QString text;
+    };
+    std::array<Recent, 64> recent_;  ///< each the last of those whose payloads fall on its place
 
     QString decode(const Node& node);
 };
