@@ -1,16 +1,39 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Pictures of contacts, brought to the size that everything shows them at.
+// Pictures of contacts, brought to the size that everything shows them at. Address books are read
+// again at every change, and hardly ever a picture is another one: those of the last readings are
+// kept, and equal ones are shared. Any thread.
 
 #include <QByteArray>
+#include <QHash>
 #include <QImage>
+#include <mutex>
 #include <optional>
 
 namespace vell {
 
 /// The picture stretched to Style::userIconSize, at two pixels a point; nothing when the bytes are
-/// no picture that can be decoded. Any thread.
+/// no picture that can be decoded, or an unreasonable one.
 [[nodiscard]] std::optional<QImage> contactPicture(const QByteArray& encoded);
+
+class ContactPictureCache {
+  public:
+    ContactPictureCache() = default;
+    ContactPictureCache(const ContactPictureCache&) = delete;
+    ContactPictureCache& operator=(const ContactPictureCache&) = delete;
+
+    /// As contactPicture() says.
+    [[nodiscard]] std::optional<QImage> picture(const QByteArray& encoded);
+    /// Forgets what was not asked for since the last but one call.
+    void age();
+
+  private:
+    using Pictures = QHash<QByteArray, std::optional<QImage>>;  ///< by digest
+
+    std::mutex mutex_;
+    Pictures recent_;
+    Pictures older_;
+};
 
 }  // namespace vell

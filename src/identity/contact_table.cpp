@@ -1,26 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "identity/contact_table.h"
 
-#include "identity/contact_picture.h"
-
 namespace vell {
 namespace {
 
 constexpr qsizetype usualAddresses = 1000;
 
-ContactsStore::Info infoOf(const ContactRecord& contact) {
+}  // namespace
+
+ContactTable::ContactTable(Logger& log, ContactPictureCache* pictures)
+    : log_(log), pictures_(pictures) {
+    table_.reserve(usualAddresses);
+}
+
+ContactsStore::Info ContactTable::infoOf(const ContactRecord& contact) const {
     ContactsStore::Info info;
     info.id = contact.identifier;
     info.name = *contact.name;
     if (!contact.nickname.isEmpty()) info.nick = contact.nickname;
-    info.image = contactPicture(contact.thumbnail);
+    if (pictures_) info.image = pictures_->picture(contact.thumbnail);
     return info;
-}
-
-}  // namespace
-
-ContactTable::ContactTable(Logger& log) : log_(log) {
-    table_.reserve(usualAddresses);
 }
 
 template <class... Values>

@@ -7,6 +7,7 @@
 
 #include <utility>
 
+#include "identity/contact_picture.h"
 #include "identity/contact_record.h"
 #include "identity/contacts_store.h"
 #include "toolkit/logger.h"
@@ -15,8 +16,8 @@ namespace vell {
 
 class ContactTable {
   public:
-    /// The logger must outlive this.
-    explicit ContactTable(Logger& log);
+    /// Logger and pictures must outlive this; without pictures nobody gets one.
+    explicit ContactTable(Logger& log, ContactPictureCache* pictures = nullptr);
 
     /// Files a contact; one without a name is skipped. Tells the logger of skipped contacts and of
     /// addresses that somebody else has.
@@ -30,7 +31,10 @@ class ContactTable {
     bool fileUnder(const QString& address, const ContactsStore::Info& info,
                    const char* duplicateMessage, const Values&... values);
 
+    [[nodiscard]] ContactsStore::Info infoOf(const ContactRecord& contact) const;
+
     Logger& log_;
+    ContactPictureCache* const pictures_;
     ContactsStore::Table table_;
 };
 

@@ -33,6 +33,7 @@ struct ContactsStore::Background {
 
     Mailbox mailbox;
     std::stop_source stop;
+    ContactPictureCache pictures;
 
     /// Held by a reading thread for as long as it runs.
     class Running {
@@ -150,7 +151,8 @@ void ContactsStore::retrieveContacts() {
         const auto reading = std::make_shared<Reading>();
         const std::stop_token stop = running->stop.get_token();
         try {
-            ContactTable table(*log);
+            running->pictures.age();
+            ContactTable table(*log, &running->pictures);
             enumerate([&](const ContactRecord& contact) { table.file(contact); }, stop);
             reading->merged = table.take();
         } catch (const foundation::Error& error) {

@@ -2,7 +2,7 @@
 //
 // Another program that writes to the default address book:
 //
-//     address_book_writer fill COUNT PHOTO       contacts c0, c1 … with the same photo
+//     address_book_writer fill COUNT PHOTO       contacts c0, c1 … with photos that look alike
 //     address_book_writer add UID NAME EMAIL
 //     address_book_writer edit UID NAME EMAIL
 //     address_book_writer remove UID
@@ -36,7 +36,6 @@ void fill(EBookClient* book, int count, const char* photoPath) {
     EContactPhoto* photo = e_contact_photo_new();
     photo->type = E_CONTACT_PHOTO_TYPE_INLINED;
     e_contact_photo_set_mime_type(photo, "image/jpeg");
-    e_contact_photo_set_inlined(photo, reinterpret_cast<guchar*>(bytes), size);
     GSList* contacts = nullptr;
     for (int i = 0; i < count; i++) {
         const std::string number = std::to_string(i);
@@ -44,6 +43,10 @@ void fill(EBookClient* book, int count, const char* photoPath) {
             makeContact("c" + number, "Person " + number, "c" + number + "@example.org");
         e_contact_set(contact, E_CONTACT_PHONE_MOBILE, ("+49 170 " + number + "-0").c_str());
         e_contact_set(contact, E_CONTACT_IM_AIM_HOME_1, ("aim" + number).c_str());
+        // What follows the end of a picture is no part of it, but makes other bytes.
+        const std::string different = std::string(bytes, size) + number;
+        e_contact_photo_set_inlined(photo, reinterpret_cast<const guchar*>(different.data()),
+                                    different.size());
         e_contact_set(contact, E_CONTACT_PHOTO, photo);
         contacts = g_slist_prepend(contacts, contact);
     }
