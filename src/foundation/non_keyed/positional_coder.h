@@ -6,9 +6,9 @@
 
 #include <span>
 
-#include "foundation/object_rebuilder.h"
+#include "foundation/non_keyed/object_rebuilder.h"
 
-namespace foundation {
+namespace foundation::nonkeyed {
 
 class PositionalCoder final : public Coder {
   public:
@@ -41,4 +41,4 @@ class PositionalCoder final : public Coder {
     std::span<const StreamValue> rest_;
 };
 
-}  // namespace foundation
+}  // namespace foundation::nonkeyed

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "foundation/non_keyed_reader.h"
+#include "foundation/non_keyed/reader.h"
 
 #include <array>
 
-namespace foundation {
+namespace foundation::nonkeyed {
 
 namespace {
 
@@ -22,7 +22,7 @@ constexpr size_t kValueAllowance = size_t(1) << 20;
 
 }  // namespace
 
-NonKeyedReader::NonKeyedReader(const Data& data, const ClassRegistry& registry)
+Reader::Reader(const Data& data, const ClassRegistry& registry)
     : data_(data),
       registry_(registry),
       stream_(data_),
@@ -31,13 +31,13 @@ NonKeyedReader::NonKeyedReader(const Data& data, const ClassRegistry& registry)
       maximumValues_(static_cast<size_t>(data_.size()) / 4 + kValueAllowance),
       maximumElements_(static_cast<size_t>(data_.size()) / 8 + kArrayAllowance) {}
 
-Value NonKeyedReader::readRoot() {
+Value Reader::readRoot() {
     const auto group = readGroup();
     if (group.size() != 1 || !group[0].isObject()) throw MalformedArchive();
     return rebuilder_.value(group[0]);
 }
 
-std::span<const StreamValue> NonKeyedReader::readGroup() {
+std::span<const StreamValue> Reader::readGroup() {
     values_.clear();
     const auto types = readSharedString();
     if (!types) throw MalformedArchive();
@@ -45,7 +45,7 @@ std::span<const StreamValue> NonKeyedReader::readGroup() {
     return values_;
 }
 
-void NonKeyedReader::readGroupOf(quint32 types, bool keeps) {
+void Reader::readGroupOf(quint32 types, bool keeps) {
     const auto [text, first, end] = typesOf(types);
     for (quint32 at = first; at < end;) {
         const quint32 next = ops_[at].end;
@@ -55,7 +55,7 @@ void NonKeyedReader::readGroupOf(quint32 types, bool keeps) {
     }
 }
 
-StreamValue NonKeyedReader::readValue(quint32 at) {
+StreamValue Reader::readValue(quint32 at) {
     const char type = ops_[at].type;
     switch (type) {
         case 'c':
@@ -98,7 +98,7 @@ StreamValue NonKeyedReader::readValue(quint32 at) {
     }
 }
 
-StreamValue NonKeyedReader::readArray(quint32 at) {
+StreamValue Reader::readArray(quint32 at) {
     const auto [type, count, end] = ops_[at];
     const bool isOfCharacters = end == at + 2 && (ops_[at + 1].type | 0x20) == 'c';
     if (isOfCharacters) return StreamValue::ofBytes(Kind::bytes, type, stream_.bytes(count));
@@ -109,7 +109,7 @@ StreamValue NonKeyedReader::readArray(quint32 at) {
     return StreamValue::of(Kind::compound, type);
 }
 
-void NonKeyedReader::skipBody(quint32 first, quint32 end) {
+void Reader::skipBody(quint32 first, quint32 end) {
     enter();
     for (quint32 at = first; at < end;) {
         const quint32 next = ops_[at].end;
@@ -119,7 +119,7 @@ void NonKeyedReader::skipBody(quint32 first, quint32 end) {
     leave();
 }
 
-StreamValue NonKeyedReader::readObject() {
+StreamValue Reader::readObject() {
     if (stream_.takes(Mark::nil)) return StreamValue::of(Kind::nil, '@');
     StreamValue result = StreamValue::of(Kind::object, '@');
     if (!stream_.takes(Mark::isNew)) {
@@ -137,7 +137,7 @@ StreamValue NonKeyedReader::readObject() {
     return result;
 }
 
-void NonKeyedReader::readObjectBody(quint32 number, const ClassRecord& cls) {
+void Reader::readObjectBody(quint32 number, const ClassRecord& cls) {
     const size_t first = values_.size();
     const ObjectRebuilder::Needs needs = rebuilder_.needs(cls);
     while (!stream_.takes(Mark::endOfObject)) {
@@ -152,7 +152,7 @@ void NonKeyedReader::readObjectBody(quint32 number, const ClassRecord& cls) {
     values_.resize(first);
 }
 
-StreamValue NonKeyedReader::readCString() {
+StreamValue Reader::readCString() {
     if (stream_.takes(Mark::nil)) return StreamValue::of(Kind::nil, '*');
     quint32 string = 0;
     if (stream_.takes(Mark::isNew)) {
@@ -168,7 +168,7 @@ StreamValue NonKeyedReader::readCString() {
     return StreamValue::ofBytes(Kind::text, '*', strings_[string].text);
 }
 
-StreamValue NonKeyedReader::readShared(char type) {
+StreamValue Reader::readShared(char type) {
     const auto string = readSharedString();
     if (!string) return StreamValue::of(Kind::nil, type);
     return StreamValue::ofBytes(Kind::text, type, strings_[*string].text);
@@ -176,7 +176,7 @@ StreamValue NonKeyedReader::readShared(char type) {
 
 /// A class is written with its superclasses, up to nil or to one that is known. All of them are
 /// numbered in that order, and none may be referred to before the chain ends.
-const ClassRecord* NonKeyedReader::readClass() {
+const ClassRecord* Reader::readClass() {
     const quint32 first = table_.size();
     std::array<quint32, kMaximumClassChain> names{};
     quint32 count = 0;
@@ -201,8 +201,7 @@ const ClassRecord* NonKeyedReader::readClass() {
     return superclass;
 }
 
-const ClassRecord& NonKeyedReader::addClass(quint32 number, quint32 name,
-                                            const ClassRecord* superclass) {
+const ClassRecord& Reader::addClass(quint32 number, quint32 name, const ClassRecord* superclass) {
     // Shared names are looked up once: they may be long, and a class takes few bytes.
     const std::string_view text = strings_[name].text;
     const auto [known, isNew] = knownClasses_.try_emplace(text.data());
@@ -220,7 +219,7 @@ const ClassRecord& NonKeyedReader::addClass(quint32 number, quint32 name,
 }
 
 /// Nothing for nil.
-std::optional<quint32> NonKeyedReader::readSharedString() {
+std::optional<quint32> Reader::readSharedString() {
     if (stream_.takes(Mark::nil)) return std::nullopt;
     if (!stream_.takes(Mark::isNew)) return readReference(static_cast<quint32>(strings_.size()));
     budget_.takeWorking(sizeof(SharedString));
@@ -228,13 +227,13 @@ std::optional<quint32> NonKeyedReader::readSharedString() {
     return static_cast<quint32>(strings_.size() - 1);
 }
 
-quint32 NonKeyedReader::readReference(quint32 tableSize) {
+quint32 Reader::readReference(quint32 tableSize) {
     const qint64 index = stream_.integer() - kFirstReference;
     if (index < 0 || index >= tableSize) throw MalformedArchive();
     return static_cast<quint32>(index);
 }
 
-const NonKeyedReader::SharedString& NonKeyedReader::typesOf(quint32 string) {
+const Reader::SharedString& Reader::typesOf(quint32 string) {
     SharedString& shared = strings_[string];
     if (shared.endOp == 0) {
         shared.firstOp = static_cast<quint32>(ops_.size());
@@ -245,12 +244,12 @@ const NonKeyedReader::SharedString& NonKeyedReader::typesOf(quint32 string) {
     return shared;
 }
 
-quint32 NonKeyedReader::addEntry(ObjectTable::Entry entry) {
+quint32 Reader::addEntry(ObjectTable::Entry entry) {
     budget_.takeWorking(sizeof(ObjectTable::Entry));
     return table_.add(entry);
 }
 
-void NonKeyedReader::keep(const StreamValue& value) {
+void Reader::keep(const StreamValue& value) {
     if (values_.size() == values_.capacity()) {
         if (values_.size() >= maximumValues_) throw MalformedArchive();
         values_.reserve(std::min(values_.size() * 2 + 64, maximumValues_));
@@ -258,8 +257,8 @@ void NonKeyedReader::keep(const StreamValue& value) {
     values_.push_back(value);
 }
 
-void NonKeyedReader::enter() {
+void Reader::enter() {
     if (++nesting_ > kMaximumNesting) throw MalformedArchive();
 }
 
-}  // namespace foundation
+}  // namespace foundation::nonkeyed

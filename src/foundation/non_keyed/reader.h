@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// NonKeyedReader: the grammar of a non-keyed archive above its bytes: groups, objects, classes, and
+// Reader: the grammar of a non-keyed archive above its bytes: groups, objects, classes, and
 // the tables that references point into. It needs to know no class; each object is handed to the
 // rebuilder when it ends, so one pass over the archive is enough.
 
@@ -10,18 +10,20 @@
 #include <unordered_map>
 #include <vector>
 
-#include "foundation/object_rebuilder.h"
-#include "foundation/stream_value.h"
-#include "foundation/type_string.h"
-#include "foundation/typed_stream.h"
+#include "foundation/non_keyed/memory_budget.h"
+#include "foundation/non_keyed/object_rebuilder.h"
+#include "foundation/non_keyed/object_table.h"
+#include "foundation/non_keyed/stream_value.h"
+#include "foundation/non_keyed/type_string.h"
+#include "foundation/non_keyed/typed_stream.h"
 
-namespace foundation {
+namespace foundation::nonkeyed {
 
-class NonKeyedReader {
+class Reader {
   public:
     /// Reads the header. The registry must outlive the reader; throws MalformedArchive, like all
     /// other members that read.
-    NonKeyedReader(const Data& data, const ClassRegistry& registry);
+    Reader(const Data& data, const ClassRegistry& registry);
 
     /// The object that the archive's first group holds.
     Value readRoot();
@@ -72,4 +74,4 @@ class NonKeyedReader {
     int nesting_ = 0;
 };
 
-}  // namespace foundation
+}  // namespace foundation::nonkeyed

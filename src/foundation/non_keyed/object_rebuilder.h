@@ -11,9 +11,11 @@
 #include <unordered_map>
 
 #include "foundation/attributed_string.h"
-#include "foundation/stream_value.h"
+#include "foundation/non_keyed/memory_budget.h"
+#include "foundation/non_keyed/object_table.h"
+#include "foundation/non_keyed/stream_value.h"
 
-namespace foundation {
+namespace foundation::nonkeyed {
 
 class ObjectRebuilder {
   public:
@@ -73,4 +75,4 @@ class ObjectRebuilder {
     std::vector<const std::shared_ptr<const Attributes>*> numberedAttributes_;
 };
 
-}  // namespace foundation
+}  // namespace foundation::nonkeyed

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "foundation/type_string.h"
+#include "foundation/non_keyed/type_string.h"
 
 #include <charconv>
 
-namespace foundation {
+namespace foundation::nonkeyed {
 
 namespace {
 
@@ -92,4 +92,4 @@ bool appendTypeOps(std::string_view text, std::vector<TypeOp>& ops) {
     return TypeStringParser(text, ops).parse();
 }
 
-}  // namespace foundation
+}  // namespace foundation::nonkeyed

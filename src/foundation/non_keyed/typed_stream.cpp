@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "foundation/typed_stream.h"
+#include "foundation/non_keyed/typed_stream.h"
 
 #include <bit>
 
-namespace foundation {
+namespace foundation::nonkeyed {
 
 namespace {
 
@@ -43,4 +43,4 @@ double TypedStream::real() {
 template double TypedStream::real<float, quint32>();
 template double TypedStream::real<double, quint64>();
 
-}  // namespace foundation
+}  // namespace foundation::nonkeyed

@@ -10,7 +10,7 @@
 
 #include "foundation/data.h"
 
-namespace foundation {
+namespace foundation::nonkeyed {
 
 /// The bytes are no non-keyed archive or break its grammar or bounds.
 struct MalformedArchive {};
@@ -77,4 +77,4 @@ class TypedStream {
     bool isBigEndian_ = false;
 };
 
-}  // namespace foundation
+}  // namespace foundation::nonkeyed

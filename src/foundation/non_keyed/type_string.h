@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace foundation {
+namespace foundation::nonkeyed {
 
 /// One type; of an array or a struct its opening, with the types that it holds behind it.
 struct TypeOp {
@@ -23,4 +23,4 @@ struct TypeOp {
 /// of the list.
 [[nodiscard]] bool appendTypeOps(std::string_view text, std::vector<TypeOp>& ops);
 
-}  // namespace foundation
+}  // namespace foundation::nonkeyed

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "foundation/object_rebuilder.h"
+#include "foundation/non_keyed/object_rebuilder.h"
 
 #include <QStringDecoder>
 #include <algorithm>
 #include <iterator>
 
-#include "foundation/positional_coder.h"
+#include "foundation/non_keyed/positional_coder.h"
 #include "foundation/url.h"
 
-namespace foundation {
+namespace foundation::nonkeyed {
 
 namespace {
 
@@ -123,7 +123,7 @@ Value ObjectRebuilder::rebuilt(const ClassRecord& cls, std::span<const StreamVal
         case ClassKind::string:
             return string(values);
         case ClassKind::number:
-            return foundation::number(values);
+            return nonkeyed::number(values);
         case ClassKind::data:
             return data(values);
         case ClassKind::date:
@@ -374,4 +374,4 @@ Data ObjectRebuilder::slice(const StreamValue& value) const {
     return data_.slice(value.data - data_.begin(), value.number);
 }
 
-}  // namespace foundation
+}  // namespace foundation::nonkeyed

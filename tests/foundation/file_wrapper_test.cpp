@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/file_wrapper.h"
+
+#include <gtest/gtest.h>
+
+#include <QtEndian>
+
+#include "support/file_wrapper_writer.h"
+
+namespace {
+
+using foundation::Data;
+using foundation::FileWrapper;
+using foundation::parseSerializedFileWrapper;
+using support::FileDraft;
+using support::serializedFileWrapper;
+
+QByteArray word(quint32 value) {
+    QByteArray bytes(4, Qt::Uninitialized);
+    qToLittleEndian(value, bytes.data());
+    return bytes;
+}
+
+QByteArray bytesRecord(const QByteArray& contents) {
+    return word(1) + word(static_cast<quint32>(contents.size())) + contents;
+}
+
+/// A directory record of names and blocks.
+QByteArray directoryRecord(const std::vector<std::pair<QByteArray, QByteArray>>& entries) {
+    QByteArray result = word(3) + word(static_cast<quint32>(entries.size()));
+    for (const auto& [name, block] : entries)
+        result += word(static_cast<quint32>(name.size())) + name;
+    for (const auto& [name, block] : entries)
+        result += word(static_cast<quint32>(block.size()));
+    for (const auto& [name, block] : entries)
+        result += block;
+    return result;
+}
+
+QByteArray serialized(const QByteArray& record) {
+    return "rtfd" + word(0) + record;
+}
+
+std::shared_ptr<FileWrapper> parsedDirectory(
+    const std::vector<std::pair<QByteArray, QByteArray>>& entries) {
+    return parseSerializedFileWrapper(serialized(directoryRecord(entries)));
+}
+
+TEST(FileWrapper, ReadsRegularFilesWithTheirBytesInPlace) {
+    for (const auto padding :
+         {std::optional<int>(), std::optional<int>(0), std::optional<int>(13)}) {
+        const Data data(serializedFileWrapper(
+            {.name = QStringLiteral("schön.png"), .contents = "abc", .padding = padding}));
+        const auto wrapper = parseSerializedFileWrapper(data);
+        ASSERT_TRUE(wrapper);
+        EXPECT_EQ(wrapper->description(),
+                  QStringLiteral("<FileWrapper: \"schön.png\" regular file, 3 bytes>"));
+        EXPECT_EQ(wrapper->filename, wrapper->preferredFilename);
+        EXPECT_EQ(wrapper->contents->view(), "abc");
+        EXPECT_TRUE(wrapper->contents->begin() > data.begin() &&
+                    wrapper->contents->end() <= data.end());
+    }
+    const auto empty = parseSerializedFileWrapper(serializedFileWrapper({}));
+    ASSERT_TRUE(empty);
+    EXPECT_TRUE(empty->contents.has_value());
+    EXPECT_EQ(empty->description(), QStringLiteral("<FileWrapper: regular file, 0 bytes>"));
+}
+
+TEST(FileWrapper, ReadsFoldersWithTheirEntriesInOrder) {
+    const auto wrapper = parseSerializedFileWrapper(serializedFileWrapper(
+        {.name = QStringLiteral("a.rtfd"),
+         .children = std::vector<FileDraft>{
+             {.name = QStringLiteral("TXT.rtf"), .contents = "text"},
+             {.name = QStringLiteral("sub"),
+              .children =
+                  std::vector<FileDraft>{{.name = QStringLiteral("x"), .contents = "1"}}}}}));
+    ASSERT_TRUE(wrapper);
+    EXPECT_EQ(wrapper->description(),
+              QStringLiteral("<FileWrapper: \"a.rtfd\" directory, 2 entries>"));
+    EXPECT_EQ(wrapper->children[0]->filename, QStringLiteral("TXT.rtf"));
+    EXPECT_EQ(wrapper->children[0]->contents->view(), "text");
+    EXPECT_TRUE(wrapper->children[1]->isDirectory());
+    EXPECT_EQ(wrapper->children[1]->children.at(0)->filename, QStringLiteral("x"));
+}
+
+TEST(FileWrapper, TakesNamesAsNamesOfOneFile) {
+    const auto nameOf = [](const std::vector<std::pair<QByteArray, QByteArray>>& names) {
+        auto entries = names;
+        entries.insert(entries.begin(), {"..", bytesRecord("x")});
+        const auto wrapper = parsedDirectory(entries);
+        return wrapper ? wrapper->filename.value_or(QStringLiteral("(none)"))
+                       : QStringLiteral("(null)");
+    };
+    const QByteArray plain = "__@PreferredName@__";
+    const QByteArray utf8 = "__@UTF8PreferredName@__";
+    EXPECT_EQ(nameOf({{plain, bytesRecord("a?.txt")}, {utf8, bytesRecord("aé.txt")}}),
+              QStringLiteral("aé.txt"));
+    EXPECT_EQ(nameOf({{utf8, bytesRecord("aé.txt")}, {plain, bytesRecord("a?.txt")}}),
+              QStringLiteral("aé.txt"));
+    EXPECT_EQ(nameOf({{plain, bytesRecord("r\xDDsum\xDD")}}), QStringLiteral("résumé"));
+    EXPECT_EQ(nameOf({{utf8, bytesRecord(QByteArray("../\0etc/passwd", 14))}}),
+              QStringLiteral("..etcpasswd"));
+    for (const char* noName : {"", ".", "..", "../", "///"})
+        EXPECT_EQ(nameOf({{utf8, bytesRecord(noName)}}), QStringLiteral("(none)")) << noName;
+    // A name that only decodes to a reserved one is no reserved one.
+    EXPECT_EQ(parsedDirectory({{QByteArray("..\0", 3), bytesRecord("x")}})->description(),
+              QStringLiteral("<FileWrapper: directory, 1 entries>"));
+}
+
+TEST(FileWrapper, LeavesOutRecordsOfUnknownKinds) {
+    const auto wrapper =
+        parsedDirectory({{"link", word(7) + "target"}, {"file", bytesRecord("x")}, {".", word(9)}});
+    ASSERT_TRUE(wrapper);
+    ASSERT_EQ(wrapper->children.size(), 1u);
+    EXPECT_EQ(wrapper->children[0]->filename, QStringLiteral("file"));
+    const auto file = parsedDirectory({{"..", word(7)}, {"__@PreferredName@__", bytesRecord("a")}});
+    ASSERT_TRUE(file);
+    EXPECT_TRUE(file->isRegularFile());
+    EXPECT_FALSE(file->contents.has_value());
+}
+
+TEST(FileWrapper, RefusesMalformedBytes) {
+    const QByteArray good = directoryRecord({{"..", bytesRecord("abc")}});
+    const auto nested = [](int depth) {
+        QByteArray record = directoryRecord({});
+        for (int i = 1; i < depth; ++i)
+            record = directoryRecord({{"d", record}});
+        return serialized(record);
+    };
+    ASSERT_TRUE(parseSerializedFileWrapper(serialized(good)));
+    ASSERT_TRUE(parseSerializedFileWrapper(nested(64)));
+    const std::pair<const char*, QByteArray> rows[] = {
+        {"other magic", "rtfx" + word(0) + good},
+        {"other version", "rtfd" + word(1) + good},
+        {"bytes at the top", serialized(bytesRecord("abc"))},
+        {"more entries than bytes", serialized(word(3) + word(0xffffffff))},
+        {"name past the end", serialized(word(3) + word(1) + word(0xfffffff0) + word(0))},
+        {"block past the end", serialized(word(3) + word(1) + word(1) + "a" + word(0x7fffffff))},
+        {"block without a kind", serialized(directoryRecord({{"a", "xyz"}}))},
+        {"bytes past their block", serialized(directoryRecord({{"..", word(1) + word(4) + "abc"},
+                                                               {"b", bytesRecord("abc")}}))},
+        {"padding past its block",
+         serialized(directoryRecord(
+             {{"a", word(1) + word(0x80000000) + word(1) + word(0xffffffff) + "a"}}))},
+        {"nested too deep", nested(65)},
+    };
+    for (const auto& [fault, bytes] : rows)
+        EXPECT_FALSE(parseSerializedFileWrapper(bytes)) << fault;
+    const QByteArray whole = serialized(directoryRecord(
+        {{"..", word(1) + word(0x80000000) + word(3) + word(2) + QByteArray(2, '\0') + "abc"},
+         {"__@UTF8PreferredName@__", bytesRecord("abc")}}));
+    for (qsizetype size = 0; size < whole.size(); ++size)
+        EXPECT_FALSE(parseSerializedFileWrapper(whole.first(size))) << size;
+    EXPECT_TRUE(parseSerializedFileWrapper(whole));
+}
+
+TEST(FileWrapper, IsEqualByWhatItHolds) {
+    const auto parsed = [](const char* name, const char* contents) {
+        return parseSerializedFileWrapper(serializedFileWrapper(
+            {.name = QStringLiteral("d"),
+             .children = std::vector<FileDraft>{
+                 {.name = QString::fromLatin1(name), .contents = contents}}}));
+    };
+    EXPECT_TRUE(*parsed("a", "1") == *parsed("a", "1"));
+    EXPECT_FALSE(*parsed("a", "1") == *parsed("a", "2"));
+    EXPECT_FALSE(*parsed("a", "1") == *parsed("b", "1"));
+    EXPECT_FALSE(FileWrapper(Data()) == FileWrapper(FileWrapper::Kind::regularFile));
+}
+
+}  // namespace
