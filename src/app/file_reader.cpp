@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#include "app/file_reader.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <cstdio>
+#include <utility>
+
+namespace vell {
+namespace {
+
+using foundation::FileWrapper;
+
+std::shared_ptr<FileWrapper> readStandardInput() {
+    auto wrapper = std::make_shared<FileWrapper>(FileWrapper::Kind::regularFile);
+    QFile input;
+    if (input.open(stdin, QIODevice::ReadOnly))
+        wrapper->contents = foundation::Data(input.readAll());
+    return wrapper;
+}
+
+std::optional<foundation::Data> readBytes(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) return std::nullopt;
+    return foundation::Data(bytes);
+}
+
+}  // namespace
+
+bool isStandardInput(const QString& path) {
+    return path == QLatin1String("-");
+}
+
+std::shared_ptr<const FileWrapper> DiskFileReader::read(const QString& path) {
+    if (isStandardInput(path)) return readStandardInput();
+
+    const QFileInfo info(path);  // follows links
+    auto wrapper = std::make_shared<FileWrapper>(FileWrapper::Kind::regularFile);
+    wrapper->filename = info.fileName();
+    wrapper->preferredFilename = wrapper->filename;
+    if (!info.exists()) {
+        if (info.isSymLink()) wrapper->kind = FileWrapper::Kind::symbolicLink;
+        return wrapper;
+    }
+    wrapper->modificationDate =
+        foundation::Date::fromMillisecondsSinceEpoch(info.lastModified().toMSecsSinceEpoch());
+    if (info.isDir()) {
+        wrapper->kind = FileWrapper::Kind::directory;
+    } else if (info.isFile()) {  // never a device or a pipe, which might have no end
+        wrapper->contents = readBytes(path);
+    }
+    return wrapper;
+}
+
+}  // namespace vell

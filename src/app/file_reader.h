@@ -1,0 +1,32 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// FileReader: from a path to a file wrapper with its bytes. May block for as long as a slow disk
+// does, so it is only called on threads that nobody waits for.
+
+#include <QString>
+#include <memory>
+
+#include "foundation/file_wrapper.h"
+
+namespace vell {
+
+class FileReader {
+  public:
+    virtual ~FileReader() = default;
+    /// The wrapper of what stands at the path; contents are absent when it is no regular file or
+    /// can't be read. Called on any thread, several at once.
+    virtual std::shared_ptr<const foundation::FileWrapper> read(const QString& path) = 0;
+};
+
+/// Reads from the disk. Symbolic links are followed, under the link's own name; one that leads
+/// nowhere stays a link. Files are opened for reading only and closed before the call returns.
+class DiskFileReader final : public FileReader {
+  public:
+    std::shared_ptr<const foundation::FileWrapper> read(const QString& path) override;
+};
+
+/// The path that stands for standard input.
+[[nodiscard]] bool isStandardInput(const QString& path);
+
+}  // namespace vell

@@ -1,0 +1,42 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// FindBar: the row below a timeline in which a person types what to find. It knows nothing of
+// timelines: it tells what was typed and which match is wanted, and shows the count it is given.
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QToolButton>
+#include <QWidget>
+
+namespace vell {
+
+class FindBar final : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit FindBar(QWidget* parent = nullptr);
+
+    /// Shows the bar with the keyboard in it; a text replaces what was typed last.
+    void open(const QString& text = {});
+    [[nodiscard]] QString text() const { return edit_->text(); }
+    /// Shows "3 of 120"; current counts from 1, 0 for none. `counting` while more may come.
+    void setCount(qsizetype current, qsizetype total, bool counting);
+
+  Q_SIGNALS:
+    void textChanged(const QString& text);
+    void nextRequested();
+    void previousRequested();
+    void closed();
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    QLineEdit* edit_;
+    QLabel* count_;
+    QToolButton* previous_;
+    QToolButton* next_;
+};
+
+}  // namespace vell

@@ -1,0 +1,34 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// What font commands do to the timeline's font size: steps of one, any size from the font panel, no
+// bounds; arithmetic that can't be done stops the program.
+
+#include <QFont>
+#include <optional>
+
+namespace vell {
+
+/// What the font panel or a menu has just done; the raw values are the platform's.
+enum class FontAction : int {
+    noChange = 0,
+    viaPanel = 1,
+    addTrait = 2,
+    sizeUp = 3,
+    sizeDown = 4,
+    heavier = 5,
+    lighter = 6,
+    removeTrait = 7,
+};
+
+/// The size after the action; prints a line for actions that change nothing. `panelPointSize` is
+/// the size of the panel's selected font, used for viaPanel alone.
+[[nodiscard]] qint64 fontSizeAfter(FontAction action, qint64 fontSize, double panelPointSize);
+
+/// What a person did in the font panel, from the font before and after.
+[[nodiscard]] FontAction panelAction(const QFont& before, const QFont& after);
+
+/// The size that can be painted: what fonts and layouts can do, whatever the setting says.
+[[nodiscard]] double paintableFontSize(qint64 fontSize);
+
+}  // namespace vell

@@ -1,0 +1,26 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// PanelWindow: a small window that is moved by dragging its background and remembers its frame
+// under a name, the base of the About and load-log windows.
+
+#include <QWidget>
+
+namespace vell {
+
+class PanelWindow : public QWidget {
+    Q_OBJECT
+
+  public:
+    /// The frame is kept in the settings under the name; several windows may share one.
+    explicit PanelWindow(QString frameName, QSize contentSize);
+
+  protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    QString frameName_;
+};
+
+}  // namespace vell

@@ -1,0 +1,55 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// Settings: what the program remembers between visits, one object shared by all windows. A change
+// made in one window is told to all. Lives on the window thread.
+
+#include <QByteArray>
+#include <QObject>
+#include <QSettings>
+#include <QStringList>
+#include <optional>
+
+namespace vell {
+
+class Settings final : public QObject {
+    Q_OBJECT
+
+  public:
+    /// Where one transcript's window stood and how far it was scrolled.
+    struct WindowPlace {
+        QByteArray geometry;
+        /// Sequence number of the event at the top of the view, and points of it scrolled away.
+        qint64 topSequence = 0;
+        double topOffset = 0;
+    };
+
+    explicit Settings(QObject* parent = nullptr);
+
+    /// The timeline's font size in points, any integer; 16 until changed.
+    [[nodiscard]] qint64 timelineFontSize() const;
+    void setTimelineFontSize(qint64 points);
+
+    /// Whether the windows of the last visit are opened again; true until changed.
+    [[nodiscard]] bool restoresWindows() const;
+    void setRestoresWindows(bool restores);
+    [[nodiscard]] QStringList lastWindows() const;
+    void setLastWindows(const QStringList& paths);
+
+    [[nodiscard]] std::optional<WindowPlace> windowPlace(const QString& path) const;
+    /// Remembers a place; only the 500 most recent ones are kept.
+    void setWindowPlace(const QString& path, const WindowPlace& place);
+
+    /// vCard files and folders that the user has chosen.
+    [[nodiscard]] QStringList contactsFiles() const;
+    void setContactsFiles(const QStringList& paths);
+
+  Q_SIGNALS:
+    void timelineFontSizeChanged(qint64 points);
+    void contactsFilesChanged(const QStringList& paths);
+
+  private:
+    QSettings store_;
+};
+
+}  // namespace vell

@@ -1,0 +1,23 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// Whether a file is a transcript, from its name and first bytes, without decoding it.
+
+#include <QByteArrayView>
+#include <QString>
+
+namespace vell {
+
+/// How many leading bytes looksLikeTranscript wants, where the file has them.
+inline constexpr qsizetype transcriptProbeSize = 65536;
+/// How many of them decide that a file is none.
+inline constexpr qsizetype archiveMagicSize = 13;
+
+/// Whether the name ends in ".ichat", in any letter case.
+[[nodiscard]] bool hasTranscriptExtension(const QString& fileName);
+/// Whether the bytes begin like a keyed or non-keyed archive.
+[[nodiscard]] bool beginsLikeArchive(QByteArrayView head);
+/// Whether they also name the class of a chat message.
+[[nodiscard]] bool looksLikeTranscript(QByteArrayView head);
+
+}  // namespace vell
