@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "app/chat_title.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QLocale>
+#include <QStringList>
+
+#include "identity/contacts_store.h"
+#include "identity/sender_name.h"
+#include "transcript/chat_log.h"
+
+namespace vell {
+namespace {
+
+QString day(const foundation::Date& date) {
+    const auto milliseconds = date.millisecondsSinceEpoch();
+    if (!milliseconds) return {};
+    return QLocale().toString(QDateTime::fromMSecsSinceEpoch(*milliseconds).date(),
+                              QLocale::ShortFormat);
+}
+
+QString names(const TesselChatLog& log, const ContactsStore& contacts) {
+    QStringList names;
+    for (const TesselUserID& user : sorted(log.otherUserIDs()))
+        names.append(senderName(user, contacts));
+    names.removeDuplicates();
+    return names.isEmpty() ? log.serviceID().rawValue : names.join(QStringLiteral(", "));
+}
+
+}  // namespace
+
+QString chatTitle(const TesselChatLog& log, const ContactsStore& contacts) {
+    const QString who = names(log, contacts);
+    if (log.events().empty()) return who;
+    const QString first = day(log.events().front().timestamp);
+    const QString last = day(log.events().back().timestamp);
+    if (first.isEmpty() || last.isEmpty()) return who;
+    if (first == last) return who + QStringLiteral(" — ") + first;
+    //: "NAMES — FIRST DAY to LAST DAY"
+    return QCoreApplication::translate("ChatTitle", "%1 — %2 to %3").arg(who, first, last);
+}
+
+}  // namespace vell

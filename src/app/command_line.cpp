@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#include "app/command_line.h"
+
+#include <QCommandLineParser>
+
+#include "toolkit/application_info.h"
+
+namespace vell {
+
+CommandLine CommandLine::parse(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Opens chat transcripts (.ichat) and never changes them."));
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Show this help."));
+    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("Show the version."));
+    const QCommandLineOption newInstance(
+        QStringLiteral("new-instance"),
+        QStringLiteral("Keep apart from a vell that runs already."));
+    const QCommandLineOption render(
+        QStringLiteral("render"),
+        QStringLiteral("Paint what the window would show into a picture, without a display."),
+        QStringLiteral("OUT.png"));
+    parser.addOptions({help, version, newInstance, render});
+    parser.addPositionalArgument(QStringLiteral("FILE"),
+                                 QStringLiteral("A transcript, a folder to search, or - for "
+                                                "standard input."),
+                                 QStringLiteral("[FILE…]"));
+    CommandLine result;
+    if (!parser.parse(arguments)) {
+        result.answer = Answer{QStringLiteral("vell: ") + parser.errorText(), 2};
+        return result;
+    }
+    if (parser.isSet(help)) {
+        result.answer = Answer{parser.helpText(), 0};
+    } else if (parser.isSet(version)) {
+        const ApplicationInfo info = applicationInfo();
+        result.answer = Answer{info.appName + u' ' + info.version, 0};
+    } else if (parser.isSet(render) && parser.positionalArguments().size() != 1) {
+        result.answer = Answer{QStringLiteral("vell: --render paints exactly one file"), 2};
+    }
+    result.files = parser.positionalArguments();
+    result.newInstance = parser.isSet(newInstance);
+    if (parser.isSet(render)) result.renderTarget = parser.value(render);
+    return result;
+}
+
+}  // namespace vell

@@ -1,0 +1,28 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// The command line of the window program.
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+namespace vell {
+
+struct CommandLine {
+    QStringList files;  ///< as written
+    bool newInstance = false;
+    std::optional<QString> renderTarget;  ///< paint the first file into this picture and end
+
+    /// The text and exit code of a command line that asks for no window: help, version, mistakes.
+    struct Answer {
+        QString text;
+        int exitCode = 0;
+    };
+    std::optional<Answer> answer;
+
+    /// Reads the arguments, the program's name first. Needs an application object of any kind.
+    static CommandLine parse(const QStringList& arguments);
+};
+
+}  // namespace vell
