@@ -45,8 +45,8 @@ qint64 HeightTree::top(qsizetype index) const {
 }
 
 qsizetype HeightTree::indexAt(qint64 y) const {
-    if (heights_.empty()) return -1;
-    y = std::clamp<qint64>(y, 0, std::max<qint64>(total_ - 1, 0));
+    if (total_ == 0) return count() - 1;
+    y = std::clamp<qint64>(y, 0, total_ - 1);
     size_t chunk = 0;
     for (size_t step = std::bit_floor(chunks_.size() - 1); step > 0; step /= 2) {
         if (chunk + step < chunks_.size() && chunks_[chunk + step] <= y) {

@@ -195,6 +195,13 @@ QTextLine LaidOutText::lineAt(const QTextLayout& layout, int y) const {
     return layout.lineAt(i);
 }
 
+LaidOutText::Line LaidOutText::line(qint64 y) const {
+    const qsizetype block = blockAt(y);
+    const QTextLine found = lineAt(layout(block), static_cast<int>(y - blockTop(block)));
+    return {blocks_[static_cast<size_t>(block)].start + found.textStart(),
+            blockTop(block) + std::lround(found.y() * format_.ratio)};
+}
+
 qsizetype LaidOutText::offsetAt(QPoint point) const {
     if (point.y() < 0) return 0;
     if (point.y() >= heights_.total()) return text_.size();

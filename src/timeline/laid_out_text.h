@@ -62,6 +62,13 @@ class LaidOutText {
     /// The first block at or after `from` whose height is an estimate; nothing when there is none.
     [[nodiscard]] std::optional<qsizetype> firstEstimated(qsizetype from = 0) const;
 
+    struct Line {
+        qsizetype start;  ///< the offset of its first character
+        qint64 top;
+    };
+    /// The line at a place, or the nearest one.
+    [[nodiscard]] Line line(qint64 y) const;
+
     /// Draws the lines that touch [top, bottom) in the painter's pen, the text's top left corner at
     /// `origin`. The painter counts device pixels.
     void paint(QPainter& painter, QPoint origin, int top, int bottom,

@@ -132,6 +132,9 @@ TEST(HeightTree, AgreesWithPlainSums) {
         EXPECT_EQ(tree.top(count), top);
     }
     EXPECT_EQ(HeightTree().indexAt(0), -1);
+    HeightTree flat;
+    flat.assign(70, [](qsizetype) { return 0; });
+    EXPECT_EQ(flat.indexAt(0), 69) << "nothing has a height";
 }
 
 TextFormat format(qreal ratio = 1) {
