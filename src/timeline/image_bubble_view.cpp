@@ -3,7 +3,11 @@
 
 #include <QPainter>
 #include <QPainterPath>
+#include <QStringList>
+#include <QTransform>
 #include <algorithm>
+
+#include "timeline/picture_cache.h"
 
 namespace vell {
 namespace {
@@ -32,28 +36,61 @@ QSize fitted(QSize natural, QSize room) {
 //      `-------------------'                  `-------------------'
 
 RowLayout ImageBubbleView::measure(const RowContext& context, int width) const {
+    if (const QString problem = context.pictures.problem(image.image()); !problem.isEmpty()) {
+        return explanation(problem).measure(context, width);
+    }
     const int plain = context.px(padding);
     const int tail = context.px(tailPadding);
     const QMargins margins(owner.isOwn ? plain : tail, plain, owner.isOwn ? tail : plain, plain);
     const int widest = std::min(widestBubble(owner, context, width) - plain - tail, width * 2 / 3);
-    const QSize points = image.image().pixelSize.value_or(unknownSize);
+    const QSize known = context.pictures.size(image.image());
+    const QSize points = known.isEmpty() ? unknownSize : known;
     const QSize natural(context.px(points.width()), context.px(points.height()));
-    const QSize size = fitted(natural, QSize(widest, context.px(highest)));
-    return placeBubble(owner, size, margins, context, width);
+    return placeBubble(owner, fitted(natural, QSize(widest, context.px(highest))), margins, context,
+                       width);
 }
 
 void ImageBubbleView::paint(QPainter& painter, const RowLayout& layout, const RowContext& context,
                             const RowPaint& what) const {
+    if (layout.text) {
+        explanation({}).paint(painter, layout, context, what);
+        return;
+    }
     paintBubble(painter, owner, layout, context, what);
+    const QRect& room = layout.content;
     const qreal radius =
-        std::min<qreal>({cornerRadius * context.ratio, layout.content.width() / 2.0,
-                         layout.content.height() / 2.0});
+        std::min<qreal>({cornerRadius * context.ratio, room.width() / 2.0, room.height() / 2.0});
     QPainterPath rounded;
-    rounded.addRoundedRect(layout.content, radius, radius);
+    rounded.addRoundedRect(room, radius, radius);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(rounded, context.colors.separator);
+    if (const QImage* pixels = context.pictures.image(image.image(), room.size())) {
+        // As a texture, so that the rounded corners are smooth; it may be one of another size.
+        const QSizeF shown = QSizeF(pixels->size()).scaled(room.size(), Qt::KeepAspectRatio);
+        const QPointF corner = QRectF(room).center() - QPointF(shown.width(), shown.height()) / 2;
+        QBrush texture(*pixels);
+        texture.setTransform(
+            QTransform::fromTranslate(corner.x(), corner.y())
+                .scale(shown.width() / pixels->width(), shown.height() / pixels->height()));
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.fillPath(rounded, texture);
+    } else {
+        painter.fillPath(rounded, context.colors.separator);
+    }
     painter.restore();
+}
+
+QString ImageBubbleView::name() const {
+    return image.path() ? image.path()->section(u'/', -1) : QString();
+}
+
+PlainMessageBubbleView ImageBubbleView::explanation(const QString& problem) const {
+    QStringList lines{name(), QString::fromLatin1(foundation::name(image.image().format)), problem};
+    lines.removeAll(QString());
+    PlainMessageBubbleView bubble;
+    bubble.content = lines.join(u'\n');
+    bubble.owner = owner;
+    return bubble;
 }
 
 }  // namespace vell

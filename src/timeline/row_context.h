@@ -15,6 +15,7 @@ namespace vell {
 class BackgroundCache;
 class BubbleColors;
 class ContactsStore;
+class PictureCache;
 class TextTiles;
 
 /// Points: the default distance between things in a stack, and around them.
@@ -52,6 +53,7 @@ struct RowContext {
     BubbleColors& bubbleColors;
     BackgroundCache& backgrounds;
     TextTiles& textTiles;
+    PictureCache& pictures;
 
     /// A length in points as whole device pixels.
     [[nodiscard]] int px(qreal points) const {

@@ -26,9 +26,12 @@ QSize SenderIconView::size(const RowContext& context) {
 }
 
 void SenderIconView::paint(QPainter& painter, const QRect& rect, const RowContext& context) const {
-    const QImage image = identicons().icon(sender.userID, context.ratio);
+    const auto contact = context.contacts.addressToContact().constFind(sender.userID);
+    const bool hasPicture = contact != context.contacts.addressToContact().cend() && contact->image;
+    const QImage image =
+        hasPicture ? *contact->image : identicons().icon(sender.userID, context.ratio);
     if (image.isNull()) return;
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, image.size() != rect.size());
     painter.drawImage(rect, image);
 }
 

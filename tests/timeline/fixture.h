@@ -12,6 +12,7 @@
 #include "identity/contacts_store.h"
 #include "timeline/background_cache.h"
 #include "timeline/bubble_colors.h"
+#include "timeline/picture_cache.h"
 #include "timeline/row_context.h"
 #include "timeline/text_tiles.h"
 #include "transcript/chat_log.h"
@@ -40,9 +41,15 @@ class LogBuilder {
     std::vector<TesselChatLog::Event> events_;
 };
 
+/// A picture that no decoder here knows, so that it stays as large as told. Its bytes are never
+/// freed: caches know pictures by their place.
 inline TesselChatLog::Image picture(QSize pixels) {
-    const foundation::Data data(QByteArray("no decoder looks at this"));
-    return {{data, foundation::PictureFormat::png, pixels}, data, QStringLiteral("public.png"), {}};
+    static std::vector<foundation::Data> kept;
+    const foundation::Data& data = kept.emplace_back(QByteArray("no decoder looks at this"));
+    return {{data, foundation::PictureFormat::photoshop, pixels},
+            data,
+            QStringLiteral("com.adobe.photoshop-image"),
+            {}};
 }
 
 struct Context {
@@ -55,12 +62,14 @@ struct Context {
                contacts,
                colors,
                backgrounds,
-               tiles} {}
+               tiles,
+               pictures} {}
 
     ContactsStore contacts;
     BubbleColors colors;
     BackgroundCache backgrounds;
     TextTiles tiles;
+    PictureCache pictures;
     RowContext rows;
 };
 

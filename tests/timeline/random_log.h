@@ -14,11 +14,12 @@ inline TesselChatLog randomLog(int count, quint32 seed) {
     const auto words = [&](int most) {
         static const QStringList list{QStringLiteral("hello"), QStringLiteral("I"),
                                       QStringLiteral("שלום"),  QStringLiteral("conversation"),
-                                      QStringLiteral("the"),   QStringLiteral("😀"),
+                                      QStringLiteral("the"),   QStringLiteral("is it?"),
                                       QStringLiteral("and\n"), QStringLiteral("http://a.b/c")};
         QStringList text;
         for (int i = random.bounded(most); i >= 0; --i)
             text += list[random.bounded(list.size())];
+        if (random.bounded(50) == 0) text += QStringLiteral("😀");
         return text.join(u' ');
     };
     LogBuilder log;

@@ -1,0 +1,37 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// SmoothScroll: spreads the jumps of a mouse wheel over a few frames. A plain value that is told
+// how much time has passed; whole pixels come out, and in the end exactly as many as went in.
+
+#include <QtGlobal>
+#include <cmath>
+
+namespace vell {
+
+class SmoothScroll {
+  public:
+    /// Adds a distance to what is still to be scrolled; one against it takes its place.
+    void add(double pixels) {
+        if (pixels * remaining_ < 0) remaining_ = 0;
+        remaining_ += pixels;
+    }
+    void stop() { remaining_ = 0; }
+    [[nodiscard]] bool isMoving() const { return std::abs(remaining_) >= 1; }
+
+    /// The pixels to scroll after so many milliseconds.
+    [[nodiscard]] qint64 step(double milliseconds) {
+        constexpr double timeConstant = 45;
+        double part = remaining_ * (1 - std::exp(-milliseconds / timeConstant));
+        // The last pixels come one a frame instead of ever more slowly.
+        if (std::abs(part) < 1) part = std::copysign(std::min(1.0, std::abs(remaining_)), part);
+        const auto whole = static_cast<qint64>(part);
+        remaining_ -= static_cast<double>(whole);
+        return whole;
+    }
+
+  private:
+    double remaining_ = 0;
+};
+
+}  // namespace vell

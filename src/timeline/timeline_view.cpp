@@ -1,0 +1,274 @@
+// SPDX-License-Identifier: MIT
+#include "timeline/timeline_view.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyle>
+#include <QTimerEvent>
+#include <QWheelEvent>
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "identity/contacts_store.h"
+#include "timeline/bubble_colors.h"
+#include "timeline/picture_cache.h"
+
+namespace vell {
+namespace {
+
+constexpr int frameMilliseconds = 8;
+// The idle pass waits so long after the last scrolling, then works in slices. A slice may overrun
+// by the longest row that is laid out at once.
+constexpr int idlePause = 200;
+constexpr int idleSlice = 4;
+constexpr qreal wheelLinePoints = 20;
+constexpr QSize idealSize(520, 640);
+
+}  // namespace
+
+TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, ContactsStore& contacts,
+                           PictureCache& pictures, QWidget* parent)
+    : QAbstractScrollArea(parent),
+      context_{RowFonts(),      RowColors(), 1.0,
+               Qt::LeftToRight, contacts,    BubbleColors::shared(),
+               backgrounds_,    textTiles_,  pictures},
+      layout_(std::move(chatlog), context_) {
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setFocusPolicy(Qt::StrongFocus);
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    presentSenders();
+    connect(&contacts, &ContactsStore::addressToContactChanged, this, [this] {
+        layout_.invalidateCaptions();
+        moved();
+    });
+    connect(&pictures, &PictureCache::changed, this, &TimelineView::pictureChanged);
+}
+
+TimelineView::~TimelineView() {
+    context_.pictures.forget(chatlog());
+}
+
+// Colours go by the order of the events, never by what happens to be painted first.
+void TimelineView::presentSenders() {
+    const auto& own = chatlog().ownUserID();
+    // Converted logs share the strings of a sender's name, so most senders are known by their
+    // addresses without a look at the letters.
+    std::array<const TesselUserID*, 8> recent{};
+    size_t next = 0;
+    const auto isSame = [](const TesselUserID& a, const TesselUserID& b) {
+        return a.userID.constData() == b.userID.constData() && a.userID.size() == b.userID.size() &&
+               a.serviceID.rawValue.constData() == b.serviceID.rawValue.constData() &&
+               a.serviceID.rawValue.size() == b.serviceID.rawValue.size();
+    };
+    for (const TesselChatLog::Event& event : chatlog().events()) {
+        if (!event.sender) continue;
+        const bool isKnown = std::any_of(recent.begin(), recent.end(), [&](const auto* known) {
+            return known && isSame(*known, *event.sender);
+        });
+        if (isKnown) continue;
+        context_.bubbleColors.styleForUser(event.sender, *event.sender == own);
+        recent[next++ % recent.size()] = &*event.sender;
+    }
+}
+
+QSize TimelineView::sizeHint() const {
+    return idealSize;
+}
+
+int TimelineView::viewportWidth() const {
+    return static_cast<int>(viewport()->width() * ratio());
+}
+
+int TimelineView::viewportHeight() const {
+    return static_cast<int>(viewport()->height() * ratio());
+}
+
+void TimelineView::setFontSize(qint64 points) {
+    if (points == fontSize_) return;
+    fontSize_ = points;
+    if (isBuilt_) rebuild();
+}
+
+void TimelineView::rebuild() {
+    context_.fonts = RowFonts::make(font(), fontSize_);
+    context_.colors = RowColors::make(palette());
+    context_.ratio = viewport()->devicePixelRatioF();
+    context_.direction = layoutDirection();
+    textTiles_.clear();
+    isBuilt_ = true;
+    layout_.reset(viewportWidth(), viewportHeight());
+    moved();
+}
+
+// ---- events ------------------------------------------------------------------------------------
+
+void TimelineView::showEvent(QShowEvent* event) {
+    QAbstractScrollArea::showEvent(event);
+    if (!isBuilt_) rebuild();
+}
+
+void TimelineView::changeEvent(QEvent* event) {
+    QAbstractScrollArea::changeEvent(event);
+    switch (event->type()) {
+        case QEvent::FontChange:
+        case QEvent::PaletteChange:
+        case QEvent::StyleChange:
+        case QEvent::LayoutDirectionChange:
+            if (isBuilt_) rebuild();
+            break;
+        default:
+            break;
+    }
+}
+
+void TimelineView::resizeEvent(QResizeEvent* event) {
+    QAbstractScrollArea::resizeEvent(event);
+    if (!isBuilt_) return;
+    if (event->size().width() != event->oldSize().width()) {
+        rebuild();
+    } else {
+        layout_.setViewportHeight(viewportHeight());
+        moved();
+    }
+}
+
+void TimelineView::timerEvent(QTimerEvent* event) {
+    if (event->timerId() == frameTimer_.timerId()) {
+        const double elapsed = static_cast<double>(frameClock_.nsecsElapsed()) / 1e6;
+        frameClock_.restart();
+        layout_.scrollBy(smoothScroll_.step(elapsed));
+        if (!smoothScroll_.isMoving()) frameTimer_.stop();
+        moved();
+    } else if (event->timerId() == idleTimer_.timerId()) {
+        idleTimer_.start(0, this);
+        if (!layout_.makeExact(QDeadlineTimer(idleSlice))) idleTimer_.stop();
+        syncScrollBar();
+    } else {
+        QAbstractScrollArea::timerEvent(event);
+    }
+}
+
+void TimelineView::pictureChanged(const char* bytes) {
+    std::vector<qsizetype> changed;
+    for (const auto& visible : layout_.visibleRows()) {
+        const auto* view = std::get_if<ImageBubbleView>(&visible.row->view.content());
+        if (view && view->image.image().data.begin() == bytes) changed.push_back(visible.index);
+    }
+    if (changed.empty()) return;
+    for (const qsizetype index : changed)
+        layout_.invalidateRow(index);
+    moved();
+}
+
+// ---- scrolling ---------------------------------------------------------------------------------
+
+void TimelineView::moved() {
+    syncScrollBar();
+    restartIdlePass();
+    viewport()->update();
+}
+
+void TimelineView::restartIdlePass() {
+    idleTimer_.start(idlePause, this);
+}
+
+void TimelineView::syncScrollBar() {
+    // Nothing moves under the mouse of a person who holds the slider.
+    QScrollBar* bar = verticalScrollBar();
+    if (bar->isSliderDown()) return;
+    mapping_ = {layout_.contentHeight(), layout_.viewportHeight()};
+    isSyncing_ = true;
+    bar->setRange(0, mapping_.maximum());
+    bar->setPageStep(mapping_.pageStep());
+    bar->setSingleStep(static_cast<int>(
+        std::max<qint64>(context_.px(wheelLinePoints) / mapping_.pixelsPerValue(), 1)));
+    bar->setValue(mapping_.toValue(layout_.offset()));
+    isSyncing_ = false;
+}
+
+void TimelineView::scrollContentsBy(int, int) {
+    if (isSyncing_ || !isBuilt_) return;
+    smoothScroll_.stop();
+    const QScrollBar* bar = verticalScrollBar();
+    const qint64 wanted = mapping_.toOffset(bar->value());
+    if (bar->isSliderDown()) {
+        // The bar still has the heights of the moment in which the slider was taken.
+        const qint64 last = mapping_.lastOffset();
+        const qint64 lastNow = layout_.contentHeight() - layout_.viewportHeight();
+        layout_.scrollTo(wanted == last
+                             ? lastNow
+                             : std::llround(static_cast<double>(wanted) * lastNow /
+                                            static_cast<double>(std::max<qint64>(last, 1))));
+    } else {
+        layout_.scrollBy(wanted - layout_.offset());
+    }
+    moved();
+}
+
+void TimelineView::wheelEvent(QWheelEvent* event) {
+    if (event->modifiers() & Qt::ControlModifier) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+    if (!event->pixelDelta().isNull()) {
+        smoothScroll_.stop();
+        layout_.scrollBy(-std::lround(event->pixelDelta().y() * ratio()));
+        moved();
+    } else {
+        const double notches = event->angleDelta().y() / 120.0;
+        scrollSmoothly(-notches * QApplication::wheelScrollLines() * wheelLinePoints * ratio());
+    }
+}
+
+void TimelineView::scrollSmoothly(double pixels) {
+    smoothScroll_.add(pixels);
+    if (style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) <= 0) {
+        layout_.scrollBy(std::llround(pixels));
+        smoothScroll_.stop();
+        moved();
+        return;
+    }
+    if (frameTimer_.isActive()) return;
+    frameClock_.start();
+    frameTimer_.start(frameMilliseconds, Qt::PreciseTimer, this);
+}
+
+// ---- painting ----------------------------------------------------------------------------------
+
+void TimelineView::paintEvent(QPaintEvent* event) {
+    if (!isBuilt_ || viewport()->devicePixelRatioF() != ratio()) rebuild();
+    QPainter painter(viewport());
+    painter.fillRect(event->rect(), context_.colors.background);
+    // Rows count device pixels, from the one that is nearest to the viewport's corner.
+    const QPointF corner = painter.deviceTransform().map(QPointF(0, 0));
+    painter.scale(1 / ratio(), 1 / ratio());
+    painter.translate(QPointF(corner.toPoint()) - corner);
+    const QRect& area = event->rect();
+    paintRows(painter, QRectF(area.x() * ratio(), area.y() * ratio(), area.width() * ratio(),
+                              area.height() * ratio())
+                           .toAlignedRect());
+}
+
+void TimelineView::paintRows(QPainter& painter, const QRect& exposed) {
+    const int left = layout_.rowLeft();
+    // Shadows reach a little beyond their rows.
+    const int around = context_.px(standardSpacing);
+    for (const TimelineLayout::VisibleRow& visible : layout_.visibleRows()) {
+        const QRect part = exposed.translated(-left, -visible.top);
+        if (part.top() > visible.row->layout.height + around || part.bottom() < -around) continue;
+        painter.save();
+        painter.translate(left, visible.top);
+        visible.row->view.paint(painter, visible.row->layout, context_,
+                                {visible.index, part, nullptr});
+        painter.restore();
+    }
+}
+
+}  // namespace vell

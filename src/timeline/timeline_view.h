@@ -1,0 +1,86 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// TimelineView: the scrolling timeline of one chat log. It paints the rows that are seen, whatever
+// the log's length; TimelineLayout knows where they are.
+//
+//     auto* view = new TimelineView(document.sharedChatlog(), contacts, pictures);
+//     view->setFontSize(settings.timelineFontSize());
+
+#include <QAbstractScrollArea>
+#include <QBasicTimer>
+#include <QElapsedTimer>
+#include <memory>
+
+#include "timeline/background_cache.h"
+#include "timeline/row_context.h"
+#include "timeline/scroll_mapping.h"
+#include "timeline/smooth_scroll.h"
+#include "timeline/text_tiles.h"
+#include "timeline/timeline_layout.h"
+#include "transcript/chat_log.h"
+
+namespace vell {
+
+class ContactsStore;
+class PictureCache;
+
+class TimelineView final : public QAbstractScrollArea {
+    Q_OBJECT
+
+  public:
+    /// The store and the cache must outlive the view. Gives the log's senders their colours.
+    TimelineView(std::shared_ptr<const TesselChatLog> chatlog, ContactsStore& contacts,
+                 PictureCache& pictures, QWidget* parent = nullptr);
+    ~TimelineView() override;
+
+    [[nodiscard]] const TesselChatLog& chatlog() const { return layout_.chatlog(); }
+    /// In points; any number, brought to the nearest that a font can have.
+    void setFontSize(qint64 points);
+    [[nodiscard]] qint64 fontSize() const { return fontSize_; }
+
+    [[nodiscard]] TimelineLayout& timeline() { return layout_; }
+    /// True while rows that nobody has seen are still being measured.
+    [[nodiscard]] bool isIdlePassRunning() const { return idleTimer_.isActive(); }
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+  protected:
+    void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void showEvent(QShowEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+  private:
+    void presentSenders();
+    /// Takes fonts, colours and ratio from the widget, and lays everything out anew.
+    void rebuild();
+    void paintRows(QPainter& painter, const QRect& exposed);
+    void moved();
+    void syncScrollBar();
+    void scrollSmoothly(double pixels);
+    void restartIdlePass();
+    void pictureChanged(const char* bytes);
+    [[nodiscard]] qreal ratio() const { return context_.ratio; }
+    [[nodiscard]] int viewportWidth() const;
+    [[nodiscard]] int viewportHeight() const;
+
+    BackgroundCache backgrounds_;
+    TextTiles textTiles_;
+    RowContext context_;
+    TimelineLayout layout_;
+    qint64 fontSize_ = 16;
+    bool isBuilt_ = false;
+
+    ScrollMapping mapping_;  // as the scroll bar has it
+    bool isSyncing_ = false;
+    SmoothScroll smoothScroll_;
+    QBasicTimer frameTimer_;
+    QElapsedTimer frameClock_;
+    QBasicTimer idleTimer_;
+};
+
+}  // namespace vell
