@@ -63,6 +63,14 @@ TEST(ApplicationInfo, FillsInWhatIsMissingOrNoString) {
     }
 }
 
+TEST(ApplicationInfo, OfTheProgramIsBuiltIn) {
+    const ApplicationInfo info = applicationInfo();
+    EXPECT_EQ(info.appName, u"Vell");
+    EXPECT_NE(info.version, u"0.42.0");
+    EXPECT_NE(info.build, u"1337");
+    EXPECT_GE(Bundle::main().infoInteger(u"CFBundleVersion"_s), 1);
+}
+
 TEST(Bundle, IntegersAreNumbersOrSpelledOut) {
     const Bundle all = bundle(
         "<key>number</key><integer>-42</integer><key>real</key><real>2.9</real>"
