@@ -1,100 +1,91 @@
 // SPDX-License-Identifier: MIT
 //
-// vell FILE…: one window a transcript, its events in a scrolling list.
-// vell --render OUT.png FILE: what the window would show, painted into a picture without a display.
+// vell [FILE…]: opens transcripts in windows. With --render it paints one into a picture instead.
 
 #include <QApplication>
-#include <QCommandLineParser>
-#include <QFileInfo>
-#include <QListWidget>
+#include <QDir>
+#include <QIcon>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
 #include <cstdio>
-#include <cstring>
-#include <exception>
-#include <memory>
-#include <vector>
 
-#include "transcript/chat_log.h"
-
-using vell::TesselChatLog;
+#include "app/application.h"
+#include "app/command_line.h"
+#include "app/dropped_files.h"
+#include "app/render.h"
 
 namespace {
 
-template <class... Functions>
-struct Overloaded : Functions... {
-    using Functions::operator()...;
-};
-
-/// What an event says, without its sender; nothing for the markers between events.
-QString text(const TesselChatLog::Event::Value& value) {
-    return std::visit(
-        Overloaded{
-            [](const TesselChatLog::PlainText& plain) { return plain.text; },
-            [](const TesselChatLog::Image& image) {
-                return QStringLiteral("[%1]").arg(image.path().value_or(image.type()));
-            },
-            [](const TesselChatLog::File& file) { return file.wrapper->description(); },
-            [](const TesselChatLog::Link& link) {
-                return link.title + QStringLiteral(" <%1>").arg(link.url->absoluteString());
-            },
-            [](const auto&) { return QString(); },
-        },
-        value);
+void setNames() {
+    QCoreApplication::setOrganizationName(QStringLiteral("quillmark"));
+    QCoreApplication::setOrganizationDomain(QStringLiteral("quillmark.dev"));
+    QCoreApplication::setApplicationName(QStringLiteral("vell"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("dev.quillmark.vell"));
 }
 
-std::unique_ptr<QListWidget> makeWindow(const QString& path, const TesselChatLog& log) {
-    auto window = std::make_unique<QListWidget>();
-    window->setWindowTitle(QFileInfo(path).fileName());
-    window->setWordWrap(true);
-    window->resize(520, 640);
-    for (const TesselChatLog::Event& event : log.events()) {
-        const QString words = text(event.value);
-        if (words.isNull()) continue;
-        window->addItem(event.sender ? event.sender->userID + QStringLiteral(": ") + words : words);
-    }
-    return window;
+/// Needs an application object, but no display yet.
+vell::CommandLine parse(int argc, char** argv) {
+    const QCoreApplication core(argc, argv);
+    return vell::CommandLine::parse(QCoreApplication::arguments());
 }
 
-/// A platform plug-in without a display ends the program, so this is settled before there is an
-/// application object.
-void chooseHeadlessPlatform(int argc, char** argv) {
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--render") == 0) qputenv("QT_QPA_PLATFORM", "offscreen");
+bool hasDisplay() {
+#ifdef Q_OS_LINUX
+    return !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+#else
+    return true;
+#endif
+}
+
+/// The desktop's language, for our texts and for those of the toolkit's own dialogs.
+void installTranslations(QApplication& application) {
+    for (const auto& [name, folder] :
+         {std::pair(QStringLiteral("vell"), QStringLiteral(":/i18n")),
+          std::pair(QStringLiteral("qtbase"),
+                    QLibraryInfo::path(QLibraryInfo::TranslationsPath))}) {
+        auto* translator = new QTranslator(&application);
+        if (translator->load(QLocale(), name, QStringLiteral("_"), folder))
+            QCoreApplication::installTranslator(translator);
     }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    chooseHeadlessPlatform(argc, argv);
-    QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("vell"));
-    QCommandLineParser parser;
-    const QCommandLineOption render(QStringLiteral("render"),
-                                    QStringLiteral("Paint the window into a picture and quit."),
-                                    QStringLiteral("OUT.png"));
-    parser.addOption(render);
-    parser.addHelpOption();
-    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("A transcript."),
-                                 QStringLiteral("FILE…"));
-    parser.process(application);
+    setNames();
+    const vell::CommandLine line = parse(argc, argv);
+    if (line.answer) {
+        std::fprintf(line.answer->exitCode == 0 ? stdout : stderr, "%s\n",
+                     qUtf8Printable(line.answer->text));
+        return line.answer->exitCode;
+    }
+    // A platform plug-in without a display ends the program, so this is settled before one loads.
+    if (line.renderTarget) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    } else if (!hasDisplay()) {
+        std::fputs("vell: there is no display; --render OUT.png FILE paints without one\n", stderr);
+        return 1;
+    }
 
-    std::vector<std::unique_ptr<QListWidget>> windows;
-    bool failed = false;
-    for (const QString& path : parser.positionalArguments()) {
-        try {
-            windows.push_back(
-                makeWindow(path, TesselChatLog::fromFile(path, foundation::Calendar::current())));
-        } catch (const std::exception& error) {
-            std::fprintf(stderr, "vell: %s: %s\n", qUtf8Printable(path), error.what());
-            failed = true;
-        }
+    QStringList paths;
+    for (const QString& file : line.files)
+        paths.append(vell::argumentPath(file, QDir::currentPath()));
+    QApplication application(argc, argv);
+    installTranslations(application);
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/dev.quillmark.vell.svg")));
+    if (line.renderTarget) return vell::render(paths.first(), *line.renderTarget);
+
+    const bool shared = !line.newInstance && !paths.contains(QStringLiteral("-"));
+    if (shared && vell::SingleInstance::handOver(paths)) return 0;
+    vell::Application vellApplication;
+    if (shared) vellApplication.listenForOtherStarts();
+    if (paths.isEmpty()) {
+        vellApplication.openWithoutFiles();
+    } else {
+        vellApplication.open(paths);
     }
-    if (parser.isSet(render)) {
-        const bool painted =
-            !windows.empty() && windows.front()->grab().save(parser.value(render), "PNG");
-        return failed || !painted ? 1 : 0;
-    }
-    for (const auto& window : windows)
-        window->show();
-    return windows.empty() ? (failed ? 1 : 0) : QApplication::exec();
+    return QApplication::exec();
 }

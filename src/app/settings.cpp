@@ -57,8 +57,7 @@ std::optional<Settings::WindowPlace> Settings::windowPlace(const QString& path) 
     const QVariantMap place = store_.value(placeKey(path)).toMap();
     if (place.isEmpty()) return std::nullopt;
     return WindowPlace{place.value(QStringLiteral("geometry")).toByteArray(),
-                       place.value(QStringLiteral("sequence")).toLongLong(),
-                       place.value(QStringLiteral("offset")).toDouble()};
+                       place.value(QStringLiteral("row")).toLongLong()};
 }
 
 void Settings::setWindowPlace(const QString& path, const WindowPlace& place) {
@@ -70,8 +69,7 @@ void Settings::setWindowPlace(const QString& path, const WindowPlace& place) {
         store_.remove(order.takeLast());
     store_.setValue(placesOrderKey, order);
     store_.setValue(key, QVariantMap{{QStringLiteral("geometry"), place.geometry},
-                                     {QStringLiteral("sequence"), place.topSequence},
-                                     {QStringLiteral("offset"), place.topOffset}});
+                                     {QStringLiteral("row"), place.topRow}});
 }
 
 QStringList Settings::contactsFiles() const {

@@ -19,9 +19,8 @@ class Settings final : public QObject {
     /// Where one transcript's window stood and how far it was scrolled.
     struct WindowPlace {
         QByteArray geometry;
-        /// Sequence number of the event at the top of the view, and points of it scrolled away.
-        qint64 topSequence = 0;
-        double topOffset = 0;
+        /// The row at the top of the view.
+        qint64 topRow = 0;
     };
 
     explicit Settings(QObject* parent = nullptr);

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "identity/contacts_store.h"
 #include "timeline/bubble_colors.h"
@@ -103,6 +104,22 @@ void TimelineView::rebuild() {
     textTiles_.clear();
     isBuilt_ = true;
     layout_.reset(viewportWidth(), viewportHeight());
+    if (wantedRow_ > 0) scrollToRow(std::exchange(wantedRow_, 0));
+    moved();
+}
+
+qsizetype TimelineView::topRow() const {
+    return isBuilt_ ? std::max<qsizetype>(layout_.rowAt(0), 0) : wantedRow_;
+}
+
+void TimelineView::scrollToRow(qsizetype index) {
+    if (!isBuilt_) {
+        wantedRow_ = index;
+        return;
+    }
+    if (index < 0 || index >= layout_.rowCount()) return;
+    smoothScroll_.stop();
+    layout_.scrollToRow(index);
     moved();
 }
 

@@ -40,6 +40,10 @@ class TimelineView final : public QAbstractScrollArea {
     [[nodiscard]] qint64 fontSize() const { return fontSize_; }
 
     [[nodiscard]] TimelineLayout& timeline() { return layout_; }
+    /// The row at the viewport's top edge; 0 before the view was shown.
+    [[nodiscard]] qsizetype topRow() const;
+    /// Brings a row's top to the viewport's, as far as there is enough below it.
+    void scrollToRow(qsizetype index);
     /// True while rows that nobody has seen are still being measured.
     [[nodiscard]] bool isIdlePassRunning() const { return idleTimer_.isActive(); }
 
@@ -74,6 +78,7 @@ class TimelineView final : public QAbstractScrollArea {
     TimelineLayout layout_;
     qint64 fontSize_ = 16;
     bool isBuilt_ = false;
+    qsizetype wantedRow_ = 0;  // of a scrollToRow() before the view was shown
 
     ScrollMapping mapping_;  // as the scroll bar has it
     bool isSyncing_ = false;

@@ -1,0 +1,99 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// Application: owns what all windows share and carries out the commands that belong to none of
+// them. Lives on the window thread for the whole run.
+
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+#include <memory>
+#include <vector>
+
+#include "app/contacts_dialog.h"
+#include "app/document_loader.h"
+#include "app/recent_files.h"
+#include "app/settings.h"
+#include "app/single_instance.h"
+#include "timeline/picture_cache.h"
+
+class QMessageBox;
+
+namespace vell {
+
+class ContactsStore;
+class DocumentWindow;
+class FindFilesWindow;
+class PanelWindow;
+class PreferencesWindow;
+class SystemContacts;
+class VCardSource;
+class WelcomeWindow;
+
+class Application final : public QObject {
+    Q_OBJECT
+
+  public:
+    /// Reads files with the reader; null means from the disk.
+    explicit Application(std::shared_ptr<FileReader> reader = nullptr);
+    ~Application() override;
+
+    /// Opens transcripts in windows of their own, folders in the search window; a file that is open
+    /// already has its window raised. Absolute paths, or "-" for standard input.
+    void open(const QStringList& paths);
+    /// What a start without files shows: the windows of the last visit, else the welcome.
+    void openWithoutFiles();
+    /// Takes over the files of later starts of the program.
+    void listenForOtherStarts();
+
+    [[nodiscard]] Settings& settings() { return settings_; }
+    [[nodiscard]] RecentFiles& recentFiles() { return recentFiles_; }
+    [[nodiscard]] ContactsStore& contacts() { return *contacts_; }
+    [[nodiscard]] PictureCache& pictures() { return pictures_; }
+    [[nodiscard]] std::vector<DocumentWindow*> documentWindows() const;
+
+    // Commands.
+    void showOpenDialog(QWidget* parent);
+    void showWelcome();
+    /// Whether the saved search is among the program's resources.
+    [[nodiscard]] static bool offersFindFiles();
+    /// Opens the saved search with the desktop, or a search window of ours where none can.
+    void findFiles();
+    void showFindWindow(const QStringList& folders);
+    void showAbout();
+    void showPreferences();
+    static void openBugReport();
+    void quit();
+
+  Q_SIGNALS:
+    /// The list of document windows or one of their titles changed.
+    void documentWindowsChanged();
+
+  private:
+    void openContacts();
+    void openTranscript(const QString& path);
+    void remove(DocumentWindow* window);
+    void rememberWindows();
+    void reportFailure(const QString& path);
+    [[nodiscard]] DocumentWindow* windowFor(const QString& path) const;
+
+    Settings settings_;
+    RecentFiles recentFiles_;
+    SingleInstance instance_;
+    LoadLane lane_;
+    DocumentLoader loader_;
+    ContactsDialog contactsDialog_;
+    VCardSource* chosenCards_ = nullptr;  // owned by systemContacts_, that by contacts_
+    SystemContacts* systemContacts_ = nullptr;
+    QSettings contactsSettings_;
+    std::unique_ptr<ContactsStore> contacts_;
+    PictureCache pictures_;
+    std::vector<DocumentWindow*> windows_;  // each deletes itself on closing
+    std::unique_ptr<PanelWindow> aboutWindow_;
+    std::unique_ptr<PreferencesWindow> preferences_;
+    QPointer<WelcomeWindow> welcome_;
+    QPointer<QMessageBox> failures_;
+    bool isQuitting_ = false;
+};
+
+}  // namespace vell

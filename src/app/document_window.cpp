@@ -1,0 +1,227 @@
+// SPDX-License-Identifier: MIT
+#include "app/document_window.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QProgressBar>
+#include <QSaveFile>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "app/application.h"
+#include "app/chat_title.h"
+#include "app/contacts_bar.h"
+#include "app/dropped_files.h"
+#include "app/find_bar.h"
+#include "app/font_size.h"
+#include "identity/contacts_store.h"
+#include "timeline/timeline_view.h"
+
+namespace vell {
+namespace {
+
+constexpr QSize minimumContent(272, 320);
+constexpr QSize idealContent(520, 720);
+constexpr int spinnerDelay = 200;  // milliseconds; most transcripts are there sooner
+
+/// Shown while a transcript is read: nothing at first, then a bar that moves.
+QWidget* loadingPage() {
+    auto* page = new QWidget;
+    page->setAutoFillBackground(true);
+    page->setBackgroundRole(QPalette::Base);
+    auto* spinner = new QProgressBar;
+    spinner->setRange(0, 0);
+    spinner->setTextVisible(false);
+    spinner->setMaximumWidth(160);
+    spinner->setAccessibleName(DocumentWindow::tr("Opening …"));
+    spinner->hide();
+    QTimer::singleShot(spinnerDelay, spinner, &QWidget::show);
+    auto* layout = new QVBoxLayout(page);
+    layout->addWidget(spinner, 0, Qt::AlignCenter);
+    return page;
+}
+
+}  // namespace
+
+DocumentWindow::DocumentWindow(Application& application, DocumentLoader& loader,
+                               const QString& path)
+    : application_(application), path_(path) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    setObjectName(QStringLiteral("documentWindow"));
+    setAcceptDrops(true);
+    setWindowTitle(isStandardInput(path) ? tr("Standard Input")
+                                         : QFileInfo(path).completeBaseName());
+    setWindowFilePath(isStandardInput(path) ? QString() : path);
+    buildContent();
+    buildMenus();
+    restorePlace();
+
+    connect(&application_.settings(), &Settings::timelineFontSizeChanged, this,
+            [this](qint64 points) {
+                if (timeline_) timeline_->setFontSize(points);
+            });
+    load_ = loader.load(path, [this](const DocumentLoader::Result& result) { loaded(result); });
+}
+
+DocumentWindow::~DocumentWindow() = default;
+
+void DocumentWindow::buildContent() {
+    pages_ = new QStackedWidget;
+    pages_->addWidget(loadingPage());
+    findBar_ = new FindBar;
+    contactsBar_ = new ContactsBar(application_.contacts());
+
+    auto* content = new QWidget;
+    content->setAutoFillBackground(true);
+    content->setBackgroundRole(QPalette::Base);
+    content->setMinimumSize(minimumContent);
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(pages_, 1);
+    layout->addWidget(findBar_);
+    layout->addWidget(contactsBar_);
+    setCentralWidget(content);
+    resize(idealContent);
+    statusBar()->setSizeGripEnabled(true);
+
+    connect(findBar_, &FindBar::textChanged, this, [this](const QString& text) {
+        currentMatch_ = -1;
+        if (search_) search_->start(text);
+    });
+    connect(findBar_, &FindBar::nextRequested, this, [this] { goToMatch(1); });
+    connect(findBar_, &FindBar::previousRequested, this, [this] { goToMatch(-1); });
+    connect(findBar_, &FindBar::closed, this, &DocumentWindow::closeFindBar);
+}
+
+void DocumentWindow::loaded(const DocumentLoader::Result& result) {
+    load_.reset();
+    if (!result.document) {
+        Q_EMIT failed(path_);
+        close();
+        return;
+    }
+    document_ = result.document;
+    setWindowTitle(chatTitle(document_->chatlog(), application_.contacts()));
+    search_ = std::make_unique<ChatSearch>(document_->sharedChatlog());
+    connect(search_.get(), &ChatSearch::changed, this, &DocumentWindow::showMatches);
+    timeline_ = new TimelineView(document_->sharedChatlog(), application_.contacts(),
+                                 application_.pictures());
+    timeline_->setFontSize(application_.settings().timelineFontSize());
+    pages_->setCurrentIndex(pages_->addWidget(timeline_));
+    if (const auto place = application_.settings().windowPlace(path_))
+        timeline_->scrollToRow(place->topRow);
+    timeline_->setFocus();
+    for (QAction* action : documentActions_)
+        action->setEnabled(true);
+    if (findBar_->isVisible()) search_->start(findBar_->text());
+    if (!isStandardInput(path_)) application_.recentFiles().add(path_);
+}
+
+void DocumentWindow::restorePlace() {
+    if (const auto place = application_.settings().windowPlace(path_))
+        restoreGeometry(place->geometry);
+}
+
+void DocumentWindow::savePlace() const {
+    if (!document_ || isStandardInput(path_)) return;
+    application_.settings().setWindowPlace(path_, {saveGeometry(), timeline_->topRow()});
+}
+
+void DocumentWindow::closeEvent(QCloseEvent* event) {
+    load_.reset();
+    savePlace();
+    QMainWindow::closeEvent(event);
+    Q_EMIT closed(this);
+}
+
+void DocumentWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->source() == nullptr && !droppedFiles(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void DocumentWindow::dropEvent(QDropEvent* event) {
+    application_.open(droppedFiles(*event->mimeData()));
+    event->acceptProposedAction();
+}
+
+QString DocumentWindow::markdown() const {
+    return document_->chatlog().generatePlainText(application_.contacts());
+}
+
+void DocumentWindow::copyWholeChat() {
+    if (!document_) return;
+    const QString text = markdown();
+    auto* item = new QMimeData;
+    item->setText(text);
+    item->setData(QStringLiteral("text/markdown"), text.toUtf8());
+    QGuiApplication::clipboard()->setMimeData(item);
+}
+
+void DocumentWindow::saveAsMarkdown() {
+    const QString suggestion =
+        isStandardInput(path_) ? tr("Chat") : QFileInfo(path_).completeBaseName();
+    auto* dialog = new QFileDialog(this, tr("Save Chat as Markdown"), suggestion);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setMimeTypeFilters({QStringLiteral("text/markdown")});
+    dialog->setDefaultSuffix(QStringLiteral("md"));
+    dialog->selectFile(suggestion + QStringLiteral(".md"));
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& target) {
+        QSaveFile file(target);
+        if (file.open(QIODevice::WriteOnly) && file.write(markdown().toUtf8()) >= 0 &&
+            file.commit())
+            return;
+        auto* box = new QMessageBox(
+            QMessageBox::Warning, tr("Save Chat as Markdown"),
+            tr("The chat could not be saved as “%1”.").arg(QFileInfo(target).fileName()),
+            QMessageBox::Ok, this);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->setInformativeText(tr("%1. Choose another folder or name.").arg(file.errorString()));
+        box->open();
+    });
+    dialog->open();
+}
+
+void DocumentWindow::openFindBar() {
+    findBar_->open();
+    if (search_ && !findBar_->text().isEmpty()) search_->start(findBar_->text());
+}
+
+void DocumentWindow::closeFindBar() {
+    findBar_->hide();
+    if (search_) search_->start({});
+    timeline_->setFocus();
+}
+
+void DocumentWindow::showMatches() {
+    const auto& matches = search_->matches();
+    if (currentMatch_ < 0 && !matches.empty()) {
+        // The first match at or below what is on screen, so that typing does not jump about.
+        const qsizetype top = timeline_->topRow();
+        const auto next = std::find_if(matches.begin(), matches.end(),
+                                       [top](const ChatMatch& match) { return match.event >= top; });
+        currentMatch_ = next == matches.end() ? 0 : next - matches.begin();
+        timeline_->scrollToRow(matches[static_cast<size_t>(currentMatch_)].event);
+    }
+    findBar_->setCount(currentMatch_ + 1, std::ssize(matches), search_->isRunning());
+}
+
+void DocumentWindow::goToMatch(int step) {
+    if (!search_ || search_->matches().empty()) return;
+    const qsizetype count = std::ssize(search_->matches());
+    currentMatch_ = (currentMatch_ + step + count) % count;
+    timeline_->scrollToRow(search_->matches()[static_cast<size_t>(currentMatch_)].event);
+    showMatches();
+}
+
+}  // namespace vell

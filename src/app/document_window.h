@@ -1,0 +1,85 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// DocumentWindow: one transcript on screen. It shows at once, fills when the transcript has been
+// read, and deletes itself on closing, which also cancels a load under way.
+
+#include <QMainWindow>
+#include <memory>
+
+#include "app/chat_search.h"
+#include "app/document_loader.h"
+
+class QFontDialog;
+class QLabel;
+class QStackedWidget;
+
+namespace vell {
+
+class Application;
+class ContactsBar;
+class FindBar;
+class TimelineView;
+
+class DocumentWindow final : public QMainWindow {
+    Q_OBJECT
+
+  public:
+    /// Starts loading the path ("-": standard input) with the loader.
+    DocumentWindow(Application& application, DocumentLoader& loader, const QString& path);
+    ~DocumentWindow() override;
+
+    [[nodiscard]] const QString& path() const { return path_; }
+    [[nodiscard]] bool isLoaded() const { return document_ != nullptr; }
+
+  Q_SIGNALS:
+    /// The transcript could not be read; the window closes.
+    void failed(const QString& path);
+    void closed(vell::DocumentWindow* window);
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+  private:
+    void buildContent();
+    void buildMenus();
+    void buildFileMenu();
+    void buildEditMenu();
+    void buildFormatMenu();
+    void buildViewMenu();
+    void buildWindowAndHelpMenus();
+    void loaded(const DocumentLoader::Result& result);
+    void restorePlace();
+    void savePlace() const;
+
+    void copyWholeChat();
+    void saveAsMarkdown();
+    [[nodiscard]] QString markdown() const;
+    void changeFontSize(int action);
+    void showFontPanel();
+
+    void openFindBar();
+    void closeFindBar();
+    void showMatches();
+    void goToMatch(int step);
+
+    Application& application_;
+    QString path_;
+    DocumentLoader::Ticket load_;
+    std::shared_ptr<const VellDocument> document_;
+    std::unique_ptr<ChatSearch> search_;
+    qsizetype currentMatch_ = -1;
+
+    QStackedWidget* pages_ = nullptr;
+    TimelineView* timeline_ = nullptr;  // null until the transcript is there
+    FindBar* findBar_ = nullptr;
+    ContactsBar* contactsBar_ = nullptr;
+    QAction* copyAction_ = nullptr;
+    QFontDialog* fontPanel_ = nullptr;
+    QFont panelFont_;                  // as the panel showed it last
+    QList<QAction*> documentActions_;  // enabled once the transcript is there
+};
+
+}  // namespace vell

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "app/render.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <cstdio>
+
+#include "app/document.h"
+#include "app/file_reader.h"
+#include "identity/contacts_store.h"
+#include "timeline/picture_cache.h"
+#include "timeline/timeline_view.h"
+
+namespace vell {
+namespace {
+
+constexpr QSize windowSize(520, 720);
+constexpr int patience = 3000;  // milliseconds for pictures to be decoded
+
+}  // namespace
+
+int render(const QString& path, const QString& target) {
+    try {
+        const auto file = DiskFileReader().read(path);
+        const VellDocument document = VellDocument::read(*file, [] {});
+        ContactsStore contacts;
+        PictureCache pictures;
+        TimelineView view(document.sharedChatlog(), contacts, pictures);
+        view.resize(windowSize);
+        view.show();
+        // The first painting asks for pictures; they are there when nothing has come for a while.
+        QElapsedTimer sinceChange;
+        sinceChange.start();
+        QObject::connect(&pictures, &PictureCache::changed, &view,
+                         [&] { sinceChange.restart(); });
+        QElapsedTimer total;
+        total.start();
+        while (!sinceChange.hasExpired(300) && !total.hasExpired(patience)) {
+            view.grab();
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+        }
+        if (view.grab().save(target, "PNG")) return 0;
+        std::fprintf(stderr, "vell: %s can't be written\n", qUtf8Printable(target));
+    } catch (const foundation::Error&) {
+        std::fprintf(stderr, "vell: %s could not be opened\n", qUtf8Printable(path));
+    }
+    return 1;
+}
+
+}  // namespace vell
