@@ -90,5 +90,18 @@ configured() {
     exit 1
 }
 
+# built PRESET: builds, with progress on a terminal; silent when there is nothing to do.
+built() {
+    local folder=$root/build/$1
+    [[ "$(ninja -C "$folder" -n 2>&1)" != *'no work to do.' ]] || return 0
+    say "Building; the first time takes some minutes."
+    if [ -t 2 ]; then
+        cmake --build "$folder" >&2 || exit 1
+    elif ! cmake --build "$folder" >"$log" 2>&1; then
+        cat "$log" >&2
+        exit 1
+    fi
+}
+
 log=$(mktemp "${TMPDIR:-/tmp}/vell-setup.XXXXXX")
-trap 'rm -f "$log"' EXIT
+trap 'rm -rf "$log" "$log.runtime"' EXIT
