@@ -26,12 +26,16 @@ constexpr std::array<bool, 128> kStops = [] {
     std::array<bool, 128> stops{};
     for (std::size_t unit = 0; unit < 0x20; ++unit)
         stops[unit] = true;
-    for (const char unit : {'\\', '`', '*', '_', '[', ']', '<', '&', '~', '|', '!', '\x7f'}) {
-        stops[static_cast<std::size_t>(unit)] = true;
-    }
+    for (const char16_t unit : u"\\`*_[]<&~|!\x7f")
+        stops[unit] = true;
     stops['\t'] = false;
     return stops;
 }();
+
+/// Headings, lists, rules and quotes, at a line's start.
+bool startsBlock(char16_t unit) {
+    return unit == u'#' || unit == u'+' || unit == u'-' || unit == u'=' || unit == u'>';
+}
 
 /// Beyond ASCII: controls, line and paragraph separators, and surrogates, which may be lone.
 bool stopsScan(char16_t unit) {
@@ -158,7 +162,7 @@ qsizetype MarkdownWriter::startLine(QStringView text, qsizetype at) {
         reference(unit);
         return at + 1;
     }
-    if (QStringView(u"#+-=>").contains(unit)) out_ += u'\\';
+    if (startsBlock(unit)) out_ += u'\\';
     if (!isDigit(unit)) return at;
     qsizetype end = at;
     while (end < text.size() && isDigit(text[end].unicode()))

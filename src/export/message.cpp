@@ -106,7 +106,7 @@ QString picturePath(const TesselChatLog::Image& image) {
 }
 
 QString pictureName(const QString& path) {
-    const QString name = path.mid(path.lastIndexOf(u'/') + 1);
+    QString name = path.mid(path.lastIndexOf(u'/') + 1);
     return name.isEmpty() ? path : name;
 }
 

@@ -16,7 +16,7 @@
 namespace vell {
 namespace {
 
-constexpr qint64 kMinutesPerDay = 24 * 60;
+constexpr qint64 kMinutesPerDay = 1440;
 constexpr qint64 kSecondsPerDay = kMinutesPerDay * 60;
 
 /// ICU's name of a locale written as the C library or as language tags have it.

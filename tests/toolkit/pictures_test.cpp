@@ -157,6 +157,7 @@ TEST(DecodePicture, ManyThreadsAtOnce) {
 }
 
 TEST(DecodePicture, DrawingsAreEnlargedAndReadNoOtherFiles) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
     int count = 1;
     char name[] = "test";
     char* arguments[] = {name, nullptr};
