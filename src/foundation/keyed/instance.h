@@ -43,8 +43,10 @@ class KeyLayouts {
 
 class Instance {
   public:
-    Instance(const Node& dictionary, KeyLayouts& layouts)
-        : dictionary_(dictionary), layouts_(layouts) {}
+    /// Any other object than a dictionary is read as an empty one.
+    Instance(const Node& object, KeyLayouts& layouts)
+        : dictionary_(object.kind == BinaryPropertyList::Kind::dictionary ? object : Node()),
+          layouts_(layouts) {}
 
     [[nodiscard]] const Node& dictionary() const { return dictionary_; }
     /// The value under the key; nothing when it is missing.
