@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "transcript/log_size.h"
 
+#include <optional>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -24,6 +25,7 @@ class LogSizeEstimate {
     static constexpr quint64 kEventSize = sizeof(TesselChatLog::Event);
     quint64 events_ = 0;
     quint64 extra_ = 0;  // bytes
+    std::optional<foundation::Date> previousDate_;
     std::shared_ptr<const Presentity> previousSender_;
     // The number of runs, by who sends the string: a system message has texts of its own.
     std::unordered_map<const AttributedString*, quint64> sharedBySenders_;
@@ -36,7 +38,9 @@ class LogSizeEstimate {
 };
 
 void LogSizeEstimate::add(const std::shared_ptr<const InstantMessage>& message) {
-    if (message->date) ++events_;
+    // A message without a date, or with the one before's, opens no day and no minute.
+    if (message->date && message->date != previousDate_) ++events_;
+    previousDate_ = message->date ? message->date : previousDate_;
     if (previousSender_ && previousSender_ != message->sender) ++events_;
     previousSender_ = message->sender;
 
