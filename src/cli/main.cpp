@@ -6,11 +6,12 @@
 #include <cstdio>
 
 #include "cli/exporter.h"
+#include "foundation/local_path.h"
 
 int main(int argc, char** argv) {
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
-        arguments.append(QString::fromLocal8Bit(argv[i]));
+        arguments.append(foundation::pathFromArgument(argv[i]));
     QFile input;
     QFile output;
     if (!input.open(stdin, QIODevice::ReadOnly) || !output.open(stdout, QIODevice::WriteOnly)) {

@@ -48,6 +48,10 @@ QString OutputNames::nameFor(const QString& input, const QString& extension) {
         const QFileInfo info(localPath(input));
         name = info.completeBaseName().isEmpty() ? info.fileName() : info.completeBaseName();
     }
+    // Bytes that are no text in the input's name become U+FFFD.
+    const QList<uint> characters = name.toUcs4();
+    name =
+        QString::fromUcs4(reinterpret_cast<const char32_t*>(characters.data()), characters.size());
     QString unique = name;
     for (int number = 2; taken_.contains(unique); ++number)
         unique = name + u'-' + QString::number(number);

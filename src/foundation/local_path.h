@@ -1,17 +1,23 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Paths of files on disk, as people name them. Qt's file classes take a path that starts with ":"
-// for one of the program's own resources.
+// Paths of files on disk, as people name them. Old archives unpack to names in encodings of their
+// time; such a path is a QString all the same, in which each byte that is no UTF-8 stands as a lone
+// surrogate, so that the file can be opened.
 
-#include <QDir>
+#include <QFile>
 #include <QString>
 
 namespace foundation {
 
-/// The path in a form that only ever names a file on disk.
-[[nodiscard]] inline QString localPath(const QString& path) {
-    return path.startsWith(u':') ? QDir::currentPath() + u'/' + path : path;
-}
+/// The path that an argument of the program names.
+[[nodiscard]] QString pathFromArgument(const char* argument);
+
+/// The path in a form that Qt's file classes take for a file's on disk, never for one of the
+/// program's own resources.
+[[nodiscard]] QString localPath(const QString& path);
+
+/// Opens the file at the path for reading; the device tells what went wrong.
+bool openForReading(QFile& file, const QString& path);
 
 }  // namespace foundation

@@ -4,7 +4,6 @@
 // the events.
 #include <QDateTime>
 #include <QFile>
-#include <QFileInfo>
 #include <QStringList>
 #include <unordered_map>
 #include <utility>
@@ -25,6 +24,9 @@ using foundation::Date;
 namespace {
 
 using Event = TesselChatLog::Event;
+
+/// "The file could not be read", in "NSCocoaErrorDomain".
+constexpr qint64 kFileReadError = 256;
 
 /// The texts of senderless messages, where a placeholder stands for somebody's name. A text that
 /// several messages share is replaced once.
@@ -231,14 +233,14 @@ TesselChatLog TesselChatLog::fromData(const foundation::Data& data, std::optiona
 }
 
 TesselChatLog TesselChatLog::fromFile(const QString& path, const foundation::Calendar& calendar) {
-    QFile file(foundation::localPath(path));
-    if (!file.open(QIODevice::ReadOnly))
-        throw foundation::Error(u"NSCocoaErrorDomain"_s, 256, file.errorString());
+    QFile file;
+    if (!foundation::openForReading(file, path))
+        throw foundation::Error(u"NSCocoaErrorDomain"_s, kFileReadError, file.errorString());
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError)
-        throw foundation::Error(u"NSCocoaErrorDomain"_s, 256, file.errorString());
+        throw foundation::Error(u"NSCocoaErrorDomain"_s, kFileReadError, file.errorString());
     std::optional<Date> fileDate;
-    const QDateTime modified = QFileInfo(file).lastModified();
+    const QDateTime modified = file.fileTime(QFileDevice::FileModificationTime);
     if (modified.isValid())
         fileDate = Date::fromMillisecondsSinceEpoch(modified.toMSecsSinceEpoch());
     return fromData(foundation::Data(bytes), fileDate, calendar);

@@ -5,9 +5,11 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <cstdio>
 
 #include "cli/output.h"
 #include "cli/program.h"
+#include "foundation/local_path.h"
 #include "support/transcript_writer.h"
 
 namespace vell {
@@ -100,6 +102,19 @@ TEST_F(Export, SeveralFilesAreNamedAfterThemselves) {
               (QStringList{u".hidden.json"_s, u"a-2-2.json"_s, u"a-2.json"_s, u"a.json"_s,
                            u"b.c.json"_s, u"noextension.json"_s, u"stdin.json"_s}));
     EXPECT_TRUE(test::readFile(path("new/out/stdin.json")).contains("\"in\""));
+}
+
+TEST_F(Export, NamesInNoEncodingAnybodyKnows) {
+    const QByteArray name = folder_.path().toUtf8() + "/Zo\xe9 \xf0\x9f\x90\x88.ichat";
+    std::FILE* file = std::fopen(name.constData(), "wb");
+    ASSERT_TRUE(file);
+    const QByteArray bytes = transcript("hi");
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), file);
+    std::fclose(file);
+    const QString argument = foundation::pathFromArgument(name.constData());
+    EXPECT_EQ(run({u"--output"_s, path("out"), argument, argument}).status, 0);
+    EXPECT_EQ(written("out"),
+              (QStringList{u"Zo\ufffd \U0001f408-2.json"_s, u"Zo\ufffd \U0001f408.json"_s}));
 }
 
 TEST_F(Export, FailuresAreToldAndTheOthersDone) {

@@ -81,7 +81,8 @@ TEST(Transcripts, GiveTheEventsBesideThem) {
         const QString path = folder.filePath(name);
         QString zone = QFileInfo(name).completeBaseName().section(u'@', 1);
         zone.replace(u'+', u'/');
-        const test::Result run = test::run({u"--format"_s, u"json"_s, u"--time-zone"_s, zone, path});
+        const test::Result run =
+            test::run({u"--format"_s, u"json"_s, u"--time-zone"_s, zone, path});
         ASSERT_EQ(run.status, 0) << run.error.toStdString();
         const QJsonObject actual = parsed(run.output);
         const QJsonObject expected = parsed(

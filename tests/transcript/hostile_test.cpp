@@ -194,7 +194,7 @@ support::Transcript densest(int messages) {
 }
 
 TEST(Hostile, LogsStayInProportionToTheirFiles) {
-    constexpr qsizetype size = 4 * kMiB;
+    constexpr qsizetype size = 3 * kMiB;
     constexpr int count = size / 8;
     struct Row {
         const char* name;
@@ -213,10 +213,10 @@ TEST(Hostile, LogsStayInProportionToTheirFiles) {
         {"a long text cut in two, within bounds", keyedSharedText(1000, 3000, false), 6000},
         {"arrays in arrays", keyedNestedArrays(20, 50'000), kRefused},
         {"empty runs in every message", keyedEmptyRuns(100'000, 1000), 1000},
-        {"the densest honest transcript, keyed", support::keyedTranscript(densest(50'000)),
-         150'000 - 1},
-        {"the densest honest transcript, non-keyed", support::nonKeyedTranscript(densest(50'000)),
-         150'000 - 1},
+        {"the densest honest transcript, keyed", support::keyedTranscript(densest(20'000)),
+         60'000 - 1},
+        {"the densest honest transcript, non-keyed", support::nonKeyedTranscript(densest(20'000)),
+         60'000 - 1},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/local_path.h"
+
+#include <fcntl.h>
+
+#include <QDir>
+#include <algorithm>
+#include <optional>
+
+namespace foundation {
+namespace {
+
+/// A byte above 0x7f stands as this plus the byte.
+constexpr char16_t kEscape = 0xdc00;
+
+bool isEscaped(char16_t unit) {
+    return unit >= kEscape + 0x80 && unit <= kEscape + 0xff;
+}
+
+/// The bytes of a path that no Unicode text can name; nothing for all others.
+std::optional<QByteArray> escapedBytes(const QString& path) {
+    QByteArray result;
+    bool hasEscape = false;
+    qsizetype begin = 0;
+    for (qsizetype i = 0; i < path.size(); ++i) {
+        if (path[i].isHighSurrogate()) {
+            ++i;
+        } else if (isEscaped(path[i].unicode())) {
+            result += QFile::encodeName(path.sliced(begin, i - begin));
+            result += static_cast<char>(path[i].unicode() - kEscape);
+            begin = i + 1;
+            hasEscape = true;
+        }
+    }
+    if (!hasEscape) return std::nullopt;
+    return result + QFile::encodeName(path.sliced(begin));
+}
+
+}  // namespace
+
+QString pathFromArgument(const char* argument) {
+    const QByteArrayView bytes(argument);
+    if (bytes.isValidUtf8()) return QString::fromUtf8(bytes);
+    QString result;
+    for (qsizetype i = 0; i < bytes.size();) {
+        const qsizetype most = std::min<qsizetype>(4, bytes.size() - i);
+        qsizetype size = 1;
+        while (size <= most && !bytes.sliced(i, size).isValidUtf8())
+            ++size;
+        if (size <= most) {
+            result += QString::fromUtf8(bytes.sliced(i, size));
+            i += size;
+        } else {
+            result += QChar(kEscape + static_cast<unsigned char>(bytes[i++]));
+        }
+    }
+    return result;
+}
+
+QString localPath(const QString& path) {
+    return path.startsWith(u':') ? QDir::currentPath() + u'/' + path : path;
+}
+
+bool openForReading(QFile& file, const QString& path) {
+    const auto bytes = escapedBytes(path);
+    file.setFileName(localPath(path));
+    if (!bytes) return file.open(QIODevice::ReadOnly);
+    const int descriptor = ::open(bytes->constData(), O_RDONLY | O_CLOEXEC);
+    return descriptor >= 0 ? file.open(descriptor, QIODevice::ReadOnly, QFile::AutoCloseHandle)
+                           : file.open(QIODevice::ReadOnly);
+}
+
+}  // namespace foundation
