@@ -98,10 +98,9 @@ bool Calendar::isSameMinute(Date a, Date b) const {
 }
 
 std::optional<qint64> Calendar::localSecond(Date date) const {
-    const auto milliseconds = date.millisecondsSinceEpoch();
-    if (!milliseconds) return std::nullopt;
-    const qint64 second = floorDivide(*milliseconds, 1000);
-    return second + stretchAt(second).offset;
+    const auto second = date.secondSinceEpoch();
+    if (!second) return std::nullopt;
+    return *second + stretchAt(*second).offset;
 }
 
 const Calendar::Stretch& Calendar::stretchAt(qint64 second) const {

@@ -96,6 +96,15 @@ std::optional<qint64> Date::millisecondsSinceEpoch() const {
     return result;
 }
 
+std::optional<qint64> Date::secondSinceEpoch() const {
+    if (!(std::abs(secondsSinceReferenceDate) < 1e12)) return std::nullopt;
+    auto result = static_cast<qint64>(secondsSinceReferenceDate);
+    if (static_cast<double>(result) > secondsSinceReferenceDate) --result;
+    result += kReferenceFromEpoch;
+    if (result < kFirstMillisecond / 1000 || result >= kEndMillisecond / 1000) return std::nullopt;
+    return result;
+}
+
 std::optional<QString> Date::iso8601() const {
     const auto milliseconds = millisecondsSinceEpoch();
     if (!milliseconds) return std::nullopt;

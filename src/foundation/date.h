@@ -24,6 +24,8 @@ struct Date {
 
     /// Milliseconds since 1970, rounded down; nothing when outside the years 1-9999.
     [[nodiscard]] std::optional<qint64> millisecondsSinceEpoch() const;
+    /// Seconds since 1970, rounded down; nothing when outside the years 1-9999.
+    [[nodiscard]] std::optional<qint64> secondSinceEpoch() const;
     /// "2009-07-04T13:04:05.250Z" (milliseconds rounded down); nothing outside the years 1-9999.
     [[nodiscard]] std::optional<QString> iso8601() const;
     /// "2009-07-04 13:04:05 +0000", or the number of seconds outside the years 1-9999.

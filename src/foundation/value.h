@@ -80,10 +80,23 @@ class Value {
     }
     /// The object when it is a T (or derived from it), else null.
     template <class T>
-    [[nodiscard]] std::shared_ptr<const T> object() const {
-        const auto* held = std::get_if<std::shared_ptr<const Object>>(&content_);
+    [[nodiscard]] std::shared_ptr<const T> object() const& {
+        return Value(*this).object<T>();
+    }
+    /// The same, taken out of a value that nobody needs any more.
+    template <class T>
+    [[nodiscard]] std::shared_ptr<const T> object() && {
+        auto* held = std::get_if<std::shared_ptr<const Object>>(&content_);
         if (!held) return nullptr;
-        return std::dynamic_pointer_cast<const T>(*held);
+        const T* object = nullptr;
+        if constexpr (std::is_final_v<T>) {  // one comparison instead of a walk up the bases
+            const Object& any = **held;
+            if (typeid(any) == typeid(T)) object = static_cast<const T*>(&any);
+        } else {
+            object = dynamic_cast<const T*>(held->get());
+        }
+        if (!object) return nullptr;
+        return std::shared_ptr<const T>(std::move(*held), object);
     }
 
     /// The archived class name: "NSString", "NSNumber" …; "nil" for nothing.

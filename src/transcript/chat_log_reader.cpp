@@ -5,6 +5,7 @@
 #include <QDateTime>
 #include <QFile>
 #include <QStringList>
+#include <array>
 #include <unordered_map>
 #include <utility>
 
@@ -47,23 +48,41 @@ class SystemTexts {
     std::unordered_map<const QChar*, Text> known_;
 };
 
-/// The runs of attributed strings; of one that several messages share they are extracted once.
-class RunCache {
+/// The runs of attributed strings that several messages share, each extracted once.
+class SharedRuns {
   public:
-    const std::vector<Run>& runsOf(const InstantMessage& message, bool isShared) {
-        const auto& string = message.message;
-        if (!isShared && string.use_count() == 1) {
-            current_ = extractRuns(*string);
-            return current_;
-        }
+    const std::vector<Run>& runsOf(const std::shared_ptr<const AttributedString>& string) {
         auto [at, isNew] = known_.try_emplace(string);
         if (isNew) at->second = extractRuns(*string);
         return at->second;
     }
 
   private:
-    std::vector<Run> current_;
     std::unordered_map<std::shared_ptr<const AttributedString>, std::vector<Run>> known_;
+};
+
+/// The ids of those who spoke last: few people write most of a transcript.
+class RecentSenders {
+  public:
+    /// Null when the person isn't among them.
+    [[nodiscard]] const TesselUserID* find(const Presentity* person) const {
+        for (const Sender& sender : senders_)
+            if (sender.person.get() == person) return &sender.id;
+        return nullptr;
+    }
+    const TesselUserID& add(std::shared_ptr<const Presentity> person, TesselUserID id) {
+        Sender& sender = senders_[next_++ % senders_.size()];
+        sender = {std::move(person), std::move(id)};
+        return sender.id;
+    }
+
+  private:
+    struct Sender {
+        std::shared_ptr<const Presentity> person;  // keeps its address from being used again
+        TesselUserID id;
+    };
+    std::array<Sender, 8> senders_;
+    std::size_t next_ = 0;
 };
 
 class Conversion {
@@ -85,7 +104,9 @@ class Conversion {
     QSet<TesselUserID> participants_;
     QSet<TesselUserID> seen_;
     std::vector<Event> events_;
-    RunCache runs_;
+    SharedRuns sharedRuns_;
+    std::vector<Run> runs_;  // of the message at hand
+    RecentSenders recentSenders_;
     SystemTexts systemTexts_;
 
     // The state between two messages.
@@ -94,12 +115,13 @@ class Conversion {
     std::optional<TesselUserID> sender_;
 
     [[nodiscard]] TesselUserID userID(const Presentity& presentity) const;
-    void append(Date timestamp, const std::optional<TesselUserID>& sender, Event::Value value);
+    template <class Payload>
+    void append(Date timestamp, const std::optional<TesselUserID>& sender, Payload payload);
     void convert(const std::shared_ptr<const InstantMessage>& message);
     void takeSender(const std::shared_ptr<const Presentity>& presentity, Date date);
     void appendTimeMarker(Date date);
     void appendContent(const InstantMessage& message, bool isShared);
-    void appendRun(const Run& run);
+    void appendRun(Run&& run);
     void appendFallback(const InstantMessage& message);
     void appendEmptyTranscript();
     TesselChatLog finish();
@@ -127,10 +149,15 @@ TesselUserID Conversion::userID(const Presentity& presentity) const {
     return {service ? TesselServiceID{*service} : serviceID_, presentity.accountName};
 }
 
+/// Built in its place: events are most of what a conversion writes.
+template <class Payload>
 void Conversion::append(Date timestamp, const std::optional<TesselUserID>& sender,
-                        Event::Value value) {
-    events_.push_back(
-        {static_cast<qint64>(events_.size()) + 1, timestamp, sender, std::move(value)});
+                        Payload payload) {
+    Event& event = events_.emplace_back();
+    event.sequence = static_cast<qint64>(events_.size());
+    event.timestamp = timestamp;
+    if (sender) event.sender.emplace(*sender);
+    event.value.emplace<Payload>(std::move(payload));
 }
 
 void Conversion::convert(const std::shared_ptr<const InstantMessage>& message) {
@@ -145,10 +172,17 @@ void Conversion::convert(const std::shared_ptr<const InstantMessage>& message) {
 void Conversion::takeSender(const std::shared_ptr<const Presentity>& presentity, Date date) {
     if (presentity == presentity_) return;
     presentity_ = presentity;
-    std::optional<TesselUserID> sender;
-    if (presentity) sender = *seen_.insert(userID(*presentity));  // the set's copy is shared by all
-    if (sender_ && sender != sender_) append(date, sender_, TesselChatLog::User());
-    sender_ = std::move(sender);
+    const TesselUserID* sender = nullptr;
+    if (presentity) {
+        sender = recentSenders_.find(presentity.get());
+        if (!sender)  // the set's copy is shared by all events
+            sender = &recentSenders_.add(presentity, *seen_.insert(userID(*presentity)));
+    }
+    if (sender_ && (!sender || *sender != *sender_)) append(date, sender_, TesselChatLog::User());
+    if (sender)
+        sender_ = *sender;
+    else
+        sender_.reset();
 }
 
 void Conversion::appendTimeMarker(Date date) {
@@ -159,28 +193,39 @@ void Conversion::appendTimeMarker(Date date) {
 }
 
 void Conversion::appendContent(const InstantMessage& message, bool isShared) {
-    if (message.message && !message.message->runs().empty()) {
-        for (const Run& run : runs_.runsOf(message, isShared))
-            appendRun(run);
-    } else {
-        appendFallback(message);
+    const auto& string = message.message;
+    if (!string || string->runs().empty()) return appendFallback(message);
+    if (isShared || string.use_count() > 1) {
+        for (const Run& run : sharedRuns_.runsOf(string))
+            appendRun(Run(run));
+        return;
     }
+    runs_.clear();
+    extractRuns(*string, runs_);
+    for (Run& run : runs_)
+        appendRun(std::move(run));
 }
 
-void Conversion::appendRun(const Run& run) {
+void Conversion::appendRun(Run&& run) {
     struct Visitor {
         Conversion& self;
-        Event::Value operator()(const PlainRun& plain) const {
-            if (self.sender_) return TesselChatLog::PlainText{plain.text};
-            return TesselChatLog::PlainText{self.systemTexts_.replaced(plain.text)};
+        void operator()(PlainRun&& plain) const {
+            self.append(
+                self.date_, self.sender_,
+                TesselChatLog::PlainText{self.sender_ ? std::move(plain.text)
+                                                      : self.systemTexts_.replaced(plain.text)});
         }
-        Event::Value operator()(const TesselChatLog::Link& link) const { return link; }
-        Event::Value operator()(const TesselChatLog::Image& image) const { return image; }
-        Event::Value operator()(const FileRun& file) const {
-            return TesselChatLog::File{file.wrapper};
+        void operator()(TesselChatLog::Link&& link) const {
+            self.append(self.date_, self.sender_, std::move(link));
+        }
+        void operator()(TesselChatLog::Image&& image) const {
+            self.append(self.date_, self.sender_, std::move(image));
+        }
+        void operator()(FileRun&& file) const {
+            self.append(self.date_, self.sender_, TesselChatLog::File{std::move(file.wrapper)});
         }
     };
-    append(date_, sender_, std::visit(Visitor{*this}, run));
+    std::visit(Visitor{*this}, std::move(run));
 }
 
 /// For a message without formatted text.

@@ -54,8 +54,13 @@ std::optional<Run> attachmentRun(const foundation::Attributes& attributes,
 }  // namespace
 
 std::vector<Run> extractRuns(const AttributedString& string) {
-    const QString& text = string.text();
     std::vector<Run> result;
+    extractRuns(string, result);
+    return result;
+}
+
+void extractRuns(const AttributedString& string, std::vector<Run>& result) {
+    const QString& text = string.text();
     std::optional<PlainStretch> plain;  // the last run so far, not yet cut
     const auto finishPlain = [&] {
         if (plain) result.emplace_back(PlainRun{slice(text, plain->begin, plain->length)});
@@ -89,7 +94,6 @@ std::vector<Run> extractRuns(const AttributedString& string) {
         plain->length += range.length;
     }
     finishPlain();
-    return result;
 }
 
 RunCensus countRuns(const AttributedString& string) {

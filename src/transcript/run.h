@@ -28,6 +28,8 @@ using Run = std::variant<PlainRun, TesselChatLog::Link, TesselChatLog::Image, Fi
 /// The runs of the whole string; none when it is empty. A run that covers the whole text shares its
 /// QString. An attachment that holds nothing is printed as an error and stays text.
 [[nodiscard]] std::vector<Run> extractRuns(const foundation::AttributedString& string);
+/// Appends them instead, so that one vector can serve many strings.
+void extractRuns(const foundation::AttributedString& string, std::vector<Run>& result);
 
 /// What extractRuns would make of the string, at most.
 struct RunCensus {
