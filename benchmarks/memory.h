@@ -9,7 +9,8 @@
 
 namespace benchmarks {
 
-/// Loads the file and prints this process's peak resident memory in bytes; the program's other mode.
+/// Loads the file and prints this process's peak resident memory in bytes; the program's other
+/// mode.
 int printPeakMemory(const char* path);
 
 /// What printPeakMemory says when run on the file by this same program; nothing when it fails.

@@ -140,8 +140,8 @@ void Application::reportFailure(const QString& path) {
                                           : failures_->informativeText() + u'\n' + text);
         return;
     }
-    failures_ = new QMessageBox(QMessageBox::Warning, applicationInfo().appName, text,
-                                QMessageBox::Ok);
+    failures_ =
+        new QMessageBox(QMessageBox::Warning, applicationInfo().appName, text, QMessageBox::Ok);
     failures_->setObjectName(QStringLiteral("openFailed"));
     failures_->setAttribute(Qt::WA_DeleteOnClose);
     failures_->setWindowModality(Qt::NonModal);
@@ -196,7 +196,8 @@ void Application::showAbout() {
 }
 
 void Application::showPreferences() {
-    if (!preferences_) preferences_ = std::make_unique<PreferencesWindow>(settings_, *contacts_, *systemContacts_);
+    if (!preferences_)
+        preferences_ = std::make_unique<PreferencesWindow>(settings_, *contacts_, *systemContacts_);
     preferences_->show();
     preferences_->raise();
     preferences_->activateWindow();

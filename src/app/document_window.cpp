@@ -208,8 +208,9 @@ void DocumentWindow::showMatches() {
     if (currentMatch_ < 0 && !matches.empty()) {
         // The first match at or below what is on screen, so that typing does not jump about.
         const qsizetype top = timeline_->topRow();
-        const auto next = std::find_if(matches.begin(), matches.end(),
-                                       [top](const ChatMatch& match) { return match.event >= top; });
+        const auto next =
+            std::find_if(matches.begin(), matches.end(),
+                         [top](const ChatMatch& match) { return match.event >= top; });
         currentMatch_ = next == matches.end() ? 0 : next - matches.begin();
         timeline_->scrollToRow(matches[static_cast<size_t>(currentMatch_)].event);
     }

@@ -31,8 +31,7 @@ int render(const QString& path, const QString& target) {
         // The first painting asks for pictures; they are there when nothing has come for a while.
         QElapsedTimer sinceChange;
         sinceChange.start();
-        QObject::connect(&pictures, &PictureCache::changed, &view,
-                         [&] { sinceChange.restart(); });
+        QObject::connect(&pictures, &PictureCache::changed, &view, [&] { sinceChange.restart(); });
         QElapsedTimer total;
         total.start();
         while (!sinceChange.hasExpired(300) && !total.hasExpired(patience)) {

@@ -38,8 +38,8 @@ TEST(Document, EveryFailureIsLoggedPresentedAndReportedAsOneError) {
     };
     const Case cases[] = {
         {"a folder", std::make_shared<FileWrapper>(FileWrapper::Kind::directory), false},
-        {"a file that can't be read",
-         std::make_shared<FileWrapper>(FileWrapper::Kind::regularFile), false},
+        {"a file that can't be read", std::make_shared<FileWrapper>(FileWrapper::Kind::regularFile),
+         false},
         {"a file of no bytes", std::make_shared<FileWrapper>(Data()), true},
         {"a foreign file", std::make_shared<FileWrapper>(Data(QByteArray("GIF89a"))), true},
     };
@@ -91,21 +91,23 @@ TEST(Document, SavingHandsBackWhatWasOpened) {
         EXPECT_EQ(error.domain(), u"NSCocoaErrorDomain");
         EXPECT_EQ(error.code(), 66062);
     }
-    EXPECT_EQ(printed.lines,
-              QStringList({QStringLiteral("Save: returning existing wrapper (FB9122684) ..."),
-                           QStringLiteral("Save: returning new wrapper for data (#%1 bytes)")
-                               .arg(bytes.size()),
-                           QStringLiteral("Save error: invalid type: public.plain-text")}));
+    EXPECT_EQ(
+        printed.lines,
+        QStringList(
+            {QStringLiteral("Save: returning existing wrapper (FB9122684) ..."),
+             QStringLiteral("Save: returning new wrapper for data (#%1 bytes)").arg(bytes.size()),
+             QStringLiteral("Save error: invalid type: public.plain-text")}));
     EXPECT_EQ(VellDocument::readableContentTypes(), QStringList{type});
     EXPECT_TRUE(VellDocument::writableContentTypes().isEmpty());
 }
 
 TEST(Document, TheLoadLogTellsTheExtensionAndNothingElseOfTheName) {
-    const QString stems[] = {QStringLiteral("secretname"),       QStringLiteral("secret.name"),
-                             QStringLiteral("secret\nname"),     QStringLiteral("sécret naïve"),
-                             QStringLiteral("秘密の会話"),       QStringLiteral("secret%@name%n"),
-                             QStringLiteral("\u202esecret/name"), QStringLiteral(".secret"),
-                             QStringLiteral("secret\\name\t"),   QStringLiteral("👩‍👩‍👧 secret")};
+    const QString stems[] = {
+        QStringLiteral("secretname"),        QStringLiteral("secret.name"),
+        QStringLiteral("secret\nname"),      QStringLiteral("sécret naïve"),
+        QStringLiteral("秘密の会話"),        QStringLiteral("secret%@name%n"),
+        QStringLiteral("\u202esecret/name"), QStringLiteral(".secret"),
+        QStringLiteral("secret\\name\t"),    QStringLiteral("👩‍👩‍👧 secret")};
     for (const QString& stem : stems) {
         FileWrapper file(Data(QByteArray("no transcript")));
         file.filename = stem + QStringLiteral(".ichat");

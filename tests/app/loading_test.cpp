@@ -46,7 +46,9 @@ class FakeReader final : public vell::FileReader {
 
 class Loading : public testing::Test {
   protected:
-    Loading() { foundation::setPrintFunction([](QStringView) {}); }
+    Loading() {
+        foundation::setPrintFunction([](QStringView) {});
+    }
     ~Loading() override {
         reader->release();
         foundation::setPrintFunction({});
@@ -101,8 +103,8 @@ TEST_F(Loading, AStalledFileHoldsBackNothingButItself) {
         DocumentLoader loader(reader, lane.entrance(), [] {});
         bool stalledDone = false;
         bool otherDone = false;
-        const auto stalled = loader.load(QStringLiteral("stalled"),
-                                         [&](const DocumentLoader::Result&) { stalledDone = true; });
+        const auto stalled = loader.load(
+            QStringLiteral("stalled"), [&](const DocumentLoader::Result&) { stalledDone = true; });
         const auto other = loader.load(QStringLiteral("other"),
                                        [&](const DocumentLoader::Result&) { otherDone = true; });
         ASSERT_TRUE(waitUntil([&] { return otherDone; }));
@@ -115,9 +117,8 @@ TEST_F(Loading, AStalledFileHoldsBackNothingButItself) {
 TEST_F(Loading, NobodyHearsOfACancelledLoad) {
     LoadLane lane;
     DocumentLoader loader(reader, lane.entrance(), [] {});
-    auto ticket = loader.load(QStringLiteral("stall then gone"), [](const auto&) {
-        ADD_FAILURE() << "a cancelled load was told";
-    });
+    auto ticket = loader.load(QStringLiteral("stall then gone"),
+                              [](const auto&) { ADD_FAILURE() << "a cancelled load was told"; });
     ticket.reset();
     reader->release();
     bool done = false;

@@ -31,8 +31,7 @@ QStringList applications(const QByteArray& list, const QString& address) {
     for (int i = 0; i < bookmarks.size(); ++i) {
         const QDomElement bookmark = bookmarks.at(i).toElement();
         if (bookmark.attribute(QStringLiteral("href")) != address) continue;
-        const auto entries =
-            bookmark.elementsByTagName(QStringLiteral("bookmark:application"));
+        const auto entries = bookmark.elementsByTagName(QStringLiteral("bookmark:application"));
         for (int j = 0; j < entries.size(); ++j) {
             const QDomElement entry = entries.at(j).toElement();
             names.append(entry.attribute(QStringLiteral("name")) + u' ' +
