@@ -6,6 +6,28 @@
 namespace vell {
 namespace {
 
+// Fills an area with the pixels of a column, each repeated along its row.
+void drawColumn(QPainter& painter, const QImage& image, int column, const QRect& area) {
+    const auto at = [&](int y) {
+        return reinterpret_cast<const QRgb*>(image.constScanLine(y))[column];
+    };
+    const int height = image.height();
+    int runs = 1;
+    for (int y = 1; y < height; ++y)
+        runs += at(y) != at(y - 1);
+    if (runs * 4 > height) {
+        painter.drawImage(area, image, QRect(column, 0, 1, height));
+        return;
+    }
+    // In a high bubble the gradients hardly change from row to row.
+    for (int top = 0, bottom = 0; top < height; top = bottom) {
+        while (bottom < height && at(bottom) == at(top))
+            ++bottom;
+        painter.fillRect(QRect(area.x(), area.y() + top, area.width(), bottom - top),
+                         QColor::fromRgba(qUnpremultiply(at(top))));
+    }
+}
+
 // Draws the picture of a narrow bubble over the columns of a wider one: its middle column is
 // repeated.
 void drawSliced(QPainter& painter, const QImage& image, QPoint topLeft, int width) {
@@ -13,8 +35,8 @@ void drawSliced(QPainter& painter, const QImage& image, QPoint topLeft, int widt
     const int tail = image.width() - cap - 1;
     const int height = image.height();
     painter.drawImage(topLeft, image, QRect(0, 0, cap, height));
-    painter.drawImage(QRect(topLeft.x() + cap, topLeft.y(), width - cap - tail, height), image,
-                      QRect(cap, 0, 1, height));
+    drawColumn(painter, image, cap,
+               QRect(topLeft.x() + cap, topLeft.y(), width - cap - tail, height));
     painter.drawImage(QPoint(topLeft.x() + width - tail, topLeft.y()), image,
                       QRect(cap + 1, 0, tail, height));
 }

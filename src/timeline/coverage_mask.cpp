@@ -14,23 +14,24 @@ QImage canvas(QSize size) {
     return image;
 }
 
-// Weights of 16 bits that sum to 65536 exactly, so that a flat area stays as it is.
-std::vector<uint32_t> gaussianWeights(double sigma) {
+std::vector<float> gaussianWeights(double sigma) {
     const int reach = blurReach(sigma);
-    std::vector<double> exact;
-    double sum = 0;
+    std::vector<float> weights;
+    float sum = 0;
     for (int i = -reach; i <= reach; ++i) {
-        exact.push_back(std::exp(-i * i / (2 * sigma * sigma)));
-        sum += exact.back();
+        weights.push_back(static_cast<float>(std::exp(-i * i / (2 * sigma * sigma))));
+        sum += weights.back();
     }
-    std::vector<uint32_t> weights;
-    uint32_t total = 0;
-    for (const double weight : exact) {
-        weights.push_back(static_cast<uint32_t>(std::lround(weight / sum * 65536)));
-        total += weights.back();
-    }
-    weights[static_cast<size_t>(reach)] += 65536 - total;
+    for (float& weight : weights)
+        weight /= sum;
     return weights;
+}
+
+// Adds a row to sums, each value times the weight. Nothing but this is done often, so it is kept
+// plain enough for compilers to make vector code of it.
+void addWeighted(float* sums, const float* row, float weight, int count) {
+    for (int x = 0; x < count; ++x)
+        sums[x] += weight * row[x];
 }
 
 }  // namespace
@@ -72,41 +73,32 @@ CoverageMask CoverageMask::ofAlpha(const QImage& image) {
 
 CoverageMask CoverageMask::blurred(double sigma) const {
     if (sigma <= 0 || bytes_.empty()) return *this;
-    const std::vector<uint32_t> weights = gaussianWeights(sigma);
+    const std::vector<float> weights = gaussianWeights(sigma);
     const int reach = blurReach(sigma);
+    const auto rowSize = static_cast<size_t>(width_);
 
-    // Both passes add whole shifted rows, which compilers turn into vector code. The first keeps 8
-    // bits more than the masks have.
-    std::vector<uint32_t> sums(static_cast<size_t>(width_));
-    std::vector<uint16_t> across(bytes_.size());
+    // Across first, from rows with nothing on both sides.
+    std::vector<float> padded(rowSize + 2 * static_cast<size_t>(reach));
+    std::vector<float> across(bytes_.size());
     for (int y = 0; y < height_; ++y) {
-        std::fill(sums.begin(), sums.end(), 0);
         const uint8_t* in = row(y);
-        for (int tap = -reach; tap <= reach; ++tap) {
-            const uint32_t weight = weights[static_cast<size_t>(tap + reach)];
-            const int from = std::max(0, -tap);
-            const int to = std::min(width_, width_ - tap);
-            for (int x = from; x < to; ++x)
-                sums[static_cast<size_t>(x)] += weight * in[x + tap];
-        }
-        uint16_t* out = across.data() + static_cast<size_t>(y) * width_;
-        for (int x = 0; x < width_; ++x) {
-            out[x] = static_cast<uint16_t>((sums[static_cast<size_t>(x)] + 128) >> 8);
+        std::copy(in, in + width_, padded.begin() + reach);
+        float* sums = across.data() + static_cast<size_t>(y) * rowSize;
+        for (int tap = 0; tap <= 2 * reach; ++tap) {
+            addWeighted(sums, padded.data() + tap, weights[static_cast<size_t>(tap)], width_);
         }
     }
-
     CoverageMask result(width_, height_);
+    std::vector<float> sums(rowSize);
     for (int y = 0; y < height_; ++y) {
-        std::fill(sums.begin(), sums.end(), 0);
+        std::fill(sums.begin(), sums.end(), 0.5f);
         for (int tap = std::max(-reach, -y); tap <= std::min(reach, height_ - 1 - y); ++tap) {
-            const uint32_t weight = weights[static_cast<size_t>(tap + reach)];
-            const uint16_t* in = across.data() + static_cast<size_t>(y + tap) * width_;
-            for (int x = 0; x < width_; ++x)
-                sums[static_cast<size_t>(x)] += weight * in[x];
+            addWeighted(sums.data(), across.data() + static_cast<size_t>(y + tap) * rowSize,
+                        weights[static_cast<size_t>(tap + reach)], width_);
         }
-        uint8_t* out = result.bytes_.data() + static_cast<size_t>(y) * width_;
-        for (int x = 0; x < width_; ++x) {
-            out[x] = static_cast<uint8_t>((sums[static_cast<size_t>(x)] + (1u << 23)) >> 24);
+        uint8_t* out = result.bytes_.data() + static_cast<size_t>(y) * rowSize;
+        for (size_t x = 0; x < rowSize; ++x) {
+            out[x] = static_cast<uint8_t>(std::min(static_cast<int>(sums[x]), 255));
         }
     }
     return result;

@@ -9,6 +9,8 @@
 #include <QColor>
 #include <QImage>
 #include <QRect>
+#include <memory>
+#include <vector>
 
 #include "timeline/laid_out_text.h"
 #include "timeline/style.h"
@@ -23,14 +25,14 @@ struct TextColors {
 };
 
 /// Draws the part of a text that `visible` shows, with its shadow, directly; what is outside may be
-/// drawn or not. All in device pixels.
+/// drawn or not. All in device pixels. Shadows are black or white and lie straight below.
 void paintShadowedText(QPainter& painter, const LaidOutText& text, QPoint origin,
                        const QRect& visible, const TextColors& colors, qreal ratio,
                        const TextHighlight* highlight = nullptr);
 
 class TextTiles {
   public:
-    static constexpr int tileHeight = 512;
+    static constexpr int tileHeight = 256;
     static constexpr qsizetype defaultBytes = qsizetype(32) * 1024 * 1024;
 
     explicit TextTiles(qsizetype maxBytes = defaultBytes) : tiles_(maxBytes) {}
@@ -52,7 +54,18 @@ class TextTiles {
         }
     };
 
-    QCache<Key, QImage> tiles_;
+    /// What of a tile isn't empty: the rows of glyphs, without the spacing between lines.
+    struct Tile {
+        struct Rows {
+            int top;
+            int height;
+        };
+        explicit Tile(QImage image);
+        QImage image;
+        std::vector<Rows> rows;
+    };
+
+    QCache<Key, Tile> tiles_;
 };
 
 }  // namespace vell

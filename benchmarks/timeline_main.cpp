@@ -1,0 +1,269 @@
+// SPDX-License-Identifier: MIT
+//
+// Measures the timeline window: processor time of the thread that paints, at 900 by 1000 points and
+// two pixels a point. Prints each figure beside its limit and exits with 1 when one is passed. The
+// limits are those of docs/performance.md, in milliseconds.
+//
+//     vell-timeline-benchmark
+#include <malloc.h>
+#include <time.h>
+
+#include <QApplication>
+#include <QEvent>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QScrollBar>
+#include <QStyleFactory>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "identity/contacts_store.h"
+#include "timeline/picture_cache.h"
+#include "timeline/timeline_view.h"
+#include "timeline_logs.h"
+
+namespace {
+
+using vell::TesselChatLog;
+using vell::TimelineView;
+using Log = std::shared_ptr<const TesselChatLog>;
+
+double threadMilliseconds() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+double measured(const std::function<void()>& work) {
+    const double start = threadMilliseconds();
+    work();
+    return threadMilliseconds() - start;
+}
+
+double quantile(std::vector<double> times, double part) {
+    std::sort(times.begin(), times.end());
+    return times[static_cast<size_t>(part * static_cast<double>(times.size() - 1))];
+}
+
+/// No animations: a wheel's notch is one frame.
+class StillStyle final : public QProxyStyle {
+  public:
+    StillStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        if (hint == SH_Widget_Animation_Duration) return 0;
+        return QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
+bool failed = false;
+
+void report(const char* what, double figure, double limit) {
+    const bool isMet = figure <= limit;
+    failed |= !isMet;
+    std::printf("%-64s %9.2f  limit %6.1f  %s\n", what, figure, limit, isMet ? "met" : "PASSED");
+    std::fflush(stdout);
+}
+
+/// A window on a log; frame() runs until everything asked for is painted.
+class Window {
+  public:
+    explicit Window(Log log) : view_(std::move(log), contacts_, pictures_) {
+        view_.resize(900, 1000);
+    }
+    TimelineView& view() { return view_; }
+    /// Paints what is to be painted, which must be something.
+    void frame() {
+        const int before = paints_.count;
+        QCoreApplication::sendPostedEvents();
+        if (paints_.count != before + 1) std::printf("painted %d times\n", paints_.count - before);
+    }
+    void open() {
+        view_.show();
+        view_.viewport()->installEventFilter(&paints_);
+        while (paints_.count == 0)
+            QCoreApplication::processEvents();
+    }
+    void wheel(int notches) {
+        const QPointF place(400, 500);
+        QWheelEvent event(place, view_.viewport()->mapToGlobal(place), QPoint(),
+                          QPoint(0, 120 * notches), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                          false);
+        QApplication::sendEvent(view_.viewport(), &event);
+        frame();
+    }
+    void jump(double part) {
+        QScrollBar* bar = view_.verticalScrollBar();
+        bar->setValue(static_cast<int>(part * bar->maximum()));
+        frame();
+    }
+
+  private:
+    class PaintCounter final : public QObject {
+      public:
+        int count = 0;
+        bool eventFilter(QObject*, QEvent* event) override {
+            if (event->type() == QEvent::Paint) ++count;
+            return false;
+        }
+    };
+
+    PaintCounter paints_;
+    vell::ContactsStore contacts_;
+    vell::PictureCache pictures_;
+    TimelineView view_;
+};
+
+void reportScrolling(Window& window, const char* what) {
+    std::vector<double> fresh;
+    std::vector<double> known;
+    for (int i = 0; i < 150; ++i)
+        fresh.push_back(measured([&] { window.wheel(-1); }));
+    for (int i = 0; i < 150; ++i)
+        known.push_back(measured([&] { window.wheel(1); }));
+    std::printf("%s\n", what);
+    report("  a wheel's notch over what was seen before, median", quantile(known, 0.5), 4);
+    report("  a wheel's notch over what was seen before, 99 in 100", quantile(known, 0.99), 8);
+    report("  a wheel's notch to new rows, median", quantile(fresh, 0.5), 4);
+    report("  a wheel's notch to new rows, 99 in 100", quantile(fresh, 0.99), 8);
+}
+
+void reportJumps(Window& window) {
+    const struct {
+        const char* what;
+        double part;
+    } jumps[] = {{"  to the end", 1}, {"  to the middle", 0.5}, {"  to the start", 0}};
+    for (const auto& jump : jumps) {
+        std::vector<double> times;
+        for (int i = 0; i < 7; ++i) {
+            window.jump(0.3 + i * 0.01);
+            times.push_back(measured([&] { window.jump(jump.part); }));
+        }
+        report(jump.what, quantile(times, 0.5), 16);
+    }
+}
+
+void reportChanges(Window& window) {
+    std::vector<double> fonts;
+    std::vector<double> widths;
+    for (int i = 0; i < 7; ++i) {
+        fonts.push_back(measured([&] {
+            window.view().setFontSize(17 + i);
+            window.frame();
+        }));
+        widths.push_back(measured([&] {
+            window.view().resize(890 - 10 * i, 1000);
+            window.frame();
+        }));
+    }
+    window.view().setFontSize(16);
+    window.view().resize(900, 1000);
+    report("  another font size", quantile(fonts, 0.5), 30);
+    report("  another width", quantile(widths, 0.5), 30);
+}
+
+size_t allocated() {
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+double openingTime(const Log& log) {
+    std::vector<double> times;
+    for (int i = 0; i < 5; ++i) {
+        std::unique_ptr<Window> window;
+        times.push_back(measured([&] {
+            window = std::make_unique<Window>(log);
+            window->open();
+        }));
+    }
+    return quantile(times, 0.5);
+}
+
+void finishIdlePass(Window& window) {
+    while (window.view().timeline().makeExact(QDeadlineTimer(8))) {
+    }
+}
+
+void measureMillion() {
+    const Log few = benchmarks::plainLog(100);
+    const Log many = benchmarks::plainLog(1'000'000);
+    openingTime(few);  // fonts and caches of the process
+    std::printf("1,000,000 events\n");
+    report("  first frame, more than with 100", openingTime(many) - openingTime(few), 60);
+
+    const auto memory = [](const Log& log, bool afterIdlePass) {
+        const size_t before = allocated();
+        Window window(log);
+        window.open();
+        if (afterIdlePass) finishIdlePass(window);
+        return static_cast<double>(allocated()) - static_cast<double>(before);
+    };
+    for (const bool isAfter : {false, true}) {
+        const double bytes = (memory(many, isAfter) - memory(few, isAfter)) / 1e6;
+        report(isAfter ? "  bytes an event after the idle pass" : "  bytes an event at first",
+               bytes, 32);
+    }
+    Window window(many);
+    window.open();
+    window.jump(0.5);
+    reportScrolling(window, "  scrolling");
+    reportJumps(window);
+    reportChanges(window);
+}
+
+void measureLong(const char* what, const Log& log) {
+    std::printf("%s\n", what);
+    const double base = openingTime(benchmarks::plainLog(100));
+    report("  first frame, more than with 100 short ones", openingTime(log) - base, 60);
+    Window window(log);
+    window.open();
+    window.jump(0.4);
+    reportScrolling(window, "  scrolling");
+    reportJumps(window);
+    reportChanges(window);
+}
+
+void measurePictures() {
+    std::printf("10,000 pictures, 16 of them different, of 12 megapixels\n");
+    Window window(benchmarks::pictureLog(10'000, 16));
+    window.open();
+    std::vector<double> times;
+    for (int i = 0; i < 150; ++i)
+        times.push_back(measured([&] { window.wheel(-1); }));
+    report("  a wheel's notch while pictures are decoded, at most",
+           *std::max_element(times.begin(), times.end()), 16);
+    reportJumps(window);
+}
+
+void measureIdlePass() {
+    std::printf("50,000 events\n");
+    Window window(benchmarks::plainLog(50'000));
+    window.open();
+    std::vector<double> slices;
+    bool hasMore = true;
+    while (hasMore) {
+        slices.push_back(
+            measured([&] { hasMore = window.view().timeline().makeExact(QDeadlineTimer(4)); }));
+    }
+    report("  a slice of the idle pass, 99 in 100", quantile(slices, 0.99), 8);
+    std::printf("  all slices together %.0f\n", static_cast<double>(slices.size()) * 4);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_SCALE_FACTOR", "2");
+    QApplication application(argc, argv);
+    QApplication::setStyle(new StillStyle);
+    measureMillion();
+    measureIdlePass();
+    measureLong("one message of 100,000 lines", benchmarks::manyLines(100'000));
+    measureLong("one line of 1,000,000 characters", benchmarks::oneLine(1'000'000));
+    measurePictures();
+    return failed ? 1 : 0;
+}
