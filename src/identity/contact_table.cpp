@@ -51,9 +51,9 @@ void ContactTable::file(const ContactRecord& contact) {
     for (const auto& number : contact.phoneNumbers) {
         const QString& written = number.stringValue;
         if (!fileUnder(written, info, "Duplicate phone number in contacts:", number)) continue;
+        if (!written.contains(u' ') && !written.contains(u'-')) continue;
         QString cleaned = written;
         cleaned.remove(u' ').remove(u'-');
-        if (cleaned == written) continue;
         info.address = written;
         table_.insert(cleaned, info);
     }

@@ -96,3 +96,5 @@ class ContactsStore final : public QObject {
 };
 
 }  // namespace vell
+
+Q_DECLARE_TYPEINFO(vell::ContactsStore::Info, Q_RELOCATABLE_TYPE);

@@ -105,6 +105,10 @@ QString decoded(QByteArrayView bytes, std::string_view charset) {
     return western(bytes);
 }
 
+QString withoutNul(QString text) {
+    return text.contains(QChar(u'\0')) ? text.remove(QChar(u'\0')) : text;
+}
+
 }  // namespace
 
 bool VCardProperty::is(std::string_view upperCaseName) const {
@@ -139,18 +143,14 @@ QByteArray VCardProperty::bytes() const {
 
 QString VCardProperty::rawText() const {
     std::string_view charset = parameters.empty() ? std::string_view() : parameter("CHARSET");
-    QString text;
     if (encoding == Encoding::none) {
         // A text that came through lines of bytes isn't in units of two or four, whatever it says.
         if (charset.size() >= 6 &&
             (equals(charset.substr(0, 6), "UTF-16") || equals(charset.substr(0, 6), "UTF-32")))
             charset = {};
-        text = decoded(value, charset);
-    } else {
-        text = decoded(bytes(), charset);
+        return withoutNul(decoded(value, charset));
     }
-    if (text.contains(QChar(u'\0'))) text.remove(QChar(u'\0'));
-    return text;
+    return withoutNul(decoded(bytes(), charset));
 }
 
 QString VCardProperty::text() const {
@@ -221,7 +221,9 @@ void LineEnds::shift(size_t by) {
 }
 
 VCardMark vcardMark(std::string_view line) {
-    if (line.empty() || (upper(line[0]) != 'B' && upper(line[0]) != 'E')) return VCardMark::none;
+    if (line.size() < 3) return VCardMark::none;
+    const char first = upper(line[0]), second = upper(line[1]);
+    if ((first != 'B' || second != 'E') && (first != 'E' || second != 'N')) return VCardMark::none;
     const size_t colon = line.find(':');
     if (colon == std::string_view::npos || !equals(trimmed(line.substr(colon + 1)), "VCARD"))
         return VCardMark::none;

@@ -3,7 +3,6 @@
 
 #include <QStringList>
 #include <algorithm>
-#include <array>
 #include <iterator>
 #include <utility>
 
@@ -26,7 +25,7 @@ class Mapping {
         void (Mapping::*read)(const VCardProperty& property, QStringView service);
         QStringView service = {};
     };
-    static const Reader* reader(std::string_view property);
+    static const Reader* reader(const VCardProperty& property);
 
     void readFormattedName(const VCardProperty& property, QStringView);
     void readName(const VCardProperty& property, QStringView);
@@ -119,7 +118,7 @@ bool startsWith(std::string_view text, std::string_view lowerCase) {
                       [](char lower, char c) { return c == lower || (c | 0x20) == lower; });
 }
 
-const Mapping::Reader* Mapping::reader(std::string_view property) {
+const Mapping::Reader* Mapping::reader(const VCardProperty& property) {
     static constexpr Reader readers[] = {
         {"EMAIL", &Mapping::readEmail},
         {"FN", &Mapping::readFormattedName},
@@ -148,24 +147,16 @@ const Mapping::Reader* Mapping::reader(std::string_view property) {
         {"X-SKYPE-USERNAME", &Mapping::readMessaging, u"Skype"},
         {"X-YAHOO", &Mapping::readMessaging, u"Yahoo"},
     };
-    static_assert(
-        std::is_sorted(std::begin(readers), std::end(readers),
-                       [](const Reader& a, const Reader& b) { return a.property < b.property; }));
-
-    std::array<char, 24> upper;  // as long as the longest name
-    if (property.size() > upper.size()) return nullptr;
-    std::transform(property.begin(), property.end(), upper.begin(), [](char c) {
-        return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    });
-    const std::string_view name(upper.data(), property.size());
-    const auto* found = std::lower_bound(
-        std::begin(readers), std::end(readers), name,
-        [](const Reader& known, std::string_view wanted) { return known.property < wanted; });
-    return found != std::end(readers) && found->property == name ? found : nullptr;
+    const auto* found =
+        std::find_if(std::begin(readers), std::end(readers), [&](const Reader& known) {
+            // Lengths first: most properties of a card are of no interest.
+            return known.property.size() == property.name.size() && property.is(known.property);
+        });
+    return found != std::end(readers) ? found : nullptr;
 }
 
 void Mapping::read(const VCardProperty& property) {
-    if (const Reader* known = reader(property.name)) (this->*known->read)(property, known->service);
+    if (const Reader* known = reader(property)) (this->*known->read)(property, known->service);
 }
 
 void Mapping::readFormattedName(const VCardProperty& property, QStringView) {

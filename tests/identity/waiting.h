@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QThread>
 #include <functional>
 
 namespace vell::test {
@@ -12,8 +13,10 @@ namespace vell::test {
 /// Runs the event loop until the condition holds; false when that takes too long.
 inline bool waitFor(const std::function<bool()>& condition, qint64 milliseconds = 10000) {
     const QDeadlineTimer deadline(milliseconds);
-    while (!condition() && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    while (!condition() && !deadline.hasExpired()) {
+        QCoreApplication::processEvents();
+        QThread::msleep(2);  // the other threads want the processor
+    }
     return condition();
 }
 
