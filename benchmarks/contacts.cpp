@@ -138,8 +138,8 @@ bool measureReading(const QString& path) {
     qsizetype filed = 0;
     const double reading = median([&] {
         ContactTable table(*log);
-        readVCardFile(path, ContactPictures::wanted, *log,
-                      [&](const ContactRecord& contact) { table.file(contact); });
+        (void)readVCardFile(path, ContactPictures::wanted, *log,
+                            [&](const ContactRecord& contact) { table.file(contact); });
         ContactsStore::Table result = table.take();
         filed = result.size();
         return result;

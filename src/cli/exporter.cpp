@@ -10,6 +10,7 @@
 #include "foundation/error.h"
 #include "foundation/local_path.h"
 #include "foundation/print.h"
+#include "identity/vcard_source.h"
 #include "toolkit/console.h"
 #include "transcript/load_log.h"
 
@@ -63,7 +64,18 @@ foundation::FileWrapper wrapperOf(const QString& file) {
     return wrapper;
 }
 
+ContactsStore::Table contactsOf(const Options& options) {
+    try {
+        return readContactTable(options.contacts, *console::defaultConsole());
+    } catch (const ContactsError& error) {
+        throw UsageError{u"the contacts can't be read: "_s + error.debugDescription()};
+    }
+}
+
 }  // namespace
+
+Exporter::Exporter(const Options& options, Streams streams)
+    : options_(options), streams_(streams), contacts_(contactsOf(options)) {}
 
 bool Exporter::run() {
     prepareOutput();
@@ -119,7 +131,7 @@ TesselChatLog Exporter::read(const QString& file) const {
 }
 
 void Exporter::write(const TesselChatLog& log, const QString& file) {
-    const FormatContext context{options_.calendar, options_.locale};
+    const FormatContext context{options_.calendar, options_.locale, contacts_};
     const auto writeTo = [&](QIODevice& device) { options_.format->write(log, context, device); };
     if (!options_.output) {
         writeTo(streams_.output);

@@ -10,6 +10,7 @@
 
 #include "cli/options.h"
 #include "cli/output.h"
+#include "identity/contacts_store.h"
 
 namespace vell {
 
@@ -22,7 +23,8 @@ struct Streams {
 
 class Exporter {
   public:
-    Exporter(const Options& options, Streams streams) : options_(options), streams_(streams) {}
+    /// Throws UsageError when the contacts can't be read.
+    Exporter(const Options& options, Streams streams);
 
     /// Exports all files; answers whether nothing failed. Throws UsageError when the output can't
     /// serve for these files.
@@ -31,6 +33,7 @@ class Exporter {
   private:
     const Options& options_;
     Streams streams_;
+    const ContactsStore contacts_;
     OutputNames names_;
     QSet<QString> transcripts_;  // where the files really lie; no output replaces one of them
     bool intoFolder_ = false;

@@ -13,10 +13,13 @@
 
 namespace vell {
 
+class ContactsStore;
+
 /// What formats for people need to know beside the log.
 struct FormatContext {
     foundation::Calendar calendar;
     QString locale;  ///< as named by the user, or empty
+    const ContactsStore& contacts;
 };
 
 struct Format {

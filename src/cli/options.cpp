@@ -24,6 +24,7 @@ QString helpText() {
            "  --output FILE|DIR   where to write; several files need a folder, and are\n"
            "                      named after themselves there\n"
            "  --force             replace files that exist\n"
+           "  --contacts FILE     name people from these vCards; may be given several times\n"
            "  --time-zone ZONE    whose days and hours to tell, e.g. Europe/Berlin;\n"
            "                      without it your own\n"
            "  --locale LOCALE     how to write dates for people, e.g. en_GB; without it\n"
@@ -48,13 +49,14 @@ Options parseOptions(const QStringList& arguments) {
     const QCommandLineOption format(u"format"_s, {}, u"NAME"_s);
     const QCommandLineOption output(u"output"_s, {}, u"FILE|DIR"_s);
     const QCommandLineOption force(u"force"_s);
+    const QCommandLineOption contacts(u"contacts"_s, {}, u"FILE"_s);
     const QCommandLineOption timeZone(u"time-zone"_s, {}, u"ZONE"_s);
     const QCommandLineOption locale(u"locale"_s, {}, u"LOCALE"_s);
     const QCommandLineOption loadLog(u"load-log"_s);
     const QCommandLineOption version(u"version"_s);
     const QCommandLineOption help(QStringList{u"help"_s, u"h"_s});
     QCommandLineParser parser;
-    parser.addOptions({format, output, force, timeZone, locale, loadLog, version, help});
+    parser.addOptions({format, output, force, contacts, timeZone, locale, loadLog, version, help});
     // The parser takes its first argument for the program's name.
     if (!parser.parse(QStringList(u"vell-export"_s) + arguments))
         throw UsageError{parser.errorText()};
@@ -72,6 +74,7 @@ Options parseOptions(const QStringList& arguments) {
         .output = std::nullopt,
         .force = parser.isSet(force),
         .printsLoadLog = parser.isSet(loadLog),
+        .contacts = parser.values(contacts),
         .calendar = parser.isSet(timeZone) ? calendarFor(parser.value(timeZone))
                                            : foundation::Calendar::current(),
         .locale = parser.value(locale),

@@ -18,6 +18,7 @@ struct Options {
     std::optional<QString> output;   ///< a file or folder
     bool force = false;
     bool printsLoadLog = false;
+    QStringList contacts;  ///< vCard files
     foundation::Calendar calendar;
     QString locale;  ///< empty: the user's own
 };

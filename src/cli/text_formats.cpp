@@ -3,7 +3,6 @@
 
 #include "cli/format.h"
 #include "export/terminal_text.h"
-#include "identity/contacts_store.h"
 #include "toolkit/date_formatters.h"
 
 namespace vell {
@@ -19,12 +18,12 @@ void tellDatesAsAsked(const FormatContext& context) {
 
 void writeMarkdown(const TesselChatLog& log, const FormatContext& context, QIODevice& output) {
     tellDatesAsAsked(context);
-    output.write(log.generatePlainText(ContactsStore()).toUtf8());
+    output.write(log.generatePlainText(context.contacts).toUtf8());
 }
 
 void writeText(const TesselChatLog& log, const FormatContext& context, QIODevice& output) {
     tellDatesAsAsked(context);
-    output.write(terminalText(log, ContactsStore()).toUtf8());
+    output.write(terminalText(log, context.contacts).toUtf8());
 }
 
 }  // namespace vell

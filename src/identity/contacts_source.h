@@ -14,6 +14,13 @@
 
 namespace vell {
 
+/// What is wrong with an address book, in words.
+class ContactsError final : public foundation::Error {
+  public:
+    explicit ContactsError(const QString& text)
+        : Error(QStringLiteral("dev.quillmark.contacts"), 1, text) {}
+};
+
 using ContactHandler = std::function<void(const ContactRecord& contact)>;
 
 class ContactsSource : public QObject {

@@ -24,10 +24,6 @@ namespace {
 const QString pluginName = QStringLiteral("vell-contacts-service.so");
 constexpr qint64 largestPicture = qint64{16} << 20;
 
-foundation::Error serviceError(const QString& text) {
-    return {QStringLiteral("dev.quillmark.contacts"), 1, text};
-}
-
 /// The plug-in's functions; null when it isn't installed. Throws when it is another program's.
 const VellContactsService* loadPlugin(const QStringList& folders) {
     for (const QString& folder : folders) {
@@ -41,10 +37,10 @@ const VellContactsService* loadPlugin(const QStringList& folders) {
         if (!entry) continue;  // the service's own library is missing, most likely
         const VellContactsService* plugin = entry();
         if (plugin->version != vellContactsServiceVersion)
-            throw serviceError(QStringLiteral("The plug-in “%1” is of version %2, not %3.")
-                                   .arg(path)
-                                   .arg(plugin->version)
-                                   .arg(int{vellContactsServiceVersion}));
+            throw ContactsError(QStringLiteral("The plug-in “%1” is of version %2, not %3.")
+                                    .arg(path)
+                                    .arg(plugin->version)
+                                    .arg(int{vellContactsServiceVersion}));
         return plugin;
     }
     return nullptr;
@@ -102,7 +98,7 @@ class ServiceSource::Connection {
         if (!plugin_) return;
         std::array<char, 512> error{};
         service_ = plugin_->open(&Connection::noteChange, this, error.data(), error.size());
-        if (!service_) throw serviceError(QString::fromUtf8(error.data()));
+        if (!service_) throw ContactsError(QString::fromUtf8(error.data()));
     }
 
     /// Any thread.
@@ -114,7 +110,7 @@ class ServiceSource::Connection {
         const bool isRead =
             plugin_->enumerate(service_, &Walk::take, &walk, error.data(), error.size());
         const QString problem = QString::fromUtf8(error.data());
-        if (!isRead) throw serviceError(problem);
+        if (!isRead) throw ContactsError(problem);
         if (!problem.isEmpty()) log_->warn("Could not read an address book:", problem);
     }
 

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <optional>
 
+#include "foundation/local_path.h"
 #include "toolkit/logger.h"
 
 namespace vell {
@@ -29,21 +30,22 @@ void readVCards(const VCardReader::Source& source, const QString& origin, Contac
     }
 }
 
-void readVCardFile(const QString& path, ContactPictures pictures, Logger& log,
-                   const ContactHandler& handle, const std::stop_token& stop) {
-    QFile file(path);
+std::optional<QString> readVCardFile(const QString& path, ContactPictures pictures, Logger& log,
+                                     const ContactHandler& handle, const std::stop_token& stop) {
+    QFile file(foundation::localPath(path));
     // Opening a pipe or a device would wait for somebody to write.
-    const bool isOpen =
-        QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
-    bool failed = !isOpen;
+    if (QFileInfo info(file); info.exists() && !info.isFile())
+        return QStringLiteral("Not a regular file");
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) return file.errorString();
+    bool failed = false;
     const auto source = [&](char* buffer, size_t size) -> size_t {
         if (stop.stop_requested()) return 0;
         const qint64 count = file.read(buffer, static_cast<qint64>(size));
         failed = count < 0;
         return failed ? 0 : static_cast<size_t>(count);
     };
-    if (isOpen) readVCards(source, path, pictures, log, handle, stop);
-    if (failed) log.warn("Could not read contacts:", path, file.errorString());
+    readVCards(source, path, pictures, log, handle, stop);
+    return failed ? std::optional(file.errorString()) : std::nullopt;
 }
 
 }  // namespace vell

@@ -1,11 +1,12 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// All contacts in a stream or file of vCards. Nothing here can fail: what can't be read is told to
-// the logger and left out.
+// All contacts in a stream or file of vCards. Cards that can't be read are told to the logger and
+// left out.
 
 #include <QString>
 #include <functional>
+#include <optional>
 #include <stop_token>
 
 #include "identity/contacts_source.h"
@@ -21,8 +22,9 @@ class Logger;
 void readVCards(const VCardReader::Source& source, const QString& origin, ContactPictures pictures,
                 Logger& log, const ContactHandler& handle, const std::stop_token& stop = {});
 
-/// The same for a regular file.
-void readVCardFile(const QString& path, ContactPictures pictures, Logger& log,
-                   const ContactHandler& handle, const std::stop_token& stop = {});
+/// The same for a regular file; answers why it can't be read, or nothing.
+[[nodiscard]] std::optional<QString> readVCardFile(const QString& path, ContactPictures pictures,
+                                                   Logger& log, const ContactHandler& handle,
+                                                   const std::stop_token& stop = {});
 
 }  // namespace vell

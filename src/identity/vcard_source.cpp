@@ -45,16 +45,21 @@ ContactsSource::Enumeration VCardSource::enumeration() {
                                                         const std::stop_token& stop) {
         const ContactFiles found = findContactFiles(paths, stop);
         watch->watch(paths, found);
-        for (const QString& file : found.files)
-            readVCardFile(file, ContactPictures::wanted, *log, handle, stop);
+        for (const QString& file : found.files) {
+            const auto problem = readVCardFile(file, ContactPictures::wanted, *log, handle, stop);
+            if (problem) log->warn("Could not read contacts:", file, *problem);
+        }
     };
 }
 
 ContactsStore::Table readContactTable(const QStringList& files, Logger& log) {
     ContactTable table(log);
-    for (const QString& file : files)
-        readVCardFile(file, ContactPictures::unwanted, log,
-                      [&](const ContactRecord& contact) { table.file(contact); });
+    for (const QString& file : files) {
+        const auto problem =
+            readVCardFile(file, ContactPictures::unwanted, log,
+                          [&](const ContactRecord& contact) { table.file(contact); });
+        if (problem) throw ContactsError(file + QStringLiteral(": ") + *problem);
+    }
     return table.take();
 }
 

@@ -48,7 +48,8 @@ class VCardSource final : public ContactsSource {
     std::shared_ptr<FileWatch> watch_;  ///< from the first enumeration on
 };
 
-/// The contacts of some files by address, without pictures.
+/// The contacts of some files by address, without pictures. Throws ContactsError when one can't be
+/// read.
 [[nodiscard]] ContactsStore::Table readContactTable(const QStringList& files, Logger& log);
 
 }  // namespace vell

@@ -7,6 +7,7 @@
 
 #include "cli/format.h"
 #include "cli/json_writer.h"
+#include "identity/contacts_store.h"
 
 namespace vell {
 namespace {
@@ -80,7 +81,8 @@ TEST(Json, EveryKindInItsFixedOrder) {
     buffer.open(QIODevice::WriteOnly);
     const Format* format = findFormat(u"json"_s);
     ASSERT_TRUE(format);
-    format->write(log, {*foundation::Calendar::named("UTC"), {}}, buffer);
+    const ContactsStore contacts;
+    format->write(log, {*foundation::Calendar::named("UTC"), {}, contacts}, buffer);
 
     const std::string head =
         R"("timestamp":"2009-07-04T13:04:05.250Z","secondsSinceReferenceDate":268405445.25,)";

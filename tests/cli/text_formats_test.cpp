@@ -4,6 +4,7 @@
 #include <QJsonDocument>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QTemporaryDir>
 
 #include "cli/program.h"
 #include "support/transcript_writer.h"
@@ -34,6 +35,25 @@ TEST(TextFormats, MarkdownIsTheDefaultAndTellsDatesAsAsked) {
     const QByteArray english =
         run({u"--time-zone"_s, u"UTC"_s, u"--locale"_s, u"C"_s, u"-"_s}, transcript()).output;
     EXPECT_TRUE(english.startsWith("\n# Jan 5, 2006")) << english.toStdString();
+}
+
+TEST(TextFormats, NamePeopleFromTheGivenContacts) {
+    const QTemporaryDir folder;
+    const QString ann = folder.filePath(u"ann.vcf"_s), bob = folder.filePath(u"bob.vcf"_s);
+    writeFile(ann, "BEGIN:VCARD\nFN:Ann Smith\nX-AIM:ann\nEND:VCARD\n");
+    writeFile(bob, "BEGIN:VCARD\nFN:Bob\nNICKNAME:Bobby\nIMPP:aim:bob\nEND:VCARD\n");
+    for (const QString& format : {u"markdown"_s, u"text"_s}) {
+        const Result result =
+            run({u"--contacts"_s, ann, u"--contacts"_s, bob, u"--format"_s, format, u"-"_s},
+                transcript());
+        EXPECT_EQ(result.status, 0);
+        EXPECT_THAT(result.output.toStdString(), testing::HasSubstr("Ann Smith:"));
+        EXPECT_THAT(result.output.toStdString(), testing::HasSubstr("Bobby"));
+    }
+    const Result missing = run({u"--contacts"_s, folder.path(), u"-"_s}, transcript());
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_TRUE(missing.output.isEmpty());
+    EXPECT_THAT(missing.error.toStdString(), testing::HasSubstr("the contacts can't be read: /"));
 }
 
 /// The program itself, since levels are looked up once in a process.

@@ -140,13 +140,20 @@ TEST_F(VCardSourceTest, TakesABurstAsOneChangeAndOthersAsNone) {
         write(QStringLiteral("book/%1.vcf").arg(i),
               card(QByteArray::number(i), "EMAIL:" + QByteArray::number(i) + "@x\n"));
     EXPECT_TRUE(comesToKnow("200@x", "200"));
-    EXPECT_LT(published->size(), 10);
+    const auto settle = [&] {
+        qsizetype before = -1;
+        while (before != published->size()) {
+            before = published->size();
+            test::waitFor([] { return false; }, 500);
+        }
+        return before;
+    };
+    const qsizetype before = settle();
+    EXPECT_LT(before, 50) << "far less than one for each file";
 
-    const auto before = published->size();
     write("book/notes.txt", "no card");
     write("nobody.vcf", card("n", "EMAIL:n@x\n"));
-    test::waitFor([] { return false; }, 400);
-    EXPECT_EQ(published->size(), before);
+    EXPECT_EQ(settle(), before);
 }
 
 TEST_F(VCardSourceTest, TellsDamageAndReadsTheRest) {
@@ -167,9 +174,9 @@ TEST_F(VCardSourceTest, TellsDamageAndReadsTheRest) {
 TEST_F(VCardSourceTest, NamesPeopleForTheCommandLineWithoutPictures) {
     write("1.vcf", card("a", "NICKNAME:Al\nTEL:1 2\nPHOTO;ENCODING=b:/9j/4AAQSkZJRg==\n"));
     test::LogLines lines;
-    const ContactsStore::Table table = readContactTable({path("1.vcf"), path("none.vcf")}, lines);
+    const ContactsStore::Table table = readContactTable({path("1.vcf")}, lines);
     EXPECT_EQ(table.value("12"), (ContactsStore::Info{"a", "1 2", "A", "Al"}));
-    EXPECT_EQ(lines.take().filter("Could not read contacts:").size(), 1);
+    EXPECT_THROW((void)readContactTable({path("1.vcf"), path("none.vcf")}, lines), ContactsError);
 }
 
 }  // namespace
