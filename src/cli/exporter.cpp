@@ -49,7 +49,10 @@ QString reasonOf(const std::exception& error) {
     const bool isUnreadable =
         archive->code() == static_cast<qint64>(foundation::CoderErrorCode::readCorrupt) ||
         archive->code() == static_cast<qint64>(foundation::CoderErrorCode::valueNotFound);
-    return isUnreadable ? u"no transcript, or damaged: "_s + text : text;
+    if (!isUnreadable) return text;
+    // The name of the platform's function in front says nothing to people.
+    const auto prefix = text.startsWith(u"*** -[") ? text.indexOf(u"]: ") : -1;
+    return u"no transcript, or damaged: "_s + (prefix < 0 ? text : text.mid(prefix + 3));
 }
 
 foundation::FileWrapper wrapperOf(const QString& file) {
@@ -78,7 +81,12 @@ Exporter::Exporter(const Options& options, Streams streams)
     : options_(options), streams_(streams), contacts_(contactsOf(options)) {}
 
 bool Exporter::run() {
-    prepareOutput();
+    try {
+        prepareOutput();
+    } catch (const WriteError& error) {
+        report(*options_.output, error.reason);
+        return false;
+    }
     const qsizetype count = options_.files.size();
     showsProgress_ = count >= kManyFiles && isatty(fileno(streams_.error)) != 0;
     bool allDone = true;
@@ -99,8 +107,7 @@ void Exporter::prepareOutput() {
     intoFolder_ = info.isDir() || options_.files.size() > 1 || options_.output->endsWith(u'/');
     if (!intoFolder_ || info.isDir()) return;
     if (info.exists()) throw UsageError{*options_.output + u" is no folder"_s};
-    if (!QDir().mkpath(info.absoluteFilePath()))
-        throw UsageError{u"the folder can't be made: "_s + *options_.output};
+    if (!QDir().mkpath(info.absoluteFilePath())) throw WriteError{u"the folder can't be made"_s};
 }
 
 bool Exporter::exportOne(const QString& file) {

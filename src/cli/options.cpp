@@ -20,7 +20,7 @@ QString helpText() {
     return u"Usage: vell-export [OPTION]… [--] FILE…\n"
            "Writes transcripts in another format; \"-\" is standard input.\n"
            "\n"
-           "  --format NAME       %1; without it the first of them\n"
+           "  --format NAME       %1 (default: %2)\n"
            "  --output FILE|DIR   where to write; several files need a folder, and are\n"
            "                      named after themselves there\n"
            "  --force             replace files that exist\n"
@@ -34,7 +34,8 @@ QString helpText() {
            "  --help              print this text\n"
            "\n"
            "One file goes to standard output. Exit status: 0 all done, 1 some file couldn't be\n"
-           "read or written, 2 wrong usage.\n"_s.arg(formatNames());
+           "read or written, 2 wrong usage.\n"_s.arg(formatNames(),
+                                                     QString::fromLatin1(formats()[0].name));
 }
 
 foundation::Calendar calendarFor(const QString& zone) {

@@ -180,6 +180,9 @@ TEST_F(Export, UnwritableOutputs) {
     const Result noFolder = run({u"--output"_s, path("no/such/a.json"), input});
     EXPECT_EQ(noFolder.status, 1);
     EXPECT_TRUE(noFolder.error.contains(u"No such file or directory"));
+    const Result noFolderHere = run({u"--output"_s, input + u"/below/"_s, input});
+    EXPECT_EQ(noFolderHere.status, 1);
+    EXPECT_TRUE(noFolderHere.error.contains(u"the folder can't be made"));
     const Result device = run({u"--force"_s, u"--output"_s, u"/dev/null"_s, input});
     EXPECT_EQ(device.status, 1);
     EXPECT_FALSE(QFileInfo(u"/dev/null"_s).isFile());
