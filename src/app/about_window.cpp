@@ -25,7 +25,8 @@ void addDivider(QVBoxLayout& layout) {
 }  // namespace
 
 PanelWindow* makeAboutWindow(const ApplicationInfo& info) {
-    auto* window = new PanelWindow(QStringLiteral("About Panel"), {320, 400});
+    auto* window =
+        new PanelWindow(QStringLiteral("About Panel"), {320, 400}, PanelWindow::Sizing::fixed);
     window->setObjectName(QStringLiteral("aboutWindow"));
     window->setWindowTitle(PanelWindow::tr("About %1").arg(info.infoName));
 

@@ -2,19 +2,20 @@
 #include "app/application.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QFile>
+#include <QEvent>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <algorithm>
 #include <utility>
 
 #include "app/about_window.h"
+#include "app/common_commands.h"
 #include "app/desktop.h"
 #include "app/document_window.h"
+#include "app/file_facts.h"
 #include "app/find_files_window.h"
 #include "app/load_log_window.h"
+#include "app/open_failures.h"
 #include "app/panel_window.h"
 #include "app/preferences_window.h"
 #include "app/saved_search.h"
@@ -37,10 +38,14 @@ Application::Application(std::shared_ptr<FileReader> reader)
         } else if (windows_.empty()) {
             showWelcome();
         } else {
-            windows_.back()->raise();
-            windows_.back()->activateWindow();
+            bringToFront(*windows_.back().window);
         }
     });
+    // When the session ends, nobody closes the windows one by one.
+    connect(qApp, &QGuiApplication::commitDataRequest, this, &Application::rememberPlaces,
+            Qt::DirectConnection);
+    qApp->installEventFilter(this);
+    connect(&drops_, &FileDrops::dropped, this, &Application::open);
 }
 
 Application::~Application() = default;
@@ -68,84 +73,82 @@ void Application::listenForOtherStarts() {
 }
 
 void Application::open(const QStringList& paths) {
-    for (const QString& path : paths) {
-        if (!isStandardInput(path) && QFileInfo(path).isDir()) {
-            showFindWindow({path});
+    const auto facts = fileFacts(paths);
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        const FileFacts known = facts[static_cast<size_t>(i)].value_or(FileFacts());
+        if (!isStandardInput(paths[i]) && known.isFolder) {
+            showFindWindow({paths[i]});
         } else {
-            openTranscript(path);
+            openTranscript(paths[i], known.canonicalPath);
         }
     }
 }
 
-void Application::openTranscript(const QString& path) {
-    if (DocumentWindow* window = windowFor(path)) {
-        window->show();
-        window->raise();
-        window->activateWindow();
+void Application::openTranscript(const QString& path, const QString& canonicalPath) {
+    if (DocumentWindow* window = windowFor(path, canonicalPath)) {
+        bringToFront(*window);
         return;
     }
     auto* window = new DocumentWindow(*this, loader_, path);
-    windows_.push_back(window);
+    windows_.push_back({window, canonicalPath});
     connect(window, &DocumentWindow::failed, this, &Application::reportFailure);
     connect(window, &DocumentWindow::closed, this, &Application::remove);
-    connect(window, &QWidget::windowTitleChanged, this, &Application::documentWindowsChanged);
     window->show();
     if (welcome_) welcome_->close();
     rememberWindows();
-    Q_EMIT documentWindowsChanged();
 }
 
-DocumentWindow* Application::windowFor(const QString& path) const {
+DocumentWindow* Application::windowFor(const QString& path, const QString& canonicalPath) const {
     if (isStandardInput(path)) return nullptr;
-    const QString canonical = QFileInfo(path).canonicalFilePath();
-    const auto same = [&](const DocumentWindow* window) {
-        return window->path() == path ||
-               (!canonical.isEmpty() && QFileInfo(window->path()).canonicalFilePath() == canonical);
+    const auto same = [&](const OpenWindow& open) {
+        return open.window->path() == path ||
+               (!canonicalPath.isEmpty() && open.canonicalPath == canonicalPath);
     };
     const auto found = std::find_if(windows_.begin(), windows_.end(), same);
-    return found == windows_.end() ? nullptr : *found;
+    return found == windows_.end() ? nullptr : found->window;
 }
 
 void Application::remove(DocumentWindow* window) {
-    std::erase(windows_, window);
+    std::erase_if(windows_, [window](const OpenWindow& open) { return open.window == window; });
     rememberWindows();
-    Q_EMIT documentWindowsChanged();
 }
 
 std::vector<DocumentWindow*> Application::documentWindows() const {
-    return windows_;
+    std::vector<DocumentWindow*> windows;
+    for (const OpenWindow& open : windows_)
+        windows.push_back(open.window);
+    return windows;
 }
 
 void Application::openWithoutFiles() {
     if (settings_.restoresWindows()) {
-        for (const QString& path : settings_.lastWindows()) {
-            if (QFileInfo::exists(path)) openTranscript(path);
+        QStringList paths = settings_.lastWindows();
+        const auto facts = fileFacts(paths);
+        // What has gone since the last visit is no error now.
+        for (qsizetype i = paths.size(); i-- > 0;) {
+            const auto& known = facts[static_cast<size_t>(i)];
+            if (known && !known->exists) paths.removeAt(i);
         }
+        open(paths);
     }
     if (windows_.empty()) showWelcome();
 }
 
 // One message for all that fail at about the same time: no dialog ever covers another.
 void Application::reportFailure(const QString& path) {
-    const QString name = isStandardInput(path) ? tr("Standard Input") : QFileInfo(path).fileName();
-    const bool missing = !isStandardInput(path) && !QFileInfo::exists(path);
-    const QString text =
-        missing ? tr("The document “%1” could not be opened. There is no such file.").arg(name)
-                : tr("The document “%1” could not be opened. The file is damaged or not a "
-                     "transcript.")
-                      .arg(name);
-    if (failures_) {
-        failures_->setInformativeText(failures_->informativeText().isEmpty()
-                                          ? text
-                                          : failures_->informativeText() + u'\n' + text);
-        return;
+    auto cause = OpenFailures::Cause::damaged;
+    QString name = tr("Standard Input");
+    if (!isStandardInput(path)) {
+        name = QFileInfo(path).fileName();
+        const auto facts = fileFacts(path);
+        if (facts && !facts->exists) {
+            cause = OpenFailures::Cause::missing;
+        } else if (facts && !facts->isReadable) {
+            cause = OpenFailures::Cause::unreadable;
+        }
     }
-    failures_ =
-        new QMessageBox(QMessageBox::Warning, applicationInfo().appName, text, QMessageBox::Ok);
-    failures_->setObjectName(QStringLiteral("openFailed"));
-    failures_->setAttribute(Qt::WA_DeleteOnClose);
-    failures_->setWindowModality(Qt::NonModal);
-    failures_->setTextFormat(Qt::PlainText);
+    if (!failures_) failures_ = new OpenFailures;
+    failures_->add(name, cause);
     failures_->show();
 }
 
@@ -153,6 +156,10 @@ void Application::showOpenDialog(QWidget* parent) {
     auto* dialog = new QFileDialog(parent, tr("Open Transcripts"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
+    if (const QStringList recent = recentFiles_.paths(); !recent.isEmpty()) {
+        const QString folder = QFileInfo(recent.front()).path();
+        if (fileFacts(folder).value_or(FileFacts()).isFolder) dialog->setDirectory(folder);
+    }
     dialog->setNameFilters({tr("Transcripts (*.ichat)"), tr("All files (*)")});
     connect(dialog, &QFileDialog::filesSelected, this, &Application::open);
     dialog->open();
@@ -160,16 +167,10 @@ void Application::showOpenDialog(QWidget* parent) {
 
 void Application::showWelcome() {
     if (!welcome_) {
-        welcome_ = new WelcomeWindow(recentFiles_, offersFindFiles());
+        welcome_ = new WelcomeWindow(*this);
         welcome_->setAttribute(Qt::WA_DeleteOnClose);
-        connect(welcome_, &WelcomeWindow::openRequested, this, &Application::open);
-        connect(welcome_, &WelcomeWindow::openDialogRequested, this,
-                [this] { showOpenDialog(welcome_); });
-        connect(welcome_, &WelcomeWindow::findRequested, this, &Application::findFiles);
     }
-    welcome_->show();
-    welcome_->raise();
-    welcome_->activateWindow();
+    bringToFront(*welcome_);
 }
 
 bool Application::offersFindFiles() {
@@ -185,22 +186,21 @@ void Application::showFindWindow(const QStringList& folders) {
     window->setAttribute(Qt::WA_DeleteOnClose);
     connect(window, &FindFilesWindow::openRequested, this,
             [this](const QString& path) { open({path}); });
+    addClosingShortcuts(*window);
     window->show();
 }
 
 void Application::showAbout() {
     if (!aboutWindow_) aboutWindow_.reset(makeAboutWindow(applicationInfo()));
-    aboutWindow_->show();
-    aboutWindow_->raise();
-    aboutWindow_->activateWindow();
+    bringToFront(*aboutWindow_);
 }
 
 void Application::showPreferences() {
-    if (!preferences_)
+    if (!preferences_) {
         preferences_ = std::make_unique<PreferencesWindow>(settings_, *contacts_, *systemContacts_);
-    preferences_->show();
-    preferences_->raise();
-    preferences_->activateWindow();
+        addClosingShortcuts(*preferences_);
+    }
+    bringToFront(*preferences_);
 }
 
 void Application::openBugReport() {
@@ -210,10 +210,21 @@ void Application::openBugReport() {
 // Closing the last window ends the program: what it showed is what the next visit begins with.
 void Application::rememberWindows() {
     QStringList paths;
-    for (const DocumentWindow* window : windows_) {
-        if (!isStandardInput(window->path())) paths.append(window->path());
+    for (const OpenWindow& open : windows_) {
+        if (!isStandardInput(open.window->path())) paths.append(open.window->path());
     }
     if (!isQuitting_ && !paths.isEmpty()) settings_.setLastWindows(paths);
+}
+
+void Application::rememberPlaces() const {
+    for (const OpenWindow& open : windows_)
+        open.window->savePlace();
+}
+
+// However the program is told to quit, what is open now is what the next visit begins with.
+bool Application::eventFilter(QObject* object, QEvent* event) {
+    if (event->type() == QEvent::Quit) isQuitting_ = true;
+    return QObject::eventFilter(object, event);
 }
 
 void Application::quit() {

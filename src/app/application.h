@@ -12,18 +12,17 @@
 
 #include "app/contacts_dialog.h"
 #include "app/document_loader.h"
+#include "app/file_drops.h"
 #include "app/recent_files.h"
 #include "app/settings.h"
 #include "app/single_instance.h"
 #include "timeline/picture_cache.h"
 
-class QMessageBox;
-
 namespace vell {
 
 class ContactsStore;
 class DocumentWindow;
-class FindFilesWindow;
+class OpenFailures;
 class PanelWindow;
 class PreferencesWindow;
 class SystemContacts;
@@ -65,21 +64,27 @@ class Application final : public QObject {
     static void openBugReport();
     void quit();
 
-  Q_SIGNALS:
-    /// The list of document windows or one of their titles changed.
-    void documentWindowsChanged();
+    bool eventFilter(QObject* object, QEvent* event) override;
 
   private:
+    struct OpenWindow {
+        DocumentWindow* window;  // deletes itself on closing
+        QString canonicalPath;   // empty when it wasn't told in time
+    };
+
     void openContacts();
-    void openTranscript(const QString& path);
+    void openTranscript(const QString& path, const QString& canonicalPath);
     void remove(DocumentWindow* window);
     void rememberWindows();
+    void rememberPlaces() const;
     void reportFailure(const QString& path);
-    [[nodiscard]] DocumentWindow* windowFor(const QString& path) const;
+    [[nodiscard]] DocumentWindow* windowFor(const QString& path,
+                                            const QString& canonicalPath) const;
 
     Settings settings_;
     RecentFiles recentFiles_;
     SingleInstance instance_;
+    FileDrops drops_;
     LoadLane lane_;
     DocumentLoader loader_;
     ContactsDialog contactsDialog_;
@@ -88,11 +93,11 @@ class Application final : public QObject {
     QSettings contactsSettings_;
     std::unique_ptr<ContactsStore> contacts_;
     PictureCache pictures_;
-    std::vector<DocumentWindow*> windows_;  // each deletes itself on closing
+    std::vector<OpenWindow> windows_;
     std::unique_ptr<PanelWindow> aboutWindow_;
     std::unique_ptr<PreferencesWindow> preferences_;
     QPointer<WelcomeWindow> welcome_;
-    QPointer<QMessageBox> failures_;
+    QPointer<OpenFailures> failures_;
     bool isQuitting_ = false;
 };
 

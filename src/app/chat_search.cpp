@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/chat_search.h"
 
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <thread>
 #include <utility>
@@ -33,8 +32,7 @@ void ChatSearch::start(const QString& text) {
     matches_.clear();
     const TextSearch search(text);
     if (!search.isEmpty()) {
-        running_ = std::make_shared<Run>();
-        running_->search = this;
+        running_ = std::make_shared<Run>(*this);
         std::thread([run = running_, log = log_, search] { find(run, *log, search); }).detach();
     }
     Q_EMIT changed();
@@ -43,7 +41,7 @@ void ChatSearch::start(const QString& text) {
 void ChatSearch::cancel() {
     if (!running_) return;
     running_->cancelled = true;
-    running_->search = nullptr;
+    running_->mailbox.close();
     running_.reset();
 }
 
@@ -56,14 +54,9 @@ void ChatSearch::append(const std::vector<ChatMatch>& found, bool isLast) {
 void ChatSearch::find(const std::shared_ptr<Run>& run, const TesselChatLog& log,
                       const TextSearch& text) {
     const auto tell = [&run](std::vector<ChatMatch> found, bool isLast) {
-        if (QCoreApplication* application = QCoreApplication::instance()) {
-            QMetaObject::invokeMethod(
-                application,
-                [run, found = std::move(found), isLast] {
-                    if (run->search) run->search->append(found, isLast);
-                },
-                Qt::QueuedConnection);
-        }
+        run->mailbox.post([run, found = std::move(found), isLast] {
+            if (!run->cancelled) run->search.append(found, isLast);
+        });
     };
     std::vector<ChatMatch> found;
     size_t total = 0;

@@ -9,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+#include "identity/mailbox.h"
 #include "toolkit/text_search.h"
 #include "transcript/chat_log.h"
 
@@ -40,8 +41,10 @@ class ChatSearch final : public QObject {
 
   private:
     struct Run {
+        explicit Run(ChatSearch& owner) : search(owner), mailbox(&owner) {}
         std::atomic<bool> cancelled = false;
-        ChatSearch* search = nullptr;  // window thread only; null once cancelled
+        ChatSearch& search;  // alive until the run is cancelled
+        Mailbox mailbox;
     };
     void cancel();
     void append(const std::vector<ChatMatch>& found, bool isLast);

@@ -66,7 +66,7 @@ QUrl reportBug() {
 }
 
 QString versionLine(const ApplicationInfo& info) {
-    return QStringLiteral("Version: ") + info.version + QStringLiteral(" (") + info.build + u')';
+    return QLabel::tr("Version: %1 (%2)").arg(info.version, info.build);
 }
 
 QLabel* secondaryLabel(const QString& text) {
@@ -84,6 +84,17 @@ QLabel* linkLabel(const QString& text, const QString& address) {
     QObject::connect(label, &QLabel::linkActivated, label,
                      [](const QString& link) { openWithDesktop(QUrl(link)); });
     return label;
+}
+
+void bringToFront(QWidget& window) {
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.show();
+    window.raise();
+    window.activateWindow();
+}
+
+QString menuText(QString text) {
+    return text.simplified().replace(u'&', QStringLiteral("&&"));
 }
 
 bool openWithDesktop(const QUrl& url) {

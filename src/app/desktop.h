@@ -31,6 +31,12 @@ enum class InfoAddress { support, supportMail, publisher, bugReporter, identicon
 /// A label that opens the address when clicked or pressed.
 [[nodiscard]] QLabel* linkLabel(const QString& text, const QString& address);
 
+/// Shows the window in front of all others, with the keyboard in it.
+void bringToFront(QWidget& window);
+
+/// The text as a menu shows it to the letter, without mnemonics and shortcuts.
+[[nodiscard]] QString menuText(QString text);
+
 /// Opens the address with the desktop's own program; answers whether one took it.
 bool openWithDesktop(const QUrl& url);
 

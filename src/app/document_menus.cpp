@@ -3,36 +3,24 @@
 // The menus and the toolbar of a document window.
 
 #include <QAction>
-#include <QActionGroup>
-#include <QFileInfo>
 #include <QFontDialog>
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
-#include <QStyle>
 #include <QToolBar>
 
 #include "app/application.h"
+#include "app/common_commands.h"
+#include "app/desktop.h"
 #include "app/document_window.h"
 #include "app/find_bar.h"
 #include "app/font_size.h"
 #include "timeline/timeline_view.h"
-#include "toolkit/application_info.h"
 
 namespace vell {
 namespace {
 
 constexpr qint64 actualFontSize = 16;
-
-/// One entry of a menu: text, shortcuts, what it does.
-template <class Function>
-QAction* add(QMenu& menu, const QString& text, const QList<QKeySequence>& shortcuts,
-             Function function) {
-    QAction* action = menu.addAction(text);
-    action->setShortcuts(shortcuts);
-    QObject::connect(action, &QAction::triggered, &menu, function);
-    return action;
-}
 
 QList<QKeySequence> standard(QKeySequence::StandardKey key) {
     return QKeySequence::keyBindings(key);
@@ -45,7 +33,8 @@ void DocumentWindow::buildMenus() {
     buildEditMenu();
     buildFormatMenu();
     buildViewMenu();
-    buildWindowAndHelpMenus();
+    buildWindowMenu();
+    addHelpMenu(*menuBar(), application_);
 
     QToolBar* toolBar = addToolBar(tr("Toolbar"));
     toolBar->setObjectName(QStringLiteral("toolBar"));
@@ -58,99 +47,70 @@ void DocumentWindow::buildMenus() {
 
 void DocumentWindow::buildFileMenu() {
     QMenu& menu = *menuBar()->addMenu(tr("&File"));
-    if (Application::offersFindFiles()) {
-        add(menu, tr("Find iChat Files …"), {}, [this] { application_.findFiles(); });
-        menu.addSeparator();
-    }
-    add(menu, tr("&Open …"), standard(QKeySequence::Open),
-        [this] { application_.showOpenDialog(this); });
-
-    QMenu* recent = menu.addMenu(tr("Open &Recent"));
-    connect(recent, &QMenu::aboutToShow, this, [this, recent] {
-        recent->clear();
-        for (const QString& path : application_.recentFiles().paths()) {
-            QAction* action = recent->addAction(QFileInfo(path).fileName());
-            action->setToolTip(path);
-            connect(action, &QAction::triggered, this, [this, path] { application_.open({path}); });
-        }
-        recent->addSeparator();
-        add(*recent, tr("&Clear Menu"), {}, [this] { application_.recentFiles().clear(); });
-    });
-
+    addOpeningCommands(menu, application_, *this);
     menu.addSeparator();
-    documentActions_.append(add(menu, tr("&Save Chat as Markdown …"), standard(QKeySequence::Save),
-                                [this] { saveAsMarkdown(); }));
+    documentActions_.append(addCommand(menu, tr("&Save Chat as Markdown …"),
+                                       standard(QKeySequence::Save), [this] { saveAsMarkdown(); }));
     menu.addSeparator();
-    add(menu, tr("Pre&ferences …"), standard(QKeySequence::Preferences), [this] {
-        application_.showPreferences();
-    })->setMenuRole(QAction::PreferencesRole);
-    add(menu, tr("&Close"), standard(QKeySequence::Close), [this] { close(); });
-    add(menu, tr("&Quit"), standard(QKeySequence::Quit), [this] {
-        application_.quit();
-    })->setMenuRole(QAction::QuitRole);
+    addClosingCommands(menu, application_, *this);
 }
 
 void DocumentWindow::buildEditMenu() {
     QMenu& menu = *menuBar()->addMenu(tr("&Edit"));
-    copyAction_ = add(menu, tr("Copy"), standard(QKeySequence::Copy), [this] { copyWholeChat(); });
+    copyAction_ =
+        addCommand(menu, tr("Copy"), standard(QKeySequence::Copy), [this] { copyWholeChat(); });
     copyAction_->setObjectName(QStringLiteral("copy"));
     copyAction_->setIcon(QIcon::fromTheme(QStringLiteral("edit-copy")));
     documentActions_.append(copyAction_);
     menu.addSeparator();
     documentActions_.append(
-        add(menu, tr("&Find …"), standard(QKeySequence::Find), [this] { openFindBar(); }));
-    documentActions_.append(
-        add(menu, tr("Find &Next"), standard(QKeySequence::FindNext), [this] { goToMatch(1); }));
-    documentActions_.append(add(menu, tr("Find &Previous"), standard(QKeySequence::FindPrevious),
-                                [this] { goToMatch(-1); }));
+        addCommand(menu, tr("&Find …"), standard(QKeySequence::Find), [this] { openFindBar(); }));
+    documentActions_.append(addCommand(menu, tr("Find &Next"), standard(QKeySequence::FindNext),
+                                       [this] { goToMatch(1); }));
+    documentActions_.append(addCommand(menu, tr("Find &Previous"),
+                                       standard(QKeySequence::FindPrevious),
+                                       [this] { goToMatch(-1); }));
 }
 
 void DocumentWindow::buildFormatMenu() {
     QMenu& font = *menuBar()->addMenu(tr("F&ormat"))->addMenu(tr("&Font"));
-    add(font, tr("&Show Fonts"), {QKeySequence(Qt::CTRL | Qt::Key_T)}, [this] { showFontPanel(); });
+    addCommand(font, tr("&Show Fonts"), {QKeySequence(Qt::CTRL | Qt::Key_T)},
+               [this] { showFontPanel(); });
     font.addSeparator();
     QList<QKeySequence> bigger = standard(QKeySequence::ZoomIn);
     bigger.append(QKeySequence(Qt::CTRL | Qt::Key_Equal));
-    add(font, tr("&Bigger"), bigger, [this] {
+    addCommand(font, tr("&Bigger"), bigger, [this] {
         changeFontSize(int(FontAction::sizeUp));
     })->setObjectName(QStringLiteral("fontBigger"));
-    add(font, tr("S&maller"), standard(QKeySequence::ZoomOut), [this] {
+    addCommand(font, tr("S&maller"), standard(QKeySequence::ZoomOut), [this] {
         changeFontSize(int(FontAction::sizeDown));
     })->setObjectName(QStringLiteral("fontSmaller"));
 }
 
 void DocumentWindow::buildViewMenu() {
     QMenu& menu = *menuBar()->addMenu(tr("&View"));
-    add(menu, tr("&Actual Size"), {QKeySequence(Qt::CTRL | Qt::Key_0)},
-        [this] { application_.settings().setTimelineFontSize(actualFontSize); });
+    addCommand(menu, tr("&Actual Size"), {QKeySequence(Qt::CTRL | Qt::Key_0)},
+               [this] { application_.settings().setTimelineFontSize(actualFontSize); });
     menu.addSeparator();
-    QAction* fullScreen = add(menu, tr("&Full Screen"), standard(QKeySequence::FullScreen),
-                              [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
+    QAction* fullScreen =
+        addCommand(menu, tr("&Full Screen"), standard(QKeySequence::FullScreen),
+                   [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
     fullScreen->setCheckable(true);
     connect(&menu, &QMenu::aboutToShow, this,
             [this, fullScreen] { fullScreen->setChecked(isFullScreen()); });
 }
 
-void DocumentWindow::buildWindowAndHelpMenus() {
+void DocumentWindow::buildWindowMenu() {
     QMenu* windows = menuBar()->addMenu(tr("&Window"));
     connect(windows, &QMenu::aboutToShow, this, [this, windows] {
         windows->clear();
         for (DocumentWindow* window : application_.documentWindows()) {
-            QAction* action = windows->addAction(window->windowTitle());
+            QAction* action = windows->addAction(menuText(window->windowTitle()));
             action->setCheckable(true);
             action->setChecked(window == this);
-            connect(action, &QAction::triggered, window, [window] {
-                window->raise();
-                window->activateWindow();
-            });
+            connect(action, &QAction::triggered, window, [window] { bringToFront(*window); });
         }
     });
-
-    QMenu& help = *menuBar()->addMenu(tr("&Help"));
-    add(help, tr("About %1 …").arg(applicationInfo().appName), {}, [this] {
-        application_.showAbout();
-    })->setMenuRole(QAction::AboutRole);
-    add(help, tr("Report Bug …"), {}, [] { Application::openBugReport(); });
 }
 
 void DocumentWindow::changeFontSize(int action) {

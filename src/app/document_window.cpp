@@ -4,7 +4,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
-#include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
@@ -20,7 +19,6 @@
 #include "app/application.h"
 #include "app/chat_title.h"
 #include "app/contacts_bar.h"
-#include "app/dropped_files.h"
 #include "app/find_bar.h"
 #include "app/font_size.h"
 #include "identity/contacts_store.h"
@@ -57,9 +55,7 @@ DocumentWindow::DocumentWindow(Application& application, DocumentLoader& loader,
     : application_(application), path_(path) {
     setAttribute(Qt::WA_DeleteOnClose);
     setObjectName(QStringLiteral("documentWindow"));
-    setAcceptDrops(true);
-    setWindowTitle(isStandardInput(path) ? tr("Standard Input")
-                                         : QFileInfo(path).completeBaseName());
+    showTitle();
     setWindowFilePath(isStandardInput(path) ? QString() : path);
     buildContent();
     buildMenus();
@@ -69,6 +65,8 @@ DocumentWindow::DocumentWindow(Application& application, DocumentLoader& loader,
             [this](qint64 points) {
                 if (timeline_) timeline_->setFontSize(points);
             });
+    connect(&application_.contacts(), &ContactsStore::contactsAvailableChanged, this,
+            &DocumentWindow::showTitle);
     load_ = loader.load(path, [this](const DocumentLoader::Result& result) { loaded(result); });
 }
 
@@ -111,13 +109,14 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
         return;
     }
     document_ = result.document;
-    setWindowTitle(chatTitle(document_->chatlog(), application_.contacts()));
+    showTitle();
     search_ = std::make_unique<ChatSearch>(document_->sharedChatlog());
     connect(search_.get(), &ChatSearch::changed, this, &DocumentWindow::showMatches);
     timeline_ = new TimelineView(document_->sharedChatlog(), application_.contacts(),
                                  application_.pictures());
     timeline_->setFontSize(application_.settings().timelineFontSize());
     pages_->setCurrentIndex(pages_->addWidget(timeline_));
+    delete pages_->widget(0);
     if (const auto place = application_.settings().windowPlace(path_))
         timeline_->scrollToRow(place->topRow);
     timeline_->setFocus();
@@ -125,6 +124,17 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
         action->setEnabled(true);
     if (findBar_->isVisible()) search_->start(findBar_->text());
     if (!isStandardInput(path_)) application_.recentFiles().add(path_);
+}
+
+void DocumentWindow::showTitle() {
+    QString title;
+    if (document_) {
+        title = chatTitle(document_->chatlog(), application_.contacts());
+    } else {
+        title = isStandardInput(path_) ? tr("Standard Input") : QFileInfo(path_).completeBaseName();
+    }
+    // To Qt the mark "[*]" is a place for its own star.
+    setWindowTitle(title.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
 }
 
 void DocumentWindow::restorePlace() {
@@ -142,16 +152,6 @@ void DocumentWindow::closeEvent(QCloseEvent* event) {
     savePlace();
     QMainWindow::closeEvent(event);
     Q_EMIT closed(this);
-}
-
-void DocumentWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (event->source() == nullptr && !droppedFiles(*event->mimeData()).isEmpty())
-        event->acceptProposedAction();
-}
-
-void DocumentWindow::dropEvent(QDropEvent* event) {
-    application_.open(droppedFiles(*event->mimeData()));
-    event->acceptProposedAction();
 }
 
 QString DocumentWindow::markdown() const {

@@ -31,6 +31,8 @@ class DocumentWindow final : public QMainWindow {
 
     [[nodiscard]] const QString& path() const { return path_; }
     [[nodiscard]] bool isLoaded() const { return document_ != nullptr; }
+    /// Remembers where the window stands and how far it is scrolled.
+    void savePlace() const;
 
   Q_SIGNALS:
     /// The transcript could not be read; the window closes.
@@ -39,8 +41,6 @@ class DocumentWindow final : public QMainWindow {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
-    void dragEnterEvent(QDragEnterEvent* event) override;
-    void dropEvent(QDropEvent* event) override;
 
   private:
     void buildContent();
@@ -49,10 +49,10 @@ class DocumentWindow final : public QMainWindow {
     void buildEditMenu();
     void buildFormatMenu();
     void buildViewMenu();
-    void buildWindowAndHelpMenus();
+    void buildWindowMenu();
     void loaded(const DocumentLoader::Result& result);
+    void showTitle();
     void restorePlace();
-    void savePlace() const;
 
     void copyWholeChat();
     void saveAsMarkdown();

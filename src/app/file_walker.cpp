@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/file_walker.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QPointer>
 #include <QStorageInfo>
 #include <filesystem>
 #include <set>
@@ -13,6 +11,7 @@
 #include <utility>
 
 #include "app/transcript_probe.h"
+#include "identity/mailbox.h"
 
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
@@ -84,8 +83,10 @@ bool isTranscript(const QString& path, const QString& name) {
 
 /// What the walking thread owns; it speaks to the walker through the window thread only.
 struct FileWalker::Walk : std::enable_shared_from_this<FileWalker::Walk> {
+    explicit Walk(FileWalker& owner) : walker(owner), mailbox(&owner) {}
     std::atomic<bool> cancelled = false;
-    QPointer<FileWalker> walker;  // looked at on the window thread only
+    FileWalker& walker;  // alive until the walk is cancelled
+    Mailbox mailbox;
     bool hiddenFolders = false;
     std::set<FolderIdentity> entered;
     std::set<fs::path> virtualRoots;
@@ -103,14 +104,9 @@ struct FileWalker::Walk : std::enable_shared_from_this<FileWalker::Walk> {
 
 template <class Function>
 void FileWalker::Walk::tell(Function function) {
-    QCoreApplication* application = QCoreApplication::instance();
-    if (cancelled || !application) return;
-    QMetaObject::invokeMethod(
-        application,
-        [walk = shared_from_this(), function = std::move(function)] {
-            if (!walk->cancelled && walk->walker) function(*walk->walker);
-        },
-        Qt::QueuedConnection);
+    mailbox.post([walk = shared_from_this(), function = std::move(function)] {
+        if (!walk->cancelled) function(walk->walker);
+    });
 }
 
 void FileWalker::Walk::run(QStringList folders) {
@@ -180,15 +176,16 @@ FileWalker::~FileWalker() {
 
 void FileWalker::start(const QStringList& folders, bool hiddenFolders) {
     cancel();
-    walk_ = std::make_shared<Walk>();
-    walk_->walker = this;
+    walk_ = std::make_shared<Walk>(*this);
     walk_->hiddenFolders = hiddenFolders;
     // Detached, as reading a folder may stall; the walk owns all that the thread touches.
     std::thread([walk = walk_, folders] { walk->run(folders); }).detach();
 }
 
 void FileWalker::cancel() {
-    if (walk_) walk_->cancelled = true;
+    if (!walk_) return;
+    walk_->cancelled = true;
+    walk_->mailbox.close();
     walk_.reset();
 }
 

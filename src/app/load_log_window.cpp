@@ -2,6 +2,7 @@
 #include "app/load_log_window.h"
 
 #include <QApplication>
+#include <QEventLoopLocker>
 #include <QFontDatabase>
 #include <QFrame>
 #include <QHBoxLayout>
@@ -10,6 +11,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <memory>
 
 #include "app/desktop.h"
 #include "app/panel_window.h"
@@ -30,7 +32,8 @@ std::vector<QWidget*>& openWindows() {
 }
 
 void showWindow(const QString& log) {
-    auto* window = new PanelWindow(QStringLiteral("Load Log Window"), {720, 640});
+    auto* window = new PanelWindow(QStringLiteral("Load Log Window"), {720, 640},
+                                   PanelWindow::Sizing::resizable);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setObjectName(QStringLiteral("loadLogWindow"));
     window->setWindowTitle(QStringLiteral("Vell Load Log"));
@@ -111,6 +114,7 @@ QWidget* output(const QString& text) {
     editor->setAccessibleName(LoadLogView::tr("Load log"));
     editor->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     editor->setFrameShape(QFrame::NoFrame);
+    editor->setLineWrapMode(QPlainTextEdit::NoWrap);
     return editor;
 }
 
@@ -121,24 +125,24 @@ void presentLoadLogWindowIfNecessary() {
     if (!log) return;
     // Taken now: by the time the window opens, the log may speak of another file.
     QMetaObject::invokeMethod(qApp, [text = log->grabLog()] {
-        QTimer::singleShot(presentationDelay, qApp, [text] { showWindow(text); });
+        // Whoever closes the last window meanwhile has not seen this one yet.
+        const auto running = std::make_shared<QEventLoopLocker>();
+        QTimer::singleShot(presentationDelay, qApp, [text, running] { showWindow(text); });
     });
 }
 
 const QString& introText() {
     static const QString text =
-        QStringLiteral(
+        LoadLogView::tr(
             "It looks like loading the .ichat chatscript failed for some reason 😔. We'd love to "
             "debug this and collected some information while loading the file.\nWe would be very "
             "thankful if you could send us the file load information below. It does NOT contain "
-            "the full file but only the first") +
-        u' ' + QString::number(tesselDataPrefixLogLength.load()) +
-        QStringLiteral(
-            " bytes. Those should not contain any private information.\n\nIf you could send us a "
-            "complete sample file which fails to load, that would also be very helpful. We "
-            "understand that you might not want to share personal information. If you do, we "
-            "promise to delete it immediatly after analysis and confirm the deletion to you by "
-            "email.");
+            "the full file but only the first %1 bytes. Those should not contain any private "
+            "information.\n\nIf you could send us a complete sample file which fails to load, that "
+            "would also be very helpful. We understand that you might not want to share personal "
+            "information. If you do, we promise to delete it immediatly after analysis and confirm "
+            "the deletion to you by email.")
+            .arg(tesselDataPrefixLogLength.load());
     return text;
 }
 

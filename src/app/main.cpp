@@ -9,10 +9,12 @@
 #include <QLocale>
 #include <QTranslator>
 #include <cstdio>
+#include <cstdlib>
 
 #include "app/application.h"
 #include "app/command_line.h"
 #include "app/dropped_files.h"
+#include "app/quit_signals.h"
 #include "app/render.h"
 
 namespace {
@@ -52,9 +54,7 @@ void installTranslations(QApplication& application) {
     }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     setNames();
     const vell::CommandLine line = parse(argc, argv);
     if (line.answer) {
@@ -75,12 +75,14 @@ int main(int argc, char** argv) {
         paths.append(vell::argumentPath(file, QDir::currentPath()));
     QApplication application(argc, argv);
     installTranslations(application);
+    QGuiApplication::setLayoutDirection(QLocale().textDirection());
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/dev.quillmark.vell.svg")));
     if (line.renderTarget) return vell::render(paths.first(), *line.renderTarget);
 
     const bool shared = !line.newInstance && !paths.contains(QStringLiteral("-"));
     if (shared && vell::SingleInstance::handOver(paths)) return 0;
     vell::Application vellApplication;
+    const vell::QuitSignals quitSignals;
     if (shared) vellApplication.listenForOtherStarts();
     if (paths.isEmpty()) {
         vellApplication.openWithoutFiles();
@@ -88,4 +90,13 @@ int main(int argc, char** argv) {
         vellApplication.open(paths);
     }
     return QApplication::exec();
+}
+
+}  // namespace
+
+// Threads that wait for a stalled disk are never joined: no static object may end before they do.
+int main(int argc, char** argv) {
+    const int exitCode = run(argc, argv);
+    std::fflush(nullptr);
+    std::_Exit(exitCode);
 }

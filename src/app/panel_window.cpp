@@ -9,6 +9,8 @@
 #include <QWindow>
 #include <utility>
 
+#include "app/common_commands.h"
+
 namespace vell {
 namespace {
 
@@ -18,9 +20,13 @@ QString frameKey(const QString& name) {
 
 }  // namespace
 
-PanelWindow::PanelWindow(QString frameName, QSize contentSize)
-    : QWidget(nullptr, Qt::Window), frameName_(std::move(frameName)) {
+PanelWindow::PanelWindow(QString frameName, QSize contentSize, Sizing sizing)
+    : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                           Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint),
+      frameName_(std::move(frameName)) {
+    addClosingShortcuts(*this);
     resize(contentSize);
+    if (sizing == Sizing::fixed) setFixedSize(contentSize);
     if (restoreGeometry(QSettings().value(frameKey(frameName_)).toByteArray())) return;
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         move(screen->availableGeometry().center() - rect().center());

@@ -12,8 +12,10 @@ class PanelWindow : public QWidget {
     Q_OBJECT
 
   public:
+    enum class Sizing { fixed, resizable };
+
     /// The frame is kept in the settings under the name; several windows may share one.
-    explicit PanelWindow(QString frameName, QSize contentSize);
+    PanelWindow(QString frameName, QSize contentSize, Sizing sizing);
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;

@@ -45,7 +45,10 @@ bool SingleInstance::handOver(const QStringList& paths) {
 
 void SingleInstance::listen() {
     if (server_.listen(socketPath())) return;
-    // A socket that nobody answers is what a crash left behind.
+    // Another start was a moment faster, or a crash left a socket behind that nobody answers.
+    QLocalSocket other;
+    other.connectToServer(socketPath());
+    if (other.waitForConnected(patience)) return;
     QLocalServer::removeServer(socketPath());
     server_.listen(socketPath());
 }

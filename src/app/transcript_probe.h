@@ -17,7 +17,7 @@ inline constexpr qsizetype archiveMagicSize = 13;
 [[nodiscard]] bool hasTranscriptExtension(const QString& fileName);
 /// Whether the bytes begin like a keyed or non-keyed archive.
 [[nodiscard]] bool beginsLikeArchive(QByteArrayView head);
-/// Whether they also name the class of a chat message.
+/// Whether they also name the class of messages or of participants.
 [[nodiscard]] bool looksLikeTranscript(QByteArrayView head);
 
 }  // namespace vell

@@ -3,16 +3,16 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/application.h"
+#include "app/common_commands.h"
 #include "app/desktop.h"
-#include "app/dropped_files.h"
-#include "app/recent_files.h"
 
 namespace vell {
 namespace {
@@ -22,13 +22,30 @@ constexpr QSize iconSize(96, 96);
 
 }  // namespace
 
-WelcomeWindow::WelcomeWindow(RecentFiles& recent, bool offersSearch, QWidget* parent)
-    : QWidget(parent, Qt::Window), recent_(recent) {
+WelcomeWindow::WelcomeWindow(Application& application)
+    : QWidget(nullptr, Qt::Window), application_(application) {
     setObjectName(QStringLiteral("welcomeWindow"));
     setWindowTitle(tr("Welcome to Vell"));
-    setAcceptDrops(true);
-    resize(620, 380);
+    resize(620, 400);
 
+    auto* menuBar = new QMenuBar;
+    QMenu& file = *menuBar->addMenu(tr("&File"));
+    addOpeningCommands(file, application_, *this);
+    file.addSeparator();
+    addClosingCommands(file, application_, *this);
+    addHelpMenu(*menuBar, application_);
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setMenuBar(menuBar);
+    layout->setContentsMargins(padding, padding, padding, padding);
+    layout->setSpacing(padding);
+    layout->addWidget(commandColumn(), 2);
+    layout->addWidget(recentColumn(), 3);
+    connect(&application_.recentFiles(), &RecentFiles::changed, this, &WelcomeWindow::fill);
+    fill();
+}
+
+QWidget* WelcomeWindow::commandColumn() {
     auto* icon = new QLabel;
     icon->setPixmap(QApplication::windowIcon().pixmap(iconSize));
     auto* title = new QLabel(tr("Welcome to Vell"));
@@ -41,42 +58,41 @@ WelcomeWindow::WelcomeWindow(RecentFiles& recent, bool offersSearch, QWidget* pa
     explanation->setWordWrap(true);
     auto* open = new QPushButton(tr("&Open …"));
     open->setDefault(true);
-    auto* find = new QPushButton(tr("&Find iChat Files …"));
-    find->setVisible(offersSearch);
+    auto* find = new QPushButton(tr("F&ind iChat Files …"));
+    find->setVisible(Application::offersFindFiles());
+    connect(open, &QPushButton::clicked, this, [this] { application_.showOpenDialog(this); });
+    connect(find, &QPushButton::clicked, this, [this] { application_.findFiles(); });
 
-    auto* left = new QVBoxLayout;
-    left->addWidget(icon, 0, Qt::AlignHCenter);
-    left->addWidget(title, 0, Qt::AlignHCenter);
-    left->addWidget(explanation);
-    left->addStretch();
-    left->addWidget(open);
-    left->addWidget(find);
+    auto* column = new QWidget;
+    auto* layout = new QVBoxLayout(column);
+    layout->setContentsMargins({});
+    layout->addWidget(icon, 0, Qt::AlignHCenter);
+    layout->addWidget(title, 0, Qt::AlignHCenter);
+    layout->addWidget(explanation);
+    layout->addStretch();
+    layout->addWidget(open);
+    layout->addWidget(find);
+    return column;
+}
 
+QWidget* WelcomeWindow::recentColumn() {
     list_ = new QListWidget;
     list_->setAccessibleName(tr("Recent transcripts"));
     list_->setFrameShape(QFrame::NoFrame);
-    auto* right = new QVBoxLayout;
-    right->addWidget(secondaryLabel(tr("Recent transcripts")));
-    right->addWidget(list_, 1);
-
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(padding, padding, padding, padding);
-    layout->setSpacing(padding);
-    layout->addLayout(left, 2);
-    layout->addLayout(right, 3);
-
-    connect(open, &QPushButton::clicked, this, &WelcomeWindow::openDialogRequested);
-    connect(find, &QPushButton::clicked, this, &WelcomeWindow::findRequested);
     connect(list_, &QListWidget::itemActivated, this, [this](const QListWidgetItem* item) {
-        Q_EMIT openRequested({item->data(Qt::UserRole).toString()});
+        application_.open({item->data(Qt::UserRole).toString()});
     });
-    connect(&recent_, &RecentFiles::changed, this, &WelcomeWindow::fill);
-    fill();
+    auto* column = new QWidget;
+    auto* layout = new QVBoxLayout(column);
+    layout->setContentsMargins({});
+    layout->addWidget(secondaryLabel(tr("Recent transcripts")));
+    layout->addWidget(list_, 1);
+    return column;
 }
 
 void WelcomeWindow::fill() {
     list_->clear();
-    for (const QString& path : recent_.paths()) {
+    for (const QString& path : application_.recentFiles().paths()) {
         const QFileInfo file(path);
         auto* item = new QListWidgetItem(file.completeBaseName(), list_);
         item->setToolTip(QDir::toNativeSeparators(path));
@@ -86,15 +102,6 @@ void WelcomeWindow::fill() {
         auto* item = new QListWidgetItem(tr("None yet"), list_);
         item->setFlags(Qt::NoItemFlags);
     }
-}
-
-void WelcomeWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (!droppedFiles(*event->mimeData()).isEmpty()) event->acceptProposedAction();
-}
-
-void WelcomeWindow::dropEvent(QDropEvent* event) {
-    Q_EMIT openRequested(droppedFiles(*event->mimeData()));
-    event->acceptProposedAction();
 }
 
 }  // namespace vell

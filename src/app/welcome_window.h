@@ -9,27 +9,20 @@
 
 namespace vell {
 
-class RecentFiles;
+class Application;
 
 class WelcomeWindow final : public QWidget {
     Q_OBJECT
 
   public:
-    WelcomeWindow(RecentFiles& recent, bool offersSearch, QWidget* parent = nullptr);
-
-  Q_SIGNALS:
-    void openRequested(const QStringList& paths);
-    void openDialogRequested();
-    void findRequested();
-
-  protected:
-    void dragEnterEvent(QDragEnterEvent* event) override;
-    void dropEvent(QDropEvent* event) override;
+    explicit WelcomeWindow(Application& application);
 
   private:
     void fill();
+    [[nodiscard]] QWidget* commandColumn();
+    [[nodiscard]] QWidget* recentColumn();
 
-    RecentFiles& recent_;
+    Application& application_;
     QListWidget* list_ = nullptr;
 };
 

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#include "app/common_commands.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QMenuBar>
+
+#include "app/application.h"
+#include "app/desktop.h"
+#include "toolkit/application_info.h"
+
+namespace vell {
+namespace {
+
+struct Commands {
+    Q_DECLARE_TR_FUNCTIONS(Commands)
+};
+
+void fillRecent(QMenu& menu, Application& application) {
+    menu.clear();
+    for (const QString& path : application.recentFiles().paths()) {
+        QAction* action = addCommand(menu, menuText(QFileInfo(path).fileName()), {},
+                                     [&application, path] { application.open({path}); });
+        action->setToolTip(path);
+    }
+    menu.addSeparator();
+    const bool isEmpty = application.recentFiles().paths().isEmpty();
+    addCommand(menu, Commands::tr("&Clear Menu"), {}, [&application] {
+        application.recentFiles().clear();
+    })->setEnabled(!isEmpty);
+}
+
+}  // namespace
+
+void addOpeningCommands(QMenu& menu, Application& application, QWidget& window) {
+    if (Application::offersFindFiles()) {
+        addCommand(menu, Commands::tr("Find iChat Files …"), {},
+                   [&application] { application.findFiles(); });
+        menu.addSeparator();
+    }
+    addCommand(menu, Commands::tr("&Open …"), QKeySequence::keyBindings(QKeySequence::Open),
+               [&application, &window] { application.showOpenDialog(&window); });
+    QMenu* recent = menu.addMenu(Commands::tr("Open &Recent"));
+    recent->setToolTipsVisible(true);
+    QObject::connect(recent, &QMenu::aboutToShow, &application,
+                     [recent, &application] { fillRecent(*recent, application); });
+}
+
+void addClosingCommands(QMenu& menu, Application& application, QWidget& window) {
+    addCommand(menu, Commands::tr("Pre&ferences …"),
+               QKeySequence::keyBindings(QKeySequence::Preferences),
+               [&application] { application.showPreferences(); })
+        ->setMenuRole(QAction::PreferencesRole);
+    addCommand(menu, Commands::tr("&Close"), QKeySequence::keyBindings(QKeySequence::Close),
+               [&window] { window.close(); });
+    addCommand(menu, Commands::tr("&Quit"), QKeySequence::keyBindings(QKeySequence::Quit),
+               [&application] { application.quit(); })
+        ->setMenuRole(QAction::QuitRole);
+}
+
+void addHelpMenu(QMenuBar& menuBar, Application& application) {
+    QMenu& help = *menuBar.addMenu(Commands::tr("&Help"));
+    const QString name = applicationInfo().appName;
+    addCommand(help, Commands::tr("%1 &Help").arg(name),
+               QKeySequence::keyBindings(QKeySequence::HelpContents),
+               [] { openWithDesktop(QUrl(address(InfoAddress::support))); });
+    help.addSeparator();
+    addCommand(help, Commands::tr("About %1 …").arg(name), {}, [&application] {
+        application.showAbout();
+    })->setMenuRole(QAction::AboutRole);
+    addCommand(help, Commands::tr("Report Bug …"), {}, [] { Application::openBugReport(); });
+}
+
+void addClosingShortcuts(QWidget& window) {
+    const auto add = [&window](QKeySequence::StandardKey keys, auto function) {
+        auto* action = new QAction(&window);
+        action->setShortcuts(keys);
+        QObject::connect(action, &QAction::triggered, &window, function);
+        window.addAction(action);
+    };
+    add(QKeySequence::Close, [&window] { window.close(); });
+    add(QKeySequence::Quit, [] { QCoreApplication::quit(); });
+}
+
+}  // namespace vell

@@ -1,0 +1,38 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// Commands that several kinds of windows offer: opening, closing, help.
+
+#include <QAction>
+#include <QKeySequence>
+#include <QMenu>
+
+class QMenuBar;
+
+namespace vell {
+
+class Application;
+
+/// Adds an entry to a menu: text, shortcuts, what it does.
+template <class Function>
+QAction* addCommand(QMenu& menu, const QString& text, const QList<QKeySequence>& shortcuts,
+                    Function function) {
+    QAction* action = menu.addAction(text);
+    action->setShortcuts(shortcuts);
+    QObject::connect(action, &QAction::triggered, &menu, function);
+    return action;
+}
+
+/// "Find iChat Files …" where the program has its saved search, "Open …", "Open Recent".
+void addOpeningCommands(QMenu& menu, Application& application, QWidget& window);
+
+/// "Preferences …", "Close", "Quit".
+void addClosingCommands(QMenu& menu, Application& application, QWidget& window);
+
+/// The Help menu: help, About, "Report Bug …".
+void addHelpMenu(QMenuBar& menuBar, Application& application);
+
+/// Lets a window without menus be closed, and the program be quit from it, with the usual keys.
+void addClosingShortcuts(QWidget& window);
+
+}  // namespace vell
