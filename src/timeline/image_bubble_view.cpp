@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "timeline/picture_cache.h"
+#include "timeline/row_text.h"
 
 namespace vell {
 namespace {
@@ -77,11 +78,15 @@ void ImageBubbleView::paint(QPainter& painter, const RowLayout& layout, const Ro
     } else {
         painter.fillPath(rounded, context.colors.separator);
     }
+    for (const TextHighlight& highlight : what.highlights) {
+        if (highlight.kind == HighlightKind::selection)
+            painter.fillPath(rounded, selectedPictureColor(context));
+    }
     painter.restore();
 }
 
 QString ImageBubbleView::name() const {
-    return image.path() ? image.path()->section(u'/', -1) : QString();
+    return pictureName(image);
 }
 
 PlainMessageBubbleView ImageBubbleView::explanation(const QString& problem) const {

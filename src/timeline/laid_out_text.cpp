@@ -17,20 +17,47 @@ namespace {
 // Keeps a layout's fixed-point rounding from adding a pixel.
 constexpr qreal roundingSlack = 1.0 / 64;
 
+// How a selected line break shows on an empty line.
+constexpr qreal lineBreakPoints = 4;
+
 int ceilPixels(qreal points, qreal ratio) {
     return static_cast<int>(std::ceil(points * ratio - roundingSlack));
 }
 
 // An emoji's parts come from several fonts unless the one that has it whole is asked for.
-QList<QTextLayout::FormatRange> emojiFormats(const std::vector<TextRange>& ranges) {
+QList<QTextLayout::FormatRange> emojiFormats(const std::vector<EmojiRange>& ranges) {
     QList<QTextLayout::FormatRange> formats;
-    for (const TextRange& range : ranges) {
+    for (const EmojiRange& range : ranges) {
         if (emojiFamily().isEmpty()) break;
         QTextCharFormat format;
         format.setFontFamilies({emojiFamily()});
         formats.push_back({static_cast<int>(range.start), static_cast<int>(range.length), format});
     }
     return formats;
+}
+
+// Where the offsets [from, to) of a layout are on one line: several stretches when its letters run
+// in both directions.
+std::vector<std::pair<qreal, qreal>> stretches(const QTextLine& line, int from, int to) {
+    const int start = line.textStart();
+    const int end = start + line.textLength();
+    if (from <= start && to >= end) return {{line.x(), line.x() + line.naturalTextWidth()}};
+    std::vector<std::pair<qreal, qreal>> found;
+    for (int i = std::max(from, start); i < std::min(to, end); ++i) {
+        const qreal leading = line.cursorToX(i, QTextLine::Leading);
+        const qreal trailing = line.cursorToX(i, QTextLine::Trailing);
+        if (leading != trailing) found.emplace_back(std::minmax(leading, trailing));
+    }
+    std::sort(found.begin(), found.end());
+    std::vector<std::pair<qreal, qreal>> joined;
+    for (const auto& piece : found) {
+        if (!joined.empty() && piece.first <= joined.back().second + roundingSlack) {
+            joined.back().second = std::max(joined.back().second, piece.second);
+        } else {
+            joined.push_back(piece);
+        }
+    }
+    return joined;
 }
 
 }  // namespace
@@ -159,31 +186,46 @@ std::optional<qsizetype> LaidOutText::firstEstimated(qsizetype from) const {
     return found - isMeasured_.begin();
 }
 
-void LaidOutText::paint(QPainter& painter, QPoint origin, int top, int bottom,
-                        const TextHighlight* highlight) const {
+void LaidOutText::paint(QPainter& painter, QPoint origin, int top, int bottom) const {
     for (qsizetype i = blockAt(top); i < blockCount() && blockTop(i) < bottom; ++i) {
         // The next block starts where the estimate ends: drawing this one might cover it.
         if (isLong_ && !isMeasured_[static_cast<size_t>(i)]) continue;
-        const TextBlock& block = blocks_[static_cast<size_t>(i)];
         const auto y = static_cast<int>(blockTop(i));
-        QList<QTextLayout::FormatRange> selections;
-        if (highlight) {
-            const qsizetype from = std::max<qsizetype>(highlight->from - block.start, 0);
-            const qsizetype to = std::min<qsizetype>(highlight->to - block.start, block.length);
-            if (from < to) {
-                selections.push_back(
-                    {static_cast<int>(from), static_cast<int>(to - from), highlight->format});
-            }
-        }
         // A layout places lines with 26 bits before the point: the painter takes them down instead.
         painter.save();
         painter.translate(origin.x(), origin.y() + y);
         painter.scale(format_.ratio, format_.ratio);
         const QRectF clip(0, (top - y) / format_.ratio, width_ / format_.ratio,
                           (bottom - top) / format_.ratio);
-        layout(i).draw(&painter, QPointF(0, 0), selections, clip);
+        layout(i).draw(&painter, QPointF(0, 0), {}, clip);
         painter.restore();
     }
+}
+
+std::vector<QRect> LaidOutText::region(qsizetype from, qsizetype to, int top, int bottom) const {
+    std::vector<QRect> rects;
+    const int breakWidth = ceilPixels(lineBreakPoints, format_.ratio);
+    for (qsizetype i = blockAt(top); i < blockCount() && blockTop(i) < bottom; ++i) {
+        const TextBlock& block = blocks_[static_cast<size_t>(i)];
+        if (to <= block.start) break;
+        if (isLong_ && !isMeasured_[static_cast<size_t>(i)]) continue;
+        const auto first = static_cast<int>(std::max<qsizetype>(from - block.start, 0));
+        const auto end = static_cast<int>(std::min<qsizetype>(to - block.start, block.length));
+        const QTextLayout& lines = layout(i);
+        for (int n = 0; n < lines.lineCount(); ++n) {
+            const QTextLine line = lines.lineAt(n);
+            const auto y = static_cast<int>(blockTop(i) + std::lround(line.y() * format_.ratio));
+            const int height = lineHeight(line);
+            if (y >= bottom) break;
+            if (y + height < top) continue;
+            for (const auto& [left, right] : stretches(line, first, end)) {
+                const auto x = static_cast<int>(std::floor(left * format_.ratio));
+                const int width = ceilPixels(right, format_.ratio) - x;
+                rects.emplace_back(x, y, std::max(width, breakWidth), height);
+            }
+        }
+    }
+    return rects;
 }
 
 QTextLine LaidOutText::lineAt(const QTextLayout& layout, int y) const {
@@ -202,12 +244,25 @@ LaidOutText::Line LaidOutText::line(qint64 y) const {
             blockTop(block) + std::lround(found.y() * format_.ratio)};
 }
 
-qsizetype LaidOutText::offsetAt(QPoint point) const {
+qsizetype LaidOutText::hit(QPoint point, QTextLine::CursorPosition where) const {
     if (point.y() < 0) return 0;
     if (point.y() >= heights_.total()) return text_.size();
     const qsizetype block = blockAt(point.y());
     const QTextLine line = lineAt(layout(block), static_cast<int>(point.y() - blockTop(block)));
-    return blocks_[static_cast<size_t>(block)].start + line.xToCursor(point.x() / format_.ratio);
+    return blocks_[static_cast<size_t>(block)].start +
+           line.xToCursor(point.x() / format_.ratio, where);
+}
+
+qsizetype LaidOutText::offsetAt(QPoint point) const {
+    return hit(point, QTextLine::CursorBetweenCharacters);
+}
+
+qsizetype LaidOutText::characterAt(QPoint point) const {
+    return hit(point, QTextLine::CursorOnCharacter);
+}
+
+bool LaidOutText::isRightToLeft(qsizetype offset) const {
+    return blocks_[static_cast<size_t>(blockOf(offset))].rightToLeft;
 }
 
 bool LaidOutText::isOnText(QPoint point) const {

@@ -31,13 +31,6 @@ struct TextFormat {
     qreal ratio = 1;                                  ///< device pixels a point
 };
 
-/// Offsets [from, to) and how they are shown.
-struct TextHighlight {
-    qsizetype from = 0;
-    qsizetype to = 0;
-    QTextCharFormat format;
-};
-
 class LaidOutText {
   public:
     /// The most text that is laid out whole.
@@ -71,17 +64,28 @@ class LaidOutText {
 
     /// Draws the lines that touch [top, bottom) in the painter's pen, the text's top left corner at
     /// `origin`. The painter counts device pixels.
-    void paint(QPainter& painter, QPoint origin, int top, int bottom,
-               const TextHighlight* highlight = nullptr) const;
+    void paint(QPainter& painter, QPoint origin, int top, int bottom) const;
+
+    /// The places of the offsets [from, to) on the lines that touch [top, bottom), without the
+    /// spacing between lines. A line break that is among them shows on empty lines.
+    [[nodiscard]] std::vector<QRect> region(qsizetype from, qsizetype to, int top,
+                                            int bottom) const;
+    /// Between lines.
+    [[nodiscard]] int spacing() const { return spacing_; }
 
     /// The offset between two characters that is nearest to a point.
     [[nodiscard]] qsizetype offsetAt(QPoint point) const;
+    /// The offset of the character below a point, or of the nearest one on its line.
+    [[nodiscard]] qsizetype characterAt(QPoint point) const;
+    /// Whether the paragraph around an offset runs from right to left.
+    [[nodiscard]] bool isRightToLeft(qsizetype offset) const;
     /// Whether a point lies on a line's characters, not beside or below them.
     [[nodiscard]] bool isOnText(QPoint point) const;
     /// Where a caret before `offset` stands, one pixel wide.
     [[nodiscard]] QRect caret(qsizetype offset) const;
 
   private:
+    [[nodiscard]] qsizetype hit(QPoint point, QTextLine::CursorPosition where) const;
     QTextLayout& layout(qsizetype block) const;
     std::unique_ptr<QTextLayout> makeLayout(const TextBlock& block) const;
     void placeLines(const TextBlock& block, QTextLayout& layout) const;

@@ -27,11 +27,12 @@ RowLayout measureLine(const QString& text, const QFont& font, LineSide side,
 }
 
 void paintLine(QPainter& painter, const RowLayout& layout, const QColor& color,
-               const RowPaint& what) {
+               const RowContext& context, const RowPaint& what) {
+    paintHighlights(painter, layout, color, context, what);
     painter.setPen(color);
     const QPoint origin = layout.content.topLeft();
     layout.text->paint(painter, origin, what.visible.top() - origin.y(),
-                       what.visible.bottom() + 1 - origin.y(), what.selection);
+                       what.visible.bottom() + 1 - origin.y());
 }
 
 }  // namespace vell

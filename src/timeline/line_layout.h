@@ -17,8 +17,8 @@ enum class LineSide { left, center, right };
 [[nodiscard]] RowLayout measureLine(const QString& text, const QFont& font, LineSide side,
                                     const RowContext& context, int width);
 
-/// Paints the layout's text in one colour.
+/// Paints the layout's text in one colour, on its highlights.
 void paintLine(QPainter& painter, const RowLayout& layout, const QColor& color,
-               const RowPaint& what);
+               const RowContext& context, const RowPaint& what);
 
 }  // namespace vell

@@ -13,7 +13,7 @@ RowLayout SystemMessageView::measure(const RowContext& context, int width) const
 
 void SystemMessageView::paint(QPainter& painter, const RowLayout& layout, const RowContext& context,
                               const RowPaint& what) const {
-    paintLine(painter, layout, context.colors.secondaryLabel, what);
+    paintLine(painter, layout, context.colors.secondaryLabel, context, what);
 }
 
 QString FileView::text() const {
@@ -27,7 +27,7 @@ RowLayout FileView::measure(const RowContext& context, int width) const {
 
 void FileView::paint(QPainter& painter, const RowLayout& layout, const RowContext& context,
                      const RowPaint& what) const {
-    paintLine(painter, layout, context.colors.label, what);
+    paintLine(painter, layout, context.colors.label, context, what);
 }
 
 }  // namespace vell

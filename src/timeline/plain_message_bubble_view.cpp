@@ -53,13 +53,9 @@ void PlainMessageBubbleView::paint(QPainter& painter, const RowLayout& layout,
     const Style::Aqua style = bubbleStyle(owner, context);
     const TextColors colors{Style::textColor(style), Style::textShadow(style)};
     const QPoint origin = layout.content.topLeft();
-    if (what.selection) {
-        paintShadowedText(painter, *layout.text, origin, what.visible, colors, context.ratio,
-                          what.selection);
-    } else {
-        context.textTiles.paint(painter, what.id, *layout.text, origin, what.visible, colors,
-                                context.ratio);
-    }
+    paintHighlights(painter, layout, colors.text, context, what);
+    context.textTiles.paint(painter, what.id, *layout.text, origin, what.visible, colors,
+                            context.ratio);
 }
 
 }  // namespace vell

@@ -6,8 +6,10 @@
 
 #include <QRect>
 #include <memory>
+#include <span>
 
 #include "timeline/laid_out_text.h"
+#include "timeline/text_highlight.h"
 
 namespace vell {
 
@@ -33,7 +35,7 @@ struct RowLayout {
 struct RowPaint {
     qint64 id = 0;  ///< tells rows apart in caches
     QRect visible;  ///< from the row's top left corner; nothing outside need be painted
-    const TextHighlight* selection = nullptr;
+    std::span<const TextHighlight> highlights;  ///< later ones over earlier ones
 };
 
 }  // namespace vell

@@ -18,7 +18,7 @@ RowLayout SenderInfoView::measure(const RowContext& context, int width) const {
 
 void SenderInfoView::paint(QPainter& painter, const RowLayout& layout, const RowContext& context,
                            const RowPaint& what) const {
-    paintLine(painter, layout, context.colors.label, what);
+    paintLine(painter, layout, context.colors.label, context, what);
 }
 
 QSize SenderIconView::size(const RowContext& context) {

@@ -36,12 +36,13 @@ void DaySeparatorView::paint(QPainter& painter, const RowLayout& layout, const R
     painter.fillRect(QRect(0, (layout.height - thickness) / 2, layout.width, thickness),
                      context.colors.separator);
     painter.fillRect(layout.frame, context.colors.background);
+    paintHighlights(painter, layout, context.colors.secondaryLabel, context, what);
     QColor white(Qt::white);
     white.setAlphaF(0.6f);
     const TextColors colors{context.colors.secondaryLabel,
                             {white, labelShadowRadius, QPointF(0, 1)}};
     paintShadowedText(painter, *layout.text, layout.content.topLeft(), what.visible, colors,
-                      context.ratio, what.selection);
+                      context.ratio);
 }
 
 RowLayout TimeSeparatorView::measure(const RowContext& context, int width) const {
@@ -51,7 +52,7 @@ RowLayout TimeSeparatorView::measure(const RowContext& context, int width) const
 
 void TimeSeparatorView::paint(QPainter& painter, const RowLayout& layout, const RowContext& context,
                               const RowPaint& what) const {
-    paintLine(painter, layout, context.colors.secondaryLabel, what);
+    paintLine(painter, layout, context.colors.secondaryLabel, context, what);
 }
 
 }  // namespace vell

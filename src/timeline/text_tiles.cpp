@@ -142,15 +142,14 @@ QImage withShadow(const QImage& image, int top, int bottom, const Style::TextSha
 }
 
 // Rows [top, bottom) of the text, as wide as it is and its overhang on both sides.
-QImage render(const LaidOutText& text, int top, int bottom, const TextColors& colors, qreal ratio,
-              const TextHighlight* highlight) {
+QImage render(const LaidOutText& text, int top, int bottom, const TextColors& colors, qreal ratio) {
     const int margin = overhang(colors.shadow, ratio);
     const int height = bottom - top + 2 * margin;
     QImage image(text.width() + 2 * margin, height, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setPen(colors.text);
-    text.paint(painter, QPoint(margin, margin - top), top - margin, bottom + margin, highlight);
+    text.paint(painter, QPoint(margin, margin - top), top - margin, bottom + margin);
     painter.end();
     return withShadow(image, margin, margin + bottom - top, colors.shadow, ratio);
 }
@@ -158,13 +157,12 @@ QImage render(const LaidOutText& text, int top, int bottom, const TextColors& co
 }  // namespace
 
 void paintShadowedText(QPainter& painter, const LaidOutText& text, QPoint origin,
-                       const QRect& visible, const TextColors& colors, qreal ratio,
-                       const TextHighlight* highlight) {
+                       const QRect& visible, const TextColors& colors, qreal ratio) {
     const int margin = overhang(colors.shadow, ratio);
     const int top = std::max(-margin, visible.top() - origin.y());
     const int bottom = std::min(text.height() + margin, visible.bottom() + 1 - origin.y());
     if (top >= bottom) return;
-    const QImage image = render(text, top, bottom, colors, ratio, highlight);
+    const QImage image = render(text, top, bottom, colors, ratio);
     painter.drawImage(origin + QPoint(-margin, top), image);
 }
 
@@ -201,7 +199,7 @@ void TextTiles::paint(QPainter& painter, qint64 id, const LaidOutText& text, QPo
             const int bandBottom = std::min(bandTop + tileHeight, bottom);
             const Key key{id, block, band};
             if (!tiles_.contains(key)) {
-                auto* made = new Tile(render(text, bandTop, bandBottom, colors, ratio, nullptr));
+                auto* made = new Tile(render(text, bandTop, bandBottom, colors, ratio));
                 tiles_.insert(key, made, made->image.sizeInBytes());
             }
             const Tile* tile = tiles_.object(key);

@@ -27,8 +27,7 @@ struct TextColors {
 /// Draws the part of a text that `visible` shows, with its shadow, directly; what is outside may be
 /// drawn or not. All in device pixels. Shadows are black or white and lie straight below.
 void paintShadowedText(QPainter& painter, const LaidOutText& text, QPoint origin,
-                       const QRect& visible, const TextColors& colors, qreal ratio,
-                       const TextHighlight* highlight = nullptr);
+                       const QRect& visible, const TextColors& colors, qreal ratio);
 
 class TextTiles {
   public:

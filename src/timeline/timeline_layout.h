@@ -48,6 +48,9 @@ class TimelineLayout {
     TimelineLayout(std::shared_ptr<const TesselChatLog> chatlog, const RowContext& context);
 
     [[nodiscard]] const TesselChatLog& chatlog() const { return *chatlog_; }
+    [[nodiscard]] const std::shared_ptr<const TesselChatLog>& sharedChatlog() const {
+        return chatlog_;
+    }
     [[nodiscard]] qsizetype rowCount() const { return heights_.count(); }
 
     /// Forgets all heights but keeps the place. The width is that of the viewport.

@@ -2,6 +2,7 @@
 #include "timeline/timeline_view.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -17,6 +18,7 @@
 #include "identity/contacts_store.h"
 #include "timeline/bubble_colors.h"
 #include "timeline/picture_cache.h"
+#include "timeline/selecting.h"
 
 namespace vell {
 namespace {
@@ -28,6 +30,7 @@ constexpr int idlePause = 200;
 constexpr int idleSlice = 4;
 constexpr qreal wheelLinePoints = 20;
 constexpr QSize idealSize(520, 640);
+constexpr int mostReveals = 4;
 
 }  // namespace
 
@@ -44,6 +47,8 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     presentSenders();
+    selecting_ = std::make_unique<Selecting>(*this);
+    connect(selecting_.get(), &Selecting::changed, this, &TimelineView::selectionChanged);
     connect(&contacts, &ContactsStore::addressToContactChanged, this, [this] {
         layout_.invalidateCaptions();
         moved();
@@ -121,6 +126,63 @@ void TimelineView::scrollToRow(qsizetype index) {
     smoothScroll_.stop();
     layout_.scrollToRow(index);
     moved();
+}
+
+void TimelineView::scrollByPixels(qint64 pixels) {
+    smoothScroll_.stop();
+    layout_.scrollBy(pixels);
+    moved();
+}
+
+void TimelineView::revealText(const TextRange& range) {
+    if (!isBuilt_) {
+        wantedRow_ = range.row;
+        return;
+    }
+    if (range.row < 0 || range.row >= layout_.rowCount()) return;
+    smoothScroll_.stop();
+    const int around = context_.px(standardPadding);
+    // On the way there the blocks of a long text get their heights, so that the goal may move.
+    for (int tries = 0; tries < mostReveals; ++tries) {
+        const QRect end = layout_.exactCaret(range.row, range.start + range.length);
+        const QRect start = layout_.exactCaret(range.row, range.start);
+        layout_.reveal(range.row, start.united(end).adjusted(0, -around, 0, around));
+        const qint64 top =
+            layout_.rowTop(range.row) + layout_.exactCaret(range.row, range.start).top();
+        if (top >= 0 && top < layout_.viewportHeight()) break;
+    }
+    moved();
+}
+
+QPoint TimelineView::toDevice(QPoint point) const {
+    return (QPointF(point) * ratio()).toPoint();
+}
+
+// ---- the selection -----------------------------------------------------------------------------
+
+void TimelineView::setFindMatches(std::vector<TextRange> matches, qsizetype current) {
+    selecting_->setFindMatches(std::move(matches), current);
+}
+
+bool TimelineView::hasSelection() const {
+    return !selecting_->isEmpty();
+}
+
+QString TimelineView::selectedText() const {
+    return selecting_->selection().text();
+}
+
+void TimelineView::selectAll() {
+    selecting_->selectAll();
+}
+
+void TimelineView::clearSelection() {
+    selecting_->clear();
+}
+
+void TimelineView::copySelection() const {
+    if (auto data = selecting_->selection().mimeData())
+        QGuiApplication::clipboard()->setMimeData(data.release());
 }
 
 // ---- events ------------------------------------------------------------------------------------
@@ -283,7 +345,7 @@ void TimelineView::paintRows(QPainter& painter, const QRect& exposed) {
         painter.save();
         painter.translate(left, visible.top);
         visible.row->view.paint(painter, visible.row->layout, context_,
-                                {visible.index, part, nullptr});
+                                {visible.index, part, selecting_->highlights(visible.index)});
         painter.restore();
     }
 }

@@ -11,11 +11,13 @@
 #include <QBasicTimer>
 #include <QElapsedTimer>
 #include <memory>
+#include <vector>
 
 #include "timeline/background_cache.h"
 #include "timeline/row_context.h"
 #include "timeline/scroll_mapping.h"
 #include "timeline/smooth_scroll.h"
+#include "timeline/text_range.h"
 #include "timeline/text_tiles.h"
 #include "timeline/timeline_layout.h"
 #include "transcript/chat_log.h"
@@ -24,6 +26,7 @@ namespace vell {
 
 class ContactsStore;
 class PictureCache;
+class Selecting;
 
 class TimelineView final : public QAbstractScrollArea {
     Q_OBJECT
@@ -35,6 +38,9 @@ class TimelineView final : public QAbstractScrollArea {
     ~TimelineView() override;
 
     [[nodiscard]] const TesselChatLog& chatlog() const { return layout_.chatlog(); }
+    [[nodiscard]] std::shared_ptr<const TesselChatLog> sharedChatlog() const {
+        return layout_.sharedChatlog();
+    }
     /// In points; any number, brought to the nearest that a font can have.
     void setFontSize(qint64 points);
     [[nodiscard]] qint64 fontSize() const { return fontSize_; }
@@ -44,10 +50,32 @@ class TimelineView final : public QAbstractScrollArea {
     [[nodiscard]] qsizetype topRow() const;
     /// Brings a row's top to the viewport's, as far as there is enough below it.
     void scrollToRow(qsizetype index);
+    /// Moves by device pixels of what is there.
+    void scrollByPixels(qint64 pixels);
+    /// Scrolls as little as needed to show a stretch of a row's text.
+    void revealText(const TextRange& range);
+
+    /// Highlights what a search has found, sorted by row and start; `current` is the index of the
+    /// match to stand out, -1 for none.
+    void setFindMatches(std::vector<TextRange> matches, qsizetype current);
+
+    [[nodiscard]] bool hasSelection() const;
+    /// A line for each selected row: its text, or a picture's name.
+    [[nodiscard]] QString selectedText() const;
+    void selectAll();
+    void clearSelection();
+    /// Puts the selected text on the clipboard; without a selection nothing happens.
+    void copySelection() const;
+
+    /// A place of the viewport in device pixels.
+    [[nodiscard]] QPoint toDevice(QPoint point) const;
     /// True while rows that nobody has seen are still being measured.
     [[nodiscard]] bool isIdlePassRunning() const { return idleTimer_.isActive(); }
 
     [[nodiscard]] QSize sizeHint() const override;
+
+  Q_SIGNALS:
+    void selectionChanged();
 
   protected:
     void changeEvent(QEvent* event) override;
@@ -86,6 +114,8 @@ class TimelineView final : public QAbstractScrollArea {
     QBasicTimer frameTimer_;
     QElapsedTimer frameClock_;
     QBasicTimer idleTimer_;
+
+    std::unique_ptr<Selecting> selecting_;
 };
 
 }  // namespace vell

@@ -110,7 +110,7 @@ bool takeEmoji(Cursor& cursor) {
 
 EmojiText findEmoji(const QString& text) {
     EmojiText result{text, {}};
-    std::vector<TextRange>& ranges = result.ranges;
+    std::vector<EmojiRange>& ranges = result.ranges;
     Cursor cursor(text, 0);
     while (!cursor.atEnd()) {
         const qsizetype start = cursor.position();

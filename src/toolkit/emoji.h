@@ -10,10 +10,10 @@
 
 namespace vell {
 
-struct TextRange {
+struct EmojiRange {
     qsizetype start = 0;
     qsizetype length = 0;
-    friend bool operator==(const TextRange&, const TextRange&) = default;
+    friend bool operator==(const EmojiRange&, const EmojiRange&) = default;
 };
 
 struct EmojiText {
@@ -22,7 +22,7 @@ struct EmojiText {
     QString shown;
     /// The stretches of complete emoji in text order, neighbours joined. A character that is shown
     /// as text unless told otherwise counts only with a selector for emoji behind it.
-    std::vector<TextRange> ranges;
+    std::vector<EmojiRange> ranges;
 };
 
 [[nodiscard]] EmojiText findEmoji(const QString& text);

@@ -176,22 +176,29 @@ TEST(Row, FontSizesBeyondAllFontsAreStillLaidOut) {
 
 TEST(Row, TilesShowWhatDirectPaintingShows) {
     const TesselChatLog log = everyKind();
+    const TextColors colors{Qt::black, Style::textShadow(Style::Aqua::lime)};
     for (const qreal ratio : {1.0, 1.5, 2.0}) {
         Context context(ratio);
         for (const Event& event : log.events()) {
             const TimelineRowView row(event, TimelineRowView::isOwn(event, log));
             const RowLayout layout = row.measure(context.rows, static_cast<int>(500 * ratio));
-            if (layout.height == 0 || layout.height > 2000) continue;
-            const auto painted = [&](const TextHighlight* selection) {
+            if (!layout.text || layout.height > 2000) continue;
+            const auto painted = [&](auto paint) {
                 QImage image(layout.width, layout.height, QImage::Format_ARGB32_Premultiplied);
                 image.fill(Qt::white);
                 QPainter painter(&image);
-                row.paint(painter, layout, context.rows, {event.sequence, image.rect(), selection});
+                paint(painter, layout.content.topLeft(), image.rect());
                 painter.end();
                 return image;
             };
-            const TextHighlight nothing;  // an empty selection is drawn without tiles
-            EXPECT_TRUE(painted(nullptr) == painted(&nothing)) << event.sequence;
+            const QImage direct = painted([&](QPainter& painter, QPoint origin, QRect visible) {
+                paintShadowedText(painter, *layout.text, origin, visible, colors, ratio);
+            });
+            const QImage tiled = painted([&](QPainter& painter, QPoint origin, QRect visible) {
+                context.tiles.paint(painter, event.sequence, *layout.text, origin, visible, colors,
+                                    ratio);
+            });
+            EXPECT_TRUE(direct == tiled) << event.sequence;
         }
         EXPECT_LE(context.tiles.byteCount(), TextTiles::defaultBytes);
     }

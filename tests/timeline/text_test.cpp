@@ -79,7 +79,7 @@ TEST(TextBlocks, LongParagraphIsCutBehindABlankAndKeepsItsDirection) {
 TEST(Emoji, SequencesAreFoundWhole) {
     const struct {
         const char* text;
-        std::vector<TextRange> ranges;
+        std::vector<EmojiRange> ranges;
     } cases[] = {
         {"no emoji 123 #1 * © → ™", {}},
         {"a 😀 b", {{2, 2}}},

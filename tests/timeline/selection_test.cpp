@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: MIT
+//
+// Selecting with mouse and keyboard, as the events of a real window arrive.
+#include <gtest/gtest.h>
+
+#include <QClipboard>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QTest>
+
+#include "timeline/fixture.h"
+#include "timeline/row_place.h"
+#include "timeline/selection.h"
+#include "timeline/text_units.h"
+#include "timeline/timeline_view.h"
+
+namespace vell {
+namespace {
+
+using test::bob;
+using test::LogBuilder;
+using test::me;
+
+/// A timeline on the screen, and where things are in it.
+class Window {
+  public:
+    explicit Window(TesselChatLog log)
+        : view(std::make_shared<const TesselChatLog>(std::move(log)), contacts_, pictures_) {
+        view.resize(520, 640);
+        view.show();
+        view.setFocus();
+        QCoreApplication::processEvents();
+    }
+    /// The middle of a row's character in the viewport, in points.
+    QPoint place(qsizetype row, qsizetype offset) {
+        TimelineLayout& timeline = view.timeline();
+        const QRect here = timeline.exactCaret(row, offset);
+        const QRect next = timeline.exactCaret(row, offset + 1);
+        const int x = next.top() == here.top() ? (here.left() + next.left()) / 2 : here.left() + 2;
+        return {timeline.rowLeft() + x, static_cast<int>(timeline.rowTop(row)) + here.center().y()};
+    }
+    void press(QPoint at, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::mousePress(view.viewport(), Qt::LeftButton, modifiers, at);
+    }
+    void move(QPoint to) { QTest::mouseMove(view.viewport(), to); }
+    void release(QPoint at) { QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, at); }
+    void drag(QPoint from, QPoint to) {
+        press(from);
+        move((from + to) / 2);
+        move(to);
+        release(to);
+    }
+    void key(int key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(&view, static_cast<Qt::Key>(key), modifiers);
+    }
+    QString selected() { return view.selectedText(); }
+
+  private:
+    ContactsStore contacts_;
+    PictureCache pictures_;
+
+  public:
+    TimelineView view;
+};
+
+TesselChatLog smallTalk() {
+    return LogBuilder()
+        .text(bob, QStringLiteral("Hello there, cat"))
+        .add(bob, TesselChatLog::User())
+        .text(me, QStringLiteral("one\ntwo words\nthree"))
+        .add(me, test::picture(QSize(40, 40)))
+        .text({}, QStringLiteral("Bob left"))
+        .log();
+}
+
+TEST(Selecting, DragsGoByCharactersAcrossRowsAndCopyPicturesByName) {
+    Window window(smallTalk());
+    // Half a character to the left of where the places point.
+    const auto before = [&](qsizetype row, qsizetype offset) {
+        return window.place(row, offset) - QPoint(3, 0);
+    };
+    window.drag(before(0, 6), before(0, 11));
+    EXPECT_EQ(window.selected(), QStringLiteral("there"));
+    window.drag(before(0, 11), before(0, 6));
+    EXPECT_EQ(window.selected(), QStringLiteral("there")) << "dragged backwards";
+    window.drag(before(0, 13), before(2, 4));
+    EXPECT_EQ(window.selected(), QStringLiteral("cat\none\n"));
+    window.drag(before(2, 14), before(4, 3));
+    EXPECT_EQ(window.selected(), QStringLiteral("three\nPicture\nBob"));
+
+    window.press(before(0, 6));
+    window.release(before(0, 6));
+    EXPECT_FALSE(window.view.hasSelection());
+}
+
+TEST(Selecting, ClicksTakeWordsAndParagraphsAndDragsGoOnByThem) {
+    Window window(smallTalk());
+    const QPoint inWord = window.place(2, 5);
+    QTest::mouseDClick(window.view.viewport(), Qt::LeftButton, {}, inWord);
+    EXPECT_EQ(window.selected(), QStringLiteral("two"));
+    QTest::mouseClick(window.view.viewport(), Qt::LeftButton, {}, inWord);
+    EXPECT_EQ(window.selected(), QStringLiteral("two words"));
+
+    QTest::mouseDClick(window.view.viewport(), Qt::LeftButton, {}, window.place(0, 8));
+    EXPECT_EQ(window.selected(), QStringLiteral("there"));
+    window.press(window.place(0, 1), Qt::ShiftModifier);
+    window.release(window.place(0, 1));
+    EXPECT_EQ(window.selected(), QStringLiteral("Hello there"));
+}
+
+TEST(Selecting, KeysMoveTheFreeEndAndEscapeDropsIt) {
+    Window window(smallTalk());
+    const QPoint start = window.place(0, 13) - QPoint(3, 0);
+    window.press(start);
+    window.release(start);
+    const struct {
+        const char* what;
+        int key;
+        Qt::KeyboardModifiers modifiers;
+        QString selected;
+    } steps[] = {
+        {"a character", Qt::Key_Right, Qt::ShiftModifier, QStringLiteral("c")},
+        {"back over the start", Qt::Key_Left, Qt::ShiftModifier, {}},
+        {"a word back", Qt::Key_Left, Qt::ShiftModifier | Qt::ControlModifier,
+         QStringLiteral("there, ")},
+        {"the row's end", Qt::Key_End, Qt::ShiftModifier, QStringLiteral("cat")},
+        {"into the next text, not the caption", Qt::Key_Right, Qt::ShiftModifier,
+         QStringLiteral("cat")},
+        {"a word there", Qt::Key_Right, Qt::ShiftModifier | Qt::ControlModifier,
+         QStringLiteral("cat\none")},
+        {"the log's end", Qt::Key_End, Qt::ShiftModifier | Qt::ControlModifier,
+         QStringLiteral("cat\none\ntwo words\nthree\nPicture\nBob left")},
+        {"a line up onto the picture", Qt::Key_Up, Qt::ShiftModifier,
+         QStringLiteral("cat\none\ntwo words\nthree\nPicture")},
+    };
+    for (const auto& step : steps) {
+        window.key(step.key, step.modifiers);
+        EXPECT_EQ(window.selected(), step.selected) << step.what;
+    }
+    window.key(Qt::Key_Escape);
+    EXPECT_FALSE(window.view.hasSelection());
+}
+
+TEST(Selecting, BeyondTheEdgeTheTimelineScrolls) {
+    LogBuilder builder;
+    for (int i = 0; i < 100; ++i)
+        builder.text(bob, QStringLiteral("line %1").arg(i));
+    Window window(builder.log());
+    window.press(window.place(0, 0) - QPoint(3, 0));
+    window.move(QPoint(100, 900));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return window.selected().contains(QStringLiteral("line 40")); }, 20'000));
+    window.release(QPoint(100, 900));
+    const int place = window.view.verticalScrollBar()->value();
+    QTest::qWait(50);
+    EXPECT_EQ(window.view.verticalScrollBar()->value(), place) << "goes on after the release";
+}
+
+TEST(Selecting, CopyingMakesTheTextWhenItIsAskedFor) {
+    Window window(smallTalk());
+    window.view.selectAll();
+    window.view.copySelection();
+    const QMimeData* copied = QGuiApplication::clipboard()->mimeData();
+    EXPECT_EQ(copied->text(), window.selected());
+    window.view.clearSelection();
+    window.view.copySelection();
+    EXPECT_FALSE(QGuiApplication::clipboard()->text().isEmpty()) << "nothing was copied over it";
+}
+
+TEST(Selecting, MatchesFarAwayInLongTextsAreBroughtIntoView) {
+    QString lines;
+    for (int i = 0; i < 20'000; ++i)
+        lines += QStringLiteral("line %1 of many that wrap somewhere at the end of it\n").arg(i);
+    LogBuilder builder;
+    builder.text(bob, QStringLiteral("before")).text(bob, lines).text(bob, QStringLiteral("after"));
+    Window window(builder.log());
+    for (const int line : {15'000, 20, 19'999, 10'000}) {
+        const QString needle = QStringLiteral("line %1 ").arg(line);
+        const qsizetype start = lines.indexOf(needle);
+        window.view.setFindMatches({{1, start, needle.size()}}, 0);
+        window.view.revealText({1, start, needle.size()});
+        const QPoint place = window.place(1, start);
+        EXPECT_TRUE(window.view.viewport()->rect().contains(place)) << line << " at " << place.y();
+    }
+}
+
+TEST(TextUnits, FindWordsAndCharactersAsReadersSeeThem) {
+    const QString family = QString::fromUtf8("👩‍👩‍👧‍👦");
+    const QString text = QStringLiteral("a ") + family + QStringLiteral(" don't");
+    EXPECT_EQ(nextPlace(text, 2, TextUnit::character), 2 + family.size());
+    EXPECT_EQ(previousPlace(text, 2 + family.size(), TextUnit::character), 2);
+    const TextStretch word = unitAround(text, text.size(), TextUnit::word);
+    EXPECT_EQ(text.mid(word.from, word.to - word.from), QStringLiteral("don't"));
+    const QString endless(100'000, u'w');
+    EXPECT_GT(nextPlace(endless, 50'000, TextUnit::word), 50'000);
+    EXPECT_LT(previousPlace(endless, 50'000, TextUnit::word), 50'000);
+}
+
+}  // namespace
+}  // namespace vell
