@@ -51,9 +51,10 @@ QByteArray pictureAt(const QString& location) {
     const QUrl url(location);
     if (!url.isLocalFile()) return {};
     QFile file(url.toLocalFile());
-    if (!QFileInfo(file).isFile() || file.size() > largestPicture) return {};
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    return file.read(largestPicture);
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) return {};
+    // The whole of what is asked for is allocated at once.
+    const qint64 size = file.size();
+    return size <= largestPicture ? file.read(size) : QByteArray();
 }
 
 struct Walk {

@@ -33,9 +33,6 @@ void fill(EBookClient* book, int count, const char* photoPath) {
     char* bytes = nullptr;
     gsize size = 0;
     check(g_file_get_contents(photoPath, &bytes, &size, &error), error);
-    EContactPhoto* photo = e_contact_photo_new();
-    photo->type = E_CONTACT_PHOTO_TYPE_INLINED;
-    e_contact_photo_set_mime_type(photo, "image/jpeg");
     GSList* contacts = nullptr;
     for (int i = 0; i < count; i++) {
         const std::string number = std::to_string(i);
@@ -45,14 +42,20 @@ void fill(EBookClient* book, int count, const char* photoPath) {
         e_contact_set(contact, E_CONTACT_IM_AIM_HOME_1, ("aim" + number).c_str());
         // What follows the end of a picture is no part of it, but makes other bytes.
         const std::string different = std::string(bytes, size) + number;
+        EContactPhoto* photo = e_contact_photo_new();
+        photo->type = E_CONTACT_PHOTO_TYPE_INLINED;
+        e_contact_photo_set_mime_type(photo, "image/jpeg");
         e_contact_photo_set_inlined(photo, reinterpret_cast<const guchar*>(different.data()),
                                     different.size());
         e_contact_set(contact, E_CONTACT_PHOTO, photo);
+        e_contact_photo_free(photo);
         contacts = g_slist_prepend(contacts, contact);
     }
     check(e_book_client_add_contacts_sync(book, contacts, E_BOOK_OPERATION_FLAG_NONE, nullptr,
                                           nullptr, &error),
           error);
+    g_slist_free_full(contacts, g_object_unref);
+    g_free(bytes);
 }
 
 }  // namespace
@@ -72,15 +75,22 @@ int main(int argc, char** argv) {
         fill(book, std::atoi(argv[2]), argv[3]);
         done = true;
     } else if (command == "add" && argc == 5) {
-        done = e_book_client_add_contact_sync(book, makeContact(argv[2], argv[3], argv[4]),
-                                              E_BOOK_OPERATION_FLAG_NONE, nullptr, nullptr, &error);
+        EContact* contact = makeContact(argv[2], argv[3], argv[4]);
+        done = e_book_client_add_contact_sync(book, contact, E_BOOK_OPERATION_FLAG_NONE, nullptr,
+                                              nullptr, &error);
+        g_object_unref(contact);
     } else if (command == "edit" && argc == 5) {
-        done = e_book_client_modify_contact_sync(book, makeContact(argv[2], argv[3], argv[4]),
-                                                 E_BOOK_OPERATION_FLAG_NONE, nullptr, &error);
+        EContact* contact = makeContact(argv[2], argv[3], argv[4]);
+        done = e_book_client_modify_contact_sync(book, contact, E_BOOK_OPERATION_FLAG_NONE, nullptr,
+                                                 &error);
+        g_object_unref(contact);
     } else if (command == "remove" && argc == 3) {
         done = e_book_client_remove_contact_by_uid_sync(book, argv[2], E_BOOK_OPERATION_FLAG_NONE,
                                                         nullptr, &error);
     }
     check(done, error);
+    g_object_unref(client);
+    g_object_unref(source);
+    g_object_unref(registry);
     return 0;
 }
