@@ -15,6 +15,7 @@
 #include <QTemporaryDir>
 #include <csignal>
 #include <cstdlib>
+#include <future>
 
 #include "identity/contacts_store.h"
 #include "identity/log_lines.h"
@@ -136,6 +137,17 @@ TEST(ServiceAbsent, HasNoContactsAndNoErrors) {
         source.enumeration()([](const ContactRecord&) { FAIL(); }, {});
     }
     EXPECT_EQ(log->take(), QStringList());
+}
+
+TEST(ServiceAbsent, RefusesAPlugInOfAnotherVersion) {
+    ServiceSource source({QStringLiteral(NEWER_PLUGIN_FOLDER)}, std::make_shared<test::LogLines>());
+    std::promise<std::optional<foundation::Error>> answered;
+    source.requestAccess(
+        [&](bool, const std::optional<foundation::Error>& error) { answered.set_value(error); });
+    const std::optional<foundation::Error> error = answered.get_future().get();
+    ASSERT_TRUE(error);
+    EXPECT_TRUE(error->debugDescription().endsWith("is of version 2, not 1."))
+        << error->debugDescription().toStdString();
 }
 
 }  // namespace
