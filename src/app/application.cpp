@@ -68,8 +68,8 @@ void Application::openContacts() {
             [this](const QStringList& paths) { chosenCards_->setPaths(paths); });
 }
 
-void Application::listenForOtherStarts() {
-    instance_.listen();
+bool Application::listenForOtherStarts() {
+    return instance_.listen();
 }
 
 void Application::open(const QStringList& paths) {

@@ -42,8 +42,8 @@ class Application final : public QObject {
     void open(const QStringList& paths);
     /// What a start without files shows: the windows of the last visit, else the welcome.
     void openWithoutFiles();
-    /// Takes over the files of later starts of the program.
-    void listenForOtherStarts();
+    /// Takes over the files of later starts of the program, unless another instance does already.
+    bool listenForOtherStarts();
 
     [[nodiscard]] Settings& settings() { return settings_; }
     [[nodiscard]] RecentFiles& recentFiles() { return recentFiles_; }

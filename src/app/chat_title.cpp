@@ -23,7 +23,7 @@ QString day(const foundation::Date& date) {
 QString names(const TesselChatLog& log, const ContactsStore& contacts) {
     QStringList names;
     for (const TesselUserID& user : sorted(log.otherUserIDs()))
-        names.append(senderName(user, contacts));
+        names.append(senderName(user, contacts).simplified());
     names.removeDuplicates();
     return names.isEmpty() ? log.serviceID().rawValue : names.join(QStringLiteral(", "));
 }

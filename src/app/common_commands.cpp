@@ -32,13 +32,35 @@ void fillRecent(QMenu& menu, Application& application) {
 
 }  // namespace
 
+QList<QKeySequence> keysFor(QKeySequence::StandardKey command) {
+    QList<QKeySequence> keys = QKeySequence::keyBindings(command);
+    const auto customary = [command]() -> QKeySequence {
+        switch (command) {
+            case QKeySequence::Close:
+                return Qt::CTRL | Qt::Key_W;
+            case QKeySequence::Quit:
+                return Qt::CTRL | Qt::Key_Q;
+            case QKeySequence::Preferences:
+                return Qt::CTRL | Qt::Key_Comma;
+            case QKeySequence::FullScreen:
+                return Qt::Key_F11;
+            case QKeySequence::ZoomIn:
+                return Qt::CTRL | Qt::Key_Equal;
+            default:
+                return {};
+        }
+    }();
+    if (!customary.isEmpty() && !keys.contains(customary)) keys.append(customary);
+    return keys;
+}
+
 void addOpeningCommands(QMenu& menu, Application& application, QWidget& window) {
     if (Application::offersFindFiles()) {
         addCommand(menu, Commands::tr("Find iChat Files …"), {},
                    [&application] { application.findFiles(); });
         menu.addSeparator();
     }
-    addCommand(menu, Commands::tr("&Open …"), QKeySequence::keyBindings(QKeySequence::Open),
+    addCommand(menu, Commands::tr("&Open …"), keysFor(QKeySequence::Open),
                [&application, &window] { application.showOpenDialog(&window); });
     QMenu* recent = menu.addMenu(Commands::tr("Open &Recent"));
     recent->setToolTipsVisible(true);
@@ -47,22 +69,20 @@ void addOpeningCommands(QMenu& menu, Application& application, QWidget& window) 
 }
 
 void addClosingCommands(QMenu& menu, Application& application, QWidget& window) {
-    addCommand(menu, Commands::tr("Pre&ferences …"),
-               QKeySequence::keyBindings(QKeySequence::Preferences),
+    addCommand(menu, Commands::tr("Pre&ferences …"), keysFor(QKeySequence::Preferences),
                [&application] { application.showPreferences(); })
         ->setMenuRole(QAction::PreferencesRole);
-    addCommand(menu, Commands::tr("&Close"), QKeySequence::keyBindings(QKeySequence::Close),
+    addCommand(menu, Commands::tr("&Close"), keysFor(QKeySequence::Close),
                [&window] { window.close(); });
-    addCommand(menu, Commands::tr("&Quit"), QKeySequence::keyBindings(QKeySequence::Quit),
-               [&application] { application.quit(); })
-        ->setMenuRole(QAction::QuitRole);
+    addCommand(menu, Commands::tr("&Quit"), keysFor(QKeySequence::Quit), [&application] {
+        application.quit();
+    })->setMenuRole(QAction::QuitRole);
 }
 
 void addHelpMenu(QMenuBar& menuBar, Application& application) {
     QMenu& help = *menuBar.addMenu(Commands::tr("&Help"));
     const QString name = applicationInfo().appName;
-    addCommand(help, Commands::tr("%1 &Help").arg(name),
-               QKeySequence::keyBindings(QKeySequence::HelpContents),
+    addCommand(help, Commands::tr("%1 &Help").arg(name), keysFor(QKeySequence::HelpContents),
                [] { openWithDesktop(QUrl(address(InfoAddress::support))); });
     help.addSeparator();
     addCommand(help, Commands::tr("About %1 …").arg(name), {}, [&application] {
@@ -74,7 +94,7 @@ void addHelpMenu(QMenuBar& menuBar, Application& application) {
 void addClosingShortcuts(QWidget& window) {
     const auto add = [&window](QKeySequence::StandardKey keys, auto function) {
         auto* action = new QAction(&window);
-        action->setShortcuts(keys);
+        action->setShortcuts(keysFor(keys));
         QObject::connect(action, &QAction::triggered, &window, function);
         window.addAction(action);
     };

@@ -13,6 +13,9 @@ namespace vell {
 
 class Application;
 
+/// The desktop's keys for a command; the customary ones where it has none.
+[[nodiscard]] QList<QKeySequence> keysFor(QKeySequence::StandardKey command);
+
 /// Adds an entry to a menu: text, shortcuts, what it does.
 template <class Function>
 QAction* addCommand(QMenu& menu, const QString& text, const QList<QKeySequence>& shortcuts,

@@ -22,10 +22,6 @@ namespace {
 
 constexpr qint64 actualFontSize = 16;
 
-QList<QKeySequence> standard(QKeySequence::StandardKey key) {
-    return QKeySequence::keyBindings(key);
-}
-
 }  // namespace
 
 void DocumentWindow::buildMenus() {
@@ -50,7 +46,7 @@ void DocumentWindow::buildFileMenu() {
     addOpeningCommands(menu, application_, *this);
     menu.addSeparator();
     documentActions_.append(addCommand(menu, tr("&Save Chat as Markdown …"),
-                                       standard(QKeySequence::Save), [this] { saveAsMarkdown(); }));
+                                       keysFor(QKeySequence::Save), [this] { saveAsMarkdown(); }));
     menu.addSeparator();
     addClosingCommands(menu, application_, *this);
 }
@@ -58,17 +54,17 @@ void DocumentWindow::buildFileMenu() {
 void DocumentWindow::buildEditMenu() {
     QMenu& menu = *menuBar()->addMenu(tr("&Edit"));
     copyAction_ =
-        addCommand(menu, tr("Copy"), standard(QKeySequence::Copy), [this] { copyWholeChat(); });
+        addCommand(menu, tr("Copy"), keysFor(QKeySequence::Copy), [this] { copyWholeChat(); });
     copyAction_->setObjectName(QStringLiteral("copy"));
     copyAction_->setIcon(QIcon::fromTheme(QStringLiteral("edit-copy")));
     documentActions_.append(copyAction_);
     menu.addSeparator();
     documentActions_.append(
-        addCommand(menu, tr("&Find …"), standard(QKeySequence::Find), [this] { openFindBar(); }));
-    documentActions_.append(addCommand(menu, tr("Find &Next"), standard(QKeySequence::FindNext),
+        addCommand(menu, tr("&Find …"), keysFor(QKeySequence::Find), [this] { openFindBar(); }));
+    documentActions_.append(addCommand(menu, tr("Find &Next"), keysFor(QKeySequence::FindNext),
                                        [this] { goToMatch(1); }));
     documentActions_.append(addCommand(menu, tr("Find &Previous"),
-                                       standard(QKeySequence::FindPrevious),
+                                       keysFor(QKeySequence::FindPrevious),
                                        [this] { goToMatch(-1); }));
 }
 
@@ -77,12 +73,10 @@ void DocumentWindow::buildFormatMenu() {
     addCommand(font, tr("&Show Fonts"), {QKeySequence(Qt::CTRL | Qt::Key_T)},
                [this] { showFontPanel(); });
     font.addSeparator();
-    QList<QKeySequence> bigger = standard(QKeySequence::ZoomIn);
-    bigger.append(QKeySequence(Qt::CTRL | Qt::Key_Equal));
-    addCommand(font, tr("&Bigger"), bigger, [this] {
+    addCommand(font, tr("&Bigger"), keysFor(QKeySequence::ZoomIn), [this] {
         changeFontSize(int(FontAction::sizeUp));
     })->setObjectName(QStringLiteral("fontBigger"));
-    addCommand(font, tr("S&maller"), standard(QKeySequence::ZoomOut), [this] {
+    addCommand(font, tr("S&maller"), keysFor(QKeySequence::ZoomOut), [this] {
         changeFontSize(int(FontAction::sizeDown));
     })->setObjectName(QStringLiteral("fontSmaller"));
 }
@@ -93,7 +87,7 @@ void DocumentWindow::buildViewMenu() {
                [this] { application_.settings().setTimelineFontSize(actualFontSize); });
     menu.addSeparator();
     QAction* fullScreen =
-        addCommand(menu, tr("&Full Screen"), standard(QKeySequence::FullScreen),
+        addCommand(menu, tr("&Full Screen"), keysFor(QKeySequence::FullScreen),
                    [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
     fullScreen->setCheckable(true);
     connect(&menu, &QMenu::aboutToShow, this,

@@ -65,7 +65,7 @@ DocumentWindow::DocumentWindow(Application& application, DocumentLoader& loader,
             [this](qint64 points) {
                 if (timeline_) timeline_->setFontSize(points);
             });
-    connect(&application_.contacts(), &ContactsStore::contactsAvailableChanged, this,
+    connect(&application_.contacts(), &ContactsStore::addressToContactChanged, this,
             &DocumentWindow::showTitle);
     load_ = loader.load(path, [this](const DocumentLoader::Result& result) { loaded(result); });
 }

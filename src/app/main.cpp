@@ -83,7 +83,9 @@ int run(int argc, char** argv) {
     if (shared && vell::SingleInstance::handOver(paths)) return 0;
     vell::Application vellApplication;
     const vell::QuitSignals quitSignals;
-    if (shared) vellApplication.listenForOtherStarts();
+    // Another start may have been a moment faster.
+    if (shared && !vellApplication.listenForOtherStarts() && vell::SingleInstance::handOver(paths))
+        return 0;
     if (paths.isEmpty()) {
         vellApplication.openWithoutFiles();
     } else {

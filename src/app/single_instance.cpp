@@ -5,6 +5,7 @@
 #include <QDataStream>
 #include <QDir>
 #include <QLocalSocket>
+#include <QLockFile>
 #include <QStandardPaths>
 
 namespace vell {
@@ -43,14 +44,15 @@ bool SingleInstance::handOver(const QStringList& paths) {
     return socket.waitForReadyRead(patience) && socket.read(1) == QByteArray("\x06");
 }
 
-void SingleInstance::listen() {
-    if (server_.listen(socketPath())) return;
-    // Another start was a moment faster, or a crash left a socket behind that nobody answers.
+bool SingleInstance::listen() {
+    // Listening takes the socket from whoever has it, so nobody may come in between.
+    QLockFile lock(socketPath() + QStringLiteral(".lock"));
+    if (!lock.tryLock(patience)) return false;
     QLocalSocket other;
     other.connectToServer(socketPath());
-    if (other.waitForConnected(patience)) return;
+    if (other.waitForConnected(patience)) return false;
     QLocalServer::removeServer(socketPath());
-    server_.listen(socketPath());
+    return server_.listen(socketPath());
 }
 
 void SingleInstance::accept() {

@@ -20,8 +20,8 @@ class SingleInstance final : public QObject {
     /// answers whether one took them.
     [[nodiscard]] static bool handOver(const QStringList& paths);
 
-    /// Becomes the instance that later starts hand over to.
-    void listen();
+    /// Becomes the instance that later starts hand over to, unless another one is that already.
+    bool listen();
 
   Q_SIGNALS:
     /// A later start brought these files, or none.

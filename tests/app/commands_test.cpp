@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: MIT
+//
+// The commands of the windows, given by their keys and menus as a person would.
+#include <QAction>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QTest>
+#include <QToolBar>
+#include <QUrl>
+
+#include "app/find_bar.h"
+#include "app/load_log_window.h"
+#include "timeline/timeline_view.h"
+#include "windows.h"
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace vell::test;
+using vell::DocumentWindow;
+using vell::TimelineView;
+
+const QKeySequence closing(Qt::CTRL | Qt::Key_W);
+
+class CommandsTest : public Windows {
+  protected:
+    CommandsTest() : window(opened(file(u"chat.ichat"_s, chat(400)))) {}
+
+    static TimelineView& timeline(QWidget* of) { return *of->findChild<TimelineView*>(); }
+    static void press(QWidget* in, const QKeySequence& keys) {
+        in->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(in));
+        QTest::keySequence(in, keys);
+        deleteDeferred();
+    }
+    /// The entry of a menu, by the texts on the way to it without mnemonics.
+    static QAction* entry(QWidget* of, const QStringList& way) {
+        QWidget* menu = of->findChild<QMenuBar*>();
+        for (qsizetype i = 0;; ++i) {
+            QAction* found = nullptr;
+            for (QAction* action : menu->actions()) {
+                if (action->text().remove(u'&') == way[i]) found = action;
+            }
+            if (!found || i + 1 == way.size()) return found;
+            menu = found->menu();
+            Q_EMIT found->menu()->aboutToShow();
+        }
+    }
+    static void choose(QWidget* in, const QStringList& way) {
+        QAction* action = entry(in, way);
+        ASSERT_TRUE(action && action->isEnabled()) << way.join(u" > ").toStdString();
+        action->trigger();
+        deleteDeferred();
+    }
+
+    QPointer<DocumentWindow> window;
+};
+
+TEST_F(CommandsTest, TheFontSizeIsOneForAllWindowsAndStaysUnbounded) {
+    DocumentWindow* other = opened(file(u"other.ichat"_s, chat(3)));
+    const auto bothShow = [&](qint64 size) {
+        EXPECT_EQ(timeline(window).fontSize(), size);
+        EXPECT_EQ(timeline(other).fontSize(), size);
+        EXPECT_EQ(QSettings().value(u"TimelineFontSize"_s).toLongLong(), size);
+    };
+    for (int i = 0; i < 3; ++i)
+        press(window, QKeySequence::ZoomOut);
+    bothShow(13);
+    choose(other, {u"Format"_s, u"Font"_s, u"Smaller"_s});
+    bothShow(12);
+    press(other, QKeySequence::ZoomIn);
+    choose(window, {u"Format"_s, u"Font"_s, u"Bigger"_s});
+    bothShow(14);
+    program->settings().setTimelineFontSize(1);
+    press(window, QKeySequence::ZoomOut);
+    press(window, QKeySequence::ZoomOut);
+    bothShow(-1);
+    choose(window, {u"View"_s, u"Actual Size"_s});
+    bothShow(16);
+}
+
+TEST_F(CommandsTest, TheContentHasItsSizes) {
+    EXPECT_EQ(window->centralWidget()->minimumSize(), QSize(272, 320));
+    EXPECT_EQ(window->width(), 520);
+    EXPECT_EQ(window->findChild<QToolBar*>()->actions().front()->text(), u"Copy"_s);
+}
+
+TEST_F(CommandsTest, TheTitleNamesPeopleAndDaysAsSoonAsTheyAreKnown) {
+    EXPECT_TRUE(window->windowTitle().contains(u"bob — "_s));
+    const DocumentWindow* odd = opened(file(u"odd.ichat"_s, chat(3, u"a[*]b\n & c"_s)));
+    EXPECT_TRUE(odd->windowTitle().startsWith(u"a[*][*]b & c, ann — "_s))
+        << odd->windowTitle().toStdString();
+}
+
+TEST_F(CommandsTest, FindCountsGoesRoundAndKeepsThePlace) {
+    press(window, QKeySequence::Find);
+    auto* bar = window->findChild<vell::FindBar*>();
+    ASSERT_TRUE(bar->isVisible());
+    auto* edit = bar->findChild<QLineEdit*>(u"findText"_s);
+    const auto* count = bar->findChild<QLabel*>(u"findCount"_s);
+    const auto shows = [&](const QString& text) {
+        const bool does = waitUntil([&] { return count->text() == text; });
+        EXPECT_TRUE(does) << count->text().toStdString();
+    };
+    QTest::keyClicks(edit, u"NÜMBER"_s);
+    shows(u"1 of 398"_s);
+    QTest::keyClick(edit, Qt::Key_Return, Qt::ShiftModifier);
+    shows(u"398 of 398"_s);
+    press(window, QKeySequence::FindNext);
+    shows(u"1 of 398"_s);
+    edit->selectAll();
+    QTest::keyClicks(edit, u"last"_s);
+    shows(u"1 of 1"_s);
+    const qsizetype place = timeline(window).topRow();
+    EXPECT_GT(place, 200);
+    QTest::keyClick(edit, Qt::Key_Escape);
+    EXPECT_FALSE(bar->isVisible());
+    EXPECT_TRUE(timeline(window).hasFocus());
+    EXPECT_EQ(timeline(window).topRow(), place);
+    press(window, QKeySequence::Find);
+    edit->selectAll();
+    QTest::keyClicks(edit, u"nowhere"_s);
+    shows(u"Not found"_s);
+}
+
+TEST_F(CommandsTest, OneFileHasOneWindow) {
+    QFile::link(window->path(), folder.filePath(u"link.ichat"_s));
+    program->open({window->path(), folder.filePath(u"link.ichat"_s)});
+    EXPECT_EQ(program->documentWindows().size(), 1u);
+    QDir(folder.path()).mkdir(u"a folder"_s);
+    program->open({folder.filePath(u"a folder"_s)});
+    EXPECT_EQ(program->documentWindows().size(), 1u);
+    ASSERT_TRUE(openWindow("findFilesWindow"));
+    press(openWindow("findFilesWindow"), closing);
+    EXPECT_FALSE(openWindow("findFilesWindow"));
+}
+
+TEST_F(CommandsTest, TheWindowMenuLeadsToEachWindow) {
+    DocumentWindow* other = opened(file(u"other.ichat"_s, chat(3, u"Tom & Jerry"_s)));
+    window->showMinimized();
+    choose(other, {u"Window"_s, window->windowTitle()});
+    EXPECT_FALSE(window->isMinimized());
+    QAction* own = entry(window, {u"Window"_s, QString(other->windowTitle()).remove(u'&')});
+    ASSERT_TRUE(own);
+    EXPECT_TRUE(own->text().contains(u"Tom && Jerry"_s)) << "a name is no mnemonic";
+}
+
+TEST_F(CommandsTest, RecentFilesAreListedAndCleared) {
+    opened(file(u"this & that.ichat"_s, chat(3)));
+    EXPECT_EQ(program->recentFiles().paths().size(), 2);
+    choose(window, {u"File"_s, u"Open Recent"_s, u"this  that.ichat"_s});
+    choose(window, {u"File"_s, u"Open Recent"_s, u"Clear Menu"_s});
+    EXPECT_TRUE(program->recentFiles().paths().isEmpty());
+    EXPECT_FALSE(entry(window, {u"File"_s, u"Open Recent"_s, u"Clear Menu"_s})->isEnabled());
+}
+
+TEST_F(CommandsTest, AboutIsOneWindow) {
+    for (int i = 0; i < 2; ++i) {
+        choose(window, {u"Help"_s, u"About Vell …"_s});
+        QWidget* about = openWindow("aboutWindow");
+        ASSERT_TRUE(about);
+        EXPECT_EQ(about->size(), QSize(320, 400));
+        choose(window, {u"Help"_s, u"About Vell …"_s});
+        EXPECT_EQ(openWindow("aboutWindow"), about);
+        press(about, closing);
+        EXPECT_FALSE(about->isVisible());
+    }
+}
+
+TEST_F(CommandsTest, AChatIsSavedAsTheMarkdownThatIsCopied) {
+    choose(window, {u"File"_s, u"Save Chat as Markdown …"_s});
+    auto* dialog = window->findChild<QFileDialog*>();
+    ASSERT_TRUE(dialog);
+    const QString target = folder.filePath(u"saved.md"_s);
+    Q_EMIT dialog->fileSelected(target);
+    dialog->close();
+    QFile saved(target);
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(QString::fromUtf8(saved.readAll()),
+              timeline(window).chatlog().generatePlainText(program->contacts()));
+}
+
+TEST_F(CommandsTest, FilesMayBeDroppedOnAnyWindow) {
+    program->open({file(u"broken.ichat"_s, "broken")});
+    ASSERT_TRUE(waitUntil([] { return vell::logWindows().size() == 1; }));
+    program->showAbout();
+    program->showPreferences();
+    QWidget* editor = vell::logWindows().front()->findChild<QWidget*>(u"loadLogText"_s);
+    QWidget* targets[] = {window->centralWidget(), editor, openWindow("aboutWindow"),
+                          openWindow("preferences"), openWindow("openFailed")};
+    int number = 0;
+    for (QWidget* target : targets) {
+        const QString path = file(u"dropped %1.ichat"_s.arg(++number), chat(3));
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(path), QUrl(u"https://example.org/x.ichat"_s)});
+        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &enter);
+        QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        EXPECT_TRUE(enter.isAccepted()) << number;
+        QCoreApplication::sendEvent(target, &drop);
+        EXPECT_TRUE(drop.isAccepted()) << number;
+        EXPECT_TRUE(waitUntil([&] { return windowOf(path) && windowOf(path)->isLoaded(); }));
+    }
+    EXPECT_EQ(program->documentWindows().size(), std::size(targets) + 1) << "files only";
+    vell::logWindows().front()->close();
+}
+
+TEST_F(CommandsTest, ClosingAndQuittingHaveTheirKeys) {
+    opened(file(u"other.ichat"_s, chat(3)));
+    press(window, closing);
+    EXPECT_FALSE(window);
+    EXPECT_EQ(program->documentWindows().size(), 1u);
+    press(program->documentWindows().front(), QKeySequence(Qt::CTRL | Qt::Key_Q));
+    EXPECT_TRUE(program->documentWindows().empty());
+}
+
+}  // namespace

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: MIT
+//
+// The running program meets files that are no transcripts, or no longer.
+#include <sys/stat.h>
+
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QRandomGenerator>
+#include <condition_variable>
+#include <mutex>
+#include <vector>
+
+#include "app/load_log_window.h"
+#include "app/open_failures.h"
+#include "support/keyed_archive_writer.h"
+#include "support/non_keyed_archive_writer.h"
+#include "windows.h"
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace vell::test;
+using support::KeyedArchiveWriter;
+using support::NonKeyedArchiveWriter;
+
+support::Transcript someChat() {
+    support::Transcript transcript{u"AIM"_s, {{u"ann"_s}, {u"bob"_s}}, {0, 1}, {}};
+    for (const char* text : {"one", "two", "three"})
+        transcript.messages.push_back(
+            {.sender = 0, .date = 1e8, .body = {support::words(QString::fromUtf8(text))}});
+    return transcript;
+}
+
+void addTruncated(std::vector<QByteArray>& files) {
+    const QByteArray keyed = keyedTranscript(someChat());
+    const QByteArray xml = keyedTranscript(someChat(), {.xml = true});
+    const QByteArray nonKeyed = nonKeyedTranscript(someChat());
+    constexpr int cuts = 32;
+    for (int i = 0; i < cuts; ++i) {
+        files.push_back(keyed.left(keyed.size() * i / cuts));
+        files.push_back(xml.left(xml.size() * i / cuts));
+        files.push_back(nonKeyed.left(nonKeyed.size() * i / (2 * cuts)));
+    }
+}
+
+// The trailer of a keyed archive holds two widths, then three numbers of eight bytes.
+void addHugeClaims(std::vector<QByteArray>& files) {
+    const QByteArray keyed = keyedTranscript(someChat());
+    for (const qsizetype field : {24, 16, 8}) {
+        for (const char byte : {'\x01', '\x7f', '\xff'}) {
+            QByteArray bytes = keyed;
+            bytes.replace(keyed.size() - field, 4, QByteArray(4, byte));
+            files.push_back(bytes);
+        }
+    }
+    for (const qsizetype width : {26, 25}) {
+        for (const char byte : {'\x00', '\x09', '\xff'}) {
+            QByteArray bytes = keyed;
+            bytes[keyed.size() - width] = byte;
+            files.push_back(bytes);
+        }
+    }
+    for (const qint64 count : {1'000'000, 0x7fffffff, -1}) {
+        for (const char* className : {"NSArray", "NSDictionary", "NSData", "NSMutableSet"}) {
+            NonKeyedArchiveWriter archive;
+            archive.object(className, [&] {
+                archive.group("i");
+                archive.integer(count);
+            });
+            files.push_back(archive.bytes());
+        }
+    }
+    NonKeyedArchiveWriter deep;
+    for (int i = 0; i < 100'000; ++i)
+        deep.group("[2147483647[2147483647c]]");
+    files.push_back(deep.bytes());
+}
+
+void addWrongRoots(std::vector<QByteArray>& files) {
+    for (int kind = 0; kind < 5; ++kind) {
+        KeyedArchiveWriter archive;
+        const support::Uid roots[] = {archive.dictionary({}), archive.string(u"text"_s),
+                                      archive.date(0), archive.object({u"NSObject"_s}, {}),
+                                      KeyedArchiveWriter::nil};
+        archive.setTop(u"root"_s, roots[kind]);
+        files.push_back(archive.binary());
+    }
+    NonKeyedArchiveWriter text;
+    text.string(u"text"_s);
+    files.push_back(text.bytes());
+    NonKeyedArchiveWriter dictionary;
+    dictionary.dictionary(0, [] {});
+    files.push_back(dictionary.bytes());
+}
+
+void addForeign(std::vector<QByteArray>& files) {
+    for (const char* begin : {"GIF89a", "%PDF-1.4", "\x89PNG\r\n\x1a\n", "\xff\xd8\xff\xe0",
+                              "PK\x03\x04", "{\\rtf1", "<!DOCTYPE html>",
+                              "\x7f"
+                              "ELF",
+                              "#!/bin/sh\n", "From: me\n", "SQLite format 3", "bplist15",
+                              "bplist00", "\x04\x0bstreamtyped", "\x04\x0btypedstream",
+                              "<?xml version=\"1.0\"?><plist version=\"1.0\"><array/></plist>",
+                              "\xef\xbb\xbftext", "\xff\xfet\0e\0"}) {
+        files.push_back(QByteArray(begin));
+        files.push_back(QByteArray(begin) + QByteArray(5000, ' '));
+    }
+    for (quint32 seed = 1; seed <= 40; ++seed) {
+        QRandomGenerator random(seed);
+        QByteArray bytes(static_cast<qsizetype>(seed) * 97, '\0');
+        for (char& byte : bytes)
+            byte = static_cast<char>(random.bounded(256));
+        files.push_back(seed % 2 ? bytes : "bplist00" + bytes);
+    }
+    files.push_back(QByteArray(20'000'000, '\0'));
+}
+
+class HostileFiles : public Windows {
+  protected:
+    static qsizetype told() {
+        const auto* failures = openWindow<vell::OpenFailures>("openFailed");
+        return failures ? failures->sentences().size() : 0;
+    }
+    static QString logText(const QWidget* window) {
+        return window->findChild<QPlainTextEdit*>(u"loadLogText"_s)->toPlainText();
+    }
+    void closeLogWindows() {
+        while (!vell::logWindows().empty()) {
+            vell::logWindows().front()->close();
+            deleteDeferred();
+        }
+    }
+};
+
+TEST_F(HostileFiles, EachOfHundredsIsToldAndNothingElseHappens) {
+    std::vector<QByteArray> files;
+    addTruncated(files);
+    addHugeClaims(files);
+    addWrongRoots(files);
+    addForeign(files);
+    ASSERT_GE(files.size(), 200u);
+    const QPointer<vell::DocumentWindow> good = opened(file(u"good.ichat"_s, chat(10)));
+
+    qsizetype count = 0;
+    for (const QByteArray& bytes : files) {
+        const QString path = file(u"broken %1.ichat"_s.arg(count), bytes);
+        program->open({path});
+        ASSERT_TRUE(waitUntil([&] { return told() > count; })) << "nothing was told of " << count;
+        ASSERT_EQ(told(), ++count);
+        ASSERT_EQ(program->documentWindows().size(), 1u) << "a window was left by " << count;
+    }
+    const auto* failures = openWindow<vell::OpenFailures>("openFailed");
+    EXPECT_EQ(failures->sentences().front(),
+              u"The document “broken 0.ichat” could not be opened. The file is damaged or not a "
+              "transcript."_s);
+    EXPECT_EQ(qApp->topLevelWidgets().count(failures), 1) << "one dialog for all";
+    EXPECT_TRUE(waitUntil([&] { return std::ssize(vell::logWindows()) == count; }));
+    closeLogWindows();
+
+    ASSERT_TRUE(good);
+    EXPECT_TRUE(opened(file(u"another.ichat"_s, chat(10)))) << "the program goes on";
+}
+
+TEST_F(HostileFiles, WhatIsNoReadableFileIsToldAsWell) {
+    ASSERT_EQ(::mkfifo(QFile::encodeName(folder.filePath(u"pipe"_s)).constData(), 0600), 0);
+    QFile::link(u"/dev/zero"_s, folder.filePath(u"endless"_s));
+    QFile::link(u"nowhere"_s, folder.filePath(u"dangling"_s));
+    QFile::link(u"circle"_s, folder.filePath(u"circle"_s));
+    for (const char* name : {"pipe", "endless", "dangling", "circle", "missing.ichat"}) {
+        program->open({folder.filePath(QString::fromLatin1(name))});
+        ASSERT_TRUE(waitUntil([&] { return told() > 0; })) << name;
+        const QString sentence =
+            openWindow<vell::OpenFailures>("openFailed")->sentences().join(u'\n');
+        EXPECT_TRUE(sentence.startsWith(
+            u"The document “%1” could not be opened. "_s.arg(QLatin1String(name))))
+            << sentence.toStdString();
+        EXPECT_EQ(sentence.contains(u"There is no such file."_s), name[0] != 'p' && name[0] != 'e')
+            << sentence.toStdString();
+        openWindow("openFailed")->close();
+        deleteDeferred();
+    }
+    ASSERT_TRUE(waitUntil([] { return vell::logWindows().size() == 5; }));
+    for (const QWidget* window : vell::logWindows())
+        EXPECT_TRUE(logText(window).contains(u"Failed to load the raw file into memory.\n"_s));
+    closeLogWindows();
+}
+
+TEST_F(HostileFiles, OfTwentyAtOnceEveryLogSpeaksOfItsOwnFile) {
+    constexpr int count = 20;
+    QStringList paths;
+    QStringList expected;
+    for (int i = 0; i < count; ++i) {
+        const bool isBroken = i % 2 != 0;
+        const QByteArray bytes = isBroken ? QByteArray(100 + i, char('a' + i)) : chat(50 + i);
+        paths.append(file(u"%1.ichat"_s.arg(i), bytes));
+        if (isBroken) expected.append(u"%1 %2"_s.arg(100 + i).arg(QChar(u'a' + i)));
+    }
+    program->open(paths);
+    ASSERT_TRUE(waitUntil([] { return vell::logWindows().size() == count / 2; }));
+    EXPECT_EQ(program->documentWindows().size(), size_t(count / 2));
+    EXPECT_EQ(told(), count / 2);
+
+    QStringList found;
+    for (const QWidget* window : vell::logWindows()) {
+        const QString text = logText(window);
+        EXPECT_TRUE(text.startsWith(u"#  App Version: "_s));
+        ASSERT_EQ(text.count(u"### Attempt to load from data w/ size: "_s), 1);
+        const QString size = text.section(u"w/ size: "_s, 1).section(u'\n', 0, 0);
+        // The dump writes the bytes as text beside their hex form.
+        const qsizetype dump = text.indexOf(QString(16, text.section(u'|', 1, 1).front()));
+        ASSERT_GE(dump, 0) << text.toStdString();
+        found.append(size + u' ' + text[dump]);
+    }
+    found.sort();
+    EXPECT_EQ(found, expected);
+    closeLogWindows();
+}
+
+/// Reads from the disk; what has "stalled" in its name never comes.
+class StallingReader final : public vell::FileReader {
+  public:
+    std::shared_ptr<const foundation::FileWrapper> read(const QString& path) override {
+        if (path.contains(u"stalled"_s)) {
+            std::unique_lock lock(mutex_);
+            released_.wait(lock, [this] { return isReleased_; });
+        }
+        return disk_.read(path);
+    }
+    void release() {
+        const std::lock_guard lock(mutex_);
+        isReleased_ = true;
+        released_.notify_all();
+    }
+
+  private:
+    vell::DiskFileReader disk_;
+    std::mutex mutex_;
+    std::condition_variable released_;
+    bool isReleased_ = false;
+};
+
+TEST_F(HostileFiles, AFileThatNeverComesKeepsNobodyWaiting) {
+    end();
+    const auto reader = std::make_shared<StallingReader>();
+    start(reader);
+    const QString stalled = file(u"stalled.ichat"_s, chat(3));
+    const QString alsoStalled = file(u"also stalled.ichat"_s, chat(3));
+    program->open({stalled, alsoStalled});
+    const QPointer<vell::DocumentWindow> waiting = windowOf(stalled);
+    ASSERT_TRUE(waiting && waiting->isVisible()) << "the window shows at once";
+    const QPointer<QProgressBar> spinner = waiting->findChild<QProgressBar*>();
+    EXPECT_FALSE(spinner->isVisible());
+    EXPECT_TRUE(waitUntil([&] { return spinner->isVisible(); }));
+
+    EXPECT_TRUE(opened(file(u"good.ichat"_s, chat(3))));
+    waiting->close();
+    deleteDeferred();
+    EXPECT_FALSE(waiting);
+    QElapsedTimer timer;
+    timer.start();
+    end();
+    EXPECT_LT(timer.elapsed(), 1000) << "quitting waited for the stalled file";
+    reader->release();
+}
+
+}  // namespace

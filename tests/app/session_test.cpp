@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+//
+// What one visit leaves to the next, and one start of the program to another.
+#include <QDataStream>
+#include <QDir>
+#include <QLocalSocket>
+#include <QSignalSpy>
+#include <QStandardPaths>
+#include <future>
+
+#include "app/single_instance.h"
+#include "timeline/timeline_view.h"
+#include "windows.h"
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace vell::test;
+using vell::DocumentWindow;
+using vell::SingleInstance;
+using vell::TimelineView;
+
+using Session = Windows;
+
+TEST_F(Session, TheNextVisitBeginsWhereTheLastOneEnded) {
+    struct Place {
+        QString path;
+        QRect geometry;
+        qsizetype row;
+    };
+    Place places[] = {{file(u"a.ichat"_s, chat(500)), {40, 50, 560, 600}, 321},
+                      {file(u"b.ichat"_s, chat(500)), {90, 60, 620, 500}, 77},
+                      {file(u"c.ichat"_s, chat(500)), {10, 20, 530, 650}, 0}};
+    for (Place& place : places) {
+        DocumentWindow* window = opened(place.path);
+        window->setGeometry(place.geometry);
+        QCoreApplication::processEvents();
+        auto* timeline = window->findChild<TimelineView*>();
+        timeline->scrollToRow(place.row);
+        EXPECT_EQ(timeline->topRow(), place.row);
+    }
+    end();
+    QFile::remove(places[1].path);
+    start();
+    program->openWithoutFiles();
+    EXPECT_FALSE(openWindow("welcomeWindow"));
+    const auto windows = program->documentWindows();
+    ASSERT_EQ(windows.size(), 2u) << "what has gone meanwhile is no error";
+    for (const size_t i : {0u, 1u}) {
+        const Place& place = places[i * 2];
+        ASSERT_EQ(windows[i]->path(), place.path);
+        ASSERT_TRUE(waitUntil([&] { return windows[i]->isLoaded(); }));
+        QCoreApplication::processEvents();
+        EXPECT_EQ(windows[i]->geometry(), place.geometry);
+        EXPECT_EQ(windows[i]->findChild<TimelineView*>()->topRow(), place.row);
+    }
+    // Closed one after the other, the last one is what the next visit begins with.
+    windows[0]->close();
+    windows[1]->close();
+    deleteDeferred();
+    end();
+    start();
+    program->openWithoutFiles();
+    ASSERT_EQ(program->documentWindows().size(), 1u);
+    EXPECT_EQ(program->documentWindows().front()->path(), places[2].path);
+
+    program->settings().setRestoresWindows(false);
+    end();
+    start();
+    program->openWithoutFiles();
+    EXPECT_TRUE(program->documentWindows().empty());
+    EXPECT_TRUE(openWindow("welcomeWindow"));
+}
+
+TEST_F(Session, ALaterStartHandsItsFilesOver) {
+    SingleInstance first;
+    EXPECT_TRUE(first.listen());
+    QList<QStringList> received;
+    QObject::connect(&first, &SingleInstance::received,
+                     [&](const QStringList& paths) { received.append(paths); });
+    const auto handOver = [](const QStringList& paths) {
+        auto answer =
+            std::async(std::launch::async, [paths] { return SingleInstance::handOver(paths); });
+        EXPECT_TRUE(waitUntil(
+            [&] { return answer.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
+        return answer.get();
+    };
+    QStringList many;
+    for (int i = 0; i < 5000; ++i)
+        many.append(u"/tmp/päth with\nlines %1"_s.arg(i));
+    EXPECT_TRUE(handOver({u"/a.ichat"_s, u"/b.ichat"_s}));
+    EXPECT_TRUE(handOver({}));
+    EXPECT_TRUE(handOver(many));
+    EXPECT_EQ(received, QList<QStringList>({{u"/a.ichat"_s, u"/b.ichat"_s}, {}, many}));
+
+    // Others on the socket do no harm.
+    const QDir runtime(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation));
+    const QStringList sockets = runtime.entryList({u"dev.quillmark.vell-*"_s}, QDir::System);
+    ASSERT_EQ(sockets.size(), 1);
+    for (const QByteArray& bytes :
+         {QByteArray(), QByteArray("\x00\x00", 2), QByteArray("\xff\xff\xff\xfe garbage"),
+          QByteArray("\x00\x00\x00\x01\x7f\xff\xff\xf0", 8), QByteArray(1 << 20, '\x01')}) {
+        QLocalSocket stranger;
+        stranger.connectToServer(runtime.filePath(sockets.front()));
+        ASSERT_TRUE(stranger.waitForConnected());
+        stranger.write(bytes);
+        stranger.flush();
+        QCoreApplication::processEvents();
+        stranger.abort();
+        QCoreApplication::processEvents();
+    }
+    // A start that came at the same moment takes nothing away from the first.
+    SingleInstance second;
+    EXPECT_FALSE(second.listen());
+    received.clear();
+    EXPECT_TRUE(handOver({u"/c.ichat"_s}));
+    EXPECT_EQ(received, QList<QStringList>({{u"/c.ichat"_s}}));
+}
+
+TEST_F(Session, ASocketOfTheDeadIsTakenOver) {
+    const QDir runtime(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation));
+    {
+        SingleInstance first;
+        first.listen();
+        const QString path =
+            runtime.filePath(runtime.entryList({u"dev.quillmark.vell-*"_s}, QDir::System).front());
+        QFile::rename(path, path + u".kept"_s);
+    }
+    const QString kept = runtime.entryList({u"*.kept"_s}, QDir::System).value(0);
+    ASSERT_FALSE(kept.isEmpty());
+    QFile::rename(runtime.filePath(kept), runtime.filePath(kept.chopped(5)));
+    EXPECT_FALSE(SingleInstance::handOver({}));
+    SingleInstance next;
+    QSignalSpy received(&next, &SingleInstance::received);
+    next.listen();
+    auto answer = std::async(std::launch::async, [] { return SingleInstance::handOver({}); });
+    EXPECT_TRUE(waitUntil([&] { return received.size() == 1; }));
+    EXPECT_TRUE(answer.get());
+}
+
+}  // namespace
