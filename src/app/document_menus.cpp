@@ -53,11 +53,15 @@ void DocumentWindow::buildFileMenu() {
 
 void DocumentWindow::buildEditMenu() {
     QMenu& menu = *menuBar()->addMenu(tr("&Edit"));
-    copyAction_ =
-        addCommand(menu, tr("Copy"), keysFor(QKeySequence::Copy), [this] { copyWholeChat(); });
+    copyAction_ = addCommand(menu, tr("Copy"), keysFor(QKeySequence::Copy), [this] { copy(); });
     copyAction_->setObjectName(QStringLiteral("copy"));
     copyAction_->setIcon(QIcon::fromTheme(QStringLiteral("edit-copy")));
     documentActions_.append(copyAction_);
+    documentActions_.append(addCommand(menu, tr("Copy &Whole Chat"),
+                                       {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C)},
+                                       [this] { copyWholeChat(); }));
+    documentActions_.append(addCommand(menu, tr("Select &All"), keysFor(QKeySequence::SelectAll),
+                                       [this] { timeline_->selectAll(); }));
     menu.addSeparator();
     documentActions_.append(
         addCommand(menu, tr("&Find …"), keysFor(QKeySequence::Find), [this] { openFindBar(); }));

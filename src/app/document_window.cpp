@@ -114,6 +114,8 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     connect(search_.get(), &ChatSearch::changed, this, &DocumentWindow::showMatches);
     timeline_ = new TimelineView(document_->sharedChatlog(), application_.contacts(),
                                  application_.pictures());
+    connect(timeline_, &TimelineView::linkHovered, statusBar(),
+            [this](const QString& address) { statusBar()->showMessage(address); });
     timeline_->setFontSize(application_.settings().timelineFontSize());
     pages_->setCurrentIndex(pages_->addWidget(timeline_));
     delete pages_->widget(0);
@@ -158,8 +160,15 @@ QString DocumentWindow::markdown() const {
     return document_->chatlog().generatePlainText(application_.contacts());
 }
 
+void DocumentWindow::copy() {
+    if (timeline_->hasSelection()) {
+        timeline_->copySelection();
+    } else {
+        copyWholeChat();
+    }
+}
+
 void DocumentWindow::copyWholeChat() {
-    if (!document_) return;
     const QString text = markdown();
     auto* item = new QMimeData;
     item->setText(text);

@@ -54,6 +54,8 @@ class DocumentWindow final : public QMainWindow {
     void showTitle();
     void restorePlace();
 
+    /// The selection, without one the whole chat.
+    void copy();
     void copyWholeChat();
     void saveAsMarkdown();
     [[nodiscard]] QString markdown() const;

@@ -82,8 +82,7 @@ bool Selecting::eventFilter(QObject* watched, QEvent* event) {
             if (isDragging_) drag(static_cast<QMouseEvent*>(event)->position().toPoint());
             return isDragging_;
         case QEvent::MouseButtonRelease:
-            if (static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) release();
-            return false;
+            return static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton && release();
         default:
             return false;
     }
@@ -143,12 +142,13 @@ void Selecting::timerEvent(QTimerEvent* event) {
     drag(pointer_);
 }
 
-void Selecting::release() {
+bool Selecting::release() {
     scrollTimer_.stop();
-    if (!std::exchange(isDragging_, false)) return;
+    if (!std::exchange(isDragging_, false)) return false;
     QClipboard* clipboard = QGuiApplication::clipboard();
     if (!isEmpty_ && clipboard->supportsSelection())
         clipboard->setMimeData(selection_.mimeData().release(), QClipboard::Selection);
+    return true;
 }
 
 // ---- the keyboard ------------------------------------------------------------------------------

@@ -52,7 +52,7 @@ class Selecting final : public QObject {
   private:
     bool press(const QMouseEvent& event);
     void drag(QPoint point);
-    void release();
+    bool release();
     [[nodiscard]] TextUnit clickUnit(const QMouseEvent& event);
     bool key(const QKeyEvent& event);
     [[nodiscard]] std::optional<TextPosition> moved(TextPosition from, const QKeyEvent& event);

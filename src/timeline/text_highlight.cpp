@@ -9,8 +9,7 @@
 namespace vell {
 namespace {
 
-constexpr float selectionOpacity = 0.8f;
-constexpr float matchOpacity = 0.75f;
+constexpr float opacity = 0.88f;
 constexpr float pictureOpacity = 0.45f;
 constexpr float amber = 48 / 360.0f;
 constexpr float orange = 28 / 360.0f;
@@ -22,22 +21,21 @@ bool isLight(const QColor& color) {
 }
 
 // Pale behind dark letters, deep behind light ones.
-QColor behind(const QColor& text, float hue, float saturation, float opacity) {
-    return QColor::fromHslF(hue, saturation, isLight(text) ? 0.27f : 0.82f, opacity);
+QColor behind(const QColor& text, float hue, float saturation, float pale) {
+    return QColor::fromHslF(hue, saturation, isLight(text) ? 0.27f : pale, opacity);
 }
 
 QColor highlightColor(HighlightKind kind, const QColor& text, const RowContext& context) {
     switch (kind) {
         case HighlightKind::match:
-            return behind(text, amber, 0.95f, matchOpacity);
+            return behind(text, amber, 1.0f, 0.7f);
         case HighlightKind::currentMatch:
             return QColor::fromHslF(orange, 1.0f, isLight(text) ? 0.35f : 0.62f);
         case HighlightKind::selection:
             break;
     }
     const QColor hue = context.colors.highlight;
-    return behind(text, std::max(hue.hslHueF(), 0.0f), std::min(hue.hslSaturationF(), 0.9f),
-                  selectionOpacity);
+    return behind(text, std::max(hue.hslHueF(), 0.0f), hue.hslSaturationF(), 0.9f);
 }
 
 }  // namespace

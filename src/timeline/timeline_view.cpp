@@ -18,6 +18,7 @@
 #include "identity/contacts_store.h"
 #include "timeline/bubble_colors.h"
 #include "timeline/picture_cache.h"
+#include "timeline/pointing.h"
 #include "timeline/selecting.h"
 
 namespace vell {
@@ -49,6 +50,9 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
     presentSenders();
     selecting_ = std::make_unique<Selecting>(*this);
     connect(selecting_.get(), &Selecting::changed, this, &TimelineView::selectionChanged);
+    pointing_ = std::make_unique<Pointing>(*this, *selecting_);
+    connect(pointing_.get(), &Pointing::linkHovered, this, &TimelineView::linkHovered);
+    connect(pointing_.get(), &Pointing::pictureClicked, this, &TimelineView::pictureClicked);
     connect(&contacts, &ContactsStore::addressToContactChanged, this, [this] {
         layout_.invalidateCaptions();
         moved();
@@ -183,6 +187,10 @@ void TimelineView::clearSelection() {
 void TimelineView::copySelection() const {
     if (auto data = selecting_->selection().mimeData())
         QGuiApplication::clipboard()->setMimeData(data.release());
+}
+
+Links& TimelineView::links() {
+    return pointing_->links();
 }
 
 // ---- events ------------------------------------------------------------------------------------

@@ -25,7 +25,9 @@
 namespace vell {
 
 class ContactsStore;
+class Links;
 class PictureCache;
+class Pointing;
 class Selecting;
 
 class TimelineView final : public QAbstractScrollArea {
@@ -67,6 +69,10 @@ class TimelineView final : public QAbstractScrollArea {
     /// Puts the selected text on the clipboard; without a selection nothing happens.
     void copySelection() const;
 
+    [[nodiscard]] const ContactsStore& contacts() const { return context_.contacts; }
+    [[nodiscard]] PictureCache& pictures() const { return context_.pictures; }
+    /// Where links lead to.
+    [[nodiscard]] Links& links();
     /// A place of the viewport in device pixels.
     [[nodiscard]] QPoint toDevice(QPoint point) const;
     /// True while rows that nobody has seen are still being measured.
@@ -76,6 +82,9 @@ class TimelineView final : public QAbstractScrollArea {
 
   Q_SIGNALS:
     void selectionChanged();
+    /// The address below the mouse, as one line; empty when there is none any more.
+    void linkHovered(const QString& address);
+    void pictureClicked(qsizetype row);
 
   protected:
     void changeEvent(QEvent* event) override;
@@ -116,6 +125,7 @@ class TimelineView final : public QAbstractScrollArea {
     QBasicTimer idleTimer_;
 
     std::unique_ptr<Selecting> selecting_;
+    std::unique_ptr<Pointing> pointing_;
 };
 
 }  // namespace vell

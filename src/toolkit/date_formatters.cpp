@@ -5,6 +5,7 @@
 #include <unicode/udat.h>
 #include <unicode/uloc.h>
 
+#include <QDateTime>
 #include <algorithm>
 #include <atomic>
 #include <iterator>
@@ -52,8 +53,12 @@ struct DateFormatter::Format {
         UErrorCode status = U_ZERO_ERROR;
         // Local time is handed over as if it were UTC: the calendar knows the zones, those that
         // are only a rule included, and ICU would silently take UTC for what it can't find.
-        handle = udat_open(UDAT_SHORT, style == Style::shortTime ? UDAT_NONE : UDAT_MEDIUM,
-                           locale.constData(), u"Etc/UTC", -1, nullptr, 0, &status);
+        const bool isFull = style == Style::fullDateTime;
+        const UDateFormatStyle date = isFull                      ? UDAT_FULL
+                                      : style == Style::shortTime ? UDAT_NONE
+                                                                  : UDAT_MEDIUM;
+        handle = udat_open(isFull ? UDAT_MEDIUM : UDAT_SHORT, date, locale.constData(), u"Etc/UTC",
+                           -1, nullptr, 0, &status);
         if (U_FAILURE(status)) handle = nullptr;
         if (handle) avoidJulianDates();
     }
@@ -97,6 +102,10 @@ DateFormatter::~DateFormatter() = default;
 QString DateFormatter::string(foundation::Date date) const {
     const std::optional<qint64> localSecond = calendar_.localSecond(date);
     if (!localSecond || !format_->handle) return date.description();
+    if (style_ == Style::fullDateTime) {
+        const QDateTime instant = QDateTime::fromSecsSinceEpoch(*date.secondSinceEpoch(), Qt::UTC);
+        return formatted(*localSecond) + u' ' + calendar_.timeZone().abbreviation(instant);
+    }
     if (style_ != Style::shortTime) return formatted(*localSecond);
     // A short time depends on nothing but the minute of the local day, whatever the offset was.
     qint64 secondOfDay = *localSecond % kSecondsPerDay;
@@ -126,6 +135,7 @@ struct Prototypes {
     foundation::Calendar calendar = foundation::Calendar::current();
     std::optional<DateFormatter> day;
     std::optional<DateFormatter> time;
+    std::optional<DateFormatter> full;
     std::atomic<quint64> generation = 1;
 };
 
@@ -170,6 +180,11 @@ const DateFormatter& timeSeparatorFormatter() {
     return mine.get();
 }
 
+const DateFormatter& fullDateFormatter() {
+    thread_local OwnFormatter mine(Style::fullDateTime, &Prototypes::full);
+    return mine.get();
+}
+
 void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& calendar) {
     Prototypes& all = prototypes();
     const std::lock_guard lock(all.lock);
@@ -178,6 +193,7 @@ void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& c
     all.calendar = calendar;
     all.day.reset();
     all.time.reset();
+    all.full.reset();
     ++all.generation;
 }
 

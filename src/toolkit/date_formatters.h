@@ -1,9 +1,10 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Dates for people, in their locale and time zone: the two shared formatters that separators on
-// screen and headings in exported text are made with. Making one takes milliseconds, so there is
-// one of each for the process, and a clone for every further thread that asks.
+// Dates for people, in their locale and time zone: the shared formatters that separators on screen
+// and headings in exported text are made with, and the one for who wants to know exactly. Making
+// one takes milliseconds, so there is one of each for the process, and a clone for every further
+// thread that asks.
 //
 //     timeSeparatorFormatter().string(event.timestamp)
 
@@ -21,7 +22,7 @@ namespace vell {
 /// another one gets its own, and is safe at any time.
 class DateFormatter {
   public:
-    enum class Style { mediumDateShortTime, shortTime };
+    enum class Style { mediumDateShortTime, shortTime, fullDateTime };
 
     /// Locales as in LANG or as language tags: "de_DE.UTF-8", "de-DE"; "C" and "POSIX" are English.
     DateFormatter(Style style, const QByteArray& locale, foundation::Calendar calendar);
@@ -48,6 +49,8 @@ class DateFormatter {
 [[nodiscard]] const DateFormatter& daySeparatorFormatter();
 /// Short time alone; otherwise like daySeparatorFormatter().
 [[nodiscard]] const DateFormatter& timeSeparatorFormatter();
+/// Weekday, date, time with seconds, and the zone; otherwise like daySeparatorFormatter().
+[[nodiscard]] const DateFormatter& fullDateFormatter();
 
 /// Replaces the user's locale and time zone in the shared formatters; what they are asked for from
 /// now on follows, on each thread from its next call above.

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include "timeline/private_files.h"
+
+#include <QDir>
+#include <QSaveFile>
+
+namespace vell {
+
+PrivateFiles& PrivateFiles::shared() {
+    static PrivateFiles files;
+    return files;
+}
+
+QString PrivateFiles::write(const QString& name, const foundation::Data& data) {
+    if (!folder_) {
+        folder_ = std::make_unique<QTemporaryDir>(QDir::tempPath() +
+                                                  QStringLiteral("/vell-pictures-XXXXXX"));
+    }
+    if (!folder_->isValid()) return {};
+    const QString number = QString::number(++count_);
+    if (!QDir(folder_->path()).mkdir(number)) return {};
+    const QString path = folder_->filePath(number + u'/' + name);
+    return writeFile(path, data).isEmpty() ? path : QString();
+}
+
+QString writeFile(const QString& path, const foundation::Data& data) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) return file.errorString();
+    // A file that is replaced may have been a program.
+    constexpr auto run = QFileDevice::ExeOwner | QFileDevice::ExeUser | QFileDevice::ExeGroup |
+                         QFileDevice::ExeOther;
+    file.setPermissions(file.permissions() & ~run);
+    if (file.write(data.begin(), data.size()) == data.size() && file.commit()) return {};
+    return file.errorString();
+}
+
+}  // namespace vell

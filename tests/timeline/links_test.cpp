@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+#include "timeline/links.h"
+
+#include <gtest/gtest.h>
+
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSignalSpy>
+
+#include "timeline/window.h"
+
+namespace vell {
+namespace {
+
+using test::bob;
+using test::LogBuilder;
+using test::Window;
+
+TEST(Links, OnlyWhatLeadsWhereItSeemsToIsOpenedWithoutAQuestion) {
+    const struct {
+        const char* why;
+        const char* address;
+        const char* text;
+        bool isPlain;
+    } rows[] = {
+        {"a title", "http://example.com/a", "my page", true},
+        {"the address itself", "https://example.com/a?b#c", "https://example.com/a?b#c", true},
+        {"shortened", "http://www.example.com/a", "example.com", true},
+        {"capitals", "HTTP://EXAMPLE.com", "http://Example.com/", true},
+        {"a port", "http://example.com:8080/", "example.com:8080", true},
+        {"a mailbox", "mailto:bob@example.com?subject=x", "bob@example.com", true},
+        {"a chat", "aim:goim?screenname=bob", "write to bob", true},
+        {"a number", "tel:+4930123456", "+49 30 123456", true},
+        {"an ordinary sentence", "http://example.com", "It costs 1.20, e.g. now.", true},
+        {"letters of another script", "http://bücher.example/", "http://xn--bcher-kva.example",
+         true},
+
+        {"another host", "http://evil.example/", "http://bank.example/", false},
+        {"another host in a sentence", "http://evil.example", "see (www.bank.example)!", false},
+        {"another host without a scheme", "http://evil.example/", "bank.example/login", false},
+        {"the host is somebody's name", "http://bank.example@evil.example/", "bank.example", false},
+        {"the host is only the beginning", "http://bank.example.evil.example/", "bank.example",
+         false},
+        {"another mailbox", "mailto:bob@evil.example", "bob@bank.example", false},
+        {"another address of numbers", "http://10.0.0.1/", "10.0.0.2", false},
+        {"hidden characters", "http://evil.example/", "bank\u200b.exam\u202eple", false},
+        {"no host at all", "aim:goim", "http://bank.example", false},
+        {"a file", "file:///etc/passwd", "click", false},
+        {"a program", "javascript:alert(1)", "click", false},
+        {"no scheme", "example.com", "example.com", false},
+        {"nothing", "", "", false},
+        {"no address", "http://[", "click", false},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(isPlainLink(QString::fromUtf8(row.address), QString::fromUtf8(row.text)),
+                  row.isPlain)
+            << row.why;
+    }
+}
+
+TEST(Links, AddressesAreShownAsOneLineThatDeceivesNobody) {
+    EXPECT_EQ(shownAddress(QString::fromUtf8("http://a.b/c\n\u202etxt.exe\u2028")),
+              QStringLiteral("http://a.b/c%0A%E2%80%AEtxt.exe%E2%80%A8"));
+    const QString endless = QStringLiteral("http://a.b/") + QString(100'000, u'x');
+    EXPECT_LT(shownAddress(endless).size(), 1100);
+    EXPECT_TRUE(shownAddress(endless).startsWith(QLatin1String("http://a.b/")));
+}
+
+TesselChatLog twoLinks() {
+    const auto link = [](const char* address, const char* title) {
+        return TesselChatLog::Link{std::make_shared<foundation::URL>(QString::fromUtf8(address)),
+                                   QString::fromUtf8(title)};
+    };
+    return LogBuilder()
+        .add(bob, link("http://example.com/a?b=c%20d", "the cat's page"))
+        .add(bob, link("http://evil.example/", "www.bank.example"))
+        .log();
+}
+
+TEST(Links, ClicksOpenAndDragsSelect) {
+    Window window(twoLinks());
+    QStringList opened;
+    window.view.links().setOpener([&](const QUrl& url) {
+        opened += url.toString(QUrl::FullyEncoded);
+        return true;
+    });
+    const QPoint title = window.place(0, 4);
+    window.press(title);
+    window.release(title);
+    EXPECT_EQ(opened, QStringList{QStringLiteral("http://example.com/a?b=c%20d")});
+
+    window.drag(title, window.place(0, 9));
+    EXPECT_EQ(opened.size(), 1);
+    EXPECT_TRUE(window.view.hasSelection());
+    const QPoint beside = title + QPoint(0, 24);
+    window.press(beside);
+    window.release(beside);
+    EXPECT_EQ(opened.size(), 1) << "beside the title";
+
+    for (const bool agrees : {false, true}) {
+        const QPoint other = window.place(1, agrees ? 5 : 12);  // no double click
+        window.press(other);
+        window.release(other);
+        auto* box = window.view.findChild<QMessageBox*>();
+        ASSERT_TRUE(box);
+        EXPECT_TRUE(box->text().contains(QStringLiteral("http://evil.example/")));
+        for (QAbstractButton* button : box->buttons()) {
+            const bool isOpening = box->buttonRole(button) == QMessageBox::AcceptRole;
+            if (isOpening == agrees) button->click();
+        }
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_EQ(opened.size(), agrees ? 2 : 1);
+    }
+}
+
+TEST(Links, HoveringTellsTheAddressAndChangesTheCursor) {
+    Window window(twoLinks());
+    QSignalSpy hovered(&window.view, &TimelineView::linkHovered);
+    window.move(window.place(0, 4));
+    EXPECT_EQ(window.view.viewport()->cursor().shape(), Qt::PointingHandCursor);
+    window.move(QPoint(400, 600));
+    EXPECT_EQ(window.view.viewport()->cursor().shape(), Qt::ArrowCursor);
+    ASSERT_EQ(hovered.size(), 2);
+    EXPECT_EQ(hovered[0][0].toString(), QStringLiteral("http://example.com/a?b=c%20d"));
+    EXPECT_EQ(hovered[1][0].toString(), QString());
+}
+
+}  // namespace
+}  // namespace vell
