@@ -119,33 +119,39 @@ QString Number::description() const {
 }
 
 QByteArray Value::className() const {
-    struct Names {
-        QByteArray operator()(std::monostate) const { return "nil"; }
-        QByteArray operator()(const Number&) const { return "NSNumber"; }
-        QByteArray operator()(const QString&) const { return "NSString"; }
-        QByteArray operator()(const Date&) const { return "NSDate"; }
-        QByteArray operator()(const std::shared_ptr<const Data>&) const { return "NSData"; }
-        QByteArray operator()(const std::shared_ptr<const Object>& object) const {
-            return object->className();
-        }
-    };
-    return std::visit(Names{}, content_);
+    switch (kind_) {
+        case Kind::number:
+            return "NSNumber";
+        case Kind::string:
+            return "NSString";
+        case Kind::date:
+            return "NSDate";
+        case Kind::data:
+            return "NSData";
+        case Kind::object:
+            return object_->className();
+        case Kind::nothing:
+            break;
+    }
+    return "nil";
 }
 
 QString Value::description() const {
-    struct Texts {
-        QString operator()(std::monostate) const { return QStringLiteral("nil"); }
-        QString operator()(const Number& number) const { return number.description(); }
-        QString operator()(const QString& string) const { return string; }
-        QString operator()(const Date& date) const { return date.description(); }
-        QString operator()(const std::shared_ptr<const Data>& data) const {
-            return dataDescription(*data);
-        }
-        QString operator()(const std::shared_ptr<const Object>& object) const {
-            return object->description();
-        }
-    };
-    return std::visit(Texts{}, content_);
+    switch (kind_) {
+        case Kind::number:
+            return number_.description();
+        case Kind::string:
+            return string_;
+        case Kind::date:
+            return date_.description();
+        case Kind::data:
+            return dataDescription(*data_);
+        case Kind::object:
+            return object_->description();
+        case Kind::nothing:
+            break;
+    }
+    return QStringLiteral("nil");
 }
 
 QString Array::description() const {

@@ -11,6 +11,7 @@
 #include <QByteArray>
 #include <QString>
 #include <memory>
+#include <new>
 #include <optional>
 #include <typeinfo>
 #include <variant>
@@ -59,44 +60,49 @@ class Number {
 
 class Value {
   public:
-    Value() = default;
-    Value(Number number) : content_(number) {}
-    Value(QString string) : content_(std::move(string)) {}
-    Value(Date date) : content_(date) {}
+    Value() {}
+    Value(Number number) : number_(number), kind_(Kind::number) {}
+    Value(QString string) : string_(std::move(string)), kind_(Kind::string) {}
+    Value(Date date) : date_(date), kind_(Kind::date) {}
     /// Bytes are boxed: they are rare among values and would make every value larger.
-    Value(Data data) : content_(std::make_shared<const Data>(std::move(data))) {}
+    Value(Data data) : data_(std::make_shared<const Data>(std::move(data))), kind_(Kind::data) {}
     template <class T>
     requires std::is_base_of_v<Object, T> Value(std::shared_ptr<T> object) {
-        if (object) content_ = std::shared_ptr<const Object>(std::move(object));
+        if (!object) return;
+        new (&object_) std::shared_ptr<const Object>(std::move(object));
+        kind_ = Kind::object;
     }
+    Value(const Value& other) { construct(other); }
+    Value(Value&& other) noexcept { construct(std::move(other)); }
+    Value& operator=(const Value& other) {
+        if (this != &other) *this = Value(other);
+        return *this;
+    }
+    Value& operator=(Value&& other) noexcept {
+        if (this == &other) return *this;
+        destroy();
+        construct(std::move(other));
+        return *this;
+    }
+    ~Value() { destroy(); }
 
-    [[nodiscard]] bool isNothing() const { return content_.index() == 0; }
-    [[nodiscard]] const Number* number() const { return std::get_if<Number>(&content_); }
-    [[nodiscard]] const QString* string() const { return std::get_if<QString>(&content_); }
-    [[nodiscard]] const Date* date() const { return std::get_if<Date>(&content_); }
-    [[nodiscard]] const Data* data() const {
-        const auto* boxed = std::get_if<std::shared_ptr<const Data>>(&content_);
-        return boxed ? boxed->get() : nullptr;
+    [[nodiscard]] bool isNothing() const { return kind_ == Kind::nothing; }
+    [[nodiscard]] const Number* number() const {
+        return kind_ == Kind::number ? &number_ : nullptr;
     }
+    [[nodiscard]] const QString* string() const {
+        return kind_ == Kind::string ? &string_ : nullptr;
+    }
+    [[nodiscard]] const Date* date() const { return kind_ == Kind::date ? &date_ : nullptr; }
+    [[nodiscard]] const Data* data() const { return kind_ == Kind::data ? data_.get() : nullptr; }
     /// The object when it is a T (or derived from it), else null.
     template <class T>
     [[nodiscard]] std::shared_ptr<const T> object() const& {
-        return Value(*this).object<T>();
+        return isA<T>() ? std::static_pointer_cast<const T>(object_) : nullptr;
     }
-    /// The same, taken out of a value that nobody needs any more.
     template <class T>
     [[nodiscard]] std::shared_ptr<const T> object() && {
-        auto* held = std::get_if<std::shared_ptr<const Object>>(&content_);
-        if (!held) return nullptr;
-        const T* object = nullptr;
-        if constexpr (std::is_final_v<T>) {  // one comparison instead of a walk up the bases
-            const Object& any = **held;
-            if (typeid(any) == typeid(T)) object = static_cast<const T*>(&any);
-        } else {
-            object = dynamic_cast<const T*>(held->get());
-        }
-        if (!object) return nullptr;
-        return std::shared_ptr<const T>(std::move(*held), object);
+        return isA<T>() ? std::static_pointer_cast<const T>(std::move(object_)) : nullptr;
     }
 
     /// The archived class name: "NSString", "NSNumber" …; "nil" for nothing.
@@ -105,9 +111,63 @@ class Value {
     [[nodiscard]] QString description() const;
 
   private:
-    std::variant<std::monostate, Number, QString, Date, std::shared_ptr<const Data>,
-                 std::shared_ptr<const Object>>
-        content_;
+    enum class Kind : quint8 { nothing, number, string, date, data, object };
+
+    // A variant by hand: readers make, move and copy values by the million, and std::variant does
+    // each of these through a table of functions.
+    union {
+        Number number_;
+        QString string_;
+        Date date_;
+        std::shared_ptr<const Data> data_;
+        std::shared_ptr<const Object> object_;
+    };
+    Kind kind_ = Kind::nothing;
+
+    template <class T>
+    [[nodiscard]] bool isA() const {
+        if (kind_ != Kind::object || !object_) return false;
+        const Object& held = *object_;
+        if constexpr (std::is_same_v<T, Object>)
+            return true;
+        else if constexpr (std::is_final_v<T>)
+            return typeid(held) == typeid(T);
+        else
+            return dynamic_cast<const T*>(&held) != nullptr;
+    }
+    /// Takes the content of a const Value& or a Value&&; this value must hold none.
+    template <class Other>
+    void construct(Other&& other) {
+        switch (other.kind_) {
+            case Kind::nothing:
+                break;
+            case Kind::number:
+                new (&number_) Number(other.number_);
+                break;
+            case Kind::string:
+                new (&string_) QString(std::forward<Other>(other).string_);
+                break;
+            case Kind::date:
+                new (&date_) Date(other.date_);
+                break;
+            case Kind::data:
+                new (&data_) std::shared_ptr<const Data>(std::forward<Other>(other).data_);
+                break;
+            case Kind::object:
+                new (&object_) std::shared_ptr<const Object>(std::forward<Other>(other).object_);
+                break;
+        }
+        kind_ = other.kind_;
+    }
+    void destroy() {
+        if (kind_ == Kind::string)
+            string_.~QString();
+        else if (kind_ == Kind::data)
+            data_.~shared_ptr();
+        else if (kind_ == Kind::object)
+            object_.~shared_ptr();
+        kind_ = Kind::nothing;
+    }
 };
 
 /// "NSArray" and its subclass: elements in order; an element may be nothing.
