@@ -8,14 +8,17 @@
 
 namespace foundation {
 
-AttributedString::AttributedString(QString text, std::vector<Run> runs)
-    : text_(std::move(text)), runs_(std::move(runs)) {
+AttributedString::AttributedString(QString text, std::vector<Run> runs) : text_(std::move(text)) {
     qsizetype covered = 0;
-    for (const Run& run : runs_) {
+    for (const Run& run : runs) {
         if (run.length < 1) fatal("an attribute run without characters");
         covered = checkedAdd(covered, run.length);
     }
     if (covered != text_.size()) fatal("attribute runs do not cover their text");
+    if (runs.size() == 1)
+        only_ = std::move(runs.front());
+    else
+        several_ = std::move(runs);
 }
 
 void AttributeRunBuilder::add(quint64 length, std::shared_ptr<const Attributes> attributes) {

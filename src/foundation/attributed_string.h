@@ -7,6 +7,7 @@
 #include <QString>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "foundation/file_wrapper.h"
@@ -31,10 +32,16 @@ class AttributedString final : public Object {
 
     /// The runs must cover the text exactly.
     AttributedString(QString text, std::vector<Run> runs);
+    /// One run over the whole text.
+    AttributedString(QString text, std::shared_ptr<const Attributes> attributes)
+        : text_(std::move(text)), only_{text_.size(), std::move(attributes)} {}
 
     [[nodiscard]] const QString& text() const { return text_; }
     /// In text order; none for empty text.
-    [[nodiscard]] const std::vector<Run>& runs() const { return runs_; }
+    [[nodiscard]] std::span<const Run> runs() const {
+        if (!several_.empty()) return several_;
+        return {&only_, only_.length > 0 ? std::size_t(1) : 0};
+    }
 
     [[nodiscard]] QByteArray className() const override { return "NSAttributedString"; }
     /// The text.
@@ -42,7 +49,8 @@ class AttributedString final : public Object {
 
   private:
     QString text_;
-    std::vector<Run> runs_;
+    Run only_;  ///< most texts have one; in place it costs no allocation
+    std::vector<Run> several_;
 };
 
 /// Builds runs that cover a text whatever the archive says: clamps at its end, leaves out empty

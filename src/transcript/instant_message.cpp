@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "foundation/object_memory.h"
+
 namespace vell {
 
 using namespace Qt::StringLiterals;
@@ -24,7 +26,7 @@ InstantMessage::InstantMessage(std::optional<foundation::Date> date,
       isRead(isRead) {}
 
 foundation::Value InstantMessage::initWithCoder(foundation::Coder& coder) {
-    auto result = std::make_shared<InstantMessage>();
+    auto result = foundation::makeObject<InstantMessage>();
     if (coder.isKeyed()) {
         result->sender = coder.decodeObject("Sender").object<Presentity>();
         result->subject = coder.decodeObject("Subject").object<Presentity>();

@@ -29,38 +29,34 @@ BinaryPropertyList openList(const Data& data) {
     return *std::move(list);
 }
 
-bool isVersion(const std::optional<Node>& node) {
-    return node && node->kind == Kind::integer && node->count == 100000;
-}
-
 }  // namespace
 
 Archive::Archive(const Data& data) : list_(openList(data)), fileSize_(quint64(data.size())) {
     const Node archive = list_.node(list_.topObject());
-    const auto version = find(archive, "$version");
-    const auto top = find(archive, "$top");
-    const auto objects = find(archive, "$objects");
+    const auto value = [&](std::string_view key) { return list_.node(find(archive, key)); };
+    const Node version = value("$version");
+    top_ = value("$top");
+    objects_ = value("$objects");
     // "$archiver" is not looked at: archivers that derive from the platform's write their own name.
-    if (!isVersion(version) || !top || top->kind != Kind::dictionary || !objects ||
-        objects->kind != Kind::array || objects->count > elementLimit(fileSize_))
+    if (version.kind() != Kind::integer || version.value() != 100000 ||
+        top_.kind() != Kind::dictionary || objects_.kind() != Kind::array ||
+        objects_.count() > elementLimit(fileSize_))
         throw incomprehensibleArchiveError(data);
-    top_ = *top;
-    objects_ = *objects;
 }
 
-std::optional<Node> Archive::find(const Node& dictionary, std::string_view key) const {
-    if (dictionary.kind != Kind::dictionary) return std::nullopt;
+Ref Archive::find(const Node& dictionary, std::string_view key) const {
+    if (dictionary.kind() != Kind::dictionary) return none;
     const QByteArrayView wanted(key.data(), qsizetype(key.size()));
-    for (quint64 i = 0; i < dictionary.count; ++i)
+    for (quint64 i = 0; i < dictionary.count(); ++i)
         if (ascii(list_.node(list_.key(dictionary, i))) == wanted)
-            return list_.node(list_.value(dictionary, i));
-    return std::nullopt;
+            return list_.value(dictionary, i);
+    return none;
 }
 
-std::optional<quint64> Archive::disguisedUid(const Node& dictionary) const {
-    const auto number = find(dictionary, "CF$UID");
-    if (!number || number->kind != Kind::integer) return std::nullopt;
-    return number->count;
+quint64 Archive::disguisedUid(const Node& value) const {
+    if (value.kind() != Kind::dictionary || value.count() != 1) return none;
+    const Node number = list_.node(find(value, "CF$UID"));
+    return number.kind() == Kind::integer ? number.value() : none;
 }
 
 }  // namespace foundation::keyed

@@ -4,7 +4,6 @@
 // KeyedArchive: a property list that holds an archive. "$top" names the values that were archived,
 // "$objects" holds all objects of the graph, which refer to each other by UID, their index there.
 
-#include <optional>
 #include <string_view>
 
 #include "foundation/plist/binary_property_list.h"
@@ -13,6 +12,9 @@ namespace foundation::keyed {
 
 using Node = BinaryPropertyList::Node;
 using Kind = BinaryPropertyList::Kind;
+using Ref = BinaryPropertyList::Ref;
+/// No reference, no UID.
+constexpr quint64 none = BinaryPropertyList::none;
 
 class Archive {
   public:
@@ -24,29 +26,28 @@ class Archive {
     [[nodiscard]] quint64 fileSize() const { return fileSize_; }
 
     /// The elements of "$objects".
-    [[nodiscard]] quint64 objectCount() const { return objects_.count; }
+    [[nodiscard]] quint64 objectCount() const { return objects_.count(); }
     /// Invalid when there is no such object.
     [[nodiscard]] Node object(quint64 uid) const {
-        if (uid >= objects_.count) return {};
+        if (uid >= objects_.count()) return {};
         return list_.node(list_.element(objects_, uid));
     }
-    /// The value under a key of "$top"; nothing when it is missing.
-    [[nodiscard]] std::optional<Node> top(std::string_view key) const { return find(top_, key); }
+    /// The value under a key of "$top", or none.
+    [[nodiscard]] Ref top(std::string_view key) const { return find(top_, key); }
 
-    /// The UID that a value is: a UID object or, from careless converters, a dictionary whose only
-    /// entry is an integer "CF$UID".
-    [[nodiscard]] std::optional<quint64> uid(const Node& value) const {
-        if (value.kind == Kind::uid) return value.count;
-        return value.kind == Kind::dictionary && value.count == 1 ? disguisedUid(value)
-                                                                  : std::nullopt;
+    /// The UID that a value is, or none: a UID object or, from careless converters, a dictionary
+    /// whose only entry is an integer "CF$UID".
+    [[nodiscard]] quint64 uid(Ref value) const {
+        const quint64 uid = list_.uid(value);
+        return uid != none ? uid : disguisedUid(list_.node(value));
     }
     /// The bytes of an ASCII string; null for anything else.
     [[nodiscard]] static QByteArrayView ascii(const Node& node) {
-        if (node.kind != Kind::asciiString) return {};
-        return {node.payload, qsizetype(node.count)};
+        if (node.kind() != Kind::asciiString) return {};
+        return {node.payload(), qsizetype(node.count())};
     }
-    /// The first value under a key, compared as bytes. Looks through all pairs.
-    [[nodiscard]] std::optional<Node> find(const Node& dictionary, std::string_view key) const;
+    /// The first value under a key, compared as bytes, or none. Looks through all pairs.
+    [[nodiscard]] Ref find(const Node& dictionary, std::string_view key) const;
 
   private:
     BinaryPropertyList list_;
@@ -54,7 +55,7 @@ class Archive {
     Node top_;
     Node objects_;
 
-    [[nodiscard]] std::optional<quint64> disguisedUid(const Node& dictionary) const;
+    [[nodiscard]] quint64 disguisedUid(const Node& value) const;
 };
 
 }  // namespace foundation::keyed

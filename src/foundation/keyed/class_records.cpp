@@ -10,66 +10,66 @@
 #include "foundation/keyed/errors.h"
 
 namespace foundation::keyed {
+namespace {
 
-const ClassInfo& Decoder::classOf(const Instance& instance, std::string_view key, Check check) {
-    const auto reference = instance.value("$class");
-    const auto uid = reference ? archive_.uid(*reference) : std::nullopt;
-    if (!uid || *uid >= states_.size()) throw missingClassInformationError();
+constexpr Key classNameKey = "$classname";
+constexpr Key classesKey = "$classes";
+constexpr Key classHintsKey = "$classhints";
 
-    ClassRecord record{};
-    if (states_[*uid] == State::classRecord) {
-        record = classes_[std::size_t(*slots_[*uid].number()->toInt64())];
-    } else {
-        record = classRecord(*uid, Instance(archive_.object(*uid), layouts_));
+}  // namespace
+
+const ClassInfo& Decoder::classOf(const Instance& instance, const Demand& demand) {
+    const quint64 uid = archive_.uid(instance.classRef());
+    const ClassRecord* record = instance.classRecord(uid);
+    if (!record) {
+        record = &classRecord(uid);
+        instance.setClassRecord(uid, record);
     }
-    if (!record.info) {
-        const Instance names(archive_.object(*uid), layouts_);
-        const QString name = scalar(*names.value("$classname")).description();
-        throw unknownClassError(name.toUtf8(), key);
+    if (!record->info) throw unknownClassError(archivedClassName(uid), demand.key);
+    if (!demand.part) {
+        if (!record->isAllowed)
+            throw unexpectedClassError(*record->info, demand.key, allowedClasses_);
+        if (!record->info->supportsSecureCoding) throw insecureClassError(*record->info);
     }
-    if (check == Check::allowedClasses) {
-        if (!record.isAllowed) throw unexpectedClassError(*record.info, key, allowedClasses_);
-        if (!record.info->supportsSecureCoding) throw insecureClassError(*record.info);
-    }
-    return *record.info;
+    return *record->info;
 }
 
-/// Kept in the slot of its UID, which no value of the graph needs, for as long as none is there.
-Decoder::ClassRecord Decoder::classRecord(quint64 uid, const Instance& record) {
-    const auto name = record.value("$classname");
-    if (!name || (name->kind != Kind::asciiString && name->kind != Kind::utf16String))
+const ClassRecord& Decoder::classRecord(quint64 uid) {
+    const auto known = classes_.find(uid);
+    if (known != classes_.end()) return known->second;
+    const Node node = archive_.object(uid);
+    if (node.kind() != Kind::dictionary) throw missingClassInformationError();
+    return classes_[uid] = readClassRecord(Instance(node, layouts_));
+}
+
+ClassRecord Decoder::readClassRecord(const Instance& record) {
+    const Node name = record.value(classNameKey);
+    if (name.kind() != Kind::asciiString && name.kind() != Kind::utf16String)
         throw missingClassInformationError();
-    const ClassInfo* const info = resolveClass(record);
-    const bool isAllowed =
-        info && std::any_of(allowedClasses_.begin(), allowedClasses_.end(),
-                            [&](const ClassInfo* allowed) { return info->isSubclassOf(*allowed); });
-    if (states_[uid] == State::unvisited) {
-        slots_[uid] = Number(qint64(classes_.size()));
-        states_[uid] = State::classRecord;
-        classes_.push_back({info, isAllowed});
-    }
-    return {info, isAllowed};
-}
-
-const ClassInfo* Decoder::resolveClass(const Instance& record) {
-    const QByteArrayView name = Archive::ascii(*record.value("$classname"));
-    if (const ClassInfo* exact = registry_.find({name.data(), std::size_t(name.size())}))
-        return exact;
-    if (const ClassInfo* superclass = firstKnownClass(record.value("$classes"))) return superclass;
-    return firstKnownClass(record.value("$classhints"));
+    const QByteArrayView text = Archive::ascii(name);
+    const ClassInfo* info = registry_.find({text.data(), std::size_t(text.size())});
+    if (!info) info = firstKnownClass(record.value(classesKey));
+    if (!info) info = firstKnownClass(record.value(classHintsKey));
+    const auto holdsIt = [&](const ClassInfo* allowed) { return info->isSubclassOf(*allowed); };
+    return {info, info && std::any_of(allowedClasses_.begin(), allowedClasses_.end(), holdsIt)};
 }
 
 /// Roots such as "NSObject" say nothing about an instance and are passed over.
-const ClassInfo* Decoder::firstKnownClass(const std::optional<Node>& names) {
-    if (!names || names->kind != Kind::array) return nullptr;
-    limits_.steps.spend(names->count);
-    for (quint64 i = 0; i < names->count; ++i) {
-        const Node node = archive_.list().node(archive_.list().element(*names, i));
+const ClassInfo* Decoder::firstKnownClass(const Node& names) {
+    if (names.kind() != Kind::array) return nullptr;
+    limits_.steps.spend(names.count());
+    for (quint64 i = 0; i < names.count(); ++i) {
+        const Node node = archive_.list().node(archive_.list().element(names, i));
         const QByteArrayView name = Archive::ascii(node);
         const ClassInfo* const info = registry_.find({name.data(), std::size_t(name.size())});
         if (info && info->kind != ClassKind::none) return info;
     }
     return nullptr;
+}
+
+QByteArray Decoder::archivedClassName(quint64 uid) {
+    const Instance record(archive_.object(uid), layouts_);
+    return scalar(record.value(classNameKey)).description().toUtf8();
 }
 
 }  // namespace foundation::keyed

@@ -14,65 +14,70 @@ Decoder::Decoder(const Archive& archive, std::span<const ClassInfo* const> allow
       registry_(registry),
       coder_(coder),
       limits_(archive.fileSize()),
-      texts_(archive.fileSize(), limits_.units),
+      texts_(archive.fileSize(), limits_.bytes),
       layouts_(archive, limits_),
       slots_(archive.objectCount()),
       states_(archive.objectCount(), State::unvisited) {}
 
 Value Decoder::decodeTop(std::string_view key) {
-    const auto value = archive_.top(key);
-    if (!value) throw missingKeyError(key);
-    return decodeValue(*value, key, Check::allowedClasses);
+    const Ref value = archive_.top(key);
+    if (value == none) throw missingKeyError(key);
+    return decodeValue(value, {key});
 }
 
 Value Decoder::decodeKey(std::string_view key) {
     if (!current_) return {};
-    // Keys that begin with "$" belong to the archive itself; a caller's own is stored with one
-    // more.
-    const bool isEscaped = key.starts_with('$');
-    const auto value = isEscaped ? current_->value('$' + std::string(key)) : current_->value(key);
-    return value ? decodeValue(*value, key, Check::allowedClasses) : Value();
+    // Keys that begin with "$" belong to the archive itself; a caller's own has one more.
+    const Ref value = key.starts_with('$') ? current_->ref(std::string_view('$' + std::string(key)))
+                                           : current_->ref(key);
+    return value == none ? Value() : decodeValue(value, {key});
 }
 
 /// Plain values stand inline or behind a UID; both are read.
-Value Decoder::decodeValue(const Node& value, std::string_view key, Check check) {
-    if (const auto uid = archive_.uid(value)) return decodeObject(*uid, key, check);
-    if (value.kind == Kind::invalid) throw brokenValueError(key);
-    return scalar(value);
+Value Decoder::decodeValue(Ref value, const Demand& demand) {
+    const quint64 uid = archive_.uid(value);
+    if (uid != none) return decodeObject(uid, demand);
+    const Node node = archive_.list().node(value);
+    if (node.kind() == Kind::invalid) throw brokenValueError(demand.key);
+    return scalar(node);
 }
 
-Value Decoder::decodeObject(quint64 uid, std::string_view key, Check check) {
-    if (uid >= slots_.size()) throw brokenValueError(key);
-    const State before = states_[uid];
-    if (before == State::done || (before == State::unchecked && check == Check::none))
-        return slots_[uid];
-    if (before == State::inProgress) return {};
-    if (before == State::classRecord) throw missingClassInformationError();
-
+Value Decoder::decodeObject(quint64 uid, const Demand& demand) {
+    if (uid >= slots_.size()) throw brokenValueError(demand.key);
+    const State state = states_[uid];
+    if (state == State::done) return slots_[uid];
+    if (state == State::inProgress) return {};
     const Node node = archive_.object(uid);
-    if (node.kind != Kind::dictionary) {
-        // Plain values are let through even where their class is not allowed.
-        slots_[uid] = decodePrimitive(node, key);
-        states_[uid] = State::done;
-        return slots_[uid];
-    }
+    // Plain values are let through even where their class is not allowed.
+    if (node.kind() != Kind::dictionary) return decodePrimitive(node, demand.key);
     const Instance instance(node, layouts_);
-    const ClassInfo& info = classOf(instance, key, check);
-    if (before != State::unchecked) {
-        states_[uid] = State::inProgress;
-        Value value = decodeInstance(instance, info);
-        if (before == State::attributes) {
-            states_[uid] = before;
-            return value;
-        }
-        slots_[uid] = std::move(value);
+    if (state != State::unchecked) return decodeNewInstance(uid, instance, demand);
+    if (!demand.part) {
+        classOf(instance, demand);
+        states_[uid] = State::done;
     }
-    states_[uid] = check == Check::none ? State::unchecked : State::done;
     return slots_[uid];
 }
 
+Value Decoder::decodeNewInstance(quint64 uid, const Instance& instance, const Demand& demand) {
+    const ClassInfo& info = classOf(instance, demand);
+    if (demand.part && *demand.part != info.kind) return {};
+    if (depth_ >= depthLimit) throw excessError("levels of nesting");
+    limits_.steps.spend(1);
+    const State before = std::exchange(states_[uid], State::inProgress);
+    ++depth_;
+    Value value = build(instance, info);
+    --depth_;
+    states_[uid] = before;
+    if (auto object = value.object<Object>()) {
+        slots_[uid] = std::move(object);
+        states_[uid] = demand.part ? State::unchecked : State::done;
+    }
+    return value;
+}
+
 Value Decoder::decodePrimitive(const Node& node, std::string_view key) {
-    switch (node.kind) {
+    switch (node.kind()) {
         case Kind::invalid:
             throw brokenValueError(key);
         case Kind::uid:
@@ -85,14 +90,6 @@ Value Decoder::decodePrimitive(const Node& node, std::string_view key) {
         default:
             return scalar(node);
     }
-}
-
-Value Decoder::decodeInstance(const Instance& instance, const ClassInfo& info) {
-    if (depth_ >= depthLimit) throw excessError("levels of nesting");
-    ++depth_;
-    Value value = build(instance, info);
-    --depth_;
-    return value;
 }
 
 Value Decoder::build(const Instance& instance, const ClassInfo& info) {
@@ -143,24 +140,16 @@ Value Decoder::initApplicationObject(const Instance& instance, const ClassInfo& 
     return value;
 }
 
-Value Decoder::decodePart(const Instance& instance, std::string_view key, ClassKind kind) {
-    const auto value = instance.value(key);
-    if (!value) return {};
-    const auto uid = archive_.uid(*value);
-    if (!uid) return decodeValue(*value, key, Check::none);
-    if (archive_.object(*uid).kind == Kind::dictionary && !instanceOfKind(*value, kind, key))
-        return {};
-    return decodeObject(*uid, key, Check::none);
+Value Decoder::decodePart(const Instance& instance, const Key& key, ClassKind kind) {
+    const Ref value = instance.ref(key);
+    return value == none ? Value() : decodeValue(value, {key.name(), kind});
 }
 
-std::optional<Instance> Decoder::instanceOfKind(const Node& value, ClassKind kind,
-                                                std::string_view key) {
-    const auto uid = archive_.uid(value);
-    if (!uid) return std::nullopt;
-    const Node node = archive_.object(*uid);
-    if (node.kind != Kind::dictionary) return std::nullopt;
+std::optional<Instance> Decoder::partInstance(quint64 uid, const Demand& demand) {
+    const Node node = archive_.object(uid);
+    if (node.kind() != Kind::dictionary) return std::nullopt;
     Instance instance(node, layouts_);
-    if (classOf(instance, key, Check::none).kind != kind) return std::nullopt;
+    if (classOf(instance, demand).kind != demand.part) return std::nullopt;
     return instance;
 }
 

@@ -1,11 +1,14 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Decoder: rebuilds the objects of a keyed archive when they are asked for. Each UID has one slot:
-// an object is decoded once and shared, and one that is still being decoded counts as nothing,
-// which cuts every cycle. The first error ends the decoding.
+// Decoder: rebuilds the objects of a keyed archive when they are asked for. Objects are decoded
+// once and shared, in one slot a UID; values (strings, numbers, dates, data) have no identity and
+// are read where they stand each time. What is still being decoded counts as nothing, which cuts
+// every cycle. The first error ends the decoding.
 
+#include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -34,21 +37,23 @@ class Decoder {
     Value decodeKey(std::string_view key);
 
   private:
-    /// Whether an object's class must be allowed. Value classes pull the parts they are made of
-    /// without; whatever else is asked for is checked.
-    enum class Check : bool { none, allowedClasses };
+    /// What an object is wanted for.
+    struct Demand {
+        /// Named in errors.
+        std::string_view key;
+        /// Set when a value class pulls a part that it is made of: the class of an instance must be
+        /// of this kind, else the part counts as missing. Whatever else is asked for must be of an
+        /// allowed class.
+        std::optional<ClassKind> part = {};
+    };
     enum class State : quint8 {
-        unvisited,
+        unvisited,  ///< or a value
         inProgress,
-        unchecked,    ///< decoded, its class was not checked
-        done,         ///< decoded and checked
-        attributes,   ///< a dictionary of which only Attributes were read
-        classRecord,  ///< the slot holds an index in classes_
+        unchecked,   ///< decoded, its class was not checked
+        done,        ///< decoded and checked
+        attributes,  ///< a dictionary of which only Attributes were read
     };
-    struct ClassRecord {
-        const ClassInfo* info;  ///< null when no class of its names is known
-        bool isAllowed;
-    };
+
     const Archive& archive_;
     std::span<const ClassInfo* const> allowedClasses_;
     const ClassRegistry& registry_;
@@ -56,30 +61,30 @@ class Decoder {
     Limits limits_;
     Texts texts_;
     KeyLayouts layouts_;
-    std::vector<Value> slots_;
+    std::vector<std::shared_ptr<const Object>> slots_;
     std::vector<State> states_;
-    std::vector<ClassRecord> classes_;
+    std::map<quint64, ClassRecord> classes_;  ///< by UID
     const Instance* current_ = nullptr;
     int depth_ = 0;
 
     // decoder.cpp: references and slots
-    Value decodeValue(const Node& value, std::string_view key, Check check);
-    Value decodeObject(quint64 uid, std::string_view key, Check check);
+    Value decodeValue(Ref value, const Demand& demand);
+    Value decodeObject(quint64 uid, const Demand& demand);
+    Value decodeNewInstance(quint64 uid, const Instance& instance, const Demand& demand);
     Value decodePrimitive(const Node& node, std::string_view key);
     Value decodeInstance(const Instance& instance, const ClassInfo& info);
     Value build(const Instance& instance, const ClassInfo& info);
     Value initApplicationObject(const Instance& instance, const ClassInfo& info);
-    /// The value under the key when it is a plain value or an instance of that kind, whose class is
-    /// not checked.
-    Value decodePart(const Instance& instance, std::string_view key, ClassKind kind);
-    /// The instance that a value refers to when it is of that kind; the class is not checked.
-    std::optional<Instance> instanceOfKind(const Node& value, ClassKind kind, std::string_view key);
+    Value decodePart(const Instance& instance, const Key& key, ClassKind kind);
+    /// The instance that a UID names when it is of the kind of part that is wanted.
+    std::optional<Instance> partInstance(quint64 uid, const Demand& demand);
 
     // class_records.cpp
-    const ClassInfo& classOf(const Instance& instance, std::string_view key, Check check);
-    ClassRecord classRecord(quint64 uid, const Instance& record);
-    const ClassInfo* resolveClass(const Instance& record);
-    const ClassInfo* firstKnownClass(const std::optional<Node>& names);
+    const ClassInfo& classOf(const Instance& instance, const Demand& demand);
+    const ClassRecord& classRecord(quint64 uid);
+    ClassRecord readClassRecord(const Instance& record);
+    const ClassInfo* firstKnownClass(const Node& names);
+    QByteArray archivedClassName(quint64 uid);
 
     // value_classes.cpp
     Value scalar(const Node& node);
@@ -89,18 +94,18 @@ class Decoder {
     Value decodeDate(const Instance& instance);
     Value decodeUrl(const Instance& instance);
     Value decodeDictionary(const Instance& instance);
-    std::vector<Value> decodeElements(const Instance& instance, std::string_view listKey,
+    std::vector<Value> decodeElements(const Instance& instance, const Key& listKey,
                                       std::string_view numberedPrefix);
-    /// The values of a collection: the inline list under one key or, as other writers have it, a
-    /// key for each, numbered from 0.
-    std::vector<Node> numberedValues(const Instance& instance, std::string_view prefix);
+    /// The values of keys that are numbered from 0, as other writers have collections.
+    std::vector<Ref> numberedValues(const Instance& instance, std::string_view prefix);
 
     // text_classes.cpp
     Value decodeAttributedString(const Instance& instance);
-    std::vector<AttributedString::Run> decodeRuns(const Instance& instance, qsizetype length);
-    std::shared_ptr<const Attributes> decodeAttributes(const Node& value);
+    void decodeRuns(const Instance& dictionaries, const Data& info, quint64 length,
+                    AttributeRunBuilder& runs);
+    std::shared_ptr<const Attributes> decodeAttributes(Ref value);
     std::shared_ptr<const Attributes> buildAttributes(const Instance& instance);
-    Value* slotFor(const Node& name, Attributes& attributes);
+    Value* slotFor(Ref name, Attributes& attributes);
     Value decodeTextAttachment(const Instance& instance);
     Value decodeFileWrapper(const Instance& instance);
 };

@@ -1,56 +1,55 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/keyed/instance.h"
 
-#include <cstring>
+#include <QtEndian>
 
 namespace foundation::keyed {
 namespace {
 
-/// Of a list's first and last eight bytes; a header stands before and a trailer behind all lists.
-std::size_t hash(QByteArrayView bytes) {
-    quint64 first = 0;
-    quint64 last = 0;
-    std::memcpy(&first, bytes.begin(), sizeof first);
-    std::memcpy(&last, bytes.end() - sizeof last, sizeof last);
-    const quint64 mixed = (first ^ (last * 31)) * 0x9e3779b97f4a7c15u;
-    return std::size_t(mixed >> 32) ^ std::size_t(bytes.size());
+// Both look at whole words: of the bytes behind a list eight belong to the file in any case, since
+// the trailer stands at its end.
+
+std::size_t hash(const char* bytes) {
+    return std::size_t((qFromUnaligned<quint64>(bytes) * 0x9e3779b97f4a7c15u) >> 40);
+}
+
+bool isEqual(const char* a, const char* b, qsizetype size) {
+    for (; size >= 8; a += 8, b += 8, size -= 8)
+        if (qFromUnaligned<quint64>(a) != qFromUnaligned<quint64>(b)) return false;
+    if (size == 0) return true;
+    const quint64 difference = qFromBigEndian<quint64>(a) ^ qFromBigEndian<quint64>(b);
+    return difference >> (64 - 8 * size) == 0;
 }
 
 }  // namespace
 
-const KeyLayouts::Layout& KeyLayouts::find(const Node& dictionary) {
-    const BinaryPropertyList& list = archive_.list();
-    const QByteArrayView keyRefs = list.keyRefBytes(dictionary);
-    Layout& layout = layouts_[hash(keyRefs) % layouts_.size()];
-    if (layout.keyRefs.size() == keyRefs.size() &&
-        std::memcmp(layout.keyRefs.data(), keyRefs.data(), std::size_t(keyRefs.size())) == 0)
-        return layout;
-
-    limits_.steps.spend(dictionary.count);
-    layout.keyRefs = keyRefs;
-    ++layout.generation;
-    for (quint64 i = 0; i < dictionary.count; ++i) {
-        const QByteArrayView name = Archive::ascii(list.node(list.key(dictionary, i)));
-        layout.names[i] = std::string_view(name.data(), std::size_t(name.size()));
+KeyLayouts::Layout& KeyLayouts::find(const Node& dictionary) {
+    const QByteArrayView keyRefs = archive_.list().keyRefBytes(dictionary);
+    Layout& layout = layouts_[hash(keyRefs.data()) % layouts_.size()];
+    if (layout.keyRefs.size() != keyRefs.size() ||
+        !isEqual(layout.keyRefs.data(), keyRefs.data(), keyRefs.size())) {
+        layout.keyRefs = keyRefs;
+        read(dictionary, layout);
     }
     return layout;
 }
 
-std::optional<Node> Instance::value(std::string_view key) const {
-    const Archive& archive = layouts_.archive();
-    if (dictionary_.count > KeyLayouts::keyLimit) {
-        layouts_.limits().steps.spend(dictionary_.count);
-        return archive.find(dictionary_, key);
+void KeyLayouts::read(const Node& dictionary, Layout& layout) {
+    const BinaryPropertyList& list = archive_.list();
+    limits_.steps.spend(dictionary.count());
+    ++layout.generation;
+    layout.classIndex = none;
+    layout.classUid = none;
+    for (quint64 i = 0; i < dictionary.count(); ++i) {
+        const QByteArrayView name = Archive::ascii(list.node(list.key(dictionary, i)));
+        layout.keys[i] = std::string_view(name.data(), std::size_t(name.size()));
+        if (layout.classIndex == none && name == "$class") layout.classIndex = i;
     }
-    if (dictionary_.count == 0) return std::nullopt;
-    if (!layout_ || layout_->generation != generation_) {
-        layout_ = &layouts_.find(dictionary_);
-        generation_ = layout_->generation;
-    }
-    for (quint64 i = 0; i < dictionary_.count; ++i)
-        if (layout_->names[i] == key)
-            return archive.list().node(archive.list().value(dictionary_, i));
-    return std::nullopt;
+}
+
+Ref Instance::searched(std::string_view key) const {
+    layouts_.limits().steps.spend(count_);
+    return layouts_.archive().find(dictionary_, key);
 }
 
 }  // namespace foundation::keyed

@@ -6,14 +6,48 @@
 // bytes in most instances; their names are looked up once for such a layout and then compared in
 // place.
 
+#include <QtEndian>
 #include <array>
-#include <optional>
 #include <string_view>
+#include <type_traits>
 
+#include "foundation/class_registry.h"
 #include "foundation/keyed/archive.h"
 #include "foundation/keyed/limits.h"
 
 namespace foundation::keyed {
+
+/// A key's name, made ready for comparing.
+class Key {
+  public:
+    constexpr Key() = default;
+    constexpr Key(std::string_view name) : name_(name) {
+        if (!std::is_constant_evaluated() && name.size() >= 8) {
+            head_ = qFromLittleEndian<quint64>(name.data());
+            return;
+        }
+        for (std::size_t i = 0; i < name.size() && i < 8; ++i)
+            head_ |= quint64(static_cast<unsigned char>(name[i])) << (8 * i);
+    }
+    constexpr Key(const char* name) : Key(std::string_view(name)) {}
+
+    [[nodiscard]] constexpr std::string_view name() const { return name_; }
+
+    friend bool operator==(const Key& a, const Key& b) {
+        return a.head_ == b.head_ && a.name_.size() == b.name_.size() &&
+               (a.name_.size() <= 8 || a.name_.substr(8) == b.name_.substr(8));
+    }
+
+  private:
+    std::string_view name_;
+    quint64 head_ = 0;  ///< the first eight bytes, the first of them lowest
+};
+
+/// What the record of a class says.
+struct ClassRecord {
+    const ClassInfo* info = nullptr;  ///< null when no class of its names is known
+    bool isAllowed = false;
+};
 
 /// The key names of the layouts seen last.
 class KeyLayouts {
@@ -23,7 +57,12 @@ class KeyLayouts {
 
     struct Layout {
         QByteArrayView keyRefs;
-        std::array<std::string_view, keyLimit> names;
+        std::array<Key, keyLimit> keys{};
+        /// Where "$class" stands, or none.
+        quint64 classIndex = none;
+        /// The class that the last instance had.
+        quint64 classUid = none;
+        const ClassRecord* classRecord = nullptr;
         /// Changes when another layout takes this place.
         quint32 generation = 0;
     };
@@ -33,30 +72,75 @@ class KeyLayouts {
     [[nodiscard]] const Archive& archive() const { return archive_; }
     [[nodiscard]] Limits& limits() { return limits_; }
     /// The layout of a dictionary with 1 to keyLimit keys.
-    const Layout& find(const Node& dictionary);
+    Layout& find(const Node& dictionary);
 
   private:
     const Archive& archive_;
     Limits& limits_;
     std::array<Layout, 64> layouts_;
+
+    void read(const Node& dictionary, Layout& layout);
 };
 
 class Instance {
   public:
-    /// Any other object than a dictionary is read as an empty one.
-    Instance(const Node& object, KeyLayouts& layouts)
-        : dictionary_(object.kind == BinaryPropertyList::Kind::dictionary ? object : Node()),
-          layouts_(layouts) {}
+    /// The node must be a dictionary.
+    Instance(const Node& dictionary, KeyLayouts& layouts)
+        : dictionary_(dictionary), count_(dictionary.count()), layouts_(layouts) {
+        if (count_ > 0 && count_ <= KeyLayouts::keyLimit) findLayout();
+    }
 
     [[nodiscard]] const Node& dictionary() const { return dictionary_; }
-    /// The value under the key; nothing when it is missing.
-    [[nodiscard]] std::optional<Node> value(std::string_view key) const;
+    /// The reference under the key, or none.
+    [[nodiscard]] Ref ref(const Key& key) const {
+        if (!layout_) return searched(key.name());
+        const auto& keys = layout().keys;
+        for (quint64 i = 0; i < count_; ++i)
+            if (keys[i] == key) return valueRef(i);
+        return none;
+    }
+    /// The value under the key; invalid when it is missing.
+    [[nodiscard]] Node value(const Key& key) const {
+        return layouts_.archive().list().node(ref(key));
+    }
+
+    /// The reference under "$class", or none.
+    [[nodiscard]] Ref classRef() const {
+        if (!layout_) return searched("$class");
+        const quint64 index = layout().classIndex;
+        return index == none ? none : valueRef(index);
+    }
+    /// What setClassRecord() has told last for instances of this layout; null if that was for
+    /// another class.
+    [[nodiscard]] const ClassRecord* classRecord(quint64 classUid) const {
+        return layout_ && layout().classUid == classUid ? layout_->classRecord : nullptr;
+    }
+    /// The record is not owned and must outlive the layouts.
+    void setClassRecord(quint64 classUid, const ClassRecord* record) const {
+        if (!layout_) return;
+        layout().classUid = classUid;
+        layout_->classRecord = record;
+    }
 
   private:
     Node dictionary_;
+    quint64 count_;
     KeyLayouts& layouts_;
-    mutable const KeyLayouts::Layout* layout_ = nullptr;
+    mutable KeyLayouts::Layout* layout_ = nullptr;  ///< null with no keys, and with too many
     mutable quint32 generation_ = 0;
+
+    [[nodiscard]] Ref valueRef(quint64 index) const {
+        return layouts_.archive().list().value(dictionary_, index);
+    }
+    void findLayout() const {
+        layout_ = &layouts_.find(dictionary_);
+        generation_ = layout_->generation;
+    }
+    KeyLayouts::Layout& layout() const {
+        if (layout_->generation != generation_) findLayout();
+        return *layout_;
+    }
+    [[nodiscard]] Ref searched(std::string_view key) const;
 };
 
 }  // namespace foundation::keyed

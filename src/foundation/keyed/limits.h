@@ -20,6 +20,9 @@ constexpr int depthLimit = 512;
     return fileSize / 8 + 4096;
 }
 
+/// The bytes that a string or a box of data takes beside its content.
+constexpr quint64 valueOverhead = 48;
+
 /// One bounded sum. Throws Error when it is passed.
 class Allowance {
   public:
@@ -41,15 +44,15 @@ struct Limits {
     explicit Limits(quint64 fileSize)
         : elements(2 * elementLimit(fileSize), "elements"),
           runs(fileSize / 2 + 4096, "attribute runs"),
-          units(3 * fileSize + 65536, "characters"),
+          bytes(6 * fileSize + 262'144, "strings and data"),
           files(fileSize / 32 + 4096, "files"),
           steps(16 * fileSize + 1'000'000, "references") {}
 
     Allowance elements;  ///< of all collections
     Allowance runs;      ///< of all attributed strings
-    Allowance units;     ///< of all strings; Texts shares the long ones before this is passed
+    Allowance bytes;     ///< of all strings and boxes of data
     Allowance files;     ///< wrappers, entries of directories included
-    Allowance steps;     ///< of work that builds nothing: keys compared, empty runs passed over
+    Allowance steps;     ///< of other work: instances decoded, keys compared, empty runs passed
 };
 
 }  // namespace foundation::keyed

@@ -7,6 +7,7 @@
 #include "foundation/file_wrapper.h"
 #include "foundation/keyed/decoder.h"
 #include "foundation/keyed/errors.h"
+#include "foundation/object_memory.h"
 
 namespace foundation::keyed {
 namespace {
@@ -58,90 +59,90 @@ quint64 countOfFiles(const FileWrapper& wrapper) {
 
 }  // namespace
 
+/// Three forms: no attributes; one dictionary for the whole text; an array of dictionaries, and
+/// "NSAttributeInfo" that tells the runs. Anything else counts as no attributes.
 Value Decoder::decodeAttributedString(const Instance& instance) {
-    const Value text = decodePart(instance, "NSString", ClassKind::string);
-    const QString characters = text.string() ? *text.string() : QString();
-    return std::make_shared<AttributedString>(characters, decodeRuns(instance, characters.size()));
+    static constexpr Key stringKey = "NSString";
+    static constexpr Key attributesKey = "NSAttributes";
+    static constexpr Key infoKey = "NSAttributeInfo";
+    const Value part = decodePart(instance, stringKey, ClassKind::string);
+    const QString text = part.string() ? *part.string() : QString();
+    const Ref attributes = instance.ref(attributesKey);
+    if (attributes == none || text.isEmpty()) return makeObject<AttributedString>(text, nullptr);
+    if (instance.ref(infoKey) == none)
+        return makeObject<AttributedString>(text, decodeAttributes(attributes));
+
+    const Value info = decodePart(instance, infoKey, ClassKind::data);
+    const auto dictionaries = info.data() ? partInstance(archive_.uid(attributes),
+                                                         {attributesKey.name(), ClassKind::array})
+                                          : std::nullopt;
+    if (!dictionaries) return makeObject<AttributedString>(text, nullptr);
+    AttributeRunBuilder runs(text.size());
+    decodeRuns(*dictionaries, *info.data(), quint64(text.size()), runs);
+    return makeObject<AttributedString>(text, runs.finish());
 }
 
-/// Three forms: no attributes; one dictionary for the whole text; an array of dictionaries, and
-/// "NSAttributeInfo" with (length, index in the array) for every run. Anything else counts as no
-/// attributes, from where it begins to make no sense.
-std::vector<AttributedString::Run> Decoder::decodeRuns(const Instance& instance, qsizetype length) {
-    AttributeRunBuilder runs(length);
-    const auto attributes = instance.value("NSAttributes");
-    if (!attributes || length == 0) return runs.finish();
-    const bool isSplit = instance.value("NSAttributeInfo").has_value();
-    if (!isSplit) {
-        limits_.runs.spend(1);
-        runs.add(quint64(length), decodeAttributes(*attributes));
-        return runs.finish();
-    }
-    const auto array = instanceOfKind(*attributes, ClassKind::array, "NSAttributes");
-    const Value info = decodePart(instance, "NSAttributeInfo", ClassKind::data);
-    if (!array || !info.data()) return runs.finish();
-
-    const auto list = array->value("NS.objects");
-    const bool isList = list && list->kind == Kind::array;
-    const std::vector<Node> numbered =
-        isList ? std::vector<Node>() : numberedValues(*array, "NS.object.");
-    const quint64 count = isList ? list->count : numbered.size();
-    RunInfo pairs(info.data()->view());
-    for (auto left = quint64(length); left > 0;) {
-        const auto run = pairs.next();
-        if (!run || run->second >= count) break;
+/// Adds runs until the text is covered, the bytes end or they make no sense.
+void Decoder::decodeRuns(const Instance& dictionaries, const Data& info, quint64 length,
+                         AttributeRunBuilder& runs) {
+    const BinaryPropertyList& list = archive_.list();
+    const Node array = dictionaries.value("NS.objects");
+    const bool isList = array.kind() == Kind::array;
+    const std::vector<Ref> numbered =
+        isList ? std::vector<Ref>() : numberedValues(dictionaries, "NS.object.");
+    const quint64 count = isList ? array.count() : numbered.size();
+    RunInfo pairs(info.view());
+    while (length > 0) {
         limits_.steps.spend(1);
+        const auto run = pairs.next();
+        if (!run || run->second >= count) return;
         if (run->first == 0) continue;
         limits_.runs.spend(1);
-        const Node dictionary =
-            isList ? archive_.list().node(archive_.list().element(*list, run->second))
-                   : numbered[run->second];
+        const Ref dictionary = isList ? list.element(array, run->second) : numbered[run->second];
         runs.add(run->first, decodeAttributes(dictionary));
-        left -= std::min(left, run->first);
+        length -= std::min(length, run->first);
     }
-    return runs.finish();
 }
 
-std::shared_ptr<const Attributes> Decoder::decodeAttributes(const Node& value) {
-    const auto uid = archive_.uid(value);
-    if (!uid || *uid >= states_.size()) return nullptr;
-    const State before = states_[*uid];
+std::shared_ptr<const Attributes> Decoder::decodeAttributes(Ref value) {
+    const quint64 uid = archive_.uid(value);
+    if (uid >= states_.size()) return nullptr;
+    const State before = states_[uid];
     if (before == State::inProgress) return nullptr;
     if (before == State::attributes) {
-        const auto box = slots_[*uid].object<AttributesBox>();
+        // Most dictionaries hold none of the three and need no box to say so.
+        const auto box = std::static_pointer_cast<const AttributesBox>(slots_[uid]);
         return box ? box->attributes : nullptr;
     }
-    const auto dictionary = instanceOfKind(value, ClassKind::dictionary, "NSAttributes");
+    const auto dictionary = partInstance(uid, {"NSAttributes", ClassKind::dictionary});
     if (!dictionary) return nullptr;
     if (depth_ >= depthLimit) throw excessError("levels of nesting");
     ++depth_;
-    states_[*uid] = State::inProgress;
+    states_[uid] = State::inProgress;
     auto attributes = buildAttributes(*dictionary);
     --depth_;
+    states_[uid] = before;
     if (before == State::unvisited) {
-        states_[*uid] = State::attributes;
-        // Most dictionaries hold none of the three and need no box to say so.
-        if (attributes) slots_[*uid] = std::make_shared<AttributesBox>(attributes);
-    } else {
-        states_[*uid] = before;
+        states_[uid] = State::attributes;
+        if (attributes) slots_[uid] = std::make_shared<AttributesBox>(attributes);
     }
     return attributes;
 }
 
 std::shared_ptr<const Attributes> Decoder::buildAttributes(const Instance& instance) {
     const BinaryPropertyList& list = archive_.list();
-    const auto names = instance.value("NS.keys");
-    const auto values = instance.value("NS.objects");
-    if (!names || names->kind != Kind::array || !values || values->kind != Kind::array)
-        return nullptr;
+    static constexpr Key namesKey = "NS.keys";
+    static constexpr Key valuesKey = "NS.objects";
+    const Node names = instance.value(namesKey);
+    const Node values = instance.value(valuesKey);
+    if (names.kind() != Kind::array || values.kind() != Kind::array) return nullptr;
     Attributes attributes;
-    const quint64 count = std::min(names->count, values->count);
+    const quint64 count = std::min(names.count(), values.count());
     limits_.steps.spend(count);
     for (quint64 i = 0; i < count; ++i) {
-        Value* const slot = slotFor(list.node(list.element(*names, i)), attributes);
+        Value* const slot = slotFor(list.element(names, i), attributes);
         if (!slot || !slot->isNothing()) continue;
-        *slot =
-            decodeValue(list.node(list.element(*values, i)), "NS.objects", Check::allowedClasses);
+        *slot = decodeValue(list.element(values, i), {"NS.objects"});
     }
     const bool isEmpty = attributes.link.isNothing() && attributes.attachment.isNothing() &&
                          attributes.inlineFilePath.isNothing();
@@ -149,9 +150,10 @@ std::shared_ptr<const Attributes> Decoder::buildAttributes(const Instance& insta
 }
 
 /// Where the value of an attribute belongs; null for the names that nobody asks for.
-Value* Decoder::slotFor(const Node& name, Attributes& attributes) {
-    const auto uid = archive_.uid(name);
-    const QByteArrayView text = Archive::ascii(uid ? archive_.object(*uid) : name);
+Value* Decoder::slotFor(Ref name, Attributes& attributes) {
+    const quint64 uid = archive_.uid(name);
+    const QByteArrayView text =
+        Archive::ascii(uid == none ? archive_.list().node(name) : archive_.object(uid));
     if (text == "NSLink") return &attributes.link;
     if (text == "NSAttachment") return &attributes.attachment;
     if (text == "FezInlineFilePath") return &attributes.inlineFilePath;

@@ -12,32 +12,31 @@ constexpr quint64 shortestShared = 64;
 }  // namespace
 
 QString Texts::text(const Node& node) {
-    Recent& recent = recent_[reinterpret_cast<quintptr>(node.payload) % recent_.size()];
-    if (recent.node.payload == node.payload && recent.node.count == node.count &&
-        recent.node.kind == node.kind)
+    Recent& recent = recent_[(reinterpret_cast<quintptr>(node.payload()) >> 4) % recent_.size()];
+    if (recent.payload == node.payload() && quint64(recent.text.size()) == node.count())
         return recent.text;
-    const bool isShared = decoded_ > fileSize_ && node.count >= shortestShared;
+    const bool isShared = decoded_ > fileSize_ && node.count() >= shortestShared;
     if (isShared)
-        if (const auto found = shared_.find(node.payload); found != shared_.end())
+        if (const auto found = shared_.find(node.payload()); found != shared_.end())
             return found->second;
-    units_.spend(node.count);
-    decoded_ += node.count;
-    QString text = decode(node);
-    if (isShared) shared_.emplace(node.payload, text);
-    recent = {node, text};
-    return text;
+    bytes_.spend(valueOverhead + 2 * node.count());
+    decoded_ += node.count();
+    recent.payload = node.payload();
+    recent.text = decode(node);
+    if (isShared) shared_.emplace(node.payload(), recent.text);
+    return recent.text;
 }
 
 QString Texts::decode(const Node& node) {
-    const auto size = qsizetype(node.count);
-    if (node.kind == Kind::utf16String) {
+    const auto size = qsizetype(node.count());
+    if (node.kind() == Kind::utf16String) {
         QString text(size, Qt::Uninitialized);
-        qFromBigEndian<char16_t>(node.payload, size, text.data());
+        qFromBigEndian<char16_t>(node.payload(), size, text.data());
         return text;
     }
-    const QLatin1StringView bytes(node.payload, size);
+    const QLatin1StringView bytes(node.payload(), size);
     return QtPrivate::isAscii(bytes) ? QString(bytes)
-                                     : QString::fromUtf8(QByteArrayView(node.payload, size));
+                                     : QString::fromUtf8(QByteArrayView(node.payload(), size));
 }
 
 }  // namespace foundation::keyed

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 //
 // Texts: the strings of an archive as QStrings. Writers store equal strings once in the property
-// list, however many objects have them. The copies that follow each other, such as the two texts of
-// one message, share one buffer; once the texts are longer together than the file, all long ones
-// do.
+// list, however many objects have them, so that one read a moment ago often comes again: the plain
+// text of a message and its attributed one. Those share one buffer. Once the texts together are
+// longer than the file, all long ones do.
 
 #include <QString>
 #include <array>
@@ -17,7 +17,7 @@ namespace foundation::keyed {
 
 class Texts {
   public:
-    Texts(quint64 fileSize, Allowance& units) : fileSize_(fileSize), units_(units) {}
+    Texts(quint64 fileSize, Allowance& bytes) : fileSize_(fileSize), bytes_(bytes) {}
 
     /// The text of a string node of either kind. Bytes above 0x7f in an ASCII string are read as
     /// UTF-8, unpaired surrogates are kept.
@@ -25,14 +25,14 @@ class Texts {
 
   private:
     quint64 fileSize_;
-    Allowance& units_;
-    quint64 decoded_ = 0;
-    std::map<const char*, QString> shared_;  ///< by payload
+    Allowance& bytes_;
+    quint64 decoded_ = 0;  ///< units
     struct Recent {
-        Node node;
+        const char* payload = nullptr;
         QString text;
     };
-    std::array<Recent, 64> recent_;  ///< each the last of those whose payloads fall on its place
+    std::array<Recent, 16> recent_;
+    std::map<const char*, QString> shared_;  ///< by payload
 
     QString decode(const Node& node);
 };

@@ -13,7 +13,8 @@ namespace foundation::keyed {
 namespace {
 
 bool isNumber(const Node& node) {
-    return node.kind == Kind::boolean || node.kind == Kind::integer || node.kind == Kind::real;
+    return node.kind() == Kind::boolean || node.kind() == Kind::integer ||
+           node.kind() == Kind::hugeInteger || node.kind() == Kind::real;
 }
 
 /// The number behind a prefix: "NS.object.12".
@@ -31,16 +32,19 @@ std::optional<quint64> numberBehind(QByteArrayView name, std::string_view prefix
 
 /// Nothing for containers, which are no values by themselves.
 Value Decoder::scalar(const Node& node) {
-    switch (node.kind) {
+    switch (node.kind()) {
         case Kind::boolean:
-            return Number(node.count != 0);
+            return Number(node.value() != 0);
         case Kind::integer:
-            return node.isSigned ? Number(qint64(node.count)) : Number(node.count);
+            return Number(qint64(node.value()));
+        case Kind::hugeInteger:
+            return Number(node.value());
         case Kind::real:
-            return Number(std::bit_cast<double>(node.count));
+            return Number(std::bit_cast<double>(node.value()));
         case Kind::date:
-            return Date{std::bit_cast<double>(node.count)};
+            return Date{std::bit_cast<double>(node.value())};
         case Kind::data:
+            limits_.bytes.spend(valueOverhead);
             return archive_.list().slice(node);
         case Kind::asciiString:
         case Kind::utf16String:
@@ -51,20 +55,22 @@ Value Decoder::scalar(const Node& node) {
 }
 
 Value Decoder::decodeString(const Instance& instance) {
-    const Value text = decodePart(instance, "NS.string", ClassKind::string);
+    static constexpr Key stringKey = "NS.string";
+    static constexpr Key bytesKey = "NS.bytes";
+    const Value text = decodePart(instance, stringKey, ClassKind::string);
     if (text.string()) return text;
-    const auto bytes = instance.value("NS.bytes");
-    if (!bytes || bytes->kind != Kind::data) return QString();
-    limits_.units.spend(bytes->count);
-    return QString::fromUtf8(bytes->payload, qsizetype(bytes->count));
+    const Node bytes = instance.value(bytesKey);
+    if (bytes.kind() != Kind::data) return QString();
+    limits_.bytes.spend(valueOverhead + 2 * bytes.count());
+    return QString::fromUtf8(bytes.payload(), qsizetype(bytes.count()));
 }
 
 Value Decoder::decodeNumber(const Instance& instance) {
     for (const std::string_view key : {"NS.boolval", "NS.intval", "NS.dblval", "NS.number"}) {
-        const auto value = instance.value(key);
-        if (!value || !isNumber(*value)) continue;
-        if (key == "NS.boolval") return Number(scalar(*value).number()->toBool());
-        return scalar(*value);
+        const Node value = instance.value(key);
+        if (!isNumber(value)) continue;
+        if (key == "NS.boolval") return Number(scalar(value).number()->toBool());
+        return scalar(value);
     }
     return Number(qint64(0));
 }
@@ -78,54 +84,20 @@ Value Decoder::decodeData(const Instance& instance) {
 }
 
 Value Decoder::decodeDate(const Instance& instance) {
-    const auto seconds = instance.value("NS.time");
-    if (!seconds || !isNumber(*seconds)) return Date{};
-    return Date{scalar(*seconds).number()->toDouble()};
+    static constexpr Key timeKey = "NS.time";
+    const Node seconds = instance.value(timeKey);
+    if (!isNumber(seconds)) return Date{};
+    if (seconds.kind() == Kind::real) return Date{std::bit_cast<double>(seconds.value())};
+    return Date{scalar(seconds).number()->toDouble()};
 }
 
 Value Decoder::decodeUrl(const Instance& instance) {
-    const Value relative = decodePart(instance, "NS.relative", ClassKind::string);
+    static constexpr Key relativeKey = "NS.relative";
+    static constexpr Key baseKey = "NS.base";
+    const Value relative = decodePart(instance, relativeKey, ClassKind::string);
     if (!relative.string()) return {};
-    const Value base = decodePart(instance, "NS.base", ClassKind::url);
+    const Value base = decodePart(instance, baseKey, ClassKind::url);
     return std::make_shared<URL>(*relative.string(), base.object<URL>());
-}
-
-std::vector<Value> Decoder::decodeElements(const Instance& instance, std::string_view listKey,
-                                           std::string_view numberedPrefix) {
-    const auto list = instance.value(listKey);
-    const bool isList = list && list->kind == Kind::array;
-    const std::vector<Node> numbered =
-        isList ? std::vector<Node>() : numberedValues(instance, numberedPrefix);
-    const quint64 count = isList ? list->count : numbered.size();
-    if (count > elementLimit(archive_.fileSize())) throw excessError("elements in one collection");
-    limits_.elements.spend(count);
-
-    std::vector<Value> values;
-    values.reserve(count);
-    for (quint64 i = 0; i < count; ++i) {
-        const Node node =
-            isList ? archive_.list().node(archive_.list().element(*list, i)) : numbered[i];
-        values.push_back(decodeValue(node, listKey, Check::allowedClasses));
-    }
-    return values;
-}
-
-std::vector<Node> Decoder::numberedValues(const Instance& instance, std::string_view prefix) {
-    const Node& dictionary = instance.dictionary();
-    const BinaryPropertyList& list = archive_.list();
-    limits_.steps.spend(dictionary.count);
-    std::vector<std::pair<quint64, quint64>> numbered;  // number, pair
-    for (quint64 i = 0; i < dictionary.count; ++i) {
-        const QByteArrayView name = Archive::ascii(list.node(list.key(dictionary, i)));
-        if (const auto number = numberBehind(name, prefix)) numbered.emplace_back(*number, i);
-    }
-    std::sort(numbered.begin(), numbered.end());
-    std::vector<Node> values;
-    for (const auto& [number, pair] : numbered) {
-        if (number > values.size()) break;
-        if (number == values.size()) values.push_back(list.node(list.value(dictionary, pair)));
-    }
-    return values;
 }
 
 Value Decoder::decodeDictionary(const Instance& instance) {
@@ -137,6 +109,44 @@ Value Decoder::decodeDictionary(const Instance& instance) {
     for (std::size_t i = 0; i < count; ++i)
         pairs.emplace_back(keys[i], values[i]);
     return std::make_shared<Dictionary>(std::move(pairs));
+}
+
+/// The inline list under one key or else the values of numbered keys.
+std::vector<Value> Decoder::decodeElements(const Instance& instance, const Key& listKey,
+                                           std::string_view numberedPrefix) {
+    const Node list = instance.value(listKey);
+    const bool isList = list.kind() == Kind::array;
+    const std::vector<Ref> numbered =
+        isList ? std::vector<Ref>() : numberedValues(instance, numberedPrefix);
+    const quint64 count = isList ? list.count() : numbered.size();
+    if (count > elementLimit(archive_.fileSize())) throw excessError("elements in one collection");
+    limits_.elements.spend(count);
+
+    std::vector<Value> values;
+    values.reserve(count);
+    for (quint64 i = 0; i < count; ++i) {
+        const Ref value = isList ? archive_.list().element(list, i) : numbered[i];
+        values.push_back(decodeValue(value, {listKey.name()}));
+    }
+    return values;
+}
+
+std::vector<Ref> Decoder::numberedValues(const Instance& instance, std::string_view prefix) {
+    const Node dictionary = instance.dictionary();
+    const BinaryPropertyList& list = archive_.list();
+    limits_.steps.spend(dictionary.count());
+    std::vector<std::pair<quint64, quint64>> numbered;  // number, pair
+    for (quint64 i = 0; i < dictionary.count(); ++i) {
+        const QByteArrayView name = Archive::ascii(list.node(list.key(dictionary, i)));
+        if (const auto number = numberBehind(name, prefix)) numbered.emplace_back(*number, i);
+    }
+    std::sort(numbered.begin(), numbered.end());
+    std::vector<Ref> values;
+    for (const auto& [number, pair] : numbered) {
+        if (number > values.size()) break;
+        if (number == values.size()) values.push_back(list.value(dictionary, pair));
+    }
+    return values;
 }
 
 }  // namespace foundation::keyed

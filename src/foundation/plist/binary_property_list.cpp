@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/plist/binary_property_list.h"
 
+#include <algorithm>
 #include <bit>
 #include <limits>
 
@@ -9,7 +10,6 @@
 namespace foundation {
 namespace {
 
-constexpr quint64 magicSize = 8;
 constexpr quint64 trailerSize = 32;
 constexpr quint64 largestCount = quint64(std::numeric_limits<qint64>::max());
 
@@ -37,104 +37,82 @@ bool BinaryPropertyList::readTrailer() {
     refSize_ = static_cast<quint8>(trailer[7]);
     objectCount_ = qFromBigEndian<quint64>(trailer + 8);
     topObject_ = qFromBigEndian<quint64>(trailer + 16);
-    tableOffset_ = qFromBigEndian<quint64>(trailer + 24);
+    const auto tableOffset = qFromBigEndian<quint64>(trailer + 24);
 
     if (offsetSize_ < 1 || offsetSize_ > 8 || refSize_ < 1 || refSize_ > 8) return false;
     if (objectCount_ < 1 || objectCount_ > largestCount || topObject_ >= objectCount_) return false;
-    if (tableOffset_ <= magicSize || tableOffset_ >= size - trailerSize) return false;
+    if (tableOffset <= magicSize || tableOffset >= size - trailerSize) return false;
     const auto tableSize = tryMultiply<quint64>(objectCount_, offsetSize_);
-    if (!tableSize || *tableSize != size - trailerSize - tableOffset_) return false;
-    return canAddress(refSize_, objectCount_) && canAddress(offsetSize_, tableOffset_);
+    if (!tableSize || *tableSize != size - trailerSize - tableOffset) return false;
+    table_ = begin_ + tableOffset;
+    for (const unsigned oneByte : {0x4, 0x5})
+        itemSizes_[oneByte] = 1;
+    itemSizes_[0x6] = 2;
+    for (const unsigned list : {0xa, 0xc})
+        itemSizes_[list] = refSize_;
+    itemSizes_[0xd] = static_cast<quint8>(2 * refSize_);
+    return canAddress(refSize_, objectCount_) && canAddress(offsetSize_, tableOffset);
 }
 
 bool BinaryPropertyList::offsetsLieInObjectTable() const {
-    const char* table = begin_ + tableOffset_;
     quint64 largest = 0;
-    for (quint64 i = 0; i < objectCount_; ++i) {
-        const quint64 offset = load(table + i * offsetSize_, offsetSize_);
-        largest = offset > largest ? offset : largest;
-    }
-    return largest < tableOffset_ &&
-           load(table + topObject_ * offsetSize_, offsetSize_) >= magicSize;
+    for (quint64 i = 0; i < objectCount_; ++i)
+        largest = std::max(largest, load(table_ + i * offsetSize_, offsetSize_));
+    return largest < quint64(table_ - begin_) && marker(topObject_);
 }
 
-BinaryPropertyList::Node BinaryPropertyList::scalar(unsigned char marker, const char* payload,
-                                                    quint64 room) const {
+BinaryPropertyList::Node BinaryPropertyList::scalar(const char* at, quint64 room) {
+    const auto marker = static_cast<unsigned char>(*at);
+    const char* const payload = at + 1;
     const unsigned low = marker & 0x0f;
     switch (marker >> 4) {
         case 0x0:
-            if (marker == 0x00) return {.kind = Kind::null};
-            if (marker == 0x08 || marker == 0x09)
-                return {.kind = Kind::boolean, .count = marker & 1u};
+            if (marker == 0x00) return Node::scalar(Kind::null, 0);
+            if (marker == 0x08 || marker == 0x09) return Node::scalar(Kind::boolean, marker & 1u);
             return {};
         case 0x1: {
             const unsigned size = 1u << (low & 7);
             if (low > 4 || size > room) return {};
             // One, two and four bytes are unsigned, eight are signed; of sixteen the lower half
             // counts, unsigned.
-            if (size == 16) {
-                const auto value = qFromBigEndian<quint64>(payload + 8);
-                return {.kind = Kind::integer, .isSigned = value <= largestCount, .count = value};
-            }
-            return {.kind = Kind::integer, .count = load(payload, size)};
+            if (size < 16) return Node::scalar(Kind::integer, load(payload, size));
+            const quint64 value = load(payload + 8, 8);
+            return Node::scalar(value > largestCount ? Kind::hugeInteger : Kind::integer, value);
         }
         case 0x2:
             if (marker == 0x22 && room >= 4) {
-                const auto real = std::bit_cast<float>(qFromBigEndian<quint32>(payload));
-                return {.kind = Kind::real, .count = std::bit_cast<quint64>(double(real))};
+                const double real = std::bit_cast<float>(quint32(load(payload, 4)));
+                return Node::scalar(Kind::real, std::bit_cast<quint64>(real));
             }
-            if (marker == 0x23 && room >= 8) return {.kind = Kind::real, .count = load(payload, 8)};
+            if (marker == 0x23 && room >= 8) return Node::scalar(Kind::real, load(payload, 8));
             return {};
         case 0x3:
-            if (marker == 0x33 && room >= 8) return {.kind = Kind::date, .count = load(payload, 8)};
+            if (marker == 0x33 && room >= 8) return Node::scalar(Kind::date, load(payload, 8));
             return {};
-        default: {
-            const unsigned size = low + 1;
-            if (size > 8 || size > room) return {};
-            const quint64 value = load(payload, size);
-            if (value > std::numeric_limits<quint32>::max()) return {};
-            return {.kind = Kind::uid, .count = value};
+        case 0x8: {
+            const quint64 value = readUid(at, room);
+            return value == none ? Node() : Node::scalar(Kind::uid, value);
         }
-    }
-}
-
-BinaryPropertyList::Node BinaryPropertyList::counted(unsigned char marker, const char* payload,
-                                                     quint64 room) const {
-    quint64 count = marker & 0x0f;
-    if (count == 0x0f) {
-        if (room < 1 || (*payload & 0xf0) != 0x10) return {};
-        const Node inlined = scalar(static_cast<unsigned char>(*payload), payload + 1, room - 1);
-        if (inlined.kind != Kind::integer || inlined.count > largestCount) return {};
-        count = inlined.count;
-        const quint64 skipped = 1 + (quint64(1) << (*payload & 0x0f));
-        payload += skipped;
-        room -= skipped;
-    }
-    const auto fitting = [&](Kind kind, quint64 width) -> Node {
-        if (count > room / width) return {};
-        return {.kind = kind, .count = count, .payload = payload};
-    };
-    switch (marker >> 4) {
-        case 0x4:
-            return fitting(Kind::data, 1);
-        case 0x5:
-            return fitting(Kind::asciiString, 1);
-        case 0x6:
-            return fitting(Kind::utf16String, 2);
-        case 0xa:
-            return fitting(Kind::array, refSize_);
-        case 0xc:
-            return fitting(Kind::set, refSize_);
-        case 0xd:
-            return fitting(Kind::dictionary, quint64(2) * refSize_);
         default:
             return {};
     }
 }
 
+/// A node whose count stands before its items, as an integer of any size.
+BinaryPropertyList::Node BinaryPropertyList::withLongCount(Kind kind, const char* at, quint64 room,
+                                                           quint8 itemSize) {
+    const unsigned size = 1u << (*at & 0x07);
+    if (room <= size || (*at & 0xf8) != 0x10 || size > 16) return {};
+    const quint64 count = size == 16 ? load(at + 9, 8) : load(at + 1, size);
+    room -= 1 + size;
+    // The first comparison keeps the product of the second small.
+    if (count > room || count * itemSize > room) return {};
+    return Node::items(kind, count, at + 1 + size);
+}
+
 Data BinaryPropertyList::slice(const Node& node) const {
-    const quint64 size = node.kind == Kind::utf16String ? 2 * node.count : node.count;
-    return data_.slice(node.payload - begin_, qsizetype(size));
+    const quint64 size = node.kind() == Kind::utf16String ? 2 * node.count() : node.count();
+    return data_.slice(node.payload() - begin_, qsizetype(size));
 }
 
 }  // namespace foundation

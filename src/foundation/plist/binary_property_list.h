@@ -8,6 +8,7 @@
 
 #include <QtEndian>
 #include <QtGlobal>
+#include <array>
 #include <optional>
 
 #include "foundation/data.h"
@@ -18,12 +19,16 @@ class BinaryPropertyList {
   public:
     /// Names one object; valid below objectCount().
     using Ref = quint64;
+    /// No object, no UID. (An optional would take a detour through memory wherever it is passed on,
+    /// which shows where this is done by the million.)
+    static constexpr quint64 none = ~quint64(0);
 
     enum class Kind : quint8 {
         invalid,  ///< a reference out of range or an object that breaks the format
         null,
         boolean,
         integer,
+        hugeInteger,  ///< above the signed range
         real,
         date,
         data,
@@ -35,16 +40,39 @@ class BinaryPropertyList {
         dictionary,
     };
 
-    /// One object, not owning: valid as long as the list.
-    struct Node {
-        Kind kind = Kind::invalid;
-        /// False for an integer above the signed range.
-        bool isSigned = true;
-        /// Bytes of data and ASCII, units of UTF-16, elements, pairs; the value itself for
-        /// booleans, integers (two's complement) and UIDs, the bits of a double for reals and
+    /// One object, not owning: valid as long as the list. Two words, so that it travels in
+    /// registers.
+    class Node {
+      public:
+        Node() = default;
+        static Node scalar(Kind kind, quint64 value) {
+            Node node;
+            node.value_ = value;
+            node.tag_ = quint64(kind);
+            return node;
+        }
+        static Node items(Kind kind, quint64 count, const char* payload) {
+            Node node;
+            node.payload_ = payload;
+            node.tag_ = count << 8 | quint64(kind);
+            return node;
+        }
+
+        [[nodiscard]] Kind kind() const { return Kind(tag_ & 0xff); }
+        /// Bytes of data and ASCII, units of UTF-16, elements, pairs; less than 2^56.
+        [[nodiscard]] quint64 count() const { return tag_ >> 8; }
+        /// The items' bytes.
+        [[nodiscard]] const char* payload() const { return payload_; }
+        /// Of booleans, UIDs and integers (two's complement); the bits of a double for reals and
         /// dates.
-        quint64 count = 0;
-        const char* payload = nullptr;
+        [[nodiscard]] quint64 value() const { return value_; }
+
+      private:
+        union {
+            quint64 value_ = 0;
+            const char* payload_;
+        };
+        quint64 tag_ = quint64(Kind::invalid);
     };
 
     /// Nothing when the frame is malformed. Accepts any character at the last place of the magic.
@@ -54,13 +82,16 @@ class BinaryPropertyList {
     [[nodiscard]] quint64 objectCount() const { return objectCount_; }
     [[nodiscard]] Ref topObject() const { return topObject_; }
     [[nodiscard]] Node node(Ref ref) const;
+    /// The value when the object is a UID, else none: what node() says, in the few steps this
+    /// needs.
+    [[nodiscard]] quint64 uid(Ref ref) const;
     /// The bytes of the references to a dictionary's keys.
     [[nodiscard]] QByteArrayView keyRefBytes(const Node& dictionary) const {
-        return {dictionary.payload, qsizetype(dictionary.count * refSize_)};
+        return {dictionary.payload(), qsizetype(dictionary.count() * refSize_)};
     }
     /// The element of an array or set; the index must lie below its count.
     [[nodiscard]] Ref element(const Node& array, quint64 index) const {
-        return load(array.payload + index * refSize_, refSize_);
+        return load(array.payload() + index * refSize_, refSize_);
     }
     /// The key of a dictionary's pair; the index must lie below its count.
     [[nodiscard]] Ref key(const Node& dictionary, quint64 index) const {
@@ -68,42 +99,70 @@ class BinaryPropertyList {
     }
     /// The value of a dictionary's pair; the index must lie below its count.
     [[nodiscard]] Ref value(const Node& dictionary, quint64 index) const {
-        return element(dictionary, dictionary.count + index);
+        return element(dictionary, dictionary.count() + index);
     }
     /// The bytes of a data or string object, a slice of the file's.
     [[nodiscard]] Data slice(const Node& node) const;
 
   private:
+    static constexpr quint64 magicSize = 8;
+
     BinaryPropertyList() = default;
 
     Data data_;
     const char* begin_ = nullptr;
-    quint64 tableOffset_ = 0;  ///< of the offset table, where the object table ends
+    const char* table_ = nullptr;  ///< the offset table, where the object table ends
     quint64 objectCount_ = 0;
     quint64 topObject_ = 0;
     quint8 offsetSize_ = 0;
     quint8 refSize_ = 0;
+    /// By the high half of a marker: the bytes that each of its items takes; 0 for what has none.
+    std::array<quint8, 16> itemSizes_{};
 
     /// A big-endian integer of 1 to 8 bytes. It loads eight: the trailer follows everything that is
     /// ever read this way, so the rest of them lies inside the file.
     [[nodiscard]] static quint64 load(const char* bytes, unsigned size) {
         return qFromBigEndian<quint64>(bytes) >> (64 - 8 * size);
     }
+    /// Where an object's marker stands; null for none.
+    [[nodiscard]] const char* marker(Ref ref) const {
+        if (ref >= objectCount_) return nullptr;
+        const quint64 offset = load(table_ + ref * offsetSize_, offsetSize_);
+        return offset < magicSize ? nullptr : begin_ + offset;
+    }
+    [[nodiscard]] static quint64 readUid(const char* marker, quint64 room) {
+        const unsigned size = (static_cast<unsigned char>(*marker) & 0x0fu) + 1;
+        if (size > 8 || size > room) return none;
+        const quint64 value = load(marker + 1, size);
+        return value > 0xffffffffu ? none : value;
+    }
     [[nodiscard]] bool readTrailer();
     [[nodiscard]] bool offsetsLieInObjectTable() const;
-    [[nodiscard]] Node scalar(unsigned char marker, const char* payload, quint64 room) const;
-    [[nodiscard]] Node counted(unsigned char marker, const char* payload, quint64 room) const;
+    [[nodiscard]] static Node scalar(const char* marker, quint64 room);
+    [[nodiscard]] static Node withLongCount(Kind kind, const char* count, quint64 room,
+                                            quint8 itemSize);
 };
 
 inline BinaryPropertyList::Node BinaryPropertyList::node(Ref ref) const {
-    if (ref >= objectCount_) return {};
-    const quint64 offset = load(begin_ + tableOffset_ + ref * offsetSize_, offsetSize_);
-    if (offset < 8) return {};
-    const auto marker = static_cast<unsigned char>(begin_[offset]);
-    const char* payload = begin_ + offset + 1;
-    const quint64 room = tableOffset_ - offset - 1;
-    return marker < 0x40 || (marker & 0xf0) == 0x80 ? scalar(marker, payload, room)
-                                                    : counted(marker, payload, room);
+    static constexpr std::array<Kind, 16> kinds{
+        Kind::invalid, Kind::invalid,     Kind::invalid,     Kind::invalid,
+        Kind::data,    Kind::asciiString, Kind::utf16String, Kind::invalid,
+        Kind::invalid, Kind::invalid,     Kind::array,       Kind::invalid,
+        Kind::set,     Kind::dictionary,  Kind::invalid,     Kind::invalid};
+    const char* const at = marker(ref);
+    if (!at) return {};
+    const auto room = quint64(table_ - at - 1);
+    const unsigned high = static_cast<unsigned char>(*at) >> 4;
+    const unsigned low = static_cast<unsigned char>(*at) & 0x0fu;
+    if (itemSizes_[high] == 0) return scalar(at, room);
+    if (low == 0x0f) return withLongCount(kinds[high], at + 1, room, itemSizes_[high]);
+    return low * itemSizes_[high] <= room ? Node::items(kinds[high], low, at + 1) : Node();
+}
+
+inline quint64 BinaryPropertyList::uid(Ref ref) const {
+    const char* const at = marker(ref);
+    if (!at || (*at & 0xf0) != 0x80) return none;
+    return readUid(at, quint64(table_ - at - 1));
 }
 
 }  // namespace foundation
