@@ -100,6 +100,7 @@ class Value {
     [[nodiscard]] std::shared_ptr<const T> object() const& {
         return isA<T>() ? std::static_pointer_cast<const T>(object_) : nullptr;
     }
+    /// The same, taken out of a value that nobody needs any more.
     template <class T>
     [[nodiscard]] std::shared_ptr<const T> object() && {
         return isA<T>() ? std::static_pointer_cast<const T>(std::move(object_)) : nullptr;
