@@ -48,8 +48,7 @@ class Conversation {
         static constexpr std::array gaps{3, 8, 20, 70, 400, 9000};
         time_ += oneOf(gaps);
         const QString words = text();
-        Message message{
-            .sender = random_() % 3, .date = time_, .originalText = words, .isRead = true};
+        Message message{.sender = random_() % 3, .date = time_, .originalText = words};
         if (number % 10 == 9) {
             message.body = {
                 support::words(words.first(30)),
