@@ -8,27 +8,40 @@
 
 namespace foundation {
 
-AttributedString::AttributedString(QString text, std::vector<Run> runs) : text_(std::move(text)) {
+AttributeRuns::AttributeRuns(std::vector<AttributeRun> runs) {
+    if (runs.size() == 1)
+        first_ = std::move(runs.front());
+    else
+        more_ = std::move(runs);
+}
+
+void AttributeRuns::append(AttributeRun run) {
+    if (more_.empty() && first_.length == 0) {
+        first_ = std::move(run);
+        return;
+    }
+    if (more_.empty()) more_.push_back(std::exchange(first_, {}));
+    more_.push_back(std::move(run));
+}
+
+AttributedString::AttributedString(QString text, AttributeRuns runs)
+    : text_(std::move(text)), runs_(std::move(runs)) {
     qsizetype covered = 0;
-    for (const Run& run : runs) {
+    for (const Run& run : runs_.span()) {
         if (run.length < 1) fatal("an attribute run without characters");
         covered = checkedAdd(covered, run.length);
     }
     if (covered != text_.size()) fatal("attribute runs do not cover their text");
-    if (runs.size() == 1)
-        only_ = std::move(runs.front());
-    else
-        several_ = std::move(runs);
 }
 
 void AttributeRunBuilder::add(quint64 length, std::shared_ptr<const Attributes> attributes) {
     const auto clamped = static_cast<qsizetype>(std::min(length, static_cast<quint64>(remaining_)));
     if (clamped == 0) return;
     remaining_ -= clamped;
-    runs_.push_back({clamped, std::move(attributes)});
+    runs_.append({clamped, std::move(attributes)});
 }
 
-std::vector<AttributedString::Run> AttributeRunBuilder::finish() {
+AttributeRuns AttributeRunBuilder::finish() {
     if (remaining_ > 0) add(static_cast<quint64>(remaining_), nullptr);
     return std::move(runs_);
 }

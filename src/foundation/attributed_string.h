@@ -22,26 +22,44 @@ struct Attributes {
     Value inlineFilePath;  ///< "FezInlineFilePath"
 };
 
+/// A stretch of a text with the same attributes.
+struct AttributeRun {
+    qsizetype length = 0;  ///< UTF-16 units, at least 1
+    /// Null when none of the three is set.
+    std::shared_ptr<const Attributes> attributes;
+};
+
+/// Runs in text order. Most texts have one, which takes no memory of its own.
+class AttributeRuns {
+  public:
+    AttributeRuns() = default;
+    /// None when its length is 0.
+    AttributeRuns(AttributeRun only) : first_(std::move(only)) {}
+    AttributeRuns(std::vector<AttributeRun> runs);
+
+    [[nodiscard]] std::span<const AttributeRun> span() const {
+        return more_.empty() ? std::span(&first_, first_.length > 0) : std::span(more_);
+    }
+    void append(AttributeRun run);
+
+  private:
+    AttributeRun first_;
+    std::vector<AttributeRun> more_;  ///< all of them, where there are several
+};
+
 class AttributedString final : public Object {
   public:
-    struct Run {
-        qsizetype length = 0;  ///< UTF-16 units, at least 1
-        /// Null when none of the three is set.
-        std::shared_ptr<const Attributes> attributes;
-    };
+    using Run = AttributeRun;
 
     /// The runs must cover the text exactly.
-    AttributedString(QString text, std::vector<Run> runs);
+    AttributedString(QString text, AttributeRuns runs);
     /// One run over the whole text.
     AttributedString(QString text, std::shared_ptr<const Attributes> attributes)
-        : text_(std::move(text)), only_{text_.size(), std::move(attributes)} {}
+        : text_(std::move(text)), runs_({text_.size(), std::move(attributes)}) {}
 
     [[nodiscard]] const QString& text() const { return text_; }
     /// In text order; none for empty text.
-    [[nodiscard]] std::span<const Run> runs() const {
-        if (!several_.empty()) return several_;
-        return {&only_, only_.length > 0 ? std::size_t(1) : 0};
-    }
+    [[nodiscard]] std::span<const Run> runs() const { return runs_.span(); }
 
     [[nodiscard]] QByteArray className() const override { return "NSAttributedString"; }
     /// The text.
@@ -49,8 +67,7 @@ class AttributedString final : public Object {
 
   private:
     QString text_;
-    Run only_;  ///< most texts have one; in place it costs no allocation
-    std::vector<Run> several_;
+    AttributeRuns runs_;
 };
 
 /// Builds runs that cover a text whatever the archive says: clamps at its end, leaves out empty
@@ -59,11 +76,11 @@ class AttributeRunBuilder {
   public:
     explicit AttributeRunBuilder(qsizetype textLength) : remaining_(textLength) {}
     void add(quint64 length, std::shared_ptr<const Attributes> attributes);
-    [[nodiscard]] std::vector<AttributedString::Run> finish();
+    [[nodiscard]] AttributeRuns finish();
 
   private:
     qsizetype remaining_;
-    std::vector<AttributedString::Run> runs_;
+    AttributeRuns runs_;
 };
 
 /// "NSTextAttachment" and its subclasses.

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "foundation/non_keyed/positional_coder.h"
+#include "foundation/object_memory.h"
 #include "foundation/url.h"
 
 namespace foundation::nonkeyed {
@@ -111,11 +112,7 @@ void ObjectRebuilder::rebuild(quint32 number, const ClassRecord& cls,
     table_.set(number, {.kind = ObjectTable::Kind::object,
                         .height = height,
                         .index = static_cast<quint32>(rebuilt_.size())});
-    rebuilt_.push_back(std::move(result));
-}
-
-Value ObjectRebuilder::value(const StreamValue& value) {
-    return value.kind == Kind::object ? valueOf(value.number) : Value();
+    rebuilt_.emplace_back(std::move(result));
 }
 
 Value ObjectRebuilder::rebuilt(const ClassRecord& cls, std::span<const StreamValue> values) {
@@ -185,7 +182,7 @@ Value ObjectRebuilder::url(std::span<const StreamValue> values) {
     std::optional<QString> relative;
     std::shared_ptr<const URL> base;
     for (const StreamValue& item : values) {
-        const Value object = value(item);
+        const Value& object = value(item);
         if (const QString* text = object.string(); text && !relative) relative = *text;
         if (!base) base = object.object<URL>();
     }
@@ -226,7 +223,7 @@ void ObjectRebuilder::addDictionary(quint32 number, std::span<const StreamValue>
         // What is absent now stays so, although the objects around this one will be finished.
         const bool isThere = item.kind == Kind::object &&
                              table_[item.number].kind != ObjectTable::Kind::absentObject;
-        members_.push_back(isThere ? item.number : kNoNumber);
+        members_.emplace_back(isThere ? item.number : kNoNumber);
         ++count;
     }
     count &= ~1u;
@@ -234,10 +231,10 @@ void ObjectRebuilder::addDictionary(quint32 number, std::span<const StreamValue>
     table_.set(number, {.kind = ObjectTable::Kind::dictionary,
                         .height = height,
                         .index = static_cast<quint32>(dictionaries_.size())});
-    dictionaries_.push_back({.firstMember = first,
-                             .memberCount = count,
-                             .attributes = attributesAmong(first, count),
-                             .value = {}});
+    dictionaries_.emplace_back(ArchivedDictionary{.firstMember = first,
+                                                  .memberCount = count,
+                                                  .attributes = attributesAmong(first, count),
+                                                  .value = {}});
 }
 
 std::shared_ptr<const Attributes> ObjectRebuilder::attributesAmong(quint32 firstMember,
@@ -274,8 +271,8 @@ const std::shared_ptr<const Attributes>* ObjectRebuilder::attributesOf(const Str
 Value ObjectRebuilder::attributedString(std::span<const StreamValue> values) {
     const auto* first = find(values, [](const StreamValue& value) { return value.isObject(); });
     if (!first) return {};
-    const Value text = value(*first);
-    QString string = text.string() ? *text.string() : QString();
+    const QString* text = value(*first).string();
+    QString string = text ? *text : QString();
     AttributeRunBuilder builder(string.size());
     numberedAttributes_.clear();
     for (auto at = first + 1; at < values.data() + values.size();) {
@@ -291,15 +288,15 @@ Value ObjectRebuilder::attributedString(std::span<const StreamValue> values) {
         builder.add(static_cast<quint32>(length.integer), attributes ? *attributes : nullptr);
     }
     auto result = builder.finish();
-    budget_.takeKept(kObjectSize + result.capacity() * sizeof(AttributedString::Run));
-    return std::make_shared<AttributedString>(std::move(string), std::move(result));
+    budget_.takeKept(kObjectSize + result.span().size() * sizeof(AttributeRun));
+    return makeObject<AttributedString>(std::move(string), std::move(result));
 }
 
 /// The order of what an attachment holds is not relied upon: each part is known by its class.
 Value ObjectRebuilder::textAttachment(std::span<const StreamValue> values) {
     auto attachment = std::make_shared<TextAttachment>();
     for (const StreamValue& item : values) {
-        const Value object = value(item);
+        const Value& object = value(item);
         if (!attachment->fileWrapper) attachment->fileWrapper = object.object<FileWrapper>();
         if (const Data* bytes = object.data(); bytes && !attachment->contents)
             attachment->contents = *bytes;
@@ -319,7 +316,7 @@ Value ObjectRebuilder::fileWrapper(std::span<const StreamValue> values) {
     std::optional<Data> serialized;
     for (const StreamValue& item : values) {
         if (item.kind == Kind::bytes) serialized = slice(item);
-        const Value object = value(item);
+        const Value& object = value(item);
         if (const Data* bytes = object.data()) serialized = *bytes;
         if (serialized) break;
     }
@@ -340,32 +337,31 @@ Value ObjectRebuilder::application(const ClassInfo& info, std::span<const Stream
     return info.initWithCoder(coder);
 }
 
-Value ObjectRebuilder::valueOf(quint32 number) {
-    if (number == kNoNumber) return {};
+const Value& ObjectRebuilder::valueOf(quint32 number) {
+    if (number == kNoNumber) return nothing_;
     const auto& entry = table_[number];
     if (entry.kind == ObjectTable::Kind::object) return rebuilt_[entry.index];
-    if (entry.kind != ObjectTable::Kind::dictionary) return {};
-    ArchivedDictionary& dictionary = dictionaries_[entry.index];
-    if (dictionary.value.isNothing()) {
-        budget_.takeKept(kObjectSize + dictionary.memberCount * sizeof(Value));
-        std::vector<std::pair<Value, Value>> pairs;
-        pairs.reserve(dictionary.memberCount / 2);
-        for (quint32 i = 0; i < dictionary.memberCount; i += 2) {
-            const auto member = [&](quint32 n) {
-                return valueOf(members_[dictionary.firstMember + n]);
-            };
-            pairs.emplace_back(member(i), member(i + 1));
-        }
-        dictionary.value = std::make_shared<Dictionary>(std::move(pairs));
-    }
+    if (entry.kind == ObjectTable::Kind::dictionary)
+        return dictionaryValue(dictionaries_[entry.index]);
+    return nothing_;
+}
+
+const Value& ObjectRebuilder::dictionaryValue(ArchivedDictionary& dictionary) {
+    if (!dictionary.value.isNothing()) return dictionary.value;
+    budget_.takeKept(kObjectSize + dictionary.memberCount * sizeof(Value));
+    const auto member = [&](quint32 i) { return valueOf(members_[dictionary.firstMember + i]); };
+    std::vector<std::pair<Value, Value>> pairs;
+    pairs.reserve(dictionary.memberCount / 2);
+    for (quint32 i = 0; i < dictionary.memberCount; i += 2)
+        pairs.emplace_back(member(i), member(i + 1));
+    dictionary.value = std::make_shared<Dictionary>(std::move(pairs));
     return dictionary.value;
 }
 
-quint8 ObjectRebuilder::heightOf(std::span<const StreamValue> values) const {
-    int height = 0;
-    for (const StreamValue& value : values) {
-        if (value.kind == Kind::object) height = std::max<int>(height, table_[value.number].height);
-    }
+quint8 ObjectRebuilder::heightOf(std::span<const StreamValue> values) {
+    quint8 height = 0;
+    for (const StreamValue& value : values)
+        height = std::max(height, value.height);
     if (height == kMaximumHeight) throw MalformedArchive();
     return static_cast<quint8>(height + 1);
 }

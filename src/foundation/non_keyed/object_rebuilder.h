@@ -5,12 +5,12 @@
 // class stands for. Objects end innermost first, so all that an object holds is there already,
 // except the objects around it, which count as absent: rebuilt graphs hold no cycles.
 
-#include <deque>
 #include <memory>
 #include <span>
 #include <unordered_map>
 
 #include "foundation/attributed_string.h"
+#include "foundation/non_keyed/chunked_vector.h"
 #include "foundation/non_keyed/memory_budget.h"
 #include "foundation/non_keyed/object_table.h"
 #include "foundation/non_keyed/stream_value.h"
@@ -33,8 +33,11 @@ class ObjectRebuilder {
     [[nodiscard]] static Needs needs(const ClassRecord& cls);
     /// Rebuilds the object of that number, which must not be finished yet.
     void rebuild(quint32 number, const ClassRecord& cls, std::span<const StreamValue> values);
-    /// The object that the value holds; nothing when it is nil, absent or no object.
-    [[nodiscard]] Value value(const StreamValue& value);
+    /// The object that the value holds; nothing when it is nil, absent or no object. Valid as long
+    /// as the rebuilder.
+    [[nodiscard]] const Value& value(const StreamValue& value) {
+        return value.kind == StreamValue::Kind::object ? valueOf(value.number) : nothing_;
+    }
 
   private:
     struct ArchivedDictionary {
@@ -58,17 +61,19 @@ class ObjectRebuilder {
     void addDictionary(quint32 number, std::span<const StreamValue> values, quint8 height);
     std::shared_ptr<const Attributes> attributesAmong(quint32 firstMember, quint32 memberCount);
     [[nodiscard]] const std::shared_ptr<const Attributes>* attributesOf(const StreamValue& value);
-    Value valueOf(quint32 number);
+    const Value& valueOf(quint32 number);
+    const Value& dictionaryValue(ArchivedDictionary& dictionary);
     [[nodiscard]] quint64 storedCount(std::span<const StreamValue> values) const;
-    [[nodiscard]] quint8 heightOf(std::span<const StreamValue> values) const;
+    [[nodiscard]] static quint8 heightOf(std::span<const StreamValue> values);
     [[nodiscard]] Data slice(const StreamValue& value) const;
 
+    const Value nothing_;
     const Data& data_;
     ObjectTable& table_;
     MemoryBudget& budget_;
-    std::deque<Value> rebuilt_;
-    std::deque<ArchivedDictionary> dictionaries_;
-    std::deque<quint32> members_;
+    ChunkedVector<Value> rebuilt_;
+    ChunkedVector<ArchivedDictionary> dictionaries_;
+    ChunkedVector<quint32> members_;
     std::unordered_map<const char*, Value> opaqueByName_;
     std::unordered_map<const char*, std::shared_ptr<const FileWrapper>> wrappersBySource_;
     /// Of the attributed string being rebuilt, by their number less one.

@@ -4,8 +4,8 @@
 // ObjectTable: what the references of a non-keyed archive point to. Objects, classes and C strings
 // share one sequence of numbers, in the order in which they begin; each takes one small entry.
 
-#include <deque>
 #include <string_view>
+#include <vector>
 
 #include "foundation/class_registry.h"
 
@@ -44,7 +44,7 @@ class ObjectTable {
     void set(quint32 number, Entry entry) { entries_[number] = entry; }
 
   private:
-    std::deque<Entry> entries_;
+    std::vector<Entry> entries_;
 };
 
 }  // namespace foundation::nonkeyed

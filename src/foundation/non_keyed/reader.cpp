@@ -1,24 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/non_keyed/reader.h"
 
-#include <array>
-
 namespace foundation::nonkeyed {
 
 namespace {
 
 using Kind = StreamValue::Kind;
 
-/// What the first entry of a table is called in references: below zero, so that the first 110 of
-/// them take one byte apart from the marks.
-constexpr qint64 kFirstReference = -110;
 /// Objects and brackets inside one another; real archives stay below 30.
 constexpr int kMaximumNesting = 256;
-constexpr int kMaximumClassChain = 64;
+constexpr size_t kMaximumClassChain = 64;
 /// An array of more elements than this and an eighth of the archive's size is no honest one.
 constexpr size_t kArrayAllowance = 4096;
 /// Values of unfinished objects, above a quarter of the archive's size.
 constexpr size_t kValueAllowance = size_t(1) << 20;
+
+constexpr quint8 kNew = static_cast<quint8>(Mark::isNew);
+constexpr quint8 kNil = static_cast<quint8>(Mark::nil);
+constexpr quint8 kEndOfObject = static_cast<quint8>(Mark::endOfObject);
 
 }  // namespace
 
@@ -46,8 +45,11 @@ std::span<const StreamValue> Reader::readGroup() {
 }
 
 void Reader::readGroupOf(quint32 types, bool keeps) {
-    const auto [text, first, end] = typesOf(types);
-    for (quint32 at = first; at < end;) {
+    SharedString& shared = strings_[types];
+    if (shared.endOp == 0) readTypesOf(shared);
+    // The table may grow while the values are read.
+    const quint32 end = shared.endOp;
+    for (quint32 at = shared.firstOp; at < end;) {
         const quint32 next = ops_[at].end;
         const StreamValue value = readValue(at);
         if (keeps) keep(value);
@@ -120,28 +122,31 @@ void Reader::skipBody(quint32 first, quint32 end) {
 }
 
 StreamValue Reader::readObject() {
-    if (stream_.takes(Mark::nil)) return StreamValue::of(Kind::nil, '@');
+    const quint8 head = stream_.byte();
+    if (head == kNil) return StreamValue::of(Kind::nil, '@');
     StreamValue result = StreamValue::of(Kind::object, '@');
-    if (!stream_.takes(Mark::isNew)) {
-        result.number = readReference(table_.size());
-        const auto kind = table_[result.number].kind;
-        if (kind > ObjectTable::Kind::dictionary) throw MalformedArchive();
-        return result;
+    if (head == kNew) {
+        result.number = addEntry({});
+        const ClassRecord* cls = readClass();
+        if (!cls) throw MalformedArchive();
+        enter();
+        readObjectBody(result.number, *cls);
+        leave();
+    } else {
+        result.number = readReference(head, table_.size());
+        if (table_[result.number].kind > ObjectTable::Kind::dictionary) throw MalformedArchive();
     }
-    result.number = addEntry({});
-    const ClassRecord* cls = readClass();
-    if (!cls) throw MalformedArchive();
-    enter();
-    readObjectBody(result.number, *cls);
-    leave();
+    result.height = table_[result.number].height;
     return result;
 }
 
 void Reader::readObjectBody(quint32 number, const ClassRecord& cls) {
     const size_t first = values_.size();
-    const ObjectRebuilder::Needs needs = rebuilder_.needs(cls);
-    while (!stream_.takes(Mark::endOfObject)) {
-        const auto types = readSharedString();
+    const ObjectRebuilder::Needs needs = ObjectRebuilder::needs(cls);
+    while (true) {
+        const quint8 head = stream_.byte();
+        if (head == kEndOfObject) break;
+        const auto types = readSharedString(head);
         if (!types) throw MalformedArchive();
         readGroupOf(*types, needs != ObjectRebuilder::Needs::nothing);
         if (needs == ObjectRebuilder::Needs::elements &&
@@ -153,15 +158,16 @@ void Reader::readObjectBody(quint32 number, const ClassRecord& cls) {
 }
 
 StreamValue Reader::readCString() {
-    if (stream_.takes(Mark::nil)) return StreamValue::of(Kind::nil, '*');
+    const quint8 head = stream_.byte();
+    if (head == kNil) return StreamValue::of(Kind::nil, '*');
     quint32 string = 0;
-    if (stream_.takes(Mark::isNew)) {
+    if (head == kNew) {
         const auto body = readSharedString();
         if (!body) throw MalformedArchive();
         string = *body;
         addEntry({.kind = ObjectTable::Kind::cString, .index = string});
     } else {
-        const auto& entry = table_[readReference(table_.size())];
+        const auto& entry = table_[readReference(head, table_.size())];
         if (entry.kind != ObjectTable::Kind::cString) throw MalformedArchive();
         string = entry.index;
     }
@@ -174,30 +180,35 @@ StreamValue Reader::readShared(char type) {
     return StreamValue::ofBytes(Kind::text, type, strings_[*string].text);
 }
 
+const ClassRecord* Reader::classAt(quint32 number) const {
+    const auto& entry = table_[number];
+    if (entry.kind != ObjectTable::Kind::classRecord) throw MalformedArchive();
+    return &classes_[entry.index];
+}
+
+/// Null for nil.
+const ClassRecord* Reader::readClass() {
+    const quint8 head = stream_.byte();
+    if (head == kNil || head == kNew) return readNewClass(head);
+    return classAt(readReference(head, table_.size()));
+}
+
 /// A class is written with its superclasses, up to nil or to one that is known. All of them are
 /// numbered in that order, and none may be referred to before the chain ends.
-const ClassRecord* Reader::readClass() {
+const ClassRecord* Reader::readNewClass(quint8 head) {
     const quint32 first = table_.size();
-    std::array<quint32, kMaximumClassChain> names{};
-    quint32 count = 0;
-    const ClassRecord* superclass = nullptr;
-    while (!stream_.takes(Mark::nil)) {
-        if (!stream_.takes(Mark::isNew)) {
-            const auto& entry = table_[readReference(table_.size())];
-            if (entry.kind != ObjectTable::Kind::classRecord) throw MalformedArchive();
-            superclass = &classes_[entry.index];
-            break;
-        }
+    std::vector<quint32> names;
+    for (; head == kNew; head = stream_.byte()) {
         const auto name = readSharedString();
-        if (!name || count == kMaximumClassChain) throw MalformedArchive();
+        if (!name || names.size() == kMaximumClassChain) throw MalformedArchive();
         stream_.integer();  // its version
-        names[count++] = *name;
+        names.push_back(*name);
         addEntry({.kind = ObjectTable::Kind::unfinishedClass});
     }
-    while (count > 0) {
-        --count;
-        superclass = &addClass(first + count, names[count], superclass);
-    }
+    const ClassRecord* superclass = nullptr;
+    if (head != kNil) superclass = classAt(readReference(head, table_.size()));
+    for (auto i = static_cast<quint32>(names.size()); i-- > 0;)
+        superclass = &addClass(first + i, names[i], superclass);
     return superclass;
 }
 
@@ -210,7 +221,7 @@ const ClassRecord& Reader::addClass(quint32 number, quint32 name, const ClassRec
     if (superclass) {
         if (!record.info) record.info = superclass->info;
         record.chainLength = superclass->chainLength + 1;
-        if (record.chainLength > kMaximumClassChain) throw MalformedArchive();
+        if (static_cast<size_t>(record.chainLength) > kMaximumClassChain) throw MalformedArchive();
     }
     budget_.takeWorking(2 * sizeof(ClassRecord));
     table_.set(number, {.kind = ObjectTable::Kind::classRecord,
@@ -219,42 +230,24 @@ const ClassRecord& Reader::addClass(quint32 number, quint32 name, const ClassRec
 }
 
 /// Nothing for nil.
-std::optional<quint32> Reader::readSharedString() {
-    if (stream_.takes(Mark::nil)) return std::nullopt;
-    if (!stream_.takes(Mark::isNew)) return readReference(static_cast<quint32>(strings_.size()));
-    budget_.takeWorking(sizeof(SharedString));
+std::optional<quint32> Reader::readSharedString(quint8 head) {
+    if (head == kNil) return std::nullopt;
+    if (head != kNew) return readReference(head, strings_.size());
+    budget_.takeWorking(kGrowth * sizeof(SharedString));
     strings_.push_back({.text = stream_.unsharedString()});
     return static_cast<quint32>(strings_.size() - 1);
 }
 
-quint32 Reader::readReference(quint32 tableSize) {
-    const qint64 index = stream_.integer() - kFirstReference;
-    if (index < 0 || index >= tableSize) throw MalformedArchive();
-    return static_cast<quint32>(index);
+void Reader::readTypesOf(SharedString& shared) {
+    shared.firstOp = static_cast<quint32>(ops_.size());
+    if (!appendTypeOps(shared.text, ops_)) throw MalformedArchive();
+    shared.endOp = static_cast<quint32>(ops_.size());
+    budget_.takeWorking(kGrowth * sizeof(TypeOp) * (shared.endOp - shared.firstOp));
 }
 
-const Reader::SharedString& Reader::typesOf(quint32 string) {
-    SharedString& shared = strings_[string];
-    if (shared.endOp == 0) {
-        shared.firstOp = static_cast<quint32>(ops_.size());
-        if (!appendTypeOps(shared.text, ops_)) throw MalformedArchive();
-        shared.endOp = static_cast<quint32>(ops_.size());
-        budget_.takeWorking((shared.endOp - shared.firstOp) * sizeof(TypeOp) * 2);
-    }
-    return shared;
-}
-
-quint32 Reader::addEntry(ObjectTable::Entry entry) {
-    budget_.takeWorking(sizeof(ObjectTable::Entry));
-    return table_.add(entry);
-}
-
-void Reader::keep(const StreamValue& value) {
-    if (values_.size() == values_.capacity()) {
-        if (values_.size() >= maximumValues_) throw MalformedArchive();
-        values_.reserve(std::min(values_.size() * 2 + 64, maximumValues_));
-    }
-    values_.push_back(value);
+void Reader::makeRoomForValues() {
+    if (values_.size() >= maximumValues_) throw MalformedArchive();
+    values_.reserve(std::min(values_.size() * 2 + 64, maximumValues_));
 }
 
 void Reader::enter() {

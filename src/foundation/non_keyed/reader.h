@@ -6,6 +6,7 @@
 // rebuilder when it ends, so one pass over the archive is enough.
 
 #include <deque>
+#include <optional>
 #include <span>
 #include <unordered_map>
 #include <vector>
@@ -49,13 +50,33 @@ class Reader {
     StreamValue readShared(char type);
     const ClassRecord* readClass();
     const ClassRecord& addClass(quint32 number, quint32 name, const ClassRecord* superclass);
-    std::optional<quint32> readSharedString();
-    quint32 readReference(quint32 tableSize);
-    const SharedString& typesOf(quint32 string);
-    quint32 addEntry(ObjectTable::Entry entry);
-    void keep(const StreamValue& value);
+    const ClassRecord* readNewClass(quint8 head);
+    const ClassRecord* classAt(quint32 number) const;
+    std::optional<quint32> readSharedString() { return readSharedString(stream_.byte()); }
+    std::optional<quint32> readSharedString(quint8 head);
+    quint32 readReference(quint8 head, size_t tableSize) {
+        const qint64 index = stream_.integer(head) - kFirstReference;
+        if (index < 0 || static_cast<quint64>(index) >= tableSize) throw MalformedArchive();
+        return static_cast<quint32>(index);
+    }
+    void readTypesOf(SharedString& shared);
+    quint32 addEntry(ObjectTable::Entry entry) {
+        budget_.takeWorking(kGrowth * sizeof(ObjectTable::Entry));
+        return table_.add(entry);
+    }
+    void keep(const StreamValue& value) {
+        if (values_.size() == values_.capacity()) makeRoomForValues();
+        values_.push_back(value);
+    }
+    void makeRoomForValues();
     void enter();
     void leave() { --nesting_; }
+
+    /// What the first entry of a table is called in references: below zero, so that the first 238
+    /// of them take one byte apart from the marks.
+    static constexpr qint64 kFirstReference = -110;
+    /// What a growing vector takes at most for each entry, in entries: the old ones and twice them.
+    static constexpr quint64 kGrowth = 3;
 
     Data data_;
     const ClassRegistry& registry_;
@@ -63,7 +84,7 @@ class Reader {
     MemoryBudget budget_;
     ObjectTable table_;
     ObjectRebuilder rebuilder_;
-    std::deque<SharedString> strings_;
+    std::vector<SharedString> strings_;
     std::vector<TypeOp> ops_;
     std::deque<ClassRecord> classes_;
     std::unordered_map<const char*, const ClassInfo*> knownClasses_;

@@ -16,6 +16,7 @@ struct StreamValue {
 
     Kind kind = Kind::nil;
     char type = 0;       ///< its letter
+    quint8 height = 0;   ///< of an object, as in its table
     quint32 number = 0;  ///< of an object; of text and bytes, how many they are
     union {
         qint64 integer = 0;

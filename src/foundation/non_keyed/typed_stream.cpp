@@ -36,7 +36,7 @@ qint32 TypedStream::wideInteger(quint8 head) {
 template <class Real, class Bits>
 double TypedStream::real() {
     const quint8 head = byte();
-    if (head != static_cast<quint8>(Mark::real)) return integerWithHead(head);
+    if (head != static_cast<quint8>(Mark::real)) return integer(head);
     return std::bit_cast<Real>(fixed<Bits>());
 }
 

@@ -31,7 +31,6 @@ class TypedStream {
     explicit TypedStream(const Data& data);
 
     [[nodiscard]] quint64 remaining() const { return static_cast<quint64>(end_ - position_); }
-    [[nodiscard]] const char* position() const { return position_; }
     /// Takes the next byte when it is the mark.
     bool takes(Mark mark) {
         if (position_ == end_) throw MalformedArchive();
@@ -46,9 +45,18 @@ class TypedStream {
         position_ += size;
         return result;
     }
-    quint8 byte() { return static_cast<quint8>(bytes(1).front()); }
+    quint8 byte() {
+        if (position_ == end_) throw MalformedArchive();
+        return static_cast<quint8>(*position_++);
+    }
     /// An integer of at most 32 bits, with its sign.
-    qint32 integer() { return integerWithHead(byte()); }
+    qint32 integer() { return integer(byte()); }
+    /// The same, when its first byte has been read already.
+    qint32 integer(quint8 head) {
+        // Small numbers stand for themselves; the marks lie between the two ranges.
+        if (head < kFirstReserved || head > kLastReserved) return static_cast<qint8>(head);
+        return wideInteger(head);
+    }
     /// A real, of four or eight bytes unless it is written as an integer.
     double real32() { return real<float, quint32>(); }
     double real64() { return real<double, quint64>(); }
@@ -56,11 +64,6 @@ class TypedStream {
     std::string_view unsharedString();
 
   private:
-    qint32 integerWithHead(quint8 head) {
-        // Small numbers stand for themselves; the marks lie between the two ranges.
-        if (head < 0x80 || head > kLastReserved) return static_cast<qint8>(head);
-        return wideInteger(head);
-    }
     qint32 wideInteger(quint8 head);
     template <class T>
     T fixed() {
@@ -70,6 +73,7 @@ class TypedStream {
     template <class Real, class Bits>
     double real();
 
+    static constexpr quint8 kFirstReserved = 0x80;
     static constexpr quint8 kLastReserved = 0x91;
 
     const char* position_;
