@@ -7,6 +7,7 @@
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QToolTip>
+#include <algorithm>
 #include <utility>
 #include <variant>
 
@@ -72,8 +73,7 @@ bool Pointing::eventFilter(QObject*, QEvent* event) {
             showToolTip(*static_cast<QHelpEvent*>(event));
             return true;
         case QEvent::ContextMenu:
-            contextMenu(*static_cast<QContextMenuEvent*>(event));
-            return true;
+            return contextMenu(*static_cast<QContextMenuEvent*>(event));
         default:
             return false;
     }
@@ -123,7 +123,13 @@ void Pointing::open(qsizetype row) {
 }
 
 void Pointing::activate(qsizetype row) {
-    if (std::holds_alternative<TesselChatLog::Link>(eventAt(row).value)) open(row);
+    const TesselChatLog::Event::Value& value = eventAt(row).value;
+    if (std::holds_alternative<TesselChatLog::Link>(value)) {
+        open(row);
+    } else if (std::holds_alternative<TesselChatLog::Image>(value) ||
+               std::holds_alternative<TesselChatLog::File>(value)) {
+        showMenu(row);
+    }
 }
 
 void Pointing::dragPicture(qsizetype row) {
@@ -177,15 +183,26 @@ void Pointing::showToolTip(const QHelpEvent& event) {
 
 // ---- the context menu --------------------------------------------------------------------------
 
-void Pointing::contextMenu(const QContextMenuEvent& event) {
-    if (event.reason() == QContextMenuEvent::Keyboard) return;  // the current row has its own
+bool Pointing::contextMenu(const QContextMenuEvent& event) {
+    if (event.reason() == QContextMenuEvent::Keyboard) return false;  // that of the current row
     if (const auto place = placeAt(event.pos())) showMenu(place->row, event.pos());
+    return true;
 }
 
-void Pointing::showMenu(qsizetype row, QPoint at) {
+void Pointing::showMenu(qsizetype row, std::optional<QPoint> at) {
+    if (row < 0) return;
+    if (!at) {
+        TimelineLayout& timeline = view_.timeline();
+        const QRect content = timeline.row(row).layout.content;
+        const auto y = std::clamp<qint64>(timeline.rowTop(row) + content.center().y(), 0,
+                                          timeline.viewportHeight() - 1);
+        at = (QPointF(timeline.rowLeft() + content.center().x(), static_cast<qreal>(y)) /
+              view_.context().ratio)
+                 .toPoint();
+    }
     auto* menu = new RowMenu(view_, eventAt(row));
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->popup(view_.viewport()->mapToGlobal(at));
+    menu->popup(view_.viewport()->mapToGlobal(*at));
 }
 
 }  // namespace vell

@@ -31,11 +31,11 @@ class Pointing final : public QObject {
     Pointing(TimelineView& view, Selecting& selecting);
 
     [[nodiscard]] Links& links() { return links_; }
-    /// Does what a click on the row's content does: opens a link, has the context menu for
-    /// pictures and files.
+    /// Acts on a row as a click does: opens a link; of pictures and files, which have no such act,
+    /// the context menu comes up.
     void activate(qsizetype row);
-    /// Shows a row's context menu at a place of the viewport.
-    void showMenu(qsizetype row, QPoint at);
+    /// Shows a row's context menu at a place of the viewport, or at the row.
+    void showMenu(qsizetype row, std::optional<QPoint> at = {});
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -53,7 +53,7 @@ class Pointing final : public QObject {
     void release(const QMouseEvent& event);
     void hover(std::optional<QPoint> point);
     void showToolTip(const QHelpEvent& event);
-    void contextMenu(const QContextMenuEvent& event);
+    bool contextMenu(const QContextMenuEvent& event);
     void dragPicture(qsizetype row);
     void open(qsizetype row);
 

@@ -160,7 +160,8 @@ bool Selecting::key(const QKeyEvent& event) {
         return true;
     }
     if (!(event.modifiers() & Qt::ShiftModifier) || view_.timeline().rowCount() == 0) return false;
-    const TextPosition from = selection_.focus().value_or(TextPosition{view_.topRow(), 0});
+    const qsizetype row = view_.currentRow() < 0 ? view_.topRow() : view_.currentRow();
+    const TextPosition from = selection_.focus().value_or(TextPosition{row, 0});
     const std::optional<TextPosition> to = moved(from, event);
     if (!to) return false;
     if (!selection_.focus()) selection_.start(from, TextUnit::character);

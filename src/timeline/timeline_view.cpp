@@ -17,6 +17,7 @@
 
 #include "identity/contacts_store.h"
 #include "timeline/bubble_colors.h"
+#include "timeline/current_row.h"
 #include "timeline/picture_cache.h"
 #include "timeline/pointing.h"
 #include "timeline/selecting.h"
@@ -51,6 +52,8 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
     selecting_ = std::make_unique<Selecting>(*this);
     connect(selecting_.get(), &Selecting::changed, this, &TimelineView::selectionChanged);
     pointing_ = std::make_unique<Pointing>(*this, *selecting_);
+    currentRow_ = std::make_unique<CurrentRow>(*this, *pointing_);
+    connect(currentRow_.get(), &CurrentRow::changed, this, &TimelineView::currentRowChanged);
     connect(pointing_.get(), &Pointing::linkHovered, this, &TimelineView::linkHovered);
     connect(pointing_.get(), &Pointing::pictureClicked, this, &TimelineView::pictureClicked);
     connect(&contacts, &ContactsStore::addressToContactChanged, this, [this] {
@@ -138,6 +141,12 @@ void TimelineView::scrollByPixels(qint64 pixels) {
     moved();
 }
 
+void TimelineView::reveal(qsizetype row, const QRect& part) {
+    smoothScroll_.stop();
+    layout_.reveal(row, part);
+    moved();
+}
+
 void TimelineView::revealText(const TextRange& range) {
     if (!isBuilt_) {
         wantedRow_ = range.row;
@@ -187,6 +196,14 @@ void TimelineView::clearSelection() {
 void TimelineView::copySelection() const {
     if (auto data = selecting_->selection().mimeData())
         QGuiApplication::clipboard()->setMimeData(data.release());
+}
+
+qsizetype TimelineView::currentRow() const {
+    return currentRow_->index();
+}
+
+void TimelineView::activateRow(qsizetype row) {
+    pointing_->activate(row);
 }
 
 Links& TimelineView::links() {
@@ -356,6 +373,7 @@ void TimelineView::paintRows(QPainter& painter, const QRect& exposed) {
                                 {visible.index, part, selecting_->highlights(visible.index)});
         painter.restore();
     }
+    currentRow_->paint(painter);
 }
 
 }  // namespace vell

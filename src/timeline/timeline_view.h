@@ -25,6 +25,7 @@
 namespace vell {
 
 class ContactsStore;
+class CurrentRow;
 class Links;
 class PictureCache;
 class Pointing;
@@ -54,6 +55,8 @@ class TimelineView final : public QAbstractScrollArea {
     void scrollToRow(qsizetype index);
     /// Moves by device pixels of what is there.
     void scrollByPixels(qint64 pixels);
+    /// Scrolls as little as needed to show part of a row, given in device pixels.
+    void reveal(qsizetype row, const QRect& part);
     /// Scrolls as little as needed to show a stretch of a row's text.
     void revealText(const TextRange& range);
 
@@ -69,6 +72,12 @@ class TimelineView final : public QAbstractScrollArea {
     /// Puts the selected text on the clipboard; without a selection nothing happens.
     void copySelection() const;
 
+    /// The row that the keyboard is at; -1 before any was chosen.
+    [[nodiscard]] qsizetype currentRow() const;
+    /// Acts on a row as a click or the return key does.
+    void activateRow(qsizetype row);
+
+    [[nodiscard]] const RowContext& context() const { return context_; }
     [[nodiscard]] const ContactsStore& contacts() const { return context_.contacts; }
     [[nodiscard]] PictureCache& pictures() const { return context_.pictures; }
     /// Where links lead to.
@@ -85,6 +94,7 @@ class TimelineView final : public QAbstractScrollArea {
     /// The address below the mouse, as one line; empty when there is none any more.
     void linkHovered(const QString& address);
     void pictureClicked(qsizetype row);
+    void currentRowChanged(qsizetype row);
 
   protected:
     void changeEvent(QEvent* event) override;
@@ -126,6 +136,7 @@ class TimelineView final : public QAbstractScrollArea {
 
     std::unique_ptr<Selecting> selecting_;
     std::unique_ptr<Pointing> pointing_;
+    std::unique_ptr<CurrentRow> currentRow_;
 };
 
 }  // namespace vell
