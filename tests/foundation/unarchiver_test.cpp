@@ -3,11 +3,7 @@
 // What well-formed non-keyed archives become.
 #include <gtest/gtest.h>
 
-#include <QDirIterator>
-#include <QFile>
-
-#include "foundation/attributed_string.h"
-#include "foundation/non_keyed/reader.h"
+#include "foundation/runs_text.h"
 #include "foundation/unarchiver_fixture.h"
 #include "support/file_wrapper_writer.h"
 
@@ -170,19 +166,6 @@ TEST(Unarchiver, SharesWhatIsReferredToTwiceAndLeavesOutCycles) {
               "NSArray ((<Unknown>), {k = nil;})");
 }
 
-/// Lengths of the runs, each with the link of its attributes.
-std::string runsOf(const Value& value) {
-    const auto string = value.object<AttributedString>();
-    if (!string) return "(none)";
-    QString text;
-    for (const auto& run : string->runs()) {
-        text += QString::number(run.length);
-        if (run.attributes) text += u'=' + run.attributes->link.description();
-        text += u' ';
-    }
-    return text.trimmed().toStdString();
-}
-
 Piece run(int number, quint32 length) {
     return [=](auto& a) {
         a.group("iI");
@@ -236,12 +219,6 @@ QByteArray withAttachment(const Pieces& pieces) {
                          dictionary({str("NSAttachment"), obj("NSTextAttachment", pieces)})}));
 }
 
-std::shared_ptr<const TextAttachment> attachmentOf(const Value& value) {
-    const auto string = value.object<AttributedString>();
-    if (!string || string->runs().size() != 1 || !string->runs()[0].attributes) return nullptr;
-    return string->runs()[0].attributes->attachment.object<TextAttachment>();
-}
-
 TEST(Unarchiver, FindsTheFileOfAnAttachmentByItsClass) {
     using support::serializedFileWrapper;
     const QByteArray file =
@@ -270,28 +247,6 @@ TEST(Unarchiver, FindsTheFileOfAnAttachmentByItsClass) {
     const auto own = attachment({wrapper(data(folder)), data("GIF"), str("com.compuserve.gif")});
     EXPECT_EQ(own.fileType, QStringLiteral("com.compuserve.gif"));
     EXPECT_FALSE(own.fileWrapper) << "a folder beside contents with a type";
-}
-
-// Archives written by the platform itself, where a copy of them is at hand.
-TEST(Unarchiver, ConsumesRealArchives) {
-    QDirIterator files(QStringLiteral(VELL_SHARED "/archives/non-keyed"), QDir::Files);
-    if (!files.hasNext()) GTEST_SKIP() << "no archives at hand";
-    while (files.hasNext()) {
-        QFile file(files.next());
-        const std::string name = files.fileName().toStdString();
-        if (name == "README.md" || name.starts_with("bad_")) continue;
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const Data bytes(file.readAll());
-        EXPECT_NO_THROW({
-            nonkeyed::Reader reader(bytes, registry());
-            while (!reader.atEnd())
-                reader.readGroup();
-        }) << name;
-        if (name.starts_with("msg_")) {
-            EXPECT_TRUE(unarchiveObjectWithData(bytes, registry()).object<AttributedString>())
-                << name;
-        }
-    }
 }
 
 }  // namespace
