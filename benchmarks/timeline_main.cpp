@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QProxyStyle>
 #include <QScrollBar>
@@ -166,6 +167,43 @@ void reportChanges(Window& window) {
     report("  another width", quantile(widths, 0.5), 30);
 }
 
+/// Selecting everything, and copying it so far as this is done at once.
+void reportSelecting(Window& window) {
+    vell::TimelineView& view = window.view();
+    const auto dragged = [&](QPointF to) {
+        QMouseEvent move(QEvent::MouseMove, to, view.viewport()->mapToGlobal(to), Qt::NoButton,
+                         Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(view.viewport(), &move);
+        window.frame();
+    };
+    const QPointF start(450, 300);
+    QMouseEvent press(QEvent::MouseButtonPress, start, view.viewport()->mapToGlobal(start),
+                      Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(view.viewport(), &press);
+    window.frame();
+    std::vector<double> drags;
+    for (int i = 0; i < 100; ++i)
+        drags.push_back(measured([&] { dragged(start + QPointF(i % 2 * 60, 2 * i + 20)); }));
+    QMouseEvent release(QEvent::MouseButtonRelease, start, view.viewport()->mapToGlobal(start),
+                        Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(view.viewport(), &release);
+    report("  a step of a selecting mouse, median", quantile(drags, 0.5), 4);
+    report("  a step of a selecting mouse, 99 in 100", quantile(drags, 0.99), 8);
+    report("  select all", measured([&] {
+               view.selectAll();
+               window.frame();
+           }),
+           16);
+    std::vector<double> notches;
+    for (int i = 0; i < 100; ++i)
+        notches.push_back(measured([&] { window.wheel(i < 50 ? -1 : 1); }));
+    report("  a wheel's notch with all selected, 99 in 100", quantile(notches, 0.99), 8);
+    report("  copy all", measured([&] { view.copySelection(); }), 16);
+    std::printf("%-64s %9.2f\n", "  the copied text, once somebody asks for it",
+                measured([&] { view.selectedText(); }));
+    view.clearSelection();
+}
+
 size_t allocated() {
     const struct mallinfo2 info = mallinfo2();
     return info.uordblks + info.hblkhd;
@@ -213,6 +251,7 @@ void measureMillion() {
     reportScrolling(window, "  scrolling");
     reportJumps(window);
     reportChanges(window);
+    reportSelecting(window);
 }
 
 void measureLong(const char* what, const Log& log) {
@@ -225,6 +264,7 @@ void measureLong(const char* what, const Log& log) {
     reportScrolling(window, "  scrolling");
     reportJumps(window);
     reportChanges(window);
+    reportSelecting(window);
 }
 
 void measurePictures() {

@@ -33,8 +33,10 @@ bool FileDrops::eventFilter(QObject* object, QEvent* event) {
 }
 
 bool FileDrops::take(QDropEvent& event, bool isDropped) {
+    // A picture of ours would be written to a file for who asks for its address.
+    if (event.source()) return false;
     const QStringList files = droppedFiles(*event.mimeData());
-    if (event.source() || files.isEmpty()) return false;
+    if (files.isEmpty()) return false;
     event.acceptProposedAction();
     if (isDropped) Q_EMIT dropped(files);
     return true;

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "timeline/private_files.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QSaveFile>
 
 namespace vell {
 
 PrivateFiles& PrivateFiles::shared() {
-    static PrivateFiles files;
-    return files;
+    // The application object ends before the process, which may leave without destroying statics.
+    static PrivateFiles* const files = [] {
+        qAddPostRoutine([] { shared().folder_.reset(); });
+        return new PrivateFiles;
+    }();
+    return *files;
 }
 
 QString PrivateFiles::write(const QString& name, const foundation::Data& data) {

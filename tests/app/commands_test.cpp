@@ -2,11 +2,13 @@
 //
 // The commands of the windows, given by their keys and menus as a person would.
 #include <QAction>
+#include <QClipboard>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QStatusBar>
 #include <QTest>
 #include <QToolBar>
 #include <QUrl>
@@ -215,6 +217,33 @@ TEST_F(CommandsTest, ClosingAndQuittingHaveTheirKeys) {
     EXPECT_EQ(program->documentWindows().size(), 1u);
     press(program->documentWindows().front(), QKeySequence(Qt::CTRL | Qt::Key_Q));
     EXPECT_TRUE(program->documentWindows().empty());
+}
+
+TEST_F(CommandsTest, CopyTakesTheSelectionAndWithoutOneTheWholeChat) {
+    const auto copied = [] { return QGuiApplication::clipboard()->mimeData(); };
+    press(window, QKeySequence::Copy);
+    const QString whole = copied()->text();
+    EXPECT_TRUE(whole.contains(u"first"_s) && whole.contains(u"last"_s));
+    EXPECT_EQ(QString::fromUtf8(copied()->data(u"text/markdown"_s)), whole);
+
+    press(window, QKeySequence::SelectAll);
+    press(window, QKeySequence::Copy);
+    EXPECT_FALSE(copied()->hasFormat(u"text/markdown"_s));
+    EXPECT_EQ(copied()->text(), timeline(window).selectedText());
+    EXPECT_TRUE(copied()->text().contains(u"first"_s) && copied()->text().endsWith(u"last"_s));
+    choose(window, {u"Edit"_s, u"Copy Whole Chat"_s});
+    EXPECT_EQ(copied()->text(), whole);
+
+    QTest::keyClick(&timeline(window), Qt::Key_Escape);
+    window->findChild<QToolBar*>()->actions().first()->trigger();
+    EXPECT_EQ(copied()->text(), whole);
+}
+
+TEST_F(CommandsTest, TheStatusBarTellsWhereALinkLeads) {
+    Q_EMIT timeline(window).linkHovered(u"http://example.com/"_s);
+    EXPECT_EQ(window->findChild<QStatusBar*>()->currentMessage(), u"http://example.com/"_s);
+    Q_EMIT timeline(window).linkHovered({});
+    EXPECT_EQ(window->findChild<QStatusBar*>()->currentMessage(), QString());
 }
 
 }  // namespace

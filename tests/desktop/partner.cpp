@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+//
+// The other side of the desktop tests: makes the transcript, finds its picture on the screen, and
+// is the program that a picture is dragged to.
+//
+//     partner make TRANSCRIPT PICTURE    writes a chat with one picture, and the picture's bytes
+//     partner find                       prints the picture's place on the screen
+//     partner take FILE                  a window for pictures in PNG; writes what is dropped on it
+#include <QApplication>
+#include <QBuffer>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFile>
+#include <QImage>
+#include <QMimeData>
+#include <QScreen>
+#include <QWidget>
+#include <cstdio>
+
+#include "support/transcript_writer.h"
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+// No desktop has this colour.
+constexpr QRgb colour = qRgb(255, 0, 255);
+constexpr int fewestPixels = 2000;
+
+bool write(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+int make(const QString& transcriptPath, const QString& picturePath) {
+    QImage image(120, 90, QImage::Format_RGB32);
+    image.fill(colour);
+    QBuffer picture;
+    image.save(&picture, "PNG");
+    support::Transcript transcript{u"AIM"_s, {{u"ann"_s}, {u"bob"_s}}, {0, 1}, {}};
+    transcript.messages = {
+        {.sender = 0, .date = 1e8, .body = {support::words(u"Look at this:"_s)}},
+        {.sender = 1, .date = 1e8, .body = {support::attached(u"field.png"_s, picture.data())}},
+    };
+    const bool isWritten = write(transcriptPath, support::keyedTranscript(transcript)) &&
+                           write(picturePath, picture.data());
+    return isWritten ? 0 : 1;
+}
+
+int find() {
+    const QImage screen = QGuiApplication::primaryScreen()->grabWindow(0).toImage();
+    QRect found;
+    int count = 0;
+    for (int y = 0; y < screen.height(); ++y) {
+        for (int x = 0; x < screen.width(); ++x) {
+            if ((screen.pixel(x, y) | 0xff000000) != colour) continue;
+            found |= QRect(x, y, 1, 1);
+            ++count;
+        }
+    }
+    if (count < fewestPixels) return 1;
+    std::printf("%d %d\n", found.center().x(), found.center().y());
+    return 0;
+}
+
+/// Says on standard output what happens to it.
+class Taker final : public QWidget {
+  public:
+    explicit Taker(const QString& path) : path_(path) {
+        setAcceptDrops(true);
+        setWindowTitle(u"taker"_s);
+        resize(200, 200);
+    }
+
+  protected:
+    void dragEnterEvent(QDragEnterEvent* event) override {
+        if (!event->mimeData()->hasFormat(u"image/png"_s)) return;
+        event->acceptProposedAction();
+    }
+    void dragMoveEvent(QDragMoveEvent* event) override {
+        event->acceptProposedAction();
+        say("moved");
+    }
+    void dropEvent(QDropEvent* event) override {
+        event->acceptProposedAction();
+        say(write(path_, event->mimeData()->data(u"image/png"_s)) ? "taken" : "not written");
+    }
+
+  private:
+    static void say(const char* what) {
+        std::printf("%s\n", what);
+        std::fflush(stdout);
+    }
+    QString path_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    const QStringList words = QCoreApplication::arguments();
+    if (words.value(1) == u"make" && words.size() == 4) return make(words[2], words[3]);
+    if (words.value(1) == u"find") return find();
+    if (words.value(1) != u"take" || words.size() != 3) return 2;
+    Taker taker(words[2]);
+    taker.show();
+    return QApplication::exec();
+}
