@@ -1,0 +1,138 @@
+# SPDX-License-Identifier: MIT
+#
+# A desktop of its own for a test: an X server on a display number that was free, a session bus, a
+# window manager, and folders that are nobody's. Everything that was started, and nothing else, has
+# ended when the test leaves it.
+#
+#     with Desktop() as desktop:
+#         vell = desktop.start("vell", "chat.ichat")
+#         wait_for(lambda: ..., "the window")
+
+import ctypes
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+SKIPPED = 77
+PR_SET_CHILD_SUBREAPER = 36
+
+
+def skip(reason):
+    print("left out:", reason)
+    sys.exit(SKIPPED)
+
+
+def need(*programs):
+    for program in programs:
+        if shutil.which(program) is None:
+            skip(f"no {program} here")
+
+
+def wait_for(condition, what, seconds=40):
+    """The first true answer of the condition; a test never waits for anything else."""
+    end = time.monotonic() + seconds
+    while True:
+        answer = condition()
+        if answer:
+            return answer
+        if time.monotonic() > end:
+            raise AssertionError(f"waited in vain for {what}")
+        time.sleep(0.05)
+
+
+def descendants(of):
+    """The processes below one, youngest generation last."""
+    parents = {}
+    for name in os.listdir("/proc"):
+        if name.isdigit():
+            try:
+                with open(f"/proc/{name}/stat") as stat:
+                    fields = stat.read().rsplit(")", 1)[1].split()
+                parents[int(name)] = (int(fields[1]), fields[0])
+            except OSError:
+                pass
+    found = [of]
+    for pid in found:
+        found += [child for child, (parent, _) in parents.items() if parent == pid]
+    return [pid for pid in found[1:] if parents[pid][1] != "Z"]
+
+
+class Desktop:
+    def __init__(self):
+        need("Xvfb", "dbus-daemon", "openbox")
+        # Services that the bus starts would otherwise outlive it as children of nobody.
+        ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
+        self.folder = tempfile.mkdtemp(prefix="vell-desktop-")
+        self.processes = []
+        self.environment = {
+            "PATH": os.environ["PATH"],
+            "HOME": self.path("home"),
+            "XDG_CONFIG_HOME": self.path("home/.config"),
+            "XDG_DATA_HOME": self.path("home/.local/share"),
+            "XDG_CACHE_HOME": self.path("home/.cache"),
+            "XDG_RUNTIME_DIR": self.path("run"),
+            "TMPDIR": self.path("tmp"),
+            "LC_ALL": "C.UTF-8",
+            "TZ": "Europe/Berlin",
+            "QT_QPA_PLATFORM": "xcb",
+            "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+            "GSETTINGS_BACKEND": "memory",
+            "GIO_USE_VFS": "local",
+        }
+        for name in ("HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "TMPDIR"):
+            os.makedirs(self.environment[name])
+        os.mkdir(self.environment["XDG_RUNTIME_DIR"], 0o700)
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def __enter__(self):
+        self.environment["DISPLAY"] = ":" + self._told("Xvfb", "-screen", "0", "1600x1200x24",
+                                                       "-nolisten", "tcp", option="-displayfd")
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._told(
+            "dbus-daemon", "--session", "--nofork", "--nopidfile",
+            "--address=unix:path=" + self.path("run/bus"), option="--print-address")
+        self.start("openbox", "--sm-disable", output="openbox.log")
+        return self
+
+    def __exit__(self, kind, error, trace):
+        for number in (signal.SIGTERM, signal.SIGKILL):
+            end = time.monotonic() + 5
+            while (alive := descendants(os.getpid())) and time.monotonic() < end:
+                for pid in reversed(alive):
+                    try:
+                        os.kill(pid, number)
+                    except ProcessLookupError:
+                        pass
+                for process in self.processes:
+                    process.poll()
+                time.sleep(0.05)
+        if error:
+            for name in sorted(os.listdir(self.folder)):
+                if name.endswith(".log"):
+                    with open(self.path(name), errors="replace") as log:
+                        sys.stderr.write(f"---- {name}\n{log.read()[-4000:]}\n")
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def start(self, *command, output=None, **options):
+        """Starts a program; what it prints goes into a file of the folder."""
+        with open(self.path(output or os.path.basename(command[0]) + ".log"), "ab") as log:
+            process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL,
+                                       stdout=log, stderr=log, **options)
+        self.processes.append(process)
+        return process
+
+    def _told(self, *command, option):
+        """Starts a server and answers the line it writes once it is ready."""
+        reading, writing = os.pipe()
+        argument = [f"{option}={writing}"] if option.startswith("--") else [option, str(writing)]
+        self.start(*command, *argument, pass_fds=[writing])
+        os.close(writing)
+        with open(reading) as line:
+            answer = line.readline().strip()
+        assert answer, f"{command[0]} did not start"
+        return answer
