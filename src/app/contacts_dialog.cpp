@@ -20,21 +20,20 @@ void ContactsDialog::ask(std::function<void(bool)> answer) {
     QStringList places;
     for (const QString& folder : VCardSource::customaryFolders())
         places.append(QStringLiteral("• ") + QDir::toNativeSeparators(folder));
-    places.append(QMessageBox::tr("• the desktop’s address books (Evolution)"));
+    places.append(tr("• the desktop’s address books (Evolution)"));
 
-    box_ = new QMessageBox(
-        QMessageBox::Question, QApplication::applicationDisplayName(),
-        QMessageBox::tr("Vell would like to read your contacts, to show names and pictures "
-                        "instead of chat addresses."),
-        QMessageBox::NoButton, QApplication::activeWindow());
+    box_ = new QMessageBox(QMessageBox::Question, QApplication::applicationDisplayName(),
+                           tr("Vell would like to read your contacts, to show names and pictures "
+                              "instead of chat addresses."),
+                           QMessageBox::NoButton, QApplication::activeWindow());
     box_->setObjectName(QStringLiteral("contactsPrompt"));
     box_->setAttribute(Qt::WA_DeleteOnClose);
     box_->setInformativeText(
-        QMessageBox::tr("It would read:\n%1\n\nNothing is written to them or sent anywhere. You "
-                        "can change your answer in the preferences.")
+        tr("It would read:\n%1\n\nNothing is written to them or sent anywhere. You "
+           "can change your answer in the preferences.")
             .arg(places.join(u'\n')));
-    box_->addButton(QMessageBox::tr("Don’t Allow"), QMessageBox::RejectRole);
-    const QPushButton* allow = box_->addButton(QMessageBox::tr("Allow"), QMessageBox::AcceptRole);
+    box_->addButton(tr("Don’t Allow"), QMessageBox::RejectRole);
+    const QPushButton* allow = box_->addButton(tr("Allow"), QMessageBox::AcceptRole);
     QObject::connect(box_, &QMessageBox::finished, box_,
                      [this, allow] { finish(box_->clickedButton() == allow); });
     box_->open();

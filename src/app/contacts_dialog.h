@@ -3,6 +3,7 @@
 //
 // ContactsDialog: asks the user once whether the address book may be read, naming what would be.
 
+#include <QCoreApplication>
 #include <QMessageBox>
 #include <QPointer>
 #include <functional>
@@ -13,6 +14,8 @@
 namespace vell {
 
 class ContactsDialog final : public ContactsPrompt {
+    Q_DECLARE_TR_FUNCTIONS(ContactsDialog)
+
   public:
     ~ContactsDialog() override;
     /// Opens the dialog, or joins the one that is open.

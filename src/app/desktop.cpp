@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/desktop.h"
 
+#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QEvent>
 #include <QPalette>
@@ -66,7 +67,7 @@ QUrl reportBug() {
 }
 
 QString versionLine(const ApplicationInfo& info) {
-    return QLabel::tr("Version: %1 (%2)").arg(info.version, info.build);
+    return QCoreApplication::translate("Version", "Version: %1 (%2)").arg(info.version, info.build);
 }
 
 QLabel* secondaryLabel(const QString& text) {

@@ -36,7 +36,7 @@ void showWindow(const QString& log) {
                                    PanelWindow::Sizing::resizable);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setObjectName(QStringLiteral("loadLogWindow"));
-    window->setWindowTitle(QStringLiteral("Vell Load Log"));
+    window->setWindowTitle(LoadLogView::tr("Vell Load Log"));
     auto* layout = new QVBoxLayout(window);
     layout->setContentsMargins({});
     layout->addWidget(new LoadLogView(applicationInfo(), log));

@@ -1,0 +1,509 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de" sourcelanguage="en">
+<context>
+    <name>ChatTitle</name>
+    <message>
+        <source>%1 — %2 to %3</source>
+        <extracomment>&quot;NAMES — FIRST DAY to LAST DAY&quot;</extracomment>
+        <translation>%1 — %2 bis %3</translation>
+    </message>
+</context>
+<context>
+    <name>Commands</name>
+    <message>
+        <source>&amp;Clear Menu</source>
+        <translation>Einträge &amp;löschen</translation>
+    </message>
+    <message>
+        <source>Find iChat Files …</source>
+        <translation>iChat-Dateien suchen …</translation>
+    </message>
+    <message>
+        <source>&amp;Open …</source>
+        <translation>Ö&amp;ffnen …</translation>
+    </message>
+    <message>
+        <source>Open &amp;Recent</source>
+        <translation>Zuletzt &amp;geöffnet</translation>
+    </message>
+    <message>
+        <source>Pre&amp;ferences …</source>
+        <translation>&amp;Einstellungen …</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>S&amp;chließen</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>%1 &amp;Help</source>
+        <translation>%1-&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>About %1 …</source>
+        <translation>Über %1 …</translation>
+    </message>
+    <message>
+        <source>Report Bug …</source>
+        <translation>Fehler melden …</translation>
+    </message>
+</context>
+<context>
+    <name>ContactsDialog</name>
+    <message>
+        <source>• the desktop’s address books (Evolution)</source>
+        <translation>• die Adressbücher des Systems (Evolution)</translation>
+    </message>
+    <message>
+        <source>Vell would like to read your contacts, to show names and pictures instead of chat addresses.</source>
+        <translation>Vell möchte Ihre Kontakte lesen, um Namen und Bilder statt Chat-Adressen zu zeigen.</translation>
+    </message>
+    <message>
+        <source>It would read:
+%1
+
+Nothing is written to them or sent anywhere. You can change your answer in the preferences.</source>
+        <translation>Gelesen würden:
+%1
+
+Nichts davon wird geändert oder irgendwohin gesendet. In den Einstellungen können Sie Ihre Antwort ändern.</translation>
+    </message>
+    <message>
+        <source>Don’t Allow</source>
+        <translation>Nicht erlauben</translation>
+    </message>
+    <message>
+        <source>Allow</source>
+        <translation>Erlauben</translation>
+    </message>
+</context>
+<context>
+    <name>Timeline</name>
+    <message>
+        <source>File: %@</source>
+        <translation>Datei: %@</translation>
+    </message>
+    <message>
+        <source>Picture</source>
+        <translation>Bild</translation>
+    </message>
+</context>
+<context>
+    <name>Version</name>
+    <message>
+        <source>Version: %1 (%2)</source>
+        <translation>Version: %1 (%2)</translation>
+    </message>
+</context>
+<context>
+    <name>vell::Application</name>
+    <message>
+        <source>Standard Input</source>
+        <translation>Standardeingabe</translation>
+    </message>
+    <message>
+        <source>Open Transcripts</source>
+        <translation>Mitschnitte öffnen</translation>
+    </message>
+    <message>
+        <source>Transcripts (*.ichat)</source>
+        <translation>Mitschnitte (*.ichat)</translation>
+    </message>
+    <message>
+        <source>All files (*)</source>
+        <translation>Alle Dateien (*)</translation>
+    </message>
+</context>
+<context>
+    <name>vell::ContactsBar</name>
+    <message>
+        <source>This app can show participant names and icons if you grant it access to your addressbook.</source>
+        <translation>Dieses Programm kann Namen und Bilder der Beteiligten zeigen, wenn Sie ihm Zugriff auf Ihr Adressbuch gewähren.</translation>
+    </message>
+    <message>
+        <source>Grant or Deny</source>
+        <translation>Erlauben oder ablehnen</translation>
+    </message>
+</context>
+<context>
+    <name>vell::DocumentWindow</name>
+    <message>
+        <source>Toolbar</source>
+        <translation>Werkzeugleiste</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Save Chat as Markdown …</source>
+        <translation>Chat als Markdown &amp;sichern …</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>&amp;Find …</source>
+        <translation>&amp;Suchen …</translation>
+    </message>
+    <message>
+        <source>Find &amp;Next</source>
+        <translation>&amp;Weitersuchen</translation>
+    </message>
+    <message>
+        <source>Find &amp;Previous</source>
+        <translation>&amp;Rückwärts weitersuchen</translation>
+    </message>
+    <message>
+        <source>F&amp;ormat</source>
+        <translation>F&amp;ormat</translation>
+    </message>
+    <message>
+        <source>&amp;Font</source>
+        <translation>&amp;Schrift</translation>
+    </message>
+    <message>
+        <source>&amp;Show Fonts</source>
+        <translation>Schriften &amp;zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Bigger</source>
+        <translation>&amp;Größer</translation>
+    </message>
+    <message>
+        <source>S&amp;maller</source>
+        <translation>&amp;Kleiner</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>&amp;Actual Size</source>
+        <translation>&amp;Originalgröße</translation>
+    </message>
+    <message>
+        <source>&amp;Full Screen</source>
+        <translation>&amp;Vollbild</translation>
+    </message>
+    <message>
+        <source>&amp;Window</source>
+        <translation>&amp;Fenster</translation>
+    </message>
+    <message>
+        <source>Opening …</source>
+        <translation>Wird geöffnet …</translation>
+    </message>
+    <message>
+        <source>Standard Input</source>
+        <translation>Standardeingabe</translation>
+    </message>
+    <message>
+        <source>Chat</source>
+        <translation>Chat</translation>
+    </message>
+    <message>
+        <source>Save Chat as Markdown</source>
+        <translation>Chat als Markdown sichern</translation>
+    </message>
+    <message>
+        <source>The chat could not be saved as “%1”.</source>
+        <translation>Der Chat konnte nicht als „%1“ gesichert werden.</translation>
+    </message>
+    <message>
+        <source>%1. Choose another folder or name.</source>
+        <translation>%1. Wählen Sie einen anderen Ordner oder Namen.</translation>
+    </message>
+</context>
+<context>
+    <name>vell::FindBar</name>
+    <message>
+        <source>Find in chat</source>
+        <translation>Im Chat suchen</translation>
+    </message>
+    <message>
+        <source>Previous match</source>
+        <translation>Voriger Treffer</translation>
+    </message>
+    <message>
+        <source>Next match</source>
+        <translation>Nächster Treffer</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Searching …</source>
+        <translation>Suche läuft …</translation>
+    </message>
+    <message>
+        <source>Not found</source>
+        <translation>Nicht gefunden</translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <extracomment>&quot;3 of 120&quot; matches; the second number grows while the search is under way.</extracomment>
+        <translation>%1 von %2</translation>
+    </message>
+</context>
+<context>
+    <name>vell::FindFilesWindow</name>
+    <message>
+        <source>Find iChat Files</source>
+        <translation>iChat-Dateien suchen</translation>
+    </message>
+    <message>
+        <source>iChat Files in “%1”</source>
+        <translation>iChat-Dateien in „%1“</translation>
+    </message>
+    <message>
+        <source>Filter by name, folder or participant</source>
+        <translation>Nach Name, Ordner oder Beteiligten filtern</translation>
+    </message>
+    <message>
+        <source>Hidden folders</source>
+        <translation>Versteckte Ordner</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Anhalten</translation>
+    </message>
+    <message>
+        <source>Search Again</source>
+        <translation>Erneut suchen</translation>
+    </message>
+    <message>
+        <source>%1 transcripts in %2 files</source>
+        <translation>%1 Mitschnitte in %2 Dateien</translation>
+    </message>
+</context>
+<context>
+    <name>vell::LoadLogView</name>
+    <message>
+        <source>Vell Load Log</source>
+        <translation>Vell-Ladeprotokoll</translation>
+    </message>
+    <message>
+        <source>Open Brindle Support Page</source>
+        <translation>Brindle-Hilfeseite öffnen</translation>
+    </message>
+    <message>
+        <source>Open Email Panel</source>
+        <translation>E-Mail schreiben</translation>
+    </message>
+    <message>
+        <source>No log could be found 😔</source>
+        <translation>Kein Protokoll gefunden 😔</translation>
+    </message>
+    <message>
+        <source>Load log</source>
+        <translation>Ladeprotokoll</translation>
+    </message>
+    <message>
+        <source>It looks like loading the .ichat chatscript failed for some reason 😔. We&apos;d love to debug this and collected some information while loading the file.
+We would be very thankful if you could send us the file load information below. It does NOT contain the full file but only the first %1 bytes. Those should not contain any private information.
+
+If you could send us a complete sample file which fails to load, that would also be very helpful. We understand that you might not want to share personal information. If you do, we promise to delete it immediatly after analysis and confirm the deletion to you by email.</source>
+        <translation>Das Laden des .ichat-Mitschnitts ist aus irgendeinem Grund fehlgeschlagen 😔. Wir möchten dem nachgehen und haben beim Laden der Datei einige Angaben gesammelt.
+Wir wären Ihnen sehr dankbar, wenn Sie uns die folgenden Angaben zum Laden senden würden. Sie enthalten NICHT die ganze Datei, sondern nur die ersten %1 Byte. Darin sollten keine privaten Angaben stehen.
+
+Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt. Wir verstehen, dass Sie persönliche Angaben vielleicht nicht weitergeben möchten. Wenn Sie es tun, versprechen wir, die Datei sofort nach der Untersuchung zu löschen und Ihnen das per E-Mail zu bestätigen.</translation>
+    </message>
+</context>
+<context>
+    <name>vell::OpenFailures</name>
+    <message>
+        <source>The document “%1” could not be opened. The file is damaged or not a transcript.</source>
+        <translation>Das Dokument „%1“ konnte nicht geöffnet werden. Die Datei ist beschädigt oder kein Mitschnitt.</translation>
+    </message>
+    <message>
+        <source>The document “%1” could not be opened. There is no such file.</source>
+        <translation>Das Dokument „%1“ konnte nicht geöffnet werden. Es gibt keine solche Datei.</translation>
+    </message>
+    <message>
+        <source>The document “%1” could not be opened. You may not read it.</source>
+        <translation>Das Dokument „%1“ konnte nicht geöffnet werden. Sie dürfen es nicht lesen.</translation>
+    </message>
+    <message>
+        <source>What was found in it follows in a window, from which you can send it to us.</source>
+        <translation>Was darin gefunden wurde, folgt in einem Fenster, aus dem Sie es uns senden können.</translation>
+    </message>
+    <message>
+        <source>It may have been moved, renamed or deleted. “Find iChat Files …” in the File menu looks for it on your disks.</source>
+        <translation>Sie wurde vielleicht verschoben, umbenannt oder gelöscht. „iChat-Dateien suchen …“ im Menü „Datei“ sucht sie auf Ihren Datenträgern.</translation>
+    </message>
+    <message>
+        <source>Ask whoever owns it for access, or for a copy of your own.</source>
+        <translation>Bitten Sie den Eigentümer um Zugriff oder um eine eigene Kopie.</translation>
+    </message>
+    <message>
+        <source>Documents that could not be opened</source>
+        <translation>Dokumente, die nicht geöffnet werden konnten</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n documents could not be opened.</source>
+        <translation>
+            <numerusform>%n Dokument konnte nicht geöffnet werden.</numerusform>
+            <numerusform>%n Dokumente konnten nicht geöffnet werden.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>What was found in damaged ones follows in a window each, from which you can send it to us.</source>
+        <translation>Was in beschädigten gefunden wurde, folgt in je einem Fenster, aus dem Sie es uns senden können.</translation>
+    </message>
+</context>
+<context>
+    <name>vell::PanelWindow</name>
+    <message>
+        <source>About %1</source>
+        <translation>Über %1</translation>
+    </message>
+    <message>
+        <source>Uses IGIdenticon.</source>
+        <translation>Verwendet IGIdenticon.</translation>
+    </message>
+</context>
+<context>
+    <name>vell::PreferencesWindow</name>
+    <message>
+        <source>Preferences</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>Contacts</source>
+        <translation>Kontakte</translation>
+    </message>
+    <message>
+        <source>Read names and pictures from the &amp;address book</source>
+        <translation>Namen und Bilder aus dem &amp;Adressbuch lesen</translation>
+    </message>
+    <message>
+        <source>The address book is the desktop’s own, with the vCard files in your contacts folders. Nothing is ever written to it.</source>
+        <translation>Das Adressbuch ist das des Systems, mit den vCard-Dateien in Ihren Kontakte-Ordnern. Nie wird etwas hineingeschrieben.</translation>
+    </message>
+    <message>
+        <source>vCard files</source>
+        <translation>vCard-Dateien</translation>
+    </message>
+    <message>
+        <source>Add &amp;Files …</source>
+        <translation>&amp;Dateien hinzufügen …</translation>
+    </message>
+    <message>
+        <source>Add F&amp;older …</source>
+        <translation>&amp;Ordner hinzufügen …</translation>
+    </message>
+    <message>
+        <source>&amp;Remove</source>
+        <translation>&amp;Entfernen</translation>
+    </message>
+    <message>
+        <source>vCard files that are always read:</source>
+        <translation>vCard-Dateien, die immer gelesen werden:</translation>
+    </message>
+    <message>
+        <source>Choose vCard Files</source>
+        <translation>vCard-Dateien auswählen</translation>
+    </message>
+    <message>
+        <source>vCard files (*.vcf *.vcard)</source>
+        <translation>vCard-Dateien (*.vcf *.vcard)</translation>
+    </message>
+    <message>
+        <source>All files (*)</source>
+        <translation>Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Choose a Folder of vCard Files</source>
+        <translation>Ordner mit vCard-Dateien auswählen</translation>
+    </message>
+    <message>
+        <source>Windows</source>
+        <translation>Fenster</translation>
+    </message>
+    <message>
+        <source>Open the windows of the last visit &amp;again</source>
+        <translation>Fenster des letzten Besuchs &amp;wieder öffnen</translation>
+    </message>
+</context>
+<context>
+    <name>vell::TranscriptTable</name>
+    <message>
+        <source>can’t be read</source>
+        <translation>nicht lesbar</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Participants</source>
+        <translation>Beteiligte</translation>
+    </message>
+    <message>
+        <source>Messages</source>
+        <translation>Nachrichten</translation>
+    </message>
+</context>
+<context>
+    <name>vell::WelcomeWindow</name>
+    <message>
+        <source>Welcome to Vell</source>
+        <translation>Willkommen bei Vell</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>Vell opens chat transcripts (“.ichat”) and never changes them.</source>
+        <translation>Vell öffnet Chat-Mitschnitte („.ichat“) und verändert sie nie.</translation>
+    </message>
+    <message>
+        <source>&amp;Open …</source>
+        <translation>Ö&amp;ffnen …</translation>
+    </message>
+    <message>
+        <source>F&amp;ind iChat Files …</source>
+        <translation>iChat-Dateien &amp;suchen …</translation>
+    </message>
+    <message>
+        <source>Recent transcripts</source>
+        <translation>Zuletzt geöffnete Mitschnitte</translation>
+    </message>
+    <message>
+        <source>None yet</source>
+        <translation>Noch keine</translation>
+    </message>
+</context>
+</TS>
