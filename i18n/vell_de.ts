@@ -86,6 +86,29 @@ Nichts davon wird geändert oder irgendwohin gesendet. In den Einstellungen kön
     </message>
 </context>
 <context>
+    <name>Saving</name>
+    <message>
+        <source>File</source>
+        <translation>Datei</translation>
+    </message>
+    <message>
+        <source>“%1” could not be saved. %2. Choose another folder or name.</source>
+        <translation>„%1“ konnte nicht gesichert werden. %2. Wählen Sie einen anderen Ordner oder Namen.</translation>
+    </message>
+    <message>
+        <source>Save Picture</source>
+        <translation>Bild sichern</translation>
+    </message>
+    <message>
+        <source>Save File</source>
+        <translation>Datei sichern</translation>
+    </message>
+    <message>
+        <source>The folder could not be made</source>
+        <translation>Der Ordner konnte nicht angelegt werden</translation>
+    </message>
+</context>
+<context>
     <name>Timeline</name>
     <message>
         <source>File: %@</source>
@@ -227,6 +250,14 @@ Nichts davon wird geändert oder irgendwohin gesendet. In den Einstellungen kön
         <source>%1. Choose another folder or name.</source>
         <translation>%1. Wählen Sie einen anderen Ordner oder Namen.</translation>
     </message>
+    <message>
+        <source>Copy &amp;Whole Chat</source>
+        <translation>&amp;Ganzen Chat kopieren</translation>
+    </message>
+    <message>
+        <source>Select &amp;All</source>
+        <translation>&amp;Alles auswählen</translation>
+    </message>
 </context>
 <context>
     <name>vell::FindBar</name>
@@ -293,6 +324,33 @@ Nichts davon wird geändert oder irgendwohin gesendet. In den Einstellungen kön
     <message>
         <source>%1 transcripts in %2 files</source>
         <translation>%1 Mitschnitte in %2 Dateien</translation>
+    </message>
+</context>
+<context>
+    <name>vell::Links</name>
+    <message>
+        <source>Open Link</source>
+        <translation>Link öffnen</translation>
+    </message>
+    <message>
+        <source>Do you want to open this address?
+
+%1</source>
+        <translation>Möchten Sie diese Adresse öffnen?
+
+%1</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>Ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <source>No program here opens this address.
+
+%1</source>
+        <translation>Kein Programm hier öffnet diese Adresse.
+
+%1</translation>
     </message>
 </context>
 <context>
@@ -442,6 +500,29 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     <message>
         <source>Open the windows of the last visit &amp;again</source>
         <translation>Fenster des letzten Besuchs &amp;wieder öffnen</translation>
+    </message>
+</context>
+<context>
+    <name>vell::RowMenu</name>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>&amp;Kopieren</translation>
+    </message>
+    <message>
+        <source>Copy &amp;Link Address</source>
+        <translation>&amp;Link-Adresse kopieren</translation>
+    </message>
+    <message>
+        <source>Copy &amp;Picture</source>
+        <translation>&amp;Bild kopieren</translation>
+    </message>
+    <message>
+        <source>&amp;Save Picture As …</source>
+        <translation>Bild &amp;sichern unter …</translation>
+    </message>
+    <message>
+        <source>&amp;Save File As …</source>
+        <translation>Datei &amp;sichern unter …</translation>
     </message>
 </context>
 <context>

@@ -45,7 +45,7 @@ void ChatSearch::cancel() {
     running_.reset();
 }
 
-void ChatSearch::append(const std::vector<ChatMatch>& found, bool isLast) {
+void ChatSearch::append(const std::vector<TextRange>& found, bool isLast) {
     matches_.insert(matches_.end(), found.begin(), found.end());
     if (isLast) running_.reset();
     Q_EMIT changed();
@@ -53,12 +53,12 @@ void ChatSearch::append(const std::vector<ChatMatch>& found, bool isLast) {
 
 void ChatSearch::find(const std::shared_ptr<Run>& run, const TesselChatLog& log,
                       const TextSearch& text) {
-    const auto tell = [&run](std::vector<ChatMatch> found, bool isLast) {
+    const auto tell = [&run](std::vector<TextRange> found, bool isLast) {
         run->mailbox.post([run, found = std::move(found), isLast] {
             if (!run->cancelled) run->search.append(found, isLast);
         });
     };
-    std::vector<ChatMatch> found;
+    std::vector<TextRange> found;
     size_t total = 0;
     QElapsedTimer sinceBatch;
     sinceBatch.start();
@@ -66,7 +66,7 @@ void ChatSearch::find(const std::shared_ptr<Run>& run, const TesselChatLog& log,
         if (run->cancelled) return;
         for (const auto& range :
              text.matches(searchableText(log.events()[static_cast<size_t>(event)]))) {
-            found.push_back({event, range});
+            found.push_back({event, range.position, range.length});
             ++total;
         }
         if (!found.empty() && sinceBatch.hasExpired(batchInterval)) {

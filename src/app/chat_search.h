@@ -10,17 +10,11 @@
 #include <vector>
 
 #include "identity/mailbox.h"
+#include "timeline/text_range.h"
 #include "toolkit/text_search.h"
 #include "transcript/chat_log.h"
 
 namespace vell {
-
-/// A found stretch of one event's text.
-struct ChatMatch {
-    qsizetype event = 0;  ///< index into the log's events
-    TextSearch::Match range;
-    friend bool operator==(const ChatMatch&, const ChatMatch&) = default;
-};
 
 class ChatSearch final : public QObject {
     Q_OBJECT
@@ -32,8 +26,8 @@ class ChatSearch final : public QObject {
     /// Begins anew; earlier results no longer hold. An empty text finds nothing.
     void start(const QString& text);
     [[nodiscard]] bool isRunning() const { return running_ != nullptr; }
-    /// What has been found so far.
-    [[nodiscard]] const std::vector<ChatMatch>& matches() const { return matches_; }
+    /// What has been found so far, from the top down.
+    [[nodiscard]] const std::vector<TextRange>& matches() const { return matches_; }
 
   Q_SIGNALS:
     /// matches() or isRunning() changed.
@@ -47,12 +41,12 @@ class ChatSearch final : public QObject {
         Mailbox mailbox;
     };
     void cancel();
-    void append(const std::vector<ChatMatch>& found, bool isLast);
+    void append(const std::vector<TextRange>& found, bool isLast);
     static void find(const std::shared_ptr<Run>& run, const TesselChatLog& log,
                      const TextSearch& text);
 
     std::shared_ptr<const TesselChatLog> log_;
-    std::vector<ChatMatch> matches_;
+    std::vector<TextRange> matches_;
     std::shared_ptr<Run> running_;
 };
 

@@ -92,10 +92,7 @@ void DocumentWindow::buildContent() {
     resize(idealContent);
     statusBar()->setSizeGripEnabled(true);
 
-    connect(findBar_, &FindBar::textChanged, this, [this](const QString& text) {
-        currentMatch_ = -1;
-        if (search_) search_->start(text);
-    });
+    connect(findBar_, &FindBar::textChanged, this, &DocumentWindow::find);
     connect(findBar_, &FindBar::nextRequested, this, [this] { goToMatch(1); });
     connect(findBar_, &FindBar::previousRequested, this, [this] { goToMatch(-1); });
     connect(findBar_, &FindBar::closed, this, &DocumentWindow::closeFindBar);
@@ -124,7 +121,6 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     timeline_->setFocus();
     for (QAction* action : documentActions_)
         action->setEnabled(true);
-    if (findBar_->isVisible()) search_->start(findBar_->text());
     if (!isStandardInput(path_)) application_.recentFiles().add(path_);
 }
 
@@ -202,36 +198,52 @@ void DocumentWindow::saveAsMarkdown() {
 }
 
 void DocumentWindow::openFindBar() {
+    const bool wasOpen = findBar_->isVisible();
     findBar_->open();
-    if (search_ && !findBar_->text().isEmpty()) search_->start(findBar_->text());
+    if (!wasOpen) find(findBar_->text());
 }
 
 void DocumentWindow::closeFindBar() {
     findBar_->hide();
-    if (search_) search_->start({});
+    find({});
     timeline_->setFocus();
+}
+
+void DocumentWindow::find(const QString& text) {
+    currentMatch_ = -1;
+    search_->start(text);
 }
 
 void DocumentWindow::showMatches() {
     const auto& matches = search_->matches();
-    if (currentMatch_ < 0 && !matches.empty()) {
+    const bool isNew = currentMatch_ < 0;
+    if (isNew) {
         // The first match at or below what is on screen, so that typing does not jump about.
-        const qsizetype top = timeline_->topRow();
-        const auto next =
-            std::find_if(matches.begin(), matches.end(),
-                         [top](const ChatMatch& match) { return match.event >= top; });
-        currentMatch_ = next == matches.end() ? 0 : next - matches.begin();
-        timeline_->scrollToRow(matches[static_cast<size_t>(currentMatch_)].event);
+        const auto next = std::partition_point(
+            matches.begin(), matches.end(),
+            [top = timeline_->topRow()](const TextRange& match) { return match.row < top; });
+        if (next != matches.end()) {
+            currentMatch_ = next - matches.begin();
+        } else if (!search_->isRunning() && !matches.empty()) {
+            currentMatch_ = 0;
+        }
     }
+    timeline_->setFindMatches(matches, currentMatch_);
+    if (isNew && currentMatch_ >= 0)
+        timeline_->revealText(matches[static_cast<size_t>(currentMatch_)]);
     findBar_->setCount(currentMatch_ + 1, std::ssize(matches), search_->isRunning());
 }
 
 void DocumentWindow::goToMatch(int step) {
-    if (!search_ || search_->matches().empty()) return;
+    if (!findBar_->isVisible()) {
+        openFindBar();
+        return;
+    }
+    if (currentMatch_ < 0) return;
     const qsizetype count = std::ssize(search_->matches());
     currentMatch_ = (currentMatch_ + step + count) % count;
-    timeline_->scrollToRow(search_->matches()[static_cast<size_t>(currentMatch_)].event);
     showMatches();
+    timeline_->revealText(search_->matches()[static_cast<size_t>(currentMatch_)]);
 }
 
 }  // namespace vell

@@ -64,6 +64,7 @@ class DocumentWindow final : public QMainWindow {
 
     void openFindBar();
     void closeFindBar();
+    void find(const QString& text);
     void showMatches();
     void goToMatch(int step);
 

@@ -61,7 +61,7 @@ void FindBar::setCount(qsizetype current, qsizetype total, bool counting) {
     next_->setEnabled(total > 0);
     if (edit_->text().isEmpty()) {
         count_->clear();
-    } else if (total == 0) {
+    } else if (current == 0) {
         count_->setText(counting ? tr("Searching …") : tr("Not found"));
     } else {
         const QString all = locale.toString(qlonglong(total));

@@ -122,6 +122,8 @@ TEST_F(CommandsTest, FindCountsGoesRoundAndKeepsThePlace) {
     EXPECT_FALSE(bar->isVisible());
     EXPECT_TRUE(timeline(window).hasFocus());
     EXPECT_EQ(timeline(window).topRow(), place);
+    press(window, QKeySequence::FindNext);
+    shows(u"1 of 1"_s);
     press(window, QKeySequence::Find);
     edit->selectAll();
     QTest::keyClicks(edit, u"nowhere"_s);
