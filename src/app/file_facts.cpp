@@ -8,13 +8,15 @@
 #include <mutex>
 #include <thread>
 
+#include "foundation/local_path.h"
+
 namespace vell {
 namespace {
 
 constexpr std::chrono::milliseconds patience(100);
 
 FileFacts ask(const QString& path) {
-    const QFileInfo info(path);
+    const QFileInfo info(foundation::localPath(path));
     return {info.exists(), info.isDir(), info.isReadable(), info.canonicalFilePath()};
 }
 

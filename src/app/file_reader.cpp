@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "foundation/local_path.h"
+
 namespace vell {
 namespace {
 
@@ -22,8 +24,8 @@ std::shared_ptr<FileWrapper> readStandardInput() {
 }
 
 std::optional<foundation::Data> readBytes(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
+    QFile file;
+    if (!foundation::openForReading(file, path) || file.isSequential()) return std::nullopt;
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError) return std::nullopt;
     return foundation::Data(bytes);
@@ -38,11 +40,13 @@ bool isStandardInput(const QString& path) {
 std::shared_ptr<const FileWrapper> DiskFileReader::read(const QString& path) {
     if (isStandardInput(path)) return readStandardInput();
 
-    const QFileInfo info(path);  // follows links
+    const QFileInfo info(foundation::localPath(path));  // follows links
     auto wrapper = std::make_shared<FileWrapper>(FileWrapper::Kind::regularFile);
     wrapper->filename = info.fileName();
     wrapper->preferredFilename = wrapper->filename;
     if (!info.exists()) {
+        // A name in no known encoding can be opened, but nothing else is told of it.
+        wrapper->contents = readBytes(path);
         if (info.isSymLink()) wrapper->kind = FileWrapper::Kind::symbolicLink;
         return wrapper;
     }

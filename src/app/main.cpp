@@ -16,6 +16,7 @@
 #include "app/dropped_files.h"
 #include "app/quit_signals.h"
 #include "app/render.h"
+#include "foundation/local_path.h"
 
 namespace {
 
@@ -29,7 +30,10 @@ void setNames() {
 /// Needs an application object, but no display yet.
 vell::CommandLine parse(int argc, char** argv) {
     const QCoreApplication core(argc, argv);
-    return vell::CommandLine::parse(QCoreApplication::arguments());
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(foundation::pathFromArgument(argv[i]));
+    return vell::CommandLine::parse(arguments);
 }
 
 bool hasDisplay() {

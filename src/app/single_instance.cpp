@@ -2,18 +2,40 @@
 #include "app/single_instance.h"
 
 #include <QCryptographicHash>
-#include <QDataStream>
 #include <QDir>
 #include <QLocalSocket>
 #include <QLockFile>
 #include <QStandardPaths>
+#include <cstring>
+#include <optional>
 
 namespace vell {
 namespace {
 
 constexpr int patience = 2000;               // milliseconds
 constexpr qint64 largestRequest = 16 << 20;  // bytes; longer than any command line
-constexpr auto streamVersion = QDataStream::Qt_6_4;
+const QByteArray answer("\x06");             // that the files arrived whole
+
+// A request: the paths in UTF-16 as they are in memory, each with a zero behind it, and one zero
+// more. No count is told that would have to be believed.
+QByteArray encoded(const QStringList& paths) {
+    QString request;
+    for (const QString& path : paths)
+        request += path + QChar(u'\0');
+    request += QChar(u'\0');
+    return {reinterpret_cast<const char*>(request.utf16()), request.size() * 2};
+}
+
+/// Nothing while the request isn't complete.
+std::optional<QStringList> decoded(const QByteArray& bytes) {
+    if (bytes.size() % 2 != 0) return std::nullopt;
+    QString request(bytes.size() / 2, Qt::Uninitialized);
+    std::memcpy(request.data(), bytes.constData(), static_cast<size_t>(bytes.size()));
+    if (request == QStringView(u"\0", 1)) return QStringList();
+    if (!request.endsWith(QStringView(u"\0\0", 2))) return std::nullopt;
+    request.chop(2);
+    return request.split(QChar(u'\0'));
+}
 
 /// One socket for each user and display, in the user's own run-time folder where there is one.
 QString socketPath() {
@@ -36,12 +58,9 @@ bool SingleInstance::handOver(const QStringList& paths) {
     QLocalSocket socket;
     socket.connectToServer(socketPath());
     if (!socket.waitForConnected(patience)) return false;
-    QDataStream stream(&socket);
-    stream.setVersion(streamVersion);
-    stream << paths;
+    socket.write(encoded(paths));
     socket.flush();
-    // The answer tells that the files arrived whole.
-    return socket.waitForReadyRead(patience) && socket.read(1) == QByteArray("\x06");
+    return socket.waitForReadyRead(patience) && socket.read(answer.size()) == answer;
 }
 
 bool SingleInstance::listen() {
@@ -63,15 +82,12 @@ void SingleInstance::accept() {
                 socket->abort();
                 return;
             }
-            QDataStream stream(socket);
-            stream.setVersion(streamVersion);
-            stream.startTransaction();
-            QStringList paths;
-            stream >> paths;
-            if (!stream.commitTransaction()) return;
-            socket->write("\x06", 1);
+            const auto paths = decoded(socket->peek(largestRequest));
+            if (!paths) return;
+            socket->disconnect(this);
+            socket->write(answer);
             socket->flush();
-            Q_EMIT received(paths);
+            Q_EMIT received(*paths);
         });
     }
 }
