@@ -29,6 +29,8 @@ class CurrentRow final : public QObject {
 
     /// -1 before any row was chosen.
     [[nodiscard]] qsizetype index() const { return index_; }
+    /// Shows a row and makes it the current one; going up, the end of a high row is shown.
+    void goTo(qsizetype row, int direction);
     /// Paints the ring, if the keyboard is in use; the painter counts the viewport's device pixels.
     void paint(QPainter& painter) const;
 
@@ -41,7 +43,6 @@ class CurrentRow final : public QObject {
     bool key(const QKeyEvent& event);
     void step(int direction);
     void page(int direction);
-    void goTo(qsizetype row, int direction);
     void choose(qsizetype row, bool showRing);
     /// The current row, or the nearest to it that is on the screen.
     [[nodiscard]] qsizetype onScreen(int direction) const;

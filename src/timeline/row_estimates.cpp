@@ -119,6 +119,10 @@ bool RowEstimates::isCaption(qsizetype index) const {
     return classes_[static_cast<size_t>(index)] == captionClass;
 }
 
+bool RowEstimates::isEmpty(qsizetype index) const {
+    return classes_[static_cast<size_t>(index)] == emptyClass;
+}
+
 void RowEstimates::prepare(const RowContext& context, int rowWidth) {
     const auto kind = [&](Event::Value value, bool hasSender) {
         return measured(std::move(value), context, rowWidth, hasSender).height;

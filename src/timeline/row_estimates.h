@@ -27,6 +27,8 @@ class RowEstimates {
 
     /// Whether the row is the caption of a sender.
     [[nodiscard]] bool isCaption(qsizetype index) const;
+    /// Whether the row shows nothing; tells before prepare(), too.
+    [[nodiscard]] bool isEmpty(qsizetype index) const;
 
   private:
     std::vector<uint8_t> classes_;

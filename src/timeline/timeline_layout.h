@@ -52,6 +52,8 @@ class TimelineLayout {
         return chatlog_;
     }
     [[nodiscard]] qsizetype rowCount() const { return heights_.count(); }
+    /// Whether a row shows nothing, whatever the width.
+    [[nodiscard]] bool isEmpty(qsizetype index) const { return estimates_.isEmpty(index); }
 
     /// Forgets all heights but keeps the place. The width is that of the viewport.
     void reset(int viewportWidth, int viewportHeight);

@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "identity/contacts_store.h"
+#include "timeline/accessible_timeline.h"
 #include "timeline/bubble_colors.h"
 #include "timeline/current_row.h"
 #include "timeline/picture_cache.h"
@@ -48,17 +49,21 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    AccessibleTimeline::install();
     presentSenders();
     selecting_ = std::make_unique<Selecting>(*this);
     connect(selecting_.get(), &Selecting::changed, this, &TimelineView::selectionChanged);
     pointing_ = std::make_unique<Pointing>(*this, *selecting_);
     currentRow_ = std::make_unique<CurrentRow>(*this, *pointing_);
     connect(currentRow_.get(), &CurrentRow::changed, this, &TimelineView::currentRowChanged);
+    connect(currentRow_.get(), &CurrentRow::changed, this,
+            [this](qsizetype row) { AccessibleTimeline::focusChanged(*this, row); });
     connect(pointing_.get(), &Pointing::linkHovered, this, &TimelineView::linkHovered);
     connect(pointing_.get(), &Pointing::pictureClicked, this, &TimelineView::pictureClicked);
     connect(&contacts, &ContactsStore::addressToContactChanged, this, [this] {
         layout_.invalidateCaptions();
         moved();
+        AccessibleTimeline::namesChanged(*this);
     });
     connect(&pictures, &PictureCache::changed, this, &TimelineView::pictureChanged);
 }
@@ -202,6 +207,10 @@ qsizetype TimelineView::currentRow() const {
     return currentRow_->index();
 }
 
+void TimelineView::setCurrentRow(qsizetype row) {
+    currentRow_->goTo(row, 1);
+}
+
 void TimelineView::activateRow(qsizetype row) {
     pointing_->activate(row);
 }
@@ -260,13 +269,18 @@ void TimelineView::timerEvent(QTimerEvent* event) {
 
 void TimelineView::pictureChanged(const char* bytes) {
     std::vector<qsizetype> changed;
+    bool isProblem = false;
     for (const auto& visible : layout_.visibleRows()) {
         const auto* view = std::get_if<ImageBubbleView>(&visible.row->view.content());
-        if (view && view->image.image().data.begin() == bytes) changed.push_back(visible.index);
+        if (!view || view->image.image().data.begin() != bytes) continue;
+        changed.push_back(visible.index);
+        isProblem = !pictures().problem(view->image.image()).isEmpty();
     }
     if (changed.empty()) return;
-    for (const qsizetype index : changed)
+    for (const qsizetype index : changed) {
         layout_.invalidateRow(index);
+        if (isProblem) AccessibleTimeline::nameChanged(*this, index);
+    }
     moved();
 }
 

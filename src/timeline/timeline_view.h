@@ -74,6 +74,8 @@ class TimelineView final : public QAbstractScrollArea {
 
     /// The row that the keyboard is at; -1 before any was chosen.
     [[nodiscard]] qsizetype currentRow() const;
+    /// Brings a row on the screen and the keyboard to it.
+    void setCurrentRow(qsizetype row);
     /// Acts on a row as a click or the return key does.
     void activateRow(qsizetype row);
 

@@ -1,0 +1,62 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// AccessibleTimeline: the timeline as screen readers see it, a list with an item for each row that
+// shows something. It answers from the log and not from what is painted; items are made when they
+// are asked for, and the ones asked for longest ago are given up. GUI thread only.
+//
+//     AccessibleTimeline::install();  // once, before the first view is asked
+
+#include <QAccessibleWidget>
+#include <deque>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+namespace vell {
+
+class TimelineView;
+
+class AccessibleTimeline final : public QAccessibleWidget {
+  public:
+    /// So many items are kept at most.
+    static constexpr size_t mostItems = 16'384;
+
+    /// Makes every TimelineView's interface one of these; further calls do nothing.
+    static void install();
+    /// Tells who listens that the rows' names may be others, because those of people are.
+    static void namesChanged(TimelineView& view);
+    /// The same for one row.
+    static void nameChanged(TimelineView& view, qsizetype row);
+
+    /// Tells that the keyboard is at a row now.
+    static void focusChanged(TimelineView& view, qsizetype row);
+
+    explicit AccessibleTimeline(TimelineView& view);
+    ~AccessibleTimeline() override;
+
+    [[nodiscard]] TimelineView& view() const;
+    /// A row's rectangle on the screen, in points; as far as it is known for rows never seen.
+    [[nodiscard]] QRect rowRect(qsizetype row) const;
+
+    [[nodiscard]] bool isValid() const override;
+    [[nodiscard]] int childCount() const override;
+    [[nodiscard]] QAccessibleInterface* child(int index) const override;
+    [[nodiscard]] int indexOfChild(const QAccessibleInterface* child) const override;
+    [[nodiscard]] QAccessibleInterface* childAt(int x, int y) const override;
+    [[nodiscard]] QAccessibleInterface* focusChild() const override;
+    [[nodiscard]] QString text(QAccessible::Text kind) const override;
+
+  private:
+    /// Rows that show nothing, in order; looked for when somebody first asks.
+    const std::vector<qsizetype>& emptyRows() const;
+    [[nodiscard]] qsizetype rowOfChild(int index) const;
+    [[nodiscard]] QAccessibleInterface* item(qsizetype row) const;
+    void tellNameChanged(qsizetype row) const;
+
+    mutable std::optional<std::vector<qsizetype>> emptyRows_;
+    mutable std::unordered_map<qsizetype, QAccessible::Id> items_;
+    mutable std::deque<qsizetype> made_;  // the rows of items_, the oldest first
+};
+
+}  // namespace vell
