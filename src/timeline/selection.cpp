@@ -11,6 +11,9 @@ namespace {
 
 using Event = TesselChatLog::Event;
 
+// The text of more rows is made only when a program asks for it.
+constexpr qsizetype mostRowsAtOnce = 1000;
+
 const Event& eventAt(const TesselChatLog& chatlog, qsizetype row) {
     return chatlog.events()[static_cast<size_t>(row)];
 }
@@ -32,7 +35,7 @@ bool showsSomething(const TesselChatLog& chatlog, const TextSpan& span, qsizetyp
     return from < to;
 }
 
-/// A clipboard is asked for its text long after the copying, if ever.
+/// A clipboard is asked for its text long after the copying, if ever. Meanwhile this keeps the log.
 class SelectionData final : public QMimeData {
   public:
     SelectionData(Selection::Log chatlog, const TextSpan& span)
@@ -118,7 +121,11 @@ QString Selection::text() const {
 
 std::unique_ptr<QMimeData> Selection::mimeData() const {
     if (isEmpty()) return nullptr;
-    return std::make_unique<SelectionData>(chatlog_, span_);
+    if (span_.to.row - span_.from.row >= mostRowsAtOnce)
+        return std::make_unique<SelectionData>(chatlog_, span_);
+    auto data = std::make_unique<QMimeData>();
+    data->setText(text());
+    return data;
 }
 
 qsizetype Selection::selectableRow(qsizetype row, int step) const {

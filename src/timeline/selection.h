@@ -49,7 +49,8 @@ class Selection {
     [[nodiscard]] std::optional<TextHighlight> highlight(qsizetype row) const;
     /// What of each row is selected, as lines.
     [[nodiscard]] QString text() const;
-    /// The text for a clipboard, made when somebody asks for it; null for an empty selection.
+    /// The text for a clipboard; a long one is made when somebody asks for it. Null for an empty
+    /// selection.
     [[nodiscard]] std::unique_ptr<QMimeData> mimeData() const;
 
     /// A row's neighbour (step 1 or -1) in which something can be selected; -1 for none.

@@ -52,14 +52,18 @@ void paintHighlights(QPainter& painter, const RowLayout& layout, const QColor& t
         const bool isSelection = highlight.kind == HighlightKind::selection;
         const bool isCurrent = highlight.kind == HighlightKind::currentMatch;
         const QColor color = highlightColor(highlight.kind, textColor, context);
-        const qreal corner = isSelection ? 0 : matchCorner * context.ratio;
+        const qreal corner = matchCorner * context.ratio;
         painter.setBrush(color);
         painter.setPen(isCurrent ? QPen(textColor, outlineWidth * context.ratio) : Qt::NoPen);
         // The lines of a selection touch each other.
         const int gap = isSelection ? layout.text->spacing() : 0;
         for (const QRect& line : layout.text->region(highlight.from, highlight.to, top, bottom)) {
             const QRect rect = line.translated(origin).adjusted(0, -gap / 2, 0, gap - gap / 2);
-            painter.drawRoundedRect(rect, corner, corner);
+            if (isSelection) {
+                painter.fillRect(rect, color);  // many large ones: several times faster
+            } else {
+                painter.drawRoundedRect(rect, corner, corner);
+            }
         }
     }
     painter.restore();
