@@ -118,12 +118,31 @@ Nichts davon wird geändert oder irgendwohin gesendet. In den Einstellungen kön
         <source>Picture</source>
         <translation>Bild</translation>
     </message>
+    <message>
+        <source>Conversation</source>
+        <translation>Unterhaltung</translation>
+    </message>
 </context>
 <context>
     <name>Version</name>
     <message>
         <source>Version: %1 (%2)</source>
         <translation>Version: %1 (%2)</translation>
+    </message>
+</context>
+<context>
+    <name>vell</name>
+    <message>
+        <source>End of messages by %1</source>
+        <translation>Ende der Nachrichten von %1</translation>
+    </message>
+    <message>
+        <source>%1: %2, %3</source>
+        <translation>%1: %2, %3</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1, %2</translation>
     </message>
 </context>
 <context>
@@ -523,6 +542,13 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     <message>
         <source>&amp;Save File As …</source>
         <translation>Datei &amp;sichern unter …</translation>
+    </message>
+</context>
+<context>
+    <name>vell::Spoken</name>
+    <message>
+        <source>Picture %1</source>
+        <translation>Bild %1</translation>
     </message>
 </context>
 <context>

@@ -1,10 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 #
-# A picture leaves the program by mouse and by clipboard, on a display and under a window manager of
-# this test's own, and arrives in other programs byte for byte.
+# A picture leaves the program by mouse and by clipboard and arrives in other programs byte for byte.
 #
-# usage: pictures_test.sh VELL PARTNER
+# usage: with_desktop.sh pictures_test.sh VELL PARTNER
 set -u
 vell=$1 partner=$2
 work=$(mktemp -d)
@@ -41,21 +40,10 @@ start() {
     processes+=($!)
 }
 
-unset WAYLAND_DISPLAY XAUTHORITY DBUS_SESSION_BUS_ADDRESS QT_QPA_PLATFORM QT_SCALE_FACTOR
-export HOME=$work/home TMPDIR=$work/files XDG_RUNTIME_DIR=$work/run XDG_CONFIG_HOME=$work/home/config
-export XDG_DATA_HOME=$work/home/data XDG_CACHE_HOME=$work/home/cache NO_AT_BRIDGE=1
-mkdir -m 700 "$HOME" "$TMPDIR" "$XDG_RUNTIME_DIR"
-
+export TMPDIR=$work/files
+mkdir "$TMPDIR"
 QT_QPA_PLATFORM=offscreen "$partner" make "$work/chat.ichat" "$work/field.png" >/dev/null ||
     fail 'no transcript'
-
-start xvfb Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$work/display"
-has_display() { [ "$(wc -l <"$work/display")" -eq 1 ]; }
-until_ok 20 'no display' has_display
-DISPLAY=:$(cat "$work/display")
-export DISPLAY
-until_ok 20 'the display does not answer' xdotool getdisplaygeometry
-start openbox openbox --sm-disable
 until_ok 20 'no window manager' xdotool get_num_desktops
 
 start vell stdbuf -oL "$vell" "$work/chat.ichat"
@@ -64,13 +52,13 @@ until_ok 20 'no window for pictures' xdotool search --onlyvisible --name '^taker
 taker=$(head -n 1 "$work/answer")
 until_ok 20 'no chat window' xdotool search --onlyvisible --name 'bob'
 chat=$(head -n 1 "$work/answer")
-xdotool windowmove "$taker" 1000 600 windowmove "$chat" 20 20
+xdotool windowmove "$taker" 900 600 windowmove "$chat" 20 20
 placed() {
     local X=0 Y=0
     eval "$(xdotool getwindowgeometry --shell "$1" | grep -E '^[XY]=-?[0-9]+$')"
     ((X >= $2 && X < $2 + 60 && Y >= $3 && Y < $3 + 60))
 }
-until_ok 20 'the window for pictures stays where it was' placed "$taker" 1000 600
+until_ok 20 'the window for pictures stays where it was' placed "$taker" 900 600
 until_ok 20 'the chat window stays where it was' placed "$chat" 20 20
 active() { xdotool windowactivate "$chat" && [ "$(xdotool getactivewindow)" = "$chat" ]; }
 until_ok 20 'the chat window is not active' active
@@ -85,7 +73,7 @@ read -r x y <"$work/place"
 shift_by=0
 over_taker() {
     shift_by=$(((shift_by + 7) % 40))
-    xdotool mousemove $((1080 + shift_by)) 700
+    xdotool mousemove $((980 + shift_by)) 700
     (($(grep -c moved "$work/taker.log") >= 3))
 }
 xdotool mousemove "$x" "$y" mousedown 1
