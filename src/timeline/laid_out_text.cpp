@@ -2,7 +2,9 @@
 #include "timeline/laid_out_text.h"
 
 #include <QFontMetricsF>
+#include <QGlyphRun>
 #include <QPainter>
+#include <QRawFont>
 #include <QTextOption>
 #include <algorithm>
 #include <cmath>
@@ -16,6 +18,9 @@ namespace {
 
 // Keeps a layout's fixed-point rounding from adding a pixel.
 constexpr qreal roundingSlack = 1.0 / 64;
+
+// Glyphs this near to each other, in points, are neighbours.
+constexpr qreal joiningSlack = 0.5;
 
 // How a selected line break shows on an empty line.
 constexpr qreal lineBreakPoints = 4;
@@ -43,15 +48,20 @@ std::vector<std::pair<qreal, qreal>> stretches(const QTextLine& line, int from, 
     const int end = start + line.textLength();
     if (from <= start && to >= end) return {{line.x(), line.x() + line.naturalTextWidth()}};
     std::vector<std::pair<qreal, qreal>> found;
-    for (int i = std::max(from, start); i < std::min(to, end); ++i) {
-        const qreal leading = line.cursorToX(i, QTextLine::Leading);
-        const qreal trailing = line.cursorToX(i, QTextLine::Trailing);
-        if (leading != trailing) found.emplace_back(std::minmax(leading, trailing));
+    const int first = std::max(from, start);
+    const int length = std::min(to, end) - first;
+    if (length <= 0) return {};
+    // Carets don't tell: where the direction changes, both edges of a letter have the same one.
+    for (const QGlyphRun& run : line.glyphRuns(first, length)) {
+        const QList<QPointF> places = run.positions();
+        const QList<QPointF> advances = run.rawFont().advancesForGlyphIndexes(run.glyphIndexes());
+        for (qsizetype i = 0; i < places.size(); ++i)
+            found.emplace_back(places[i].x(), places[i].x() + advances[i].x());
     }
     std::sort(found.begin(), found.end());
     std::vector<std::pair<qreal, qreal>> joined;
     for (const auto& piece : found) {
-        if (!joined.empty() && piece.first <= joined.back().second + roundingSlack) {
+        if (!joined.empty() && piece.first <= joined.back().second + joiningSlack) {
             joined.back().second = std::max(joined.back().second, piece.second);
         } else {
             joined.push_back(piece);

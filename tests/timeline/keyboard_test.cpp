@@ -6,8 +6,10 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QFileDialog>
 #include <QMenu>
 #include <QMimeData>
+#include <QTemporaryDir>
 
 #include "foundation/print.h"
 #include "timeline/window.h"
@@ -121,23 +123,27 @@ TEST(Keyboard, RowsOfferWhatCanBeDoneWithThem) {
         QStringList commands;
         const char* copiedType;  // by the command before the last
         QString copied;
+        const char* savedAs;
     } rows[] = {
-        {0, Qt::Key_Menu, {QStringLiteral("Copy")}, nullptr, {}},
+        {0, Qt::Key_Menu, {QStringLiteral("Copy")}, nullptr, {}, nullptr},
         {1,
          Qt::Key_Menu,
          {QStringLiteral("Copy"), QStringLiteral("Copy Link Address")},
          "text/plain",
-         QStringLiteral("a page")},
+         QStringLiteral("a page"),
+         nullptr},
         {2,
          Qt::Key_Return,
          {QStringLiteral("Copy Picture"), QStringLiteral("Save Picture As …")},
          "image/vnd.adobe.photoshop",
-         QStringLiteral("no decoder looks at this")},
+         QStringLiteral("no decoder looks at this"),
+         "Picture.psd"},
         {3,
          Qt::Key_Return,
          {QStringLiteral("Copy"), QStringLiteral("Save File As …")},
          "text/plain",
-         QStringLiteral("File: ") + attachment->description()},
+         QStringLiteral("File: ") + attachment->description(),
+         "File"},
     };
     for (const auto& row : rows) {
         window.key(Qt::Key_Home);
@@ -159,6 +165,20 @@ TEST(Keyboard, RowsOfferWhatCanBeDoneWithThem) {
             menu->actions().at(menu->actions().size() - 2)->trigger();
             const QMimeData* data = QGuiApplication::clipboard()->mimeData();
             EXPECT_EQ(QString::fromUtf8(data->data(QLatin1String(row.copiedType))), row.copied);
+        }
+        if (row.savedAs) {
+            const QTemporaryDir folder;
+            menu->actions().last()->trigger();
+            auto* dialog = window.view.findChild<QFileDialog*>();
+            ASSERT_TRUE(dialog);
+            EXPECT_EQ(QFileInfo(dialog->selectedFiles().value(0)).fileName(),
+                      QString::fromUtf8(row.savedAs));
+            dialog->setDirectory(folder.path());
+            dialog->selectFile(QString::fromUtf8(row.savedAs));
+            QMetaObject::invokeMethod(dialog, "accept");
+            QFile saved(folder.filePath(QString::fromUtf8(row.savedAs)));
+            ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+            EXPECT_EQ(saved.readAll().left(12), row.row == 2 ? "no decoder l" : "x");
         }
         menu->close();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

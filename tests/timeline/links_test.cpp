@@ -3,9 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QHelpEvent>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTextDocumentFragment>
+#include <QToolTip>
 
 #include "timeline/window.h"
 
@@ -123,6 +126,17 @@ TEST(Links, HoveringTellsTheAddressAndChangesTheCursor) {
     ASSERT_EQ(hovered.size(), 2);
     EXPECT_EQ(hovered[0][0].toString(), QStringLiteral("http://example.com/a?b=c%20d"));
     EXPECT_EQ(hovered[1][0].toString(), QString());
+}
+
+TEST(Links, ToolTipsTellSenderAndDateAndTakeNothingForMarkup) {
+    const TesselUserID mallory{TesselServiceID::aim, QStringLiteral("<b>mallory</b>")};
+    Window window(LogBuilder().text(mallory, QStringLiteral("some text")).log());
+    const QPoint place = window.place(0, 3);
+    QHelpEvent event(QEvent::ToolTip, place, window.view.viewport()->mapToGlobal(place));
+    QApplication::sendEvent(window.view.viewport(), &event);
+    const QString text = QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText();
+    EXPECT_TRUE(text.startsWith(mallory.userID + u'\n')) << text.toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("2023"))) << text.toStdString();
 }
 
 }  // namespace

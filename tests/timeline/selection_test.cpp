@@ -125,6 +125,35 @@ TEST(Selecting, CopyingMakesTheTextWhenItIsAskedFor) {
     EXPECT_FALSE(QGuiApplication::clipboard()->text().isEmpty()) << "nothing was copied over it";
 }
 
+TEST(Selecting, HighlightsAreWhereTheirTextIsAndNowhereElse) {
+    Window window(smallTalk());
+    const auto painted = [&] {
+        return window.view.viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    };
+    const QImage plain = painted();
+    const auto changed = [&](const QImage& now) {
+        QRect rect;
+        for (int y = 0; y < now.height(); ++y) {
+            for (int x = 0; x < now.width(); ++x) {
+                if (now.pixel(x, y) != plain.pixel(x, y)) rect |= QRect(x, y, 1, 1);
+            }
+        }
+        return rect;
+    };
+    const QRect there(window.place(0, 6), window.place(0, 10));
+    window.view.setFindMatches({{0, 6, 5}}, -1);
+    const QImage match = painted();
+    EXPECT_TRUE(changed(match).contains(there));
+    EXPECT_TRUE(there.adjusted(-12, -20, 12, 20).contains(changed(match)));
+    window.view.setFindMatches({{0, 6, 5}}, 0);
+    EXPECT_NE(painted(), match) << "the current match looks like any other";
+    window.view.setFindMatches({}, -1);
+    EXPECT_EQ(painted(), plain);
+    window.drag(there.topLeft() - QPoint(3, 0), there.bottomRight() + QPoint(3, 0));
+    EXPECT_EQ(window.selected(), QStringLiteral("there"));
+    EXPECT_TRUE(there.adjusted(-12, -20, 12, 20).contains(changed(painted())));
+}
+
 TEST(Selecting, MatchesFarAwayInLongTextsAreBroughtIntoView) {
     QString lines;
     for (int i = 0; i < 20'000; ++i)

@@ -187,6 +187,42 @@ TEST(LaidOutText, OffsetsAndPlacesBelongTogether) {
     }
 }
 
+TEST(LaidOutText, RegionsAreWhereTheirCharactersAre) {
+    const struct {
+        const char* what;
+        QString content;
+        int width;
+    } rows[] = {
+        {"plain", QStringLiteral("some words that wrap somewhere"), 200},
+        {"both directions", QStringLiteral("abc שלום, עולם def 123 אבג"), 600},
+        {"lines", QStringLiteral("one\n\nשורה\nthree"), 200},
+        {"a character in colour", QString::fromUtf8("a😀b"), 200},
+    };
+    for (const auto& row : rows) {
+        const LaidOutText text(row.content, format(2), row.width);
+        const auto region = [&](qsizetype from, qsizetype to) {
+            return text.region(from, to, 0, text.height());
+        };
+        QRegion together;
+        for (qsizetype i = 0; i < row.content.size(); ++i) {
+            const std::vector<QRect> rects = region(i, i + 1);
+            if (row.content[i].isSpace() || row.content[i].isLowSurrogate()) continue;
+            ASSERT_EQ(rects.size(), 1u) << row.what << " " << i;
+            EXPECT_EQ(text.characterAt(rects[0].center()), i) << row.what;
+            EXPECT_TRUE(QRect(-1, 0, text.width() + 2, text.height()).contains(rects[0]));
+            together += rects[0];
+        }
+        QRegion whole;
+        for (const QRect& rect : region(0, row.content.size()))
+            whole += rect;
+        EXPECT_TRUE((together - whole).isEmpty()) << row.what << ": a character sticks out";
+        EXPECT_TRUE(region(3, 3).empty()) << row.what;
+    }
+    const LaidOutText lines(QStringLiteral("a\n\nb"), format(1), 200);
+    EXPECT_EQ(lines.region(0, 4, 0, lines.height()).size(), 3u) << "the empty line shows nothing";
+    EXPECT_EQ(lines.region(0, 1, 0, lines.height()).size(), 1u);
+}
+
 TEST(LaidOutText, EmojiAreColouredAndNeverBreakInTwo) {
     if (emojiFamily().isEmpty()) GTEST_SKIP() << "no colour font for emoji";
     const struct {

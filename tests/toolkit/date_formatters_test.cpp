@@ -78,6 +78,16 @@ TEST(DateFormatter, EveryMinuteOfTheDayHasItsOwnTimeOnBothSidesOfAClockChange) {
     }
 }
 
+TEST(DateFormatter, FullDatesTellSecondsAndTheZoneOfTheirSeason) {
+    const DateFormatter full(Style::fullDateTime, "de_DE", zone("Europe/Berlin"));
+    const QString winter = full.string(at("2006-01-02T21:04:59Z"));
+    EXPECT_TRUE(winter.startsWith(u"Montag, 2. Januar 2006")) << winter.toStdString();
+    EXPECT_TRUE(winter.endsWith(u"22:04:59 MEZ") || winter.endsWith(u"22:04:59 CET"))
+        << winter.toStdString();
+    EXPECT_TRUE(full.string(at("2006-07-02T21:04:05Z")).contains(u"23:04:05"));
+    EXPECT_EQ(full.string({1e300}), Date{1e300}.description());
+}
+
 TEST(DateFormatter, DatesOutsideTheCalendarAreNumbers) {
     const double rows[] = {std::numeric_limits<double>::quiet_NaN(),
                            std::numeric_limits<double>::infinity(),
