@@ -124,9 +124,15 @@ void* AccessibleRow::interface_cast(QAccessible::InterfaceType type) {
     return nullptr;
 }
 
+bool AccessibleRow::canBePressed() const {
+    const auto* image = std::get_if<TesselChatLog::Image>(&event().value);
+    return role() == QAccessible::Link ||
+           (image && image->image().format == foundation::PictureFormat::gif);
+}
+
 QStringList AccessibleRow::actionNames() const {
     QStringList names;
-    if (role() == QAccessible::Link) names << pressAction();
+    if (canBePressed()) names << pressAction();
     names << setFocusAction();
     return names;
 }
@@ -134,7 +140,7 @@ QStringList AccessibleRow::actionNames() const {
 void AccessibleRow::doAction(const QString& name) {
     TimelineView& view = timeline_.view();
     if (name == pressAction()) {
-        if (role() == QAccessible::Link) view.activateRow(row_);
+        if (canBePressed()) view.activateRow(row_);
     } else if (name == setFocusAction()) {
         view.setFocus(Qt::OtherFocusReason);
         view.setCurrentRow(row_);

@@ -46,6 +46,8 @@ class AccessibleRow final : public QAccessibleInterface, public QAccessibleActio
 
   private:
     [[nodiscard]] const TesselChatLog::Event& event() const;
+    /// Whether there is a link to open or a GIF to play.
+    [[nodiscard]] bool canBePressed() const;
 
     const AccessibleTimeline& timeline_;
     qsizetype row_;

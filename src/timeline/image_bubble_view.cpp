@@ -65,7 +65,9 @@ void ImageBubbleView::paint(QPainter& painter, const RowLayout& layout, const Ro
     rounded.addRoundedRect(room, radius, radius);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    if (const QImage* pixels = context.pictures.image(image.image(), room.size())) {
+    const QImage* pixels =
+        what.frame ? what.frame : context.pictures.image(image.image(), room.size());
+    if (pixels) {
         // As a texture, so that the rounded corners are smooth; it may be one of another size.
         const QSizeF shown = QSizeF(pixels->size()).scaled(room.size(), Qt::KeepAspectRatio);
         const QPointF corner = QRectF(room).center() - QPointF(shown.width(), shown.height()) / 2;

@@ -32,6 +32,11 @@ QString toolTip(const QStringList& lines) {
            QStringLiteral("</qt>");
 }
 
+bool isGif(const TesselChatLog::Event::Value& value) {
+    const auto* image = std::get_if<TesselChatLog::Image>(&value);
+    return image && image->image().format == foundation::PictureFormat::gif;
+}
+
 }  // namespace
 
 Pointing::Pointing(TimelineView& view, Selecting& selecting)
@@ -126,6 +131,8 @@ void Pointing::activate(qsizetype row) {
     const TesselChatLog::Event::Value& value = eventAt(row).value;
     if (std::holds_alternative<TesselChatLog::Link>(value)) {
         open(row);
+    } else if (isGif(value)) {
+        Q_EMIT pictureClicked(row);
     } else if (std::holds_alternative<TesselChatLog::Image>(value) ||
                std::holds_alternative<TesselChatLog::File>(value)) {
         showMenu(row);

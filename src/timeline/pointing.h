@@ -31,8 +31,8 @@ class Pointing final : public QObject {
     Pointing(TimelineView& view, Selecting& selecting);
 
     [[nodiscard]] Links& links() { return links_; }
-    /// Acts on a row as a click does: opens a link; of pictures and files, which have no such act,
-    /// the context menu comes up.
+    /// Acts on a row as a click does: opens a link, plays a GIF; of other pictures and of files,
+    /// which have no such act, the context menu comes up.
     void activate(qsizetype row);
     /// Shows a row's context menu at a place of the viewport, or at the row.
     void showMenu(qsizetype row, std::optional<QPoint> at = {});

@@ -4,6 +4,7 @@
 // RowLayout: where the parts of one row are, for one width. Measuring makes it and painting, hit
 // testing and accessibility read it. Device pixels, from the row's top left corner.
 
+#include <QImage>
 #include <QRect>
 #include <memory>
 #include <span>
@@ -36,6 +37,7 @@ struct RowPaint {
     qint64 id = 0;  ///< tells rows apart in caches
     QRect visible;  ///< from the row's top left corner; nothing outside need be painted
     std::span<const TextHighlight> highlights;  ///< later ones over earlier ones
+    const QImage* frame = nullptr;              ///< of a picture that moves, in place of its first
 };
 
 }  // namespace vell

@@ -19,6 +19,7 @@
 #include "timeline/accessible_timeline.h"
 #include "timeline/bubble_colors.h"
 #include "timeline/current_row.h"
+#include "timeline/gif_player.h"
 #include "timeline/picture_cache.h"
 #include "timeline/pointing.h"
 #include "timeline/selecting.h"
@@ -59,7 +60,9 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
     connect(currentRow_.get(), &CurrentRow::changed, this,
             [this](qsizetype row) { AccessibleTimeline::focusChanged(*this, row); });
     connect(pointing_.get(), &Pointing::linkHovered, this, &TimelineView::linkHovered);
-    connect(pointing_.get(), &Pointing::pictureClicked, this, &TimelineView::pictureClicked);
+    gifPlayer_ = std::make_unique<GifPlayer>();
+    connect(pointing_.get(), &Pointing::pictureClicked, this, &TimelineView::playPicture);
+    connect(gifPlayer_.get(), &GifPlayer::changed, this, &TimelineView::repaintRow);
     connect(&contacts, &ContactsStore::addressToContactChanged, this, [this] {
         layout_.invalidateCaptions();
         moved();
@@ -226,6 +229,11 @@ void TimelineView::showEvent(QShowEvent* event) {
     if (!isBuilt_) rebuild();
 }
 
+void TimelineView::hideEvent(QHideEvent* event) {
+    QAbstractScrollArea::hideEvent(event);
+    gifPlayer_->stop();
+}
+
 void TimelineView::changeEvent(QEvent* event) {
     QAbstractScrollArea::changeEvent(event);
     switch (event->type()) {
@@ -284,12 +292,38 @@ void TimelineView::pictureChanged(const char* bytes) {
     moved();
 }
 
+void TimelineView::playPicture(qsizetype row) {
+    const TimelineRowView& view = layout_.row(row).view;
+    if (const auto* image = std::get_if<ImageBubbleView>(&view.content()))
+        gifPlayer_->toggle(row, image->image.image(), layout_.row(row).layout.content.size());
+}
+
+void TimelineView::stopUnseenPicture() {
+    const auto& rows = layout_.visibleRows();
+    const bool isSeen = std::any_of(rows.begin(), rows.end(), [this](const auto& visible) {
+        return visible.index == gifPlayer_->row();
+    });
+    if (!isSeen || window()->isMinimized()) gifPlayer_->stop();
+}
+
+void TimelineView::repaintRow(qsizetype row) {
+    for (const auto& visible : layout_.visibleRows()) {
+        if (visible.index != row) continue;
+        const QRectF place(layout_.rowLeft(), visible.top, layout_.rowWidth(),
+                           visible.row->layout.height);
+        viewport()->update(
+            QRectF(place.topLeft() / ratio(), place.size() / ratio()).toAlignedRect());
+    }
+    stopUnseenPicture();
+}
+
 // ---- scrolling ---------------------------------------------------------------------------------
 
 void TimelineView::moved() {
     syncScrollBar();
     restartIdlePass();
     viewport()->update();
+    stopUnseenPicture();
 }
 
 void TimelineView::restartIdlePass() {
@@ -384,7 +418,8 @@ void TimelineView::paintRows(QPainter& painter, const QRect& exposed) {
         painter.save();
         painter.translate(left, visible.top);
         visible.row->view.paint(painter, visible.row->layout, context_,
-                                {visible.index, part, selecting_->highlights(visible.index)});
+                                {visible.index, part, selecting_->highlights(visible.index),
+                                 gifPlayer_->frame(visible.index)});
         painter.restore();
     }
     currentRow_->paint(painter);

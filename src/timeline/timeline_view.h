@@ -26,6 +26,7 @@ namespace vell {
 
 class ContactsStore;
 class CurrentRow;
+class GifPlayer;
 class Links;
 class PictureCache;
 class Pointing;
@@ -95,11 +96,11 @@ class TimelineView final : public QAbstractScrollArea {
     void selectionChanged();
     /// The address below the mouse, as one line; empty when there is none any more.
     void linkHovered(const QString& address);
-    void pictureClicked(qsizetype row);
     void currentRowChanged(qsizetype row);
 
   protected:
     void changeEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
@@ -117,6 +118,10 @@ class TimelineView final : public QAbstractScrollArea {
     void scrollSmoothly(double pixels);
     void restartIdlePass();
     void pictureChanged(const char* bytes);
+    /// Starts or stops a GIF.
+    void playPicture(qsizetype row);
+    void stopUnseenPicture();
+    void repaintRow(qsizetype row);
     [[nodiscard]] qreal ratio() const { return context_.ratio; }
     [[nodiscard]] int viewportWidth() const;
     [[nodiscard]] int viewportHeight() const;
@@ -139,6 +144,7 @@ class TimelineView final : public QAbstractScrollArea {
     std::unique_ptr<Selecting> selecting_;
     std::unique_ptr<Pointing> pointing_;
     std::unique_ptr<CurrentRow> currentRow_;
+    std::unique_ptr<GifPlayer> gifPlayer_;
 };
 
 }  // namespace vell

@@ -78,6 +78,28 @@ TEST(TimelineLayout, IdlePassMakesAllHeightsExactAndMovesNothing) {
     }
 }
 
+TEST(TimelineLayout, IdlePassStaysNearTheViewInVeryLongLogs) {
+    const Context context;
+    const auto log = shared(test::randomLog(TimelineLayout::mostMadeExact + 1, 12));
+    TimelineLayout layout(log, context.rows);
+    layout.reset(700, 800);
+    layout.scrollTo(layout.contentHeight() / 2);
+    const auto top = layout.visibleRows().front();
+    std::vector<bool> seen;
+    for (qsizetype i = 0; i < layout.rowCount(); ++i)
+        seen.push_back(layout.isExact(i));
+    finish(layout);
+    qsizetype exact = 0;
+    for (qsizetype i = 0; i < layout.rowCount(); ++i) {
+        if (!layout.isExact(i) || seen[static_cast<size_t>(i)]) continue;
+        ++exact;
+        EXPECT_LT(std::abs(i - top.index), 2000) << "far away";
+    }
+    EXPECT_GT(exact, 500);
+    EXPECT_EQ(layout.visibleRows().front().index, top.index);
+    EXPECT_EQ(layout.visibleRows().front().top, top.top);
+}
+
 TEST(TimelineLayout, ScrollingMovesWhatIsSeenByJustThatMuch) {
     const Context context(1.5);
     const auto log = shared(test::randomLog(4000, 5));

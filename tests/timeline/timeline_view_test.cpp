@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+#include "timeline/timeline_view.h"
+
+#include <gtest/gtest.h>
+
+#include <QProxyStyle>
+#include <QScrollBar>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QWheelEvent>
+
+#include "identity/memory_contacts.h"
+#include "identity/waiting.h"
+#include "timeline/random_log.h"
+#include "timeline/window.h"
+
+namespace vell {
+namespace {
+
+using test::bob;
+using test::LogBuilder;
+using test::waitFor;
+
+void wheel(TimelineView& view, int notches) {
+    const QPointF place(100, 100);
+    QWheelEvent event(place, view.viewport()->mapToGlobal(place), QPoint(),
+                      QPoint(0, 120 * notches), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                      false);
+    QCoreApplication::sendEvent(view.viewport(), &event);
+}
+
+TEST(TimelineView, ContactsThatComeLaterChangeCaptionsAndNoBubble) {
+    QTemporaryDir folder;
+    QSettings settings(folder.filePath(QStringLiteral("settings")), QSettings::IniFormat);
+    auto owned = std::make_unique<test::MemoryContacts>();
+    test::MemoryContacts& source = *owned;
+    source.isFree = true;
+    ContactsStore contacts(std::move(owned), settings);
+    waitFor([&] { return source.enumerations == 1; });
+    PictureCache pictures;
+    LogBuilder log;
+    for (int i = 0; i < 100; ++i)
+        log.text(bob, QStringLiteral("some words")).add(bob, TesselChatLog::User());
+    TimelineView view(std::make_shared<const TesselChatLog>(log.log()), contacts, pictures);
+    view.resize(500, 600);
+    view.show();
+    while (view.timeline().makeExact(QDeadlineTimer(20))) {
+    }
+    view.scrollToRow(51);
+    view.timeline().scrollBy(7);
+    const auto before = view.timeline().visibleRows();
+    std::vector<std::shared_ptr<LaidOutText>> texts;
+    for (const auto& row : before)
+        texts.push_back(row.row->layout.text);
+    const qint64 height = view.timeline().contentHeight();
+
+    ContactRecord record;
+    record.identifier = QStringLiteral("1");
+    record.name = QStringLiteral("Bob from over there");
+    record.instantMessageAddresses = {{bob.userID, {}}};
+    source.contacts = {record};
+    Q_EMIT source.contactsChanged();
+    ASSERT_TRUE(waitFor([&] { return contacts.addressToContact().contains(bob.userID); }));
+
+    const auto& after = view.timeline().visibleRows();
+    ASSERT_EQ(after.size(), before.size());
+    for (size_t i = 0; i < after.size(); ++i) {
+        EXPECT_EQ(after[i].top, before[i].top) << i;
+        const bool isCaption = after[i].index % 2 == 1;
+        EXPECT_EQ(after[i].row->layout.text == texts[i], !isCaption) << "laid out anew: " << i;
+        if (isCaption) {
+            EXPECT_TRUE(after[i].row->layout.text->text() == *record.name) << i;
+        }
+    }
+    EXPECT_EQ(view.timeline().contentHeight(), height);
+}
+
+TEST(TimelineView, WheelGoesAllTheWaySmoothlyAndTheBarFollows) {
+    test::Window window(test::randomLog(2000, 4));
+    TimelineView& view = window.view;
+    view.scrollToRow(900);
+    const qsizetype row = view.topRow();
+    const qint64 start = view.timeline().rowTop(row);
+    std::vector<qint64> places{start};
+    wheel(view, -2);
+    const qint64 goal = start - 2 * QApplication::wheelScrollLines() * 20;
+    ASSERT_TRUE(waitFor([&] {
+        const qint64 place = view.timeline().rowTop(row);
+        if (place != places.back()) places.push_back(place);
+        return place <= goal;
+    }));
+    EXPECT_EQ(places.back(), goal) << "too far";
+    EXPECT_GT(places.size(), 3u) << "one jump";
+    EXPECT_TRUE(std::is_sorted(places.rbegin(), places.rend())) << "back and forth";
+    const QScrollBar& bar = *view.verticalScrollBar();
+    EXPECT_EQ(bar.value(), view.timeline().offset());
+    EXPECT_EQ(bar.maximum(), view.timeline().contentHeight() - view.timeline().viewportHeight());
+}
+
+TEST(TimelineView, IdlePassWaitsUntilNobodyScrollsAndMovesNothing) {
+    test::Window window(test::randomLog(3000, 6));
+    TimelineView& view = window.view;
+    view.scrollToRow(1500);
+    const auto exact = [&] {
+        qsizetype count = 0;
+        for (qsizetype i = 0; i < view.timeline().rowCount(); ++i)
+            count += view.timeline().isExact(i) ? 1 : 0;
+        return count;
+    };
+    // Scrolling a pixel now and then makes the rows exact that come on the screen, and no others.
+    const qsizetype before = exact();
+    QElapsedTimer sinceScrolling;
+    qint64 longestPause = 0;
+    for (int i = 0; i < 40; ++i) {
+        sinceScrolling.start();
+        view.scrollByPixels(i % 2 == 0 ? 1 : -1);
+        QTest::qWait(10);
+        longestPause = std::max(longestPause, sinceScrolling.elapsed());
+    }
+    if (longestPause < 150) {
+        EXPECT_LT(exact(), before + 100);
+    }
+    const auto top = view.timeline().visibleRows().front();
+    ASSERT_TRUE(waitFor([&] { return !view.isIdlePassRunning(); }, 60000));
+    EXPECT_EQ(exact(), view.timeline().rowCount());
+    EXPECT_EQ(view.timeline().visibleRows().front().index, top.index);
+    EXPECT_EQ(view.timeline().visibleRows().front().top, top.top);
+}
+
+TEST(TimelineView, PlaceAskedForBeforeTheFirstShowIsKept) {
+    test::Context context;
+    LogBuilder log;
+    for (int i = 0; i < 500; ++i)
+        log.text(bob, QStringLiteral("word ").repeated(i % 40));
+    TimelineView view(std::make_shared<const TesselChatLog>(log.log()), context.contacts,
+                      context.pictures);
+    view.scrollToRow(300);
+    EXPECT_EQ(view.topRow(), 300);
+    view.resize(500, 500);
+    view.show();
+    EXPECT_EQ(view.timeline().rowTop(300), 0);
+    view.resize(420, 700);
+    view.setFontSize(30);
+    EXPECT_EQ(view.topRow(), 300);
+}
+
+}  // namespace
+}  // namespace vell
