@@ -7,7 +7,7 @@ _vell() {
         mapfile -t COMPREPLY < <(compgen -f -X '!*.png' -- "$current"; compgen -d -- "$current")
     elif [[ $current == -* ]]; then
         compopt +o filenames 2>/dev/null
-        mapfile -t COMPREPLY < <(compgen -W '--new-instance --render --version --help' -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W '--new-instance --render --dark --version --help' -- "$current")
     else
         mapfile -t COMPREPLY < <(compgen -f -X '!*.ichat' -- "$current"; compgen -d -- "$current")
     fi

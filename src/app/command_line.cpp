@@ -22,7 +22,9 @@ CommandLine CommandLine::parse(const QStringList& arguments) {
         QStringLiteral("render"),
         QStringLiteral("Paint what the window would show into a picture, without a display."),
         QStringLiteral("OUT.png"));
-    parser.addOptions({help, version, newInstance, render});
+    const QCommandLineOption dark(QStringLiteral("dark"),
+                                  QStringLiteral("With --render, in dark colours."));
+    parser.addOptions({help, version, newInstance, render, dark});
     parser.addPositionalArgument(QStringLiteral("FILE"),
                                  QStringLiteral("A transcript, a folder to search, or - for "
                                                 "standard input."),
@@ -42,6 +44,7 @@ CommandLine CommandLine::parse(const QStringList& arguments) {
     }
     result.files = parser.positionalArguments();
     result.newInstance = parser.isSet(newInstance);
+    result.isDark = parser.isSet(dark);
     if (parser.isSet(render)) result.renderTarget = parser.value(render);
     return result;
 }

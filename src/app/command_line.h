@@ -13,6 +13,7 @@ struct CommandLine {
     QStringList files;  ///< as written
     bool newInstance = false;
     std::optional<QString> renderTarget;  ///< paint the first file into this picture and end
+    bool isDark = false;                  ///< in the colours of a dark desktop
 
     /// The text and exit code of a command line that asks for no window: help, version, mistakes.
     struct Answer {

@@ -81,7 +81,7 @@ int run(int argc, char** argv) {
     installTranslations(application);
     QGuiApplication::setLayoutDirection(QLocale().textDirection());
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/dev.quillmark.vell.svg")));
-    if (line.renderTarget) return vell::render(paths.first(), *line.renderTarget);
+    if (line.renderTarget) return vell::render(paths.first(), *line.renderTarget, line.isDark);
 
     const bool shared = !line.newInstance && !paths.contains(QStringLiteral("-"));
     if (shared && vell::SingleInstance::handOver(paths)) return 0;

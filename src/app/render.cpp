@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QPalette>
 #include <cstdio>
 
 #include "app/document.h"
@@ -17,9 +18,16 @@ namespace {
 constexpr QSize windowSize(520, 720);
 constexpr int patience = 3000;  // milliseconds for pictures to be decoded
 
+QPalette darkPalette() {
+    QPalette palette(QColor(53, 53, 56), QColor(44, 44, 47));
+    palette.setColor(QPalette::Base, QColor(30, 30, 32));
+    return palette;
+}
+
 }  // namespace
 
-int render(const QString& path, const QString& target) {
+int render(const QString& path, const QString& target, bool isDark) {
+    if (isDark) QApplication::setPalette(darkPalette());
     try {
         const auto file = DiskFileReader().read(path);
         const VellDocument document = VellDocument::read(*file, [] {});

@@ -8,6 +8,6 @@
 namespace vell {
 
 /// Paints the window's timeline of the transcript at the path; answers the program's exit code.
-[[nodiscard]] int render(const QString& path, const QString& target);
+[[nodiscard]] int render(const QString& path, const QString& target, bool isDark);
 
 }  // namespace vell

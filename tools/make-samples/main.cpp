@@ -21,6 +21,7 @@ std::vector<Sample> madeSamples() {
     return {
         {"The cat in the bathtub.ichat", support::keyedTranscript(samples::catInTheBathtub())},
         {"Two umbrellas.ichat", support::nonKeyedTranscript(samples::twoUmbrellas())},
+        {"A lamp in the window.ichat", support::keyedTranscript(samples::lampInTheWindow())},
         {"Nobody said anything.ichat", support::keyedTranscript(samples::nobodySaidAnything())},
     };
 }

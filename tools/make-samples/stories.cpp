@@ -165,6 +165,29 @@ Transcript twoUmbrellas() {
     return transcript;
 }
 
+Transcript lampInTheWindow() {
+    enum : size_t { dafna, gil };
+    Transcript transcript{.service = "Jabber",
+                          .people = {{"dafna@chat.example.net"}, {"gil@chat.example.net"}},
+                          .participants = {gil}};
+    Storyteller story(transcript);
+    story.at(2007, 12, 4, 18, 58);
+    story.says(dafna, "ראית את המטרייה שלי?");
+    story.says(gil, "איזו מהן?", 9);
+    story.says(dafna, "זו עם ראש הברווז.", 14);
+    story.says(gil, "השאלתי אותה לחתול. ירד גשם.", 21);
+    story.says(gil, "הוא ביקש יפה: “meow”, פעמיים.", 35);
+    story.says(dafna, "ומתי הוא מחזיר?", 12);
+    story.says(gil, "אחרי 20:00, כשהמגדלור נדלק.");
+    story.says(gil, {attached("lamp.png", lighthouse())}, 8);
+    story.says(dafna, "השארתי מנורה בחלון. שיבוא.", 30);
+    story.says(dafna, {words(QString::fromUtf8("ותקרא את זה: ")),
+                       linked(QString::fromUtf8("למה חתולים אוהבים מטריות"),
+                              "http://cats.example.org/faq#umbrellas")});
+    story.says(gil, "OK");
+    return transcript;
+}
+
 Transcript nobodySaidAnything() {
     return {.service = "AIM",
             .people = {{"captain.haddon"}, {"the_quiet_one"}},

@@ -12,6 +12,8 @@ namespace samples {
 /// Two people and two umbrellas, years earlier.
 [[nodiscard]] support::Transcript twoUmbrellas();
 /// Two people who said nothing.
+/// In Hebrew, with numbers and Latin words between.
+[[nodiscard]] support::Transcript lampInTheWindow();
 [[nodiscard]] support::Transcript nobodySaidAnything();
 
 }  // namespace samples
