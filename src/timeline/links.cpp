@@ -2,13 +2,12 @@
 #include "timeline/links.h"
 
 #include <QDesktopServices>
+#include <QList>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <algorithm>
 #include <array>
-
-#include "timeline/safe_file_name.h"
 
 namespace vell {
 namespace {
@@ -16,6 +15,23 @@ namespace {
 constexpr std::array plainSchemes{"http", "https", "mailto",   "ftp",
                                   "aim",  "xmpp",  "facetime", "tel"};
 constexpr qsizetype longestShown = 1000;
+
+bool isUnseen(char32_t c) {
+    const QChar::Category category = QChar::category(c);
+    return category == QChar::Other_Format || category == QChar::Other_Control ||
+           category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
+}
+
+/// The words of a text as a reader takes them: letters that look like others because they are only
+/// wider, and the full stops of other scripts, are their plain forms.
+QStringList seenWords(const QString& text) {
+    QString seen;
+    for (const char32_t c : text.normalized(QString::NormalizationForm_KC).toUcs4()) {
+        const char32_t plain = QChar::isSpace(c) ? U' ' : c == U'。' ? U'.' : c;
+        if (!isUnseen(plain)) seen += QString::fromUcs4(&plain, 1);
+    }
+    return seen.simplified().split(u' ', Qt::SkipEmptyParts);
+}
 
 /// The host as the network knows it; "www." in front of it makes no difference.
 QString comparable(const QString& host) {
@@ -64,7 +80,7 @@ bool isPlainLink(const QString& address, const QString& text) {
     if (text == address) return true;
     static const QRegularExpression brackets(QStringLiteral("^[\\p{P}\\p{S}]+|[\\p{P}\\p{S}]+$"));
     const QString host = hostOf(url);
-    const QStringList words = withoutInvisible(text).simplified().split(u' ', Qt::SkipEmptyParts);
+    const QStringList words = seenWords(text);
     return std::all_of(words.begin(), words.end(), [&](QString word) {
         const QString apparent = apparentHost(word.remove(brackets));
         return apparent.isEmpty() || apparent == host;
@@ -80,7 +96,7 @@ QString shownAddress(const QString& address) {
     for (const char32_t c : whole.toUcs4()) {
         const QString character = QString::fromUcs4(&c, 1);
         const bool isBlank = QChar::isSpace(c) && c != U' ';
-        shown += isBlank || withoutInvisible(character).isEmpty()
+        shown += isBlank || isUnseen(c)
                      ? QString::fromLatin1(character.toUtf8().toPercentEncoding())
                      : character;
     }

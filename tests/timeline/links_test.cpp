@@ -39,7 +39,7 @@ TEST(Links, OnlyWhatLeadsWhereItSeemsToIsOpenedWithoutAQuestion) {
          true},
 
         {"another host", "http://evil.example/", "http://bank.example/", false},
-        {"another host in a sentence", "http://evil.example", "see (www.bank.example)!", false},
+        {"another host in a sentence", "http://evil.example", "see\n(www.bank.example)!", false},
         {"another host without a scheme", "http://evil.example/", "bank.example/login", false},
         {"the host is somebody's name", "http://bank.example@evil.example/", "bank.example", false},
         {"the host is only the beginning", "http://bank.example.evil.example/", "bank.example",
@@ -47,6 +47,8 @@ TEST(Links, OnlyWhatLeadsWhereItSeemsToIsOpenedWithoutAQuestion) {
         {"another mailbox", "mailto:bob@evil.example", "bob@bank.example", false},
         {"another address of numbers", "http://10.0.0.1/", "10.0.0.2", false},
         {"hidden characters", "http://evil.example/", "bank\u200b.exam\u202eple", false},
+        {"joined by nothing", "http://evil.example/", "ba\u200dnk.exam\u2060ple", false},
+        {"wider letters", "http://evil.example/", "ｂａｎｋ。ｅｘａｍｐｌｅ", false},
         {"no host at all", "aim:goim", "http://bank.example", false},
         {"a file", "file:///etc/passwd", "click", false},
         {"a program", "javascript:alert(1)", "click", false},
@@ -62,8 +64,8 @@ TEST(Links, OnlyWhatLeadsWhereItSeemsToIsOpenedWithoutAQuestion) {
 }
 
 TEST(Links, AddressesAreShownAsOneLineThatDeceivesNobody) {
-    EXPECT_EQ(shownAddress(QString::fromUtf8("http://a.b/c\n\u202etxt.exe\u2028")),
-              QStringLiteral("http://a.b/c%0A%E2%80%AEtxt.exe%E2%80%A8"));
+    EXPECT_EQ(shownAddress(QString::fromUtf8("http://a.b/c\n\u202etxt.exe\u200d\u2028")),
+              QStringLiteral("http://a.b/c%0A%E2%80%AEtxt.exe%E2%80%8D%E2%80%A8"));
     const QString endless = QStringLiteral("http://a.b/") + QString(100'000, u'x');
     EXPECT_LT(shownAddress(endless).size(), 1100);
     EXPECT_TRUE(shownAddress(endless).startsWith(QLatin1String("http://a.b/")));
