@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/object_memory.h"
 
+#if __has_include(<sys/mman.h>)
+#include <sys/mman.h>
+#endif
+
+#include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <new>
 
 #include "foundation/checked.h"
@@ -32,15 +38,59 @@ void freeObject(void* object) noexcept {
 
 namespace {
 
-constexpr std::size_t blockSize = 32 * 1024;
+constexpr std::size_t smallestBlock = 32 * 1024;
+/// A large page of most processors.
+constexpr std::size_t largestBlock = 2 * 1024 * 1024;
+
+#ifdef MADV_HUGEPAGE
+
+/// The system itself gives memory of this size, and takes it back at once.
+void* allocateLargestBlock() {
+    constexpr int flags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
+    void* const twice = mmap(nullptr, 2 * largestBlock, PROT_READ | PROT_WRITE, flags, -1, 0);
+    if (twice == MAP_FAILED) throw std::bad_alloc();
+    char* const begin = static_cast<char*>(twice);
+    const std::size_t before = -reinterpret_cast<std::uintptr_t>(begin) % largestBlock;
+    if (before > 0) munmap(begin, before);
+    munmap(begin + before + largestBlock, largestBlock - before);
+    madvise(begin + before, largestBlock, MADV_HUGEPAGE);
+    return begin + before;
+}
+
+void freeLargestBlock(void* block) {
+    munmap(block, largestBlock);
+}
+
+#else
+
+void* allocateLargestBlock() {
+    return ::operator new(largestBlock);
+}
+
+void freeLargestBlock(void* block) {
+    ::operator delete(block);
+}
+
+#endif
 
 /// In front of its objects; each object has the block's address in front of itself.
 struct Block {
     /// Objects alive, and one for the thread that carves from it.
     std::atomic<std::size_t> users{1};
+    std::size_t size;
 
+    static Block* make(std::size_t size) {
+        void* const memory = size == largestBlock ? allocateLargestBlock() : ::operator new(size);
+        Block* const block = new (memory) Block;
+        block->size = size;
+        return block;
+    }
     void release() {
-        if (users.fetch_sub(1, std::memory_order_acq_rel) == 1) ::operator delete(this);
+        if (users.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+        if (size == largestBlock)
+            freeLargestBlock(this);
+        else
+            ::operator delete(this);
     }
 };
 
@@ -67,13 +117,17 @@ class Carver {
     char* next_ = nullptr;
     std::size_t left_ = 0;
 
+    /// Blocks double while objects of the one before are alive: those of a large archive come in
+    /// large pages, those of a small one don't keep much.
     void startBlock(std::size_t size) {
-        if (size > blockSize - sizeof(Block)) fatal("an object larger than a block");
-        Block* const fresh = new (::operator new(blockSize)) Block;
+        if (size > smallestBlock - sizeof(Block)) fatal("an object larger than a block");
+        const bool isGrowing = block_ && block_->users.load(std::memory_order_relaxed) > 1;
+        Block* const fresh =
+            Block::make(isGrowing ? std::min(2 * block_->size, largestBlock) : smallestBlock);
         if (block_) block_->release();
         block_ = fresh;
         next_ = reinterpret_cast<char*>(fresh + 1);
-        left_ = blockSize - sizeof(Block);
+        left_ = fresh->size - sizeof(Block);
     }
 };
 
@@ -91,5 +145,15 @@ void freeObject(void* object) noexcept {
 }
 
 #endif
+
+void useLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) noexcept {
+#ifdef MADV_HUGEPAGE
+    constexpr std::uintptr_t page = 2 * 1024 * 1024;
+    const auto address = reinterpret_cast<std::uintptr_t>(memory);
+    const std::uintptr_t begin = (address + page - 1) / page * page;
+    const std::uintptr_t end = (address + size) / page * page;
+    if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+#endif
+}
 
 }  // namespace foundation

@@ -23,6 +23,10 @@ inline constexpr std::size_t objectAlignment = 8;
 /// Gives back what allocateObject() has answered.
 void freeObject(void* object) noexcept;
 
+/// Tells the system that this memory, not written yet, will be filled: where it can, it then hands
+/// it out in large pages, which saves the time of many small ones.
+void useLargePages(void* memory, std::size_t size) noexcept;
+
 /// A standard allocator over these functions.
 template <class T>
 struct ObjectAllocator {

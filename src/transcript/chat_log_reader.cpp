@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "foundation/local_path.h"
+#include "foundation/object_memory.h"
 #include "foundation/print.h"
 #include "transcript/archived_classes.h"
 #include "transcript/chat_log.h"
@@ -137,6 +138,7 @@ TesselChatLog Conversion::run() {
     }
     // An upper bound, so that the events are never moved; pages never written cost nothing.
     events_.reserve(timeline_.logSize.events);
+    foundation::useLargePages(events_.data(), events_.capacity() * sizeof(Event));
     for (auto& message : timeline_.messages) {
         convert(message);
         message.reset();  // its memory serves the events that follow

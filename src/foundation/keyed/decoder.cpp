@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "foundation/keyed/errors.h"
+#include "foundation/object_memory.h"
 
 namespace foundation::keyed {
 
@@ -16,8 +17,11 @@ Decoder::Decoder(const Archive& archive, std::span<const ClassInfo* const> allow
       limits_(archive.fileSize()),
       texts_(archive.fileSize(), limits_.bytes),
       layouts_(archive, limits_),
-      slots_(archive.objectCount()),
-      states_(archive.objectCount(), State::unvisited) {}
+      states_(archive.objectCount(), State::unvisited) {
+    slots_.reserve(archive.objectCount());
+    useLargePages(slots_.data(), slots_.capacity() * sizeof slots_.front());
+    slots_.resize(archive.objectCount());
+}
 
 Value Decoder::decodeTop(std::string_view key) {
     const Ref value = archive_.top(key);
