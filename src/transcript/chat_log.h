@@ -102,7 +102,7 @@ class TesselChatLog {
 
         qint64 sequence = 0;  ///< 1, 2, 3 … without gaps; the event's identity
         foundation::Date timestamp;
-        std::optional<TesselUserID> sender;
+        SharedUserID sender;
         Value value;
 
         [[nodiscard]] bool isSystemMessage() const { return !sender; }

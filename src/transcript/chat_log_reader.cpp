@@ -65,13 +65,13 @@ class SharedRuns {
 /// The ids of those who spoke last: few people write most of a transcript.
 class RecentSenders {
   public:
-    /// Null when the person isn't among them.
-    [[nodiscard]] const TesselUserID* find(const Presentity* person) const {
+    /// Nobody when the person isn't among them.
+    [[nodiscard]] SharedUserID find(const Presentity* person) const {
         for (const Sender& sender : senders_)
-            if (sender.person.get() == person) return &sender.id;
-        return nullptr;
+            if (sender.person.get() == person) return sender.id;
+        return {};
     }
-    const TesselUserID& add(std::shared_ptr<const Presentity> person, TesselUserID id) {
+    const SharedUserID& add(std::shared_ptr<const Presentity> person, SharedUserID id) {
         Sender& sender = senders_[next_++ % senders_.size()];
         sender = {std::move(person), std::move(id)};
         return sender.id;
@@ -80,7 +80,7 @@ class RecentSenders {
   private:
     struct Sender {
         std::shared_ptr<const Presentity> person;  // keeps its address from being used again
-        TesselUserID id;
+        SharedUserID id;
     };
     std::array<Sender, 8> senders_;
     std::size_t next_ = 0;
@@ -113,11 +113,11 @@ class Conversion {
     // The state between two messages.
     Date date_ = Date::distantPast;
     std::shared_ptr<const Presentity> presentity_;  // of the sender
-    std::optional<TesselUserID> sender_;
+    SharedUserID sender_;
 
     [[nodiscard]] TesselUserID userID(const Presentity& presentity) const;
     template <class Payload>
-    void append(Date timestamp, const std::optional<TesselUserID>& sender, Payload payload);
+    void append(Date timestamp, const SharedUserID& sender, Payload payload);
     void convert(const std::shared_ptr<const InstantMessage>& message);
     void takeSender(const std::shared_ptr<const Presentity>& presentity, Date date);
     void appendTimeMarker(Date date);
@@ -153,12 +153,11 @@ TesselUserID Conversion::userID(const Presentity& presentity) const {
 
 /// Built in its place: events are most of what a conversion writes.
 template <class Payload>
-void Conversion::append(Date timestamp, const std::optional<TesselUserID>& sender,
-                        Payload payload) {
+void Conversion::append(Date timestamp, const SharedUserID& sender, Payload payload) {
     Event& event = events_.emplace_back();
     event.sequence = static_cast<qint64>(events_.size());
     event.timestamp = timestamp;
-    if (sender) event.sender.emplace(*sender);
+    event.sender = sender;
     event.value.emplace<Payload>(std::move(payload));
 }
 
@@ -174,17 +173,15 @@ void Conversion::convert(const std::shared_ptr<const InstantMessage>& message) {
 void Conversion::takeSender(const std::shared_ptr<const Presentity>& presentity, Date date) {
     if (presentity == presentity_) return;
     presentity_ = presentity;
-    const TesselUserID* sender = nullptr;
+    SharedUserID sender;
     if (presentity) {
         sender = recentSenders_.find(presentity.get());
-        if (!sender)  // the set's copy is shared by all events
-            sender = &recentSenders_.add(presentity, *seen_.insert(userID(*presentity)));
+        if (!sender)  // the set's copy of the names is shared by all events
+            sender =
+                recentSenders_.add(presentity, SharedUserID(*seen_.insert(userID(*presentity))));
     }
-    if (sender_ && (!sender || *sender != *sender_)) append(date, sender_, TesselChatLog::User());
-    if (sender)
-        sender_ = *sender;
-    else
-        sender_.reset();
+    if (sender_ && sender != sender_) append(date, sender_, TesselChatLog::User());
+    sender_ = std::move(sender);
 }
 
 void Conversion::appendTimeMarker(Date date) {
