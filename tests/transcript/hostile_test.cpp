@@ -207,7 +207,7 @@ TEST(Hostile, LogsStayInProportionToTheirFiles) {
         {"one message, more often than that", nonKeyedReferences(2 * count + 4000, count, 1, true),
          kRefused},
         {"two messages in turn, with markers between all of them",
-         nonKeyedReferences(size, count, 2, false), kRefused},
+         nonKeyedReferences(2 * size, 2 * count, 2, false), kRefused},
         {"a long text cut in two", keyedSharedText(kMiB, 500, false), kRefused},
         {"a long text that is shared whole", keyedSharedText(kMiB, 5000, true), 5000},
         {"a long text cut in two, within bounds", keyedSharedText(1000, 3000, false), 6000},
