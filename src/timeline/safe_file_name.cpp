@@ -37,12 +37,8 @@ QString cut(const QString& text, qsizetype bytes) {
     return part;
 }
 
-bool isEdge(QChar c) {
-    return c == u'.' || c.isSpace();
-}
-
-}  // namespace
-
+// The text without what changes the characters beside it and isn't seen; what joins emoji and
+// letters stays. Lone surrogates come out as replacement characters.
 QString withoutInvisible(const QString& text) {
     QString seen;
     seen.reserve(text.size());
@@ -51,6 +47,12 @@ QString withoutInvisible(const QString& text) {
     }
     return seen;
 }
+
+bool isEdge(QChar c) {
+    return c == u'.' || c.isSpace();
+}
+
+}  // namespace
 
 QString safeFileName(const QString& name, const QString& fallback, const QString& extension) {
     const auto lastFolder = std::max(name.lastIndexOf(u'/'), name.lastIndexOf(u'\\'));

@@ -10,11 +10,6 @@ namespace vell {
 /// The longest name that is made, in UTF-8 bytes; it leaves room for what a program may append.
 inline constexpr qsizetype longestFileName = 200;
 
-/// The text without controls, marks of direction and other characters that change what stands
-/// beside them without being seen. What joins emoji and letters stays; lone surrogates are
-/// replaced.
-[[nodiscard]] QString withoutInvisible(const QString& text);
-
 /// The last part of a name or path, without what hides or deceives; the fallback where nothing is
 /// left. A name without an extension gets this one (without a dot; empty for none).
 [[nodiscard]] QString safeFileName(const QString& name, const QString& fallback,
