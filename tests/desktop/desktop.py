@@ -32,7 +32,7 @@ def need(*programs):
             skip(f"no {program} here")
 
 
-def wait_for(condition, what, seconds=40):
+def wait_for(condition, what, seconds=12):
     """The first true answer of the condition; a test never waits for anything else."""
     end = time.monotonic() + seconds
     while True:
@@ -63,7 +63,7 @@ def descendants(of):
 
 class Desktop:
     def __init__(self):
-        need("Xvfb", "dbus-daemon", "openbox")
+        need("Xvfb", "dbus-daemon", "openbox", "xdotool")
         # Services that the bus starts would otherwise outlive it as children of nobody.
         ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
         self.folder = tempfile.mkdtemp(prefix="vell-desktop-")
@@ -97,6 +97,7 @@ class Desktop:
             "dbus-daemon", "--session", "--nofork", "--nopidfile",
             "--address=unix:path=" + self.path("run/bus"), option="--print-address")
         self.start("openbox", "--sm-disable", output="openbox.log")
+        wait_for(lambda: self.run("xdotool", "get_num_desktops"), "the window manager")
         return self
 
     def __exit__(self, kind, error, trace):
@@ -125,6 +126,12 @@ class Desktop:
                                        stdout=log, stderr=log, **options)
         self.processes.append(process)
         return process
+
+    def run(self, *command):
+        """Runs a program to its end and answers the bytes it wrote; none when it failed."""
+        done = subprocess.run(command, env=self.environment, stdin=subprocess.DEVNULL,
+                              capture_output=True, check=False, timeout=60)
+        return done.stdout if done.returncode == 0 else b""
 
     def _told(self, *command, option):
         """Starts a server and answers the line it writes once it is ready."""

@@ -1,0 +1,105 @@
+# SPDX-License-Identifier: MIT
+#
+# The program as assistive technology sees it.
+
+import os
+
+os.environ.setdefault("NO_AT_BRIDGE", "1")
+
+import pyatspi  # noqa: E402
+
+from desktop import wait_for  # noqa: E402
+
+
+def _walk(node, depth=12):
+    yield node
+    if depth == 0:
+        return
+    try:
+        count = node.childCount
+    except Exception:  # it has gone meanwhile
+        return
+    for index in range(min(count, 400)):
+        try:
+            child = node.getChildAtIndex(index)
+        except Exception:
+            continue
+        if child is not None:
+            yield from _walk(child, depth - 1)
+
+
+def _is(node, role, name):
+    try:
+        if role is not None and node.getRoleName() != role:
+            return False
+        return name is None or name(node.name)
+    except Exception:
+        return False
+
+
+def named(text):
+    return lambda name: name == text
+
+
+def holding(text):
+    return lambda name: text in name
+
+
+def windows(role=None, name=None):
+    """The windows of all programs on this desktop that are shown."""
+    found = []
+    desktop = pyatspi.Registry.getDesktop(0)
+    for application in list(desktop):
+        for window in list(application or []):
+            if window is not None and _is(window, role, name) and showing(window):
+                found.append(window)
+    return found
+
+
+def showing(node):
+    try:
+        return node.getState().contains(pyatspi.STATE_SHOWING)
+    except Exception:
+        return False
+
+
+def window(name, role=None):
+    return wait_for(lambda: next(iter(windows(role, name)), None), "a window")
+
+
+def find(within, role=None, name=None, hidden=False):
+    """The first node of this kind, or none. Entries of closed menus are hidden."""
+    return next((node for node in _walk(within)
+                 if _is(node, role, name) and (hidden or showing(node))), None)
+
+
+def wait_find(within, role=None, name=None, hidden=False):
+    return wait_for(lambda: find(within, role, name, hidden), f"a {role} in {within.name}")
+
+
+def press(node):
+    """Does what a click on it does."""
+    action = node.queryAction()
+    for index in range(action.nActions):
+        if action.getName(index) in ("Press", "press", "click", "ShowMenu"):
+            action.doAction(index)
+            return
+    raise AssertionError(f"{node.name} can't be pressed")
+
+
+def place(node):
+    extents = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+    return extents.x, extents.y, extents.width, extents.height
+
+
+def text(node):
+    content = node.queryText()
+    return content.getText(0, content.characterCount)
+
+
+def dump():
+    """What is shown, for a failure's report."""
+    for top in windows():
+        for node in _walk(top):
+            if showing(node):
+                print(f"    {node.getRoleName()}: {node.name!r}")
