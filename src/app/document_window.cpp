@@ -75,7 +75,6 @@ DocumentWindow::~DocumentWindow() = default;
 void DocumentWindow::buildContent() {
     pages_ = new QStackedWidget;
     pages_->addWidget(loadingPage());
-    findBar_ = new FindBar;
     contactsBar_ = new ContactsBar(application_.contacts());
 
     auto* content = new QWidget;
@@ -86,16 +85,10 @@ void DocumentWindow::buildContent() {
     layout->setContentsMargins({});
     layout->setSpacing(0);
     layout->addWidget(pages_, 1);
-    layout->addWidget(findBar_);
     layout->addWidget(contactsBar_);
     setCentralWidget(content);
     resize(idealContent);
     statusBar()->setSizeGripEnabled(true);
-
-    connect(findBar_, &FindBar::textChanged, this, &DocumentWindow::find);
-    connect(findBar_, &FindBar::nextRequested, this, [this] { goToMatch(1); });
-    connect(findBar_, &FindBar::previousRequested, this, [this] { goToMatch(-1); });
-    connect(findBar_, &FindBar::closed, this, &DocumentWindow::closeFindBar);
 }
 
 void DocumentWindow::loaded(const DocumentLoader::Result& result) {
@@ -197,7 +190,19 @@ void DocumentWindow::saveAsMarkdown() {
     dialog->open();
 }
 
+// Made when it is first wanted: the window itself is there sooner.
+void DocumentWindow::makeFindBar() {
+    findBar_ = new FindBar;
+    auto* layout = static_cast<QVBoxLayout*>(centralWidget()->layout());
+    layout->insertWidget(layout->indexOf(contactsBar_), findBar_);
+    connect(findBar_, &FindBar::textChanged, this, &DocumentWindow::find);
+    connect(findBar_, &FindBar::nextRequested, this, [this] { goToMatch(1); });
+    connect(findBar_, &FindBar::previousRequested, this, [this] { goToMatch(-1); });
+    connect(findBar_, &FindBar::closed, this, &DocumentWindow::closeFindBar);
+}
+
 void DocumentWindow::openFindBar() {
+    if (!findBar_) makeFindBar();
     const bool wasOpen = findBar_->isVisible();
     findBar_->open();
     if (!wasOpen) find(findBar_->text());
@@ -235,7 +240,7 @@ void DocumentWindow::showMatches() {
 }
 
 void DocumentWindow::goToMatch(int step) {
-    if (!findBar_->isVisible()) {
+    if (!findBar_ || !findBar_->isVisible()) {
         openFindBar();
         return;
     }

@@ -62,6 +62,7 @@ class DocumentWindow final : public QMainWindow {
     void changeFontSize(int action);
     void showFontPanel();
 
+    void makeFindBar();
     void openFindBar();
     void closeFindBar();
     void find(const QString& text);
@@ -77,7 +78,7 @@ class DocumentWindow final : public QMainWindow {
 
     QStackedWidget* pages_ = nullptr;
     TimelineView* timeline_ = nullptr;  // null until the transcript is there
-    FindBar* findBar_ = nullptr;
+    FindBar* findBar_ = nullptr;  // null until it is first opened
     ContactsBar* contactsBar_ = nullptr;
     QAction* copyAction_ = nullptr;
     QFontDialog* fontPanel_ = nullptr;

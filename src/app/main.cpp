@@ -7,6 +7,7 @@
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QTimer>
 #include <QTranslator>
 #include <cstdio>
 #include <cstdlib>
@@ -58,6 +59,12 @@ void installTranslations(QApplication& application) {
     }
 }
 
+constexpr int iconDelay = 100;  // milliseconds
+
+void setIcon() {
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/dev.quillmark.vell.svg")));
+}
+
 int run(int argc, char** argv) {
     setNames();
     const vell::CommandLine line = parse(argc, argv);
@@ -80,7 +87,6 @@ int run(int argc, char** argv) {
     QApplication application(argc, argv);
     installTranslations(application);
     QGuiApplication::setLayoutDirection(QLocale().textDirection());
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/dev.quillmark.vell.svg")));
     if (line.renderTarget) return vell::render(paths.first(), *line.renderTarget, line.isDark);
 
     const bool shared = !line.newInstance && !paths.contains(QStringLiteral("-"));
@@ -91,8 +97,11 @@ int run(int argc, char** argv) {
     if (shared && !vellApplication.listenForOtherStarts() && vell::SingleInstance::handOver(paths))
         return 0;
     if (paths.isEmpty()) {
+        setIcon();
         vellApplication.openWithoutFiles();
     } else {
+        // Drawing the icon takes a while, and the first window needn't wait for it.
+        QTimer::singleShot(iconDelay, &application, setIcon);
         vellApplication.open(paths);
     }
     return QApplication::exec();

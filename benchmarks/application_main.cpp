@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: MIT
+//
+// Measures starts of the program against an empty window's, and ten long transcripts at once.
+// Prints each figure beside its limit and exits with 1 when one is passed. Run it on an X display
+// and with QT_QPA_PLATFORM=offscreen.
+//
+//     vell-application-benchmark
+#include <time.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QScrollBar>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+#include "app/application.h"
+#include "app/document_window.h"
+#include "application_frames.h"
+#include "conversations.h"
+#include "timeline/timeline_view.h"
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using vell::TimelineView;
+
+constexpr int starts = 15;
+constexpr int manyMessages = 100'000;
+
+bool failed = false;
+
+void report(const QString& what, double figure, double limit, const char* unit) {
+    const bool isMet = figure <= limit;
+    failed |= !isMet;
+    std::printf("%-62s %9.2f  limit %6.1f %-3s %s\n", qUtf8Printable(what), figure, limit, unit,
+                isMet ? "met" : "PASSED");
+    std::fflush(stdout);
+}
+
+double quantile(std::vector<double> values, double part) {
+    std::sort(values.begin(), values.end());
+    return values[static_cast<size_t>(part * static_cast<double>(values.size() - 1))];
+}
+
+double threadMilliseconds() {
+    return benchmarks::processorMilliseconds(CLOCK_THREAD_CPUTIME_ID);
+}
+
+struct Start {
+    double window = 0;    ///< milliseconds
+    double timeline = 0;  ///< milliseconds; 0 where none was waited for
+    double memory = 0;    ///< megabytes
+};
+
+Start started(const QString& program, const QStringList& arguments, bool waitsForTimeline) {
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"LD_PRELOAD"_s, QStringLiteral(FRAMES_LIBRARY));
+    environment.insert(QLatin1String(benchmarks::watchVariable),
+                       waitsForTimeline ? u"timeline"_s : u"window"_s);
+    process.setProcessEnvironment(environment);
+    process.start(program, arguments);
+    process.waitForFinished(60'000);
+    for (const QByteArray& line : process.readAllStandardOutput().split('\n')) {
+        const auto words = line.split(' ');
+        if (words.front() == QByteArray("frames"))
+            return {words[1].toDouble(), words[2].toDouble(), words[3].toDouble() / 1024};
+    }
+    qFatal("%s told nothing: %s", qPrintable(program), process.readAllStandardError().constData());
+}
+
+/// Each program in turn, so that what else the machine does meets all alike.
+void measureStarts(const QString& small, const QString& large) {
+    const QDir programs(QCoreApplication::applicationDirPath());
+    const QString vell = programs.filePath(u"vell"_s);
+    const QString other = programs.filePath(u"vell-application-empty"_s);
+    std::vector<double> bare, empty, window, timeline, memory, largeWindow, largeExtra;
+    for (int i = 0; i < starts; ++i) {
+        bare.push_back(started(other, {}, false).window);
+        empty.push_back(started(other, {u"furnished"_s}, false).window);
+        const Start opened = started(vell, {u"--new-instance"_s, small}, true);
+        window.push_back(opened.window);
+        timeline.push_back(opened.timeline);
+        memory.push_back(opened.memory);
+        const Start many = started(vell, {u"--new-instance"_s, large}, true);
+        largeWindow.push_back(many.window);
+        largeExtra.push_back(many.timeline - opened.timeline);
+    }
+    const auto median = [](const std::vector<double>& values) { return quantile(values, 0.5); };
+    std::printf(
+        "a bare window %.1f ms, an empty main window %.1f ms, a chat's window %.1f ms, "
+        "with the chat in it %.1f ms\n",
+        median(bare), median(empty), median(window), median(timeline));
+    std::printf("start to the first frame / a bare window's %.2f\n", median(window) / median(bare));
+    report(u"start to the first frame / an empty main window's"_s, median(window) / median(empty),
+           1.5, "");
+    report(u"peak memory with a small chat"_s, median(memory), 80, "MB");
+    report(u"100,000 messages: window / a small chat's"_s, median(largeWindow) / median(window),
+           1.25, "");
+    report(u"100,000 messages: timeline later than a small chat's"_s, median(largeExtra), 250,
+           "ms");
+}
+
+void processEvents(int milliseconds) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!timer.hasExpired(milliseconds))
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+}
+
+/// Processor time of the window thread for one notch of the wheel and what it paints.
+double notch(TimelineView& view) {
+    const QPointF place(100, 100);
+    QWheelEvent event(place, view.viewport()->mapToGlobal(place), QPoint(0, -60), {}, Qt::NoButton,
+                      Qt::NoModifier, Qt::ScrollUpdate, false);
+    const double before = threadMilliseconds();
+    QCoreApplication::sendEvent(view.viewport(), &event);
+    view.viewport()->repaint();
+    return threadMilliseconds() - before;
+}
+
+double jump(TimelineView& view, double part) {
+    QScrollBar* bar = view.verticalScrollBar();
+    const double before = threadMilliseconds();
+    bar->setValue(static_cast<int>(part * bar->maximum()));
+    view.viewport()->repaint();
+    return threadMilliseconds() - before;
+}
+
+void measureManyWindows(const QStringList& files) {
+    vell::Application program;
+    QElapsedTimer timer;
+    timer.start();
+    program.open(files);
+    const auto isLoaded = [](const vell::DocumentWindow* window) { return window->isLoaded(); };
+    double longest = 0;
+    while (!std::ranges::all_of(program.documentWindows(), isLoaded)) {
+        const double before = threadMilliseconds();
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        longest = std::max(longest, threadMilliseconds() - before);
+    }
+    std::printf("ten windows of 100,000 messages are there after %lld ms\n",
+                static_cast<long long>(timer.elapsed()));
+    report(u"ten windows: longest hold-up of the window thread meanwhile"_s, longest, 100, "ms");
+    processEvents(2000);
+
+    std::vector<double> notches, jumps;
+    for (vell::DocumentWindow* window : program.documentWindows()) {
+        auto* view = window->findChild<TimelineView*>();
+        for (int i = 0; i < 20; ++i)
+            notch(*view);  // warms the caches
+        for (int i = 0; i < 100; ++i) {
+            notches.push_back(notch(*view));
+            QCoreApplication::processEvents();
+        }
+        for (const double part : {1.0, 0.5, 0.0})
+            jumps.push_back(jump(*view, part));
+    }
+    report(u"ten windows: scroll step, median"_s, quantile(notches, 0.5), 4, "ms");
+    report(u"ten windows: scroll step, 99th percentile"_s, quantile(notches, 0.99), 8, "ms");
+    report(u"ten windows: jump, worst"_s, quantile(jumps, 1), 16, "ms");
+    std::printf("peak memory with ten windows %lld MB\n", benchmarks::peakKilobytes() / 1024);
+    program.quit();
+}
+
+QString written(const QTemporaryDir& folder, const QString& name, const QByteArray& bytes) {
+    QFile file(folder.filePath(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("%s can't be written", qPrintable(file.fileName()));
+    return file.fileName();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const QTemporaryDir home;
+    for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "HOME"})
+        qputenv(variable, home.path().toUtf8());
+    QApplication application(argc, argv);
+    QCoreApplication::setApplicationName(u"vell-application-benchmark"_s);
+    std::printf("platform %s\n", qPrintable(QGuiApplication::platformName()));
+    const QByteArray many = benchmarks::conversation(manyMessages, benchmarks::Form::keyed);
+    QStringList files;
+    for (int i = 0; i < 10; ++i)
+        files.append(written(home, u"many %1.ichat"_s.arg(i), many));
+    measureStarts(
+        written(home, u"few.ichat"_s, benchmarks::conversation(20, benchmarks::Form::keyed)),
+        files.front());
+    measureManyWindows(files);
+    return failed ? 1 : 0;
+}
