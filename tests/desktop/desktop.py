@@ -17,6 +17,8 @@ import sys
 import tempfile
 import time
 
+sys.dont_write_bytecode = True
+
 SKIPPED = 77
 PR_SET_CHILD_SUBREAPER = 36
 
@@ -32,7 +34,7 @@ def need(*programs):
             skip(f"no {program} here")
 
 
-def wait_for(condition, what, seconds=12):
+def wait_for(condition, what, seconds=40):
     """The first true answer of the condition; a test never waits for anything else."""
     end = time.monotonic() + seconds
     while True:
@@ -91,14 +93,23 @@ class Desktop:
         return os.path.join(self.folder, name)
 
     def __enter__(self):
+        try:
+            self._begin()
+        except BaseException:
+            self.__exit__(*sys.exc_info())
+            raise
+        return self
+
+    def _begin(self):
+        # Without -noreset the server forgets everything when its last client leaves.
         self.environment["DISPLAY"] = ":" + self._told("Xvfb", "-screen", "0", "1600x1200x24",
-                                                       "-nolisten", "tcp", option="-displayfd")
+                                                       "-nolisten", "tcp", "-noreset",
+                                                       option="-displayfd")
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._told(
             "dbus-daemon", "--session", "--nofork", "--nopidfile",
             "--address=unix:path=" + self.path("run/bus"), option="--print-address")
         self.start("openbox", "--sm-disable", output="openbox.log")
         wait_for(lambda: self.run("xdotool", "get_num_desktops"), "the window manager")
-        return self
 
     def __exit__(self, kind, error, trace):
         for number in (signal.SIGTERM, signal.SIGKILL):
