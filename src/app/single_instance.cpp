@@ -13,6 +13,7 @@ namespace vell {
 namespace {
 
 constexpr int patience = 2000;               // milliseconds
+constexpr int answerPatience = 20000;        // for one that is there, but busy opening files
 constexpr qint64 largestRequest = 16 << 20;  // bytes; longer than any command line
 const QByteArray answer("\x06");             // that the files arrived whole
 
@@ -60,7 +61,7 @@ bool SingleInstance::handOver(const QStringList& paths) {
     if (!socket.waitForConnected(patience)) return false;
     socket.write(encoded(paths));
     socket.flush();
-    return socket.waitForReadyRead(patience) && socket.read(answer.size()) == answer;
+    return socket.waitForReadyRead(answerPatience) && socket.read(answer.size()) == answer;
 }
 
 bool SingleInstance::listen() {
