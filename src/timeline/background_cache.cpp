@@ -43,6 +43,12 @@ void drawSliced(QPainter& painter, const QImage& image, QPoint topLeft, int widt
 
 }  // namespace
 
+QRect opaquePart(const QRect& bubble, qreal ratio) {
+    if (bubble.height() <= BackgroundCache::tallest) return {};
+    const int cap = backgroundCapPixels(ratio);
+    return bubble.adjusted(cap, cap, -cap, -cap);
+}
+
 BackgroundCache::BackgroundCache(qsizetype maxBytes)
     : masks_(maxBytes / 8), slices_(maxBytes - maxBytes / 8) {}
 

@@ -14,6 +14,10 @@
 
 namespace vell {
 
+/// The part of a bubble through which nothing is seen; empty where there is too little of it to be
+/// worth the question. Device pixels.
+[[nodiscard]] QRect opaquePart(const QRect& bubble, qreal ratio);
+
 class BackgroundCache {
   public:
     static constexpr int tallest = 2048;

@@ -11,6 +11,10 @@ bool endsParagraph(char16_t c) {
     return (c >= u'\n' && c <= u'\r') || c == 0x85 || c == 0x2028 || c == 0x2029;
 }
 
+// Paragraphs of so many full blocks are cut into shorter ones: what comes on the screen while they
+// are scrolled is laid out sooner, and among so many lines nobody sees that some are short.
+constexpr qsizetype manyBlocks = 4;
+
 // How far back from a full block's end a blank is looked for, and a character's start.
 constexpr qsizetype blankSearch = 256;
 constexpr qsizetype clusterSearch = 128;
@@ -20,23 +24,23 @@ bool isRegionalIndicator(QStringView text, qsizetype at) {
            text[at + 1] <= QChar(0xDDFF);
 }
 
-// The length of the first block of a paragraph that is too long for one.
-int firstPart(QStringView paragraph) {
-    for (qsizetype i = longestBlock; i > longestBlock - blankSearch; --i) {
+// The length of the first block of a paragraph that is longer than `longest`, which blocks may be.
+int firstPart(QStringView paragraph, qsizetype longest) {
+    for (qsizetype i = longest; i > longest - blankSearch; --i) {
         if (paragraph[i - 1] == u' ' || paragraph[i - 1] == u'\t') return static_cast<int>(i);
     }
-    qsizetype from = longestBlock - clusterSearch;
+    qsizetype from = longest - clusterSearch;
     if (paragraph[from].isLowSurrogate()) --from;
     while (from >= 2 && isRegionalIndicator(paragraph, from - 2))
         from -= 2;  // flags come in pairs
-    const qsizetype to = std::min<qsizetype>(longestBlock + clusterSearch, paragraph.size());
+    const qsizetype to = std::min<qsizetype>(longest + clusterSearch, paragraph.size());
     const QStringView around = paragraph.sliced(from, to - from);
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, around.data(), around.size());
-    finder.setPosition(longestBlock - from);
+    finder.setPosition(longest - from);
     const qsizetype boundary =
         finder.isAtBoundary() ? finder.position() : finder.toPreviousBoundary();
     if (boundary > 0) return static_cast<int>(from + boundary);
-    return paragraph[longestBlock].isLowSurrogate() ? longestBlock - 1 : longestBlock;
+    return static_cast<int>(paragraph[longest].isLowSurrogate() ? longest - 1 : longest);
 }
 
 bool isRightToLeft(QStringView paragraph, Qt::LayoutDirection direction) {
@@ -69,8 +73,10 @@ std::vector<TextBlock> splitIntoBlocks(QStringView text, Qt::LayoutDirection dir
         while (end < text.size() && !endsParagraph(text[end].unicode()))
             ++end;
         const bool rightToLeft = isRightToLeft(text.sliced(start, end - start), direction);
-        while (end - start > longestBlock) {
-            const int length = firstPart(text.sliced(start, end - start));
+        const qsizetype longest =
+            end - start > manyBlocks * longestBlock ? longestBlock / 2 : longestBlock;
+        while (end - start > longest) {
+            const int length = firstPart(text.sliced(start, end - start), longest);
             blocks.push_back({start, length, rightToLeft});
             start += length;
         }

@@ -397,15 +397,27 @@ void TimelineView::scrollSmoothly(double pixels) {
 void TimelineView::paintEvent(QPaintEvent* event) {
     if (!isBuilt_ || viewport()->devicePixelRatioF() != ratio()) rebuild();
     QPainter painter(viewport());
-    painter.fillRect(event->rect(), context_.colors.background);
     // Rows count device pixels, from the one that is nearest to the viewport's corner.
     const QPointF corner = painter.deviceTransform().map(QPointF(0, 0));
     painter.scale(1 / ratio(), 1 / ratio());
     painter.translate(QPointF(corner.toPoint()) - corner);
     const QRect& area = event->rect();
-    paintRows(painter, QRectF(area.x() * ratio(), area.y() * ratio(), area.width() * ratio(),
-                              area.height() * ratio())
-                           .toAlignedRect());
+    const QRect exposed = QRectF(area.x() * ratio(), area.y() * ratio(), area.width() * ratio(),
+                                 area.height() * ratio())
+                              .toAlignedRect();
+    paintBackground(painter, exposed);
+    paintRows(painter, exposed);
+}
+
+// A bubble that is higher than the window hides most of what would be filled below it.
+void TimelineView::paintBackground(QPainter& painter, const QRect& exposed) {
+    QRegion free(exposed);
+    for (const TimelineLayout::VisibleRow& visible : layout_.visibleRows()) {
+        free -= opaquePart(visible.row->layout.frame, ratio())
+                    .translated(layout_.rowLeft(), visible.top);
+    }
+    for (const QRect& rect : free)
+        painter.fillRect(rect, context_.colors.background);
 }
 
 void TimelineView::paintRows(QPainter& painter, const QRect& exposed) {

@@ -112,6 +112,7 @@ class TimelineView final : public QAbstractScrollArea {
     void presentSenders();
     /// Takes fonts, colours and ratio from the widget, and lays everything out anew.
     void rebuild();
+    void paintBackground(QPainter& painter, const QRect& exposed);
     void paintRows(QPainter& painter, const QRect& exposed);
     void moved();
     void syncScrollBar();

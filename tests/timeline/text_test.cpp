@@ -32,6 +32,7 @@ TEST(TextBlocks, CoverTheTextWithoutItsLineBreaks) {
         {"vertical white space joins lines", QString::fromUtf8("a\vb\fc\u0085d\u2028e\u2029f"), 6},
         {"just one block", QString(longestBlock, u'a'), 1},
         {"one character more", QString(longestBlock + 1, u'a'), 2},
+        {"a line without end in large blocks", QString(8 * longestBlock, u'a'), 16},
         {"a surrogate pair is parted", QStringLiteral("a") + repeated("😀", longestBlock), 3},
         {"a combining mark is parted", QStringLiteral("a") + repeated("e\u0301", longestBlock), 3},
         {"a flag is parted", QStringLiteral("a") + repeated("🇩🇪", longestBlock / 4), 2},
