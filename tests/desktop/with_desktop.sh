@@ -32,9 +32,10 @@ printf '%s\n' "$1" >>"$OPENED"
 OPENER
 chmod +x "$place/bin/xdg-open"
 
-# The server says which display it took as soon as it can be used.
+# The server says which display it took as soon as it can be used. It must not begin anew when its last
+# client leaves: the next one would find it gone for a moment.
 mkfifo "$place/display"
-Xvfb -displayfd 3 -screen 0 1200x900x24 -nolisten tcp 3>"$place/display" 2>"$place/server.log" &
+Xvfb -displayfd 3 -screen 0 1200x900x24 -nolisten tcp -noreset 3>"$place/display" 2>"$place/server.log" &
 server=$!
 if ! read -r display <"$place/display"; then
     cat "$place/server.log" >&2
