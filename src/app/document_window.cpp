@@ -110,7 +110,7 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     pages_->setCurrentIndex(pages_->addWidget(timeline_));
     delete pages_->widget(0);
     if (const auto place = application_.settings().windowPlace(path_))
-        timeline_->scrollToRow(place->topRow);
+        timeline_->scrollToRow(place->topRow, place->pointsAbove);
     timeline_->setFocus();
     for (QAction* action : documentActions_)
         action->setEnabled(true);
@@ -135,7 +135,8 @@ void DocumentWindow::restorePlace() {
 
 void DocumentWindow::savePlace() const {
     if (!document_ || isStandardInput(path_)) return;
-    application_.settings().setWindowPlace(path_, {saveGeometry(), timeline_->topRow()});
+    application_.settings().setWindowPlace(
+        path_, {saveGeometry(), timeline_->topRow(), timeline_->pointsAbove()});
 }
 
 void DocumentWindow::closeEvent(QCloseEvent* event) {

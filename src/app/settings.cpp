@@ -57,7 +57,8 @@ std::optional<Settings::WindowPlace> Settings::windowPlace(const QString& path) 
     const QVariantMap place = store_.value(placeKey(path)).toMap();
     if (place.isEmpty()) return std::nullopt;
     return WindowPlace{place.value(QStringLiteral("geometry")).toByteArray(),
-                       place.value(QStringLiteral("row")).toLongLong()};
+                       place.value(QStringLiteral("row")).toLongLong(),
+                       place.value(QStringLiteral("pointsAbove")).toDouble()};
 }
 
 void Settings::setWindowPlace(const QString& path, const WindowPlace& place) {
@@ -69,7 +70,8 @@ void Settings::setWindowPlace(const QString& path, const WindowPlace& place) {
         store_.remove(order.takeLast());
     store_.setValue(placesOrderKey, order);
     store_.setValue(key, QVariantMap{{QStringLiteral("geometry"), place.geometry},
-                                     {QStringLiteral("row"), place.topRow}});
+                                     {QStringLiteral("row"), place.topRow},
+                                     {QStringLiteral("pointsAbove"), place.pointsAbove}});
 }
 
 QStringList Settings::contactsFiles() const {

@@ -19,8 +19,9 @@ class Settings final : public QObject {
     /// Where one transcript's window stood and how far it was scrolled.
     struct WindowPlace {
         QByteArray geometry;
-        /// The row at the top of the view.
+        /// The row at the top of the view, and how many points of it are above.
         qint64 topRow = 0;
+        double pointsAbove = 0;
     };
 
     explicit Settings(QObject* parent = nullptr);

@@ -228,11 +228,15 @@ void TimelineLayout::reset(int viewportWidth, int viewportHeight) {
         const QRect caret = exactCaret(anchor_.row, *place.textOffset);
         place.inRow = caret.top() + std::min<qint64>(place.inLine, caret.height() - 1);
     }
-    anchor_ = pieceAt(anchor_.row, place.inRow);
-    const Span here = measurePiece(anchor_);
-    anchorPixels_ = std::clamp<qint64>(place.inRow - here.top, 0,
-                                       std::max<qint64>(here.bottom - here.top - 1, 0));
+    anchorAt(anchor_.row, place.inRow);
     settle();
+}
+
+void TimelineLayout::anchorAt(qsizetype index, qint64 inRow) {
+    anchor_ = pieceAt(index, inRow);
+    const Span here = measurePiece(anchor_);
+    anchorPixels_ =
+        std::clamp<qint64>(inRow - here.top, 0, std::max<qint64>(here.bottom - here.top - 1, 0));
 }
 
 void TimelineLayout::setViewportHeight(int height) {
@@ -255,11 +259,7 @@ void TimelineLayout::scrollTo(qint64 offset) {
         anchorPixels_ = here.bottom - here.top;
     } else {
         const qsizetype index = heights_.indexAt(std::max<qint64>(offset, 0));
-        const qint64 inRow = std::max<qint64>(offset, 0) - heights_.top(index);
-        anchor_ = pieceAt(index, inRow);
-        const Span here = measurePiece(anchor_);
-        anchorPixels_ = std::clamp<qint64>(inRow - here.top, 0,
-                                           std::max<qint64>(here.bottom - here.top - 1, 0));
+        anchorAt(index, std::max<qint64>(offset, 0) - heights_.top(index));
     }
     settle();
 }
@@ -274,9 +274,8 @@ void TimelineLayout::scrollBy(qint64 pixels) {
     settle();
 }
 
-void TimelineLayout::scrollToRow(qsizetype index) {
-    anchor_ = {index, 0};
-    anchorPixels_ = 0;
+void TimelineLayout::scrollToRow(qsizetype index, qint64 pixelsAbove) {
+    anchorAt(index, pixelsAbove);
     settle();
 }
 

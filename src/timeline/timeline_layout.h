@@ -75,8 +75,8 @@ class TimelineLayout {
     /// Moves as little as needed to show a row; `part` is what of it matters most, from its top
     /// left.
     void reveal(qsizetype index, const QRect& part);
-    /// Brings a row's top to the viewport's.
-    void scrollToRow(qsizetype index);
+    /// Brings a row's top to the viewport's, or so many pixels of the row above it.
+    void scrollToRow(qsizetype index, qint64 pixelsAbove = 0);
 
     /// The rows on the screen, top down; exact. Pointers hold until the next call that moves
     /// something.
@@ -124,6 +124,7 @@ class TimelineLayout {
     [[nodiscard]] bool previous(Piece& piece);
     [[nodiscard]] bool next(Piece& piece);
     Piece pieceAt(qsizetype index, qint64 inRow);
+    void anchorAt(qsizetype index, qint64 inRow);
     void moveUp(qint64 pixels);
     void moveDown(qint64 pixels);
     void settle();

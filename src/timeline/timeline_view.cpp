@@ -35,6 +35,7 @@ constexpr int idleSlice = 4;
 constexpr qreal wheelLinePoints = 20;
 constexpr QSize idealSize(520, 640);
 constexpr int mostReveals = 4;
+constexpr qreal highestRow = 1e9;  // points, more than any
 
 }  // namespace
 
@@ -124,7 +125,8 @@ void TimelineView::rebuild() {
     textTiles_.clear();
     isBuilt_ = true;
     layout_.reset(viewportWidth(), viewportHeight());
-    if (wantedRow_ > 0) scrollToRow(std::exchange(wantedRow_, 0));
+    if (wantedRow_ > 0 || wantedPointsAbove_ > 0)
+        scrollToRow(std::exchange(wantedRow_, 0), std::exchange(wantedPointsAbove_, 0));
     moved();
 }
 
@@ -132,14 +134,21 @@ qsizetype TimelineView::topRow() const {
     return isBuilt_ ? std::max<qsizetype>(layout_.rowAt(0), 0) : wantedRow_;
 }
 
-void TimelineView::scrollToRow(qsizetype index) {
+qreal TimelineView::pointsAbove() const {
+    return isBuilt_ ? static_cast<qreal>(-layout_.rowTop(topRow())) / ratio() : wantedPointsAbove_;
+}
+
+void TimelineView::scrollToRow(qsizetype index, qreal pointsAbove) {
     if (!isBuilt_) {
         wantedRow_ = index;
+        wantedPointsAbove_ = pointsAbove;
         return;
     }
     if (index < 0 || index >= layout_.rowCount()) return;
     smoothScroll_.stop();
-    layout_.scrollToRow(index);
+    // What settings hold may be anything, NaN included.
+    const qreal points = pointsAbove > 0 ? std::min(pointsAbove, highestRow) : 0;
+    layout_.scrollToRow(index, qRound64(points * ratio()));
     moved();
 }
 

@@ -52,8 +52,11 @@ class TimelineView final : public QAbstractScrollArea {
     [[nodiscard]] TimelineLayout& timeline() { return layout_; }
     /// The row at the viewport's top edge; 0 before the view was shown.
     [[nodiscard]] qsizetype topRow() const;
-    /// Brings a row's top to the viewport's, as far as there is enough below it.
-    void scrollToRow(qsizetype index);
+    /// How many points of the top row are above that edge.
+    [[nodiscard]] qreal pointsAbove() const;
+    /// Brings a row's top, or a place so many points below it, to the viewport's top edge, as far
+    /// as there is enough below it.
+    void scrollToRow(qsizetype index, qreal pointsAbove = 0);
     /// Moves by device pixels of what is there.
     void scrollByPixels(qint64 pixels);
     /// Scrolls as little as needed to show part of a row, given in device pixels.
@@ -133,7 +136,9 @@ class TimelineView final : public QAbstractScrollArea {
     TimelineLayout layout_;
     qint64 fontSize_ = 16;
     bool isBuilt_ = false;
-    qsizetype wantedRow_ = 0;  // of a scrollToRow() before the view was shown
+    // Of a scrollToRow() before the view was shown.
+    qsizetype wantedRow_ = 0;
+    qreal wantedPointsAbove_ = 0;
 
     ScrollMapping mapping_;  // as the scroll bar has it
     bool isSyncing_ = false;

@@ -26,16 +26,17 @@ TEST_F(Session, TheNextVisitBeginsWhereTheLastOneEnded) {
         QString path;
         QRect geometry;
         qsizetype row;
+        qreal pointsAbove;
     };
-    Place places[] = {{file(u"a.ichat"_s, chat(500)), {40, 50, 560, 600}, 321},
-                      {file(u"b.ichat"_s, chat(500)), {90, 60, 620, 500}, 77},
-                      {file(u"c.ichat"_s, chat(500)), {10, 20, 530, 650}, 0}};
+    Place places[] = {{file(u"a.ichat"_s, chat(500)), {40, 50, 560, 600}, 321, 7},
+                      {file(u"b.ichat"_s, chat(500)), {90, 60, 620, 500}, 77, 0},
+                      {file(u"c.ichat"_s, chat(500)), {10, 20, 530, 650}, 0, 3}};
     for (Place& place : places) {
         DocumentWindow* window = opened(place.path);
         window->setGeometry(place.geometry);
         QCoreApplication::processEvents();
         auto* timeline = window->findChild<TimelineView*>();
-        timeline->scrollToRow(place.row);
+        timeline->scrollToRow(place.row, place.pointsAbove);
         EXPECT_EQ(timeline->topRow(), place.row);
     }
     end();
@@ -51,7 +52,9 @@ TEST_F(Session, TheNextVisitBeginsWhereTheLastOneEnded) {
         ASSERT_TRUE(waitUntil([&] { return windows[i]->isLoaded(); }));
         QCoreApplication::processEvents();
         EXPECT_EQ(windows[i]->geometry(), place.geometry);
-        EXPECT_EQ(windows[i]->findChild<TimelineView*>()->topRow(), place.row);
+        const auto* timeline = windows[i]->findChild<TimelineView*>();
+        EXPECT_EQ(timeline->topRow(), place.row);
+        EXPECT_EQ(timeline->pointsAbove(), place.pointsAbove);
     }
     // Closed one after the other, the last one is what the next visit begins with.
     windows[0]->close();
