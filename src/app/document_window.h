@@ -78,7 +78,7 @@ class DocumentWindow final : public QMainWindow {
 
     QStackedWidget* pages_ = nullptr;
     TimelineView* timeline_ = nullptr;  // null until the transcript is there
-    FindBar* findBar_ = nullptr;  // null until it is first opened
+    FindBar* findBar_ = nullptr;        // null until it is first opened
     ContactsBar* contactsBar_ = nullptr;
     QAction* copyAction_ = nullptr;
     QFontDialog* fontPanel_ = nullptr;
