@@ -178,8 +178,10 @@ TEST(TimelineView, PlaceAskedForBeforeTheFirstShowIsKept) {
         log.text(bob, QStringLiteral("word ").repeated(i % 40));
     TimelineView view(std::make_shared<const TesselChatLog>(log.log()), context.contacts,
                       context.pictures);
-    view.scrollToRow(300);
+    view.scrollToRow(20, 5);
+    view.revealText({300, 0, 1});  // the last wish counts, and all of it
     EXPECT_EQ(view.topRow(), 300);
+    EXPECT_EQ(view.pointsAbove(), 0);
     view.resize(500, 500);
     view.show();
     EXPECT_EQ(view.timeline().rowTop(300), 0);
