@@ -49,7 +49,12 @@ function(vell_test name)
     target_link_libraries(${name} PRIVATE ${arg_LINK} vell_test_support GTest::gmock
                                           GTest::gtest_main)
     add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
+    # Without a runtime folder Qt makes one below /tmp and leaves it there.
+    set(runtime "${CMAKE_BINARY_DIR}/runtime")
+    file(MAKE_DIRECTORY "${runtime}")
+    file(CHMOD "${runtime}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT
+        "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;XDG_RUNTIME_DIR=${runtime}")
 endfunction()
 
 # vell_fuzz(NAME [SOURCES …] [LINK …] [DICTIONARY FILE]): the program fuzz_NAME around a

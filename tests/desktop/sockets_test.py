@@ -3,9 +3,10 @@
 # The program never uses the network: watches every socket it makes while it opens transcripts, is
 # started again, and quits. Left out where processes can't be traced.
 #
-# usage: sockets_test.py VELL TRANSCRIPT…
+# usage: sockets_test.py VELL FOLDER…
 
 import os
+import pathlib
 import re
 import signal
 import subprocess
@@ -51,7 +52,8 @@ def strangers(log, folder):
 
 
 def main():
-    vell, *transcripts = sys.argv[1:]
+    vell, *folders = sys.argv[1:]
+    transcripts = [str(file) for folder in folders for file in pathlib.Path(folder).glob("*.ichat")]
     need("strace")
     if not can_trace():
         skip("processes can't be traced here")
