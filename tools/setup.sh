@@ -1,11 +1,24 @@
+# shellcheck shell=bash
 # SPDX-License-Identifier: MIT
 #
-# What tools/run, tools/test and .ci/run share: installing what is missing, configuring, and a
-# locale that can hold any file name. Sourced by bash; sets $root to the top of the tree.
+# What the commands of tools/ and .ci/run share: installing what is missing, configuring, building, and
+# a locale that can hold any file name. Sourced by bash; sets $root to the top of the tree and $build to
+# the folder for builds. --help prints the comment at the top of the command.
 
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 
 say() { printf '%s\n' "$*" >&2; }
+fail() {
+    say "$@"
+    exit 1
+}
+
+case ${1-} in
+    -h | --help)
+        sed -n '4,/^[^#]/s/^# \{0,1\}//p' "$0"
+        exit
+        ;;
+esac
 
 # A bare system has no locale: file names would lose everything beyond ASCII.
 use_utf8() {
@@ -35,21 +48,34 @@ missing() {
     done
 }
 
-# known ENTRY: its first alternative that the package lists of this system offer.
-known() {
-    local alternative
-    for alternative in ${1//|/ }; do
-        apt-cache show --no-all-versions "$alternative" >/dev/null 2>&1 && break
+# apt ARGUMENT…: apt-get, with its progress on a terminal. Its messages end up in $log. Waits while
+# another program holds a lock: apt-get has an option for that, but not for its lock of the lists.
+apt() {
+    local command=(env LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive apt-get -y "$@") patience=300
+    while true; do
+        if [ -t 2 ]; then
+            "${sudo[@]}" "${command[@]}" -o Dpkg::Progress-Fancy=1 </dev/null >&2 2>"$log" && return
+        else
+            "${sudo[@]}" "${command[@]}" -q -o Dpkg::Use-Pty=0 </dev/null >"$log" 2>&1 && return
+        fi
+        grep -q '^E: Could not get lock' "$log" && ((patience-- > 0)) || return
+        ((patience < 299)) || say "Waiting for another program: $(sed -n 's/^E: //p;q' "$log")"
+        sleep 2
     done
-    printf '%s\n' "$alternative"
+}
+
+# extent DEPENDENCIES: how much apt would install for them, as far as it can tell.
+extent() {
+    LC_ALL=C.UTF-8 apt-get --assume-no -o Debug::NoLocking=1 --no-install-recommends satisfy "$1" \
+        </dev/null 2>/dev/null | sed -nE 's/.* ([0-9]+) newly installed.*/\1 packages/p
+            s/^Need to get ([0-9.,]+ .?B).*/, \1 to download/p
+            s/^After this operation, ([0-9.,]+ .?B) of additional.*/, \1 on the disk/p' | tr -d '\n'
 }
 
 # need REASON PURPOSE…: installs what is missing for these purposes; silent when nothing is.
-# Answers whether anything was installed in $installed_now.
 need() {
-    local reason=$1 entry names=() lacking sudo=()
+    local reason=$1 lacking sudo=() dependencies extent
     shift
-    installed_now=
     if ! command -v dpkg-query >/dev/null; then
         say "This is neither Debian nor Ubuntu: taking it that the counterparts of tools/packages" \
             "($*) are installed."
@@ -57,51 +83,64 @@ need() {
     fi
     mapfile -t lacking < <(mapfile -t entries < <(listed "$@") && missing "${entries[@]}")
     [ ${#lacking[@]} -gt 0 ] || return 0
-    say "To $reason, ${#lacking[@]} packages are missing: ${lacking[*]//|/ or }"
+    say "To $reason, these packages are missing: ${lacking[*]//|/ or }"
+    dependencies=$(printf '%s, ' "${lacking[@]//|/ | }")
+    dependencies=${dependencies%, }
     if [ "$(id -u)" -ne 0 ]; then
-        if ! command -v sudo >/dev/null; then
-            say "There is no sudo here. As root: apt-get update && apt-get install ${lacking[*]%%|*}"
-            exit 1
-        fi
-        sudo=(sudo)
+        local by_hand="As root: apt-get update && apt-get --no-install-recommends satisfy '$dependencies'"
+        command -v sudo >/dev/null || fail "There is no sudo here to install them with. $by_hand"
         say "Installing them with sudo apt-get; it may ask for your password."
-    else
-        say "Installing them with apt-get."
+        sudo true || fail "sudo was refused, so they can't be installed. $by_hand"
+        sudo=(sudo)
     fi
-    local apt=("${sudo[@]}" env LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive apt-get -qq)
-    "${apt[@]}" update </dev/null >"$log" 2>&1 || say "The package lists could not be refreshed; trying those here."
-    for entry in "${lacking[@]}"; do names+=("$(known "$entry")"); done
-    if ! "${apt[@]}" -o Dpkg::Use-Pty=0 install -y --no-install-recommends "${names[@]}" \
-        </dev/null >"$log" 2>&1; then
-        tail -n 20 "$log" >&2
-        say "Installing failed: the lines above say why."
-        exit 1
+    say "Refreshing the package lists …"
+    if ! apt update -o APT::Update::Error-Mode=any; then
+        grep '^[EW]:' "$log" >&2 || true
+        say "The package lists could not be refreshed, for the reason above: trying those that are here."
     fi
-    installed_now=yes
+    extent=$(extent "$dependencies")
+    say "Installing ${extent:-them} …"
+    apt --no-install-recommends satisfy "$dependencies" && return
+    tail -n 20 "$log" >&2
+    fail "Installing failed: the lines above say why."
 }
 
-# configured PRESET: configures when that was never done, the presets changed or packages came.
+# configured PRESET: configures where that was never done, and where the presets, the packages of the
+# system or the place of the checkout have changed since.
 configured() {
-    local made=$root/build/$1/build.ninja
-    [ -z "$installed_now" ] && [ "$made" -nt "$root/CMakePresets.json" ] && return
-    (cd "$root" && cmake --preset "$1" >"$log" 2>&1) && return
+    local folder=$build/$1 fresh=()
+    local made=$folder/build.ninja cache=$folder/CMakeCache.txt
+    if [ -e "$cache" ] && ! grep -qFx "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$cache"; then
+        fresh=(--fresh)
+    elif [ "$made" -nt "$root/CMakePresets.json" ] && [ "$made" -nt /var/lib/dpkg/status ]; then
+        return
+    fi
+    (cd "$root" && cmake "${fresh[@]}" --preset "$1" -B "$folder" >"$log" 2>&1) && return
     cat "$log" >&2
-    say "Configuring failed: the lines above say why."
-    exit 1
+    fail "Configuring failed: the lines above say why."
 }
 
 # built PRESET: builds, with progress on a terminal; silent when there is nothing to do.
 built() {
-    local folder=$root/build/$1
-    [[ "$(ninja -C "$folder" -n 2>&1)" != *'no work to do.' ]] || return 0
-    say "Building; the first time takes some minutes."
+    local folder=$build/$1 plan steps
+    plan=$(ninja -C "$folder" -n 2>&1) || true
+    [[ $plan != *'no work to do.' ]] || return 0
+    steps=$(sed -nE '$s/^\[[0-9]+\/([0-9]+)\].*/\1/p' <<<"$plan")
+    [ "${steps:-0}" -lt 100 ] || say "Building; this takes some minutes."
     if [ -t 2 ]; then
         cmake --build "$folder" >&2 || exit 1
     elif ! cmake --build "$folder" >"$log" 2>&1; then
-        cat "$log" >&2
-        exit 1
+        tail -n 60 "$log" >&2
+        fail "Building failed: the lines above say why."
     fi
 }
 
+build=$root/build
+if ! mkdir -p "$build" 2>/dev/null || [ ! -w "$build" ]; then
+    build=${XDG_CACHE_HOME:-${HOME-}/.cache}/vell/build
+    mkdir -p "$build" 2>/dev/null && [ -w "$build" ] ||
+        fail "Neither $root/build nor $build can be written to: there is no place to build in."
+    say "$root/build can't be written to: building in $build."
+fi
 log=$(mktemp "${TMPDIR:-/tmp}/vell-setup.XXXXXX")
 trap 'rm -rf "$log" "$log.runtime"' EXIT
