@@ -3,11 +3,14 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
 #include <QPalette>
 #include <cstdio>
 
 #include "app/document.h"
 #include "app/file_reader.h"
+#include "foundation/local_path.h"
 #include "identity/contacts_store.h"
 #include "timeline/picture_cache.h"
 #include "timeline/timeline_view.h"
@@ -22,6 +25,15 @@ QPalette darkPalette() {
     QPalette palette(QColor(53, 53, 56), QColor(44, 44, 47));
     palette.setColor(QPalette::Base, QColor(30, 30, 32));
     return palette;
+}
+
+QString reason(const QString& path) {
+    const QFileInfo info(foundation::localPath(path));
+    if (info.exists() && !info.isFile()) return QStringLiteral("it isn't a file");
+    QFile file;
+    if (!isStandardInput(path) && !foundation::openForReading(file, path))
+        return file.errorString();
+    return QStringLiteral("the file is damaged or not a transcript");
 }
 
 }  // namespace
@@ -49,7 +61,8 @@ int render(const QString& path, const QString& target, bool isDark) {
         if (view.grab().save(target, "PNG")) return 0;
         std::fprintf(stderr, "vell: %s can't be written\n", qUtf8Printable(target));
     } catch (const foundation::Error&) {
-        std::fprintf(stderr, "vell: %s could not be opened\n", qUtf8Printable(path));
+        std::fprintf(stderr, "vell: %s could not be opened: %s\n", qUtf8Printable(path),
+                     qUtf8Printable(reason(path)));
     }
     return 1;
 }
