@@ -3,9 +3,10 @@
 
 #include <unistd.h>
 
-#include <QDir>
 #include <QFileInfo>
+#include <cstdio>
 #include <memory>
+#include <new>
 
 #include "foundation/error.h"
 #include "foundation/local_path.h"
@@ -24,12 +25,12 @@ namespace {
 constexpr int kDone = 0;
 constexpr int kSomeFailed = 1;
 constexpr int kUsage = 2;
-constexpr qsizetype kManyFiles = 10;
+constexpr qsizetype kManyFiles = 10;  // worth telling how far we are
 
-void writeText(std::FILE* stream, const QString& text) {
+void writeError(const QString& text) {
     const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
-    std::fflush(stream);
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
+    std::fflush(stderr);
 }
 
 /// On one line, without what could move a terminal's cursor.
@@ -42,6 +43,7 @@ QString oneLine(QString text) {
 
 /// The reason of a failure for people.
 QString reasonOf(const std::exception& error) {
+    if (dynamic_cast<const std::bad_alloc*>(&error)) return u"there is not enough memory"_s;
     const auto* archive = dynamic_cast<const foundation::Error*>(&error);
     if (!archive) return QString::fromUtf8(error.what());
     const QString text = archive->debugDescription().isEmpty() ? archive->description()
@@ -55,18 +57,6 @@ QString reasonOf(const std::exception& error) {
     return u"no transcript, or damaged: "_s + (prefix < 0 ? text : text.mid(prefix + 3));
 }
 
-foundation::FileWrapper wrapperOf(const QString& file) {
-    using Kind = foundation::FileWrapper::Kind;
-    if (file == u"-") return foundation::FileWrapper(Kind::regularFile);
-    const QFileInfo info(localPath(file));
-    const Kind kind = info.isSymLink() ? Kind::symbolicLink
-                      : info.isDir()   ? Kind::directory
-                                       : Kind::regularFile;
-    foundation::FileWrapper wrapper(kind);
-    wrapper.filename = info.fileName();
-    return wrapper;
-}
-
 ContactsStore::Table contactsOf(const Options& options) {
     try {
         return readContactTable(options.contacts, *console::defaultConsole());
@@ -75,121 +65,124 @@ ContactsStore::Table contactsOf(const Options& options) {
     }
 }
 
+int printInformation(const Information& information) {
+    try {
+        Sink sink(STDOUT_FILENO);
+        sink.write(information.text.toUtf8());
+        sink.flush();
+        return kDone;
+    } catch (const WriteError& error) {
+        writeError(u"vell-export: standard output: "_s + error.reason + u'\n');
+        return kSomeFailed;
+    }
+}
+
+/// How people are told of a file.
+QString displayName(const QString& file) {
+    return file == u"-" ? u"stdin"_s : file;
+}
+
 }  // namespace
 
-Exporter::Exporter(const Options& options, Streams streams)
-    : options_(options), streams_(streams), contacts_(contactsOf(options)) {}
+Exporter::Exporter(const Options& options)
+    : options_(options), contacts_(contactsOf(options)), output_(options) {
+    const bool sharesTerminal = output_.isStream() && isatty(STDOUT_FILENO) != 0;
+    showsProgress_ = !options.quiet && options.files.size() >= kManyFiles && !sharesTerminal &&
+                     isatty(STDERR_FILENO) != 0;
+    foundation::setPrintFunction([this](QStringView line) { printDiagnostic(line); });
+}
+
+Exporter::~Exporter() {
+    foundation::setPrintFunction({});
+}
 
 bool Exporter::run() {
-    try {
-        prepareOutput();
-    } catch (const WriteError& error) {
-        report(*options_.output, error.reason);
-        return false;
-    }
-    const qsizetype count = options_.files.size();
-    showsProgress_ = count >= kManyFiles && isatty(fileno(streams_.error)) != 0;
     bool allDone = true;
-    for (qsizetype i = 0; i < count; ++i) {
-        showProgress(i, options_.files[i]);
-        if (!exportOne(options_.files[i])) allDone = false;
+    for (qsizetype i = 0; i < options_.files.size() && !output_.isBroken(); ++i) {
+        file_ = options_.files[i];
+        showProgress(i);
+        if (!exportOne()) allDone = false;
     }
     clearProgress();
     return allDone;
 }
 
-void Exporter::prepareOutput() {
-    if (!options_.output) return;
-    for (const QString& file : options_.files) {
-        if (file != u"-") transcripts_.insert(QFileInfo(localPath(file)).canonicalFilePath());
-    }
-    const QFileInfo info(localPath(*options_.output));
-    intoFolder_ = info.isDir() || options_.files.size() > 1 || options_.output->endsWith(u'/');
-    if (!intoFolder_ || info.isDir()) return;
-    if (info.exists()) throw UsageError{*options_.output + u" is no folder"_s};
-    if (!QDir().mkpath(info.absoluteFilePath())) throw WriteError{u"the folder can't be made"_s};
-}
-
-bool Exporter::exportOne(const QString& file) {
+bool Exporter::exportOne() {
     const auto log = tesselLoadLog();
-    if (log) log->openFile(wrapperOf(file));
+    Input input;
     std::optional<TesselChatLog> chatLog;
+    QString reason;
     try {
-        chatLog.emplace(read(file));
+        input = readInput(file_, log.get());
+        chatLog.emplace(TesselChatLog::fromData(input.bytes, input.date, options_.calendar));
+    } catch (const ReadError& error) {
+        reason = error.reason;
     } catch (const std::exception& error) {
-        report(file, reasonOf(error));
-        if (log && options_.printsLoadLog) writeText(streams_.error, log->grabLog());
+        const bool wasRead = !input.name.isEmpty();
+        reason = wasRead && input.bytes.isEmpty() ? u"it is empty"_s : reasonOf(error);
+    }
+    if (!chatLog) {
+        report(reason);
+        if (log && options_.printsLoadLog) writeError(log->grabLog());
         return false;
     }
     try {
-        write(*chatLog, file);
+        write(input, *chatLog);
+        return true;
     } catch (const WriteError& error) {
-        report(file, error.reason);
-        return false;
+        report(error.reason);
+    } catch (const std::exception& error) {
+        report(reasonOf(error));
     }
-    return true;
+    return false;
 }
 
-TesselChatLog Exporter::read(const QString& file) const {
-    if (file == u"-") {
-        return TesselChatLog::fromData(streams_.input.readAll(), std::nullopt, options_.calendar);
-    }
-    return TesselChatLog::fromFile(file, options_.calendar);
-}
-
-void Exporter::write(const TesselChatLog& log, const QString& file) {
+void Exporter::write(const Input& input, const TesselChatLog& log) {
     const FormatContext context{options_.calendar, options_.locale, contacts_};
-    const auto writeTo = [&](QIODevice& device) { options_.format->write(log, context, device); };
-    if (!options_.output) {
-        writeTo(streams_.output);
-        return;
-    }
-    QString path = *options_.output;
-    if (intoFolder_)
-        path += u'/' + names_.nameFor(file, QString::fromLatin1(options_.format->fileExtension));
-    if (QFileInfo target(localPath(path));
-        target.exists() && transcripts_.contains(target.canonicalFilePath()))
-        throw WriteError{path + u": a transcript itself, never replaced"_s};
-    try {
-        writeFile(path, options_.force, writeTo);
-    } catch (const WriteError& error) {
-        throw WriteError{path + u": "_s + error.reason};
-    }
+    output_.write(input, [&](Sink& sink) { options_.format->write(log, context, sink); });
 }
 
-void Exporter::report(const QString& file, const QString& reason) const {
+void Exporter::report(const QString& reason) const {
     clearProgress();
-    const QString name = file == u"-" ? u"stdin"_s : file;
-    writeText(streams_.error,
-              oneLine(u"vell-export: "_s + name + u": "_s + reason.simplified()) + u'\n');
+    writeError(oneLine(u"vell-export: "_s + displayName(file_) + u": "_s + reason.simplified()) +
+               u'\n');
 }
 
-void Exporter::showProgress(qsizetype done, const QString& file) const {
+/// With several files each line tells which one it is about.
+void Exporter::printDiagnostic(QStringView line) const {
+    if (options_.quiet) return;
+    clearProgress();
+    const QString about =
+        options_.files.size() > 1 ? oneLine(displayName(file_)) + u": "_s : QString();
+    writeError(about + line.toString() + u'\n');
+}
+
+void Exporter::showProgress(qsizetype done) const {
     if (!showsProgress_) return;
-    const QString name = oneLine(QFileInfo(localPath(file)).fileName()).left(50);
-    writeText(streams_.error,
-              u"\r\033[K%1 of %2: "_s.arg(done + 1).arg(options_.files.size()) + name);
+    const QString name = oneLine(QFileInfo(localPath(file_)).fileName()).left(50);
+    writeError(u"\r\033[K%1 of %2: "_s.arg(done + 1).arg(options_.files.size()) + name);
 }
 
 void Exporter::clearProgress() const {
-    if (showsProgress_) writeText(streams_.error, u"\r\033[K"_s);
+    if (showsProgress_) writeError(u"\r\033[K"_s);
 }
 
-int runExport(const QStringList& arguments, Streams streams) {
+int runExport(const QStringList& arguments) {
     // Standard output is for documents.
-    foundation::setPrintTarget(streams.error);
-    console::setDefaultConsole(std::make_shared<Console2<>>(FileOutputStream(streams.error),
-                                                            FileOutputStream(streams.error),
-                                                            LogLevel::defaultLevel()));
+    foundation::setPrintTarget(stderr);
+    console::setDefaultConsole(std::make_shared<Console2<>>(
+        FileOutputStream(stderr), FileOutputStream(stderr), LogLevel::defaultLevel()));
     try {
         const Options options = parseOptions(arguments);
-        return Exporter(options, streams).run() ? kDone : kSomeFailed;
+        return Exporter(options).run() ? kDone : kSomeFailed;
     } catch (const Information& information) {
-        streams.output.write(information.text.toUtf8());
-        return kDone;
+        return printInformation(information);
+    } catch (const WriteError& error) {
+        writeError(u"vell-export: "_s + oneLine(error.reason) + u'\n');
+        return kSomeFailed;
     } catch (const UsageError& error) {
-        writeText(streams.error,
-                  u"vell-export: "_s + error.reason + u"\nTry 'vell-export --help' for more.\n"_s);
+        writeError(u"vell-export: "_s + oneLine(error.reason) +
+                   u"\nTry 'vell-export --help' for more.\n"_s);
         return kUsage;
     }
 }

@@ -4,9 +4,8 @@
 // Exporter: takes the files of a run one after the other, reads each, writes it in the format asked
 // for, and tells what went wrong without stopping.
 
-#include <QIODevice>
-#include <QSet>
-#include <cstdio>
+#include <QStringList>
+#include <QStringView>
 
 #include "cli/options.h"
 #include "cli/output.h"
@@ -14,41 +13,33 @@
 
 namespace vell {
 
-/// The standard streams of the run.
-struct Streams {
-    QIODevice& input;
-    QIODevice& output;
-    std::FILE* error;
-};
-
 class Exporter {
   public:
-    /// Throws UsageError when the contacts can't be read.
-    Exporter(const Options& options, Streams streams);
+    /// Throws UsageError when the contacts can't be read or the output can't serve for these files.
+    explicit Exporter(const Options& options);
+    ~Exporter();
+    Exporter(const Exporter&) = delete;
+    Exporter& operator=(const Exporter&) = delete;
 
-    /// Exports all files; answers whether nothing failed. Throws UsageError when the output can't
-    /// serve for these files.
+    /// Exports all files; answers whether nothing failed.
     bool run();
 
   private:
     const Options& options_;
-    Streams streams_;
     const ContactsStore contacts_;
-    OutputNames names_;
-    QSet<QString> transcripts_;  // where the files really lie; no output replaces one of them
-    bool intoFolder_ = false;
+    Output output_;
+    QString file_;  // the one at hand
     bool showsProgress_ = false;
 
-    void prepareOutput();
-    bool exportOne(const QString& file);
-    [[nodiscard]] TesselChatLog read(const QString& file) const;
-    void write(const TesselChatLog& log, const QString& file);
-    void report(const QString& file, const QString& reason) const;
-    void showProgress(qsizetype done, const QString& file) const;
+    bool exportOne();
+    void write(const Input& input, const TesselChatLog& log);
+    void report(const QString& reason) const;
+    void printDiagnostic(QStringView line) const;
+    void showProgress(qsizetype done) const;
     void clearProgress() const;
 };
 
 /// Runs the program: parses, exports, reports. Answers the exit status.
-int runExport(const QStringList& arguments, Streams streams);
+int runExport(const QStringList& arguments);
 
 }  // namespace vell

@@ -10,9 +10,9 @@ namespace vell {
 
 std::span<const Format> formats() {
     static constexpr Format kFormats[] = {
-        {"markdown", "md", &writeMarkdown},
-        {"text", "txt", &writeText},
-        {"json", "json", &writeJson},
+        {"markdown", "md", "\n", &writeMarkdown},
+        {"text", "txt", "\n", &writeText},
+        {"json", "json", "", &writeJson},
     };
     return kFormats;
 }
@@ -20,7 +20,8 @@ std::span<const Format> formats() {
 const Format* findFormat(const QString& name) {
     const auto all = formats();
     const auto at = std::find_if(all.begin(), all.end(), [&name](const Format& format) {
-        return name == QLatin1StringView(format.name);
+        return name == QLatin1StringView(format.name) ||
+               name == QLatin1StringView(format.extension);
     });
     return at == all.end() ? nullptr : &*at;
 }

@@ -4,7 +4,6 @@
 // The formats that a chat log can be written in. To add one, add its function and a row to the
 // table in format.cpp.
 
-#include <QIODevice>
 #include <QString>
 #include <span>
 
@@ -14,6 +13,7 @@
 namespace vell {
 
 class ContactsStore;
+class Sink;
 
 /// What formats for people need to know beside the log.
 struct FormatContext {
@@ -23,15 +23,16 @@ struct FormatContext {
 };
 
 struct Format {
-    const char* name;           ///< as given on the command line
-    const char* fileExtension;  ///< without a dot
-    /// Writes one document; errors stay with the device.
-    void (*write)(const TesselChatLog& log, const FormatContext& context, QIODevice& output);
+    const char* name;       ///< as given on the command line
+    const char* extension;  ///< of files, without a dot; the other name on the command line
+    const char* separator;  ///< between two documents of one stream
+    /// Writes one document; what the sink throws passes through.
+    void (*write)(const TesselChatLog& log, const FormatContext& context, Sink& sink);
 };
 
 /// All of them, the default one first.
 [[nodiscard]] std::span<const Format> formats();
-/// The format of this name, or null.
+/// The format of this name or file extension, or null.
 [[nodiscard]] const Format* findFormat(const QString& name);
 
 }  // namespace vell

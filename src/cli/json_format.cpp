@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "cli/json_writer.h"
+#include "cli/sink.h"
 
 namespace vell {
 namespace {
@@ -14,7 +15,7 @@ constexpr qsizetype kFlushSize = 1 << 16;
 
 class JsonFormat {
   public:
-    explicit JsonFormat(QIODevice& output) : output_(output) {}
+    explicit JsonFormat(Sink& sink) : sink_(sink) {}
     void write(const TesselChatLog& log);
 
     // Each writes the kind and the members that belong to it.
@@ -27,7 +28,7 @@ class JsonFormat {
     void operator()(const TesselChatLog::User&) { stringMember("kind", u"user"); }
 
   private:
-    QIODevice& output_;
+    Sink& sink_;
     JsonWriter writer_;
     // By where the bytes begin: one picture may stand in a log a thousand times.
     std::unordered_map<const char*, std::pair<qsizetype, QString>> hashes_;
@@ -57,12 +58,12 @@ void JsonFormat::write(const TesselChatLog& log) {
     for (const TesselChatLog::Event& each : log.events()) {
         writer_.breakLine();
         event(each);
-        if (writer_.size() >= kFlushSize) output_.write(writer_.take());
+        if (writer_.size() >= kFlushSize) sink_.write(writer_.take());
     }
     writer_.breakLine();
     writer_.endArray();
     writer_.endObject();
-    output_.write(writer_.take() + '\n');
+    sink_.write(writer_.take() + '\n');
 }
 
 void JsonFormat::event(const TesselChatLog::Event& event) {
@@ -153,8 +154,8 @@ const QString& JsonFormat::sha256(const foundation::Data& data) {
 
 }  // namespace
 
-void writeJson(const TesselChatLog& log, const FormatContext&, QIODevice& output) {
-    JsonFormat(output).write(log);
+void writeJson(const TesselChatLog& log, const FormatContext&, Sink& sink) {
+    JsonFormat(sink).write(log);
 }
 
 }  // namespace vell

@@ -1,27 +1,33 @@
 // SPDX-License-Identifier: MIT
 //
 // vell-export: transcripts as text, without a window.
-#include <QFile>
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
 #include <QStringList>
-#include <cstdio>
 
 #include "cli/exporter.h"
 #include "foundation/local_path.h"
 
+namespace {
+
+/// Keeps the files that we open from becoming a standard stream that the shell has closed. Opened
+/// the wrong way round, so that using it fails as on a closed one.
+void occupyStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0)
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+    occupyStandardStreams();
+    signal(SIGXFSZ, SIG_IGN);  // a file beyond the limit is told like a full disk
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(foundation::pathFromArgument(argv[i]));
-    QFile input;
-    QFile output;
-    if (!input.open(stdin, QIODevice::ReadOnly) || !output.open(stdout, QIODevice::WriteOnly)) {
-        std::fputs("vell-export: the standard streams are closed\n", stderr);
-        return 1;
-    }
-    const int status = vell::runExport(arguments, {input, output, stderr});
-    if (!output.flush() || std::fflush(stdout) != 0 || output.error() != QFileDevice::NoError) {
-        std::fprintf(stderr, "vell-export: %s\n", qPrintable(output.errorString()));
-        return 1;
-    }
-    return status;
+    return vell::runExport(arguments);
 }

@@ -2,6 +2,11 @@
 #include "cli/options.h"
 
 #include <QCommandLineParser>
+#include <QFile>
+#include <cstdio>
+
+#include "foundation/local_path.h"
+#include "toolkit/date_formatters.h"
 
 namespace vell {
 
@@ -18,74 +23,143 @@ QString formatNames() {
 
 QString helpText() {
     return u"Usage: vell-export [OPTION]… [--] FILE…\n"
+           "  or:  vell-export [OPTION]… --files0-from LIST\n"
            "Writes transcripts in another format; \"-\" is standard input.\n"
            "\n"
-           "  --format NAME       %1 (default: %2)\n"
-           "  --output FILE|DIR   where to write; several files need a folder, and are\n"
-           "                      named after themselves there\n"
-           "  --force             replace files that exist\n"
-           "  --contacts FILE     name people from these vCards; may be given several times\n"
-           "  --time-zone ZONE    whose days and hours to tell, e.g. Europe/Berlin;\n"
-           "                      without it your own\n"
-           "  --locale LOCALE     how to write dates for people, e.g. en_GB; without it\n"
-           "                      your own\n"
-           "  --load-log          print what was tried for a file that can't be read\n"
-           "  --version           print the version\n"
-           "  --help              print this text\n"
+           "  -f, --format NAME     %1 (default: %2)\n"
+           "  -o, --output NAME     where to write: a file, a folder that exists or ends with\n"
+           "                        \"/\", a pipe or a device; \"-\" is standard output, which\n"
+           "                        is also where documents go without this option\n"
+           "  -d, --output-dir DIR  write into this folder, which is made if need be\n"
+           "      --force           replace files that exist\n"
+           "      --files0-from LIST  export the files named in LIST, each name ended by a\n"
+           "                        null byte; \"-\" is standard input\n"
+           "      --contacts FILE   name people from these vCards; may be given several times\n"
+           "      --time-zone ZONE  whose days and hours to tell, e.g. Europe/Berlin;\n"
+           "                        without it your own\n"
+           "      --locale LOCALE   how to write dates for people, e.g. en_GB; without it\n"
+           "                        your own\n"
+           "      --load-log        print what was tried for a file that can't be read\n"
+           "  -q, --quiet           tell of failures only\n"
+           "      --version         print the version\n"
+           "  -h, --help            print this text\n"
            "\n"
-           "One file goes to standard output. Exit status: 0 all done, 1 some file couldn't be\n"
-           "read or written, 2 wrong usage.\n"_s.arg(formatNames(),
-                                                     QString::fromLatin1(formats()[0].name));
+           "In a folder documents are named after their files. Exit status: 0 all done, 1 some\n"
+           "file couldn't be read or written, 2 wrong usage.\n"_s.arg(
+               formatNames(), QString::fromLatin1(formats()[0].name));
 }
 
-foundation::Calendar calendarFor(const QString& zone) {
+struct Arguments {
+    const QCommandLineOption format{{u"f"_s, u"format"_s}, {}, u"NAME"_s};
+    const QCommandLineOption output{{u"o"_s, u"output"_s}, {}, u"NAME"_s};
+    const QCommandLineOption outputDir{{u"d"_s, u"output-dir"_s}, {}, u"DIR"_s};
+    const QCommandLineOption force{u"force"_s};
+    const QCommandLineOption files0From{u"files0-from"_s, {}, u"LIST"_s};
+    const QCommandLineOption contacts{u"contacts"_s, {}, u"FILE"_s};
+    const QCommandLineOption timeZone{u"time-zone"_s, {}, u"ZONE"_s};
+    const QCommandLineOption locale{u"locale"_s, {}, u"LOCALE"_s};
+    const QCommandLineOption loadLog{u"load-log"_s};
+    const QCommandLineOption quiet{{u"q"_s, u"quiet"_s}};
+    const QCommandLineOption version{u"version"_s};
+    const QCommandLineOption help{{u"h"_s, u"help"_s}};
+    QCommandLineParser parser;
+
+    explicit Arguments(const QStringList& arguments) {
+        parser.addOptions({format, output, outputDir, force, files0From, contacts, timeZone, locale,
+                           loadLog, quiet, version, help});
+        // The parser takes its first argument for the program's name.
+        if (!parser.parse(QStringList(u"vell-export"_s) + arguments))
+            throw UsageError{parser.errorText()};
+    }
+};
+
+const Format* chosenFormat(const Arguments& given) {
+    const QString name = given.parser.isSet(given.format) ? given.parser.value(given.format)
+                                                          : QString::fromLatin1(formats()[0].name);
+    const Format* chosen = findFormat(name);
+    if (!chosen)
+        throw UsageError{u"unknown format: "_s + name + u" (known: "_s + formatNames() + u')'};
+    return chosen;
+}
+
+foundation::Calendar chosenCalendar(const Arguments& given) {
+    if (!given.parser.isSet(given.timeZone)) return foundation::Calendar::current();
+    const QString zone = given.parser.value(given.timeZone);
     auto calendar = foundation::Calendar::named(zone.toUtf8());
-    if (!calendar) throw UsageError{u"unknown time zone: "_s + zone};
+    if (!calendar || !isKnownTimeZone(calendar->timeZone().id()))
+        throw UsageError{u"unknown time zone: "_s + zone};
     return *std::move(calendar);
+}
+
+QString chosenLocale(const Arguments& given) {
+    const QString locale = given.parser.value(given.locale);
+    if (given.parser.isSet(given.locale) && !isKnownLocale(locale.toUtf8()))
+        throw UsageError{u"unknown locale: "_s + locale};
+    return locale;
+}
+
+QStringList listedFiles(const QString& list) {
+    QFile file;
+    if (list == u"-" ? !file.open(stdin, QIODevice::ReadOnly)
+                     : !foundation::openForReading(file, list))
+        throw UsageError{u"the list of files can't be read: "_s + file.errorString()};
+    QByteArray names = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        throw UsageError{u"the list of files can't be read: "_s + file.errorString()};
+    if (names.endsWith('\0')) names.chop(1);
+    QStringList result;
+    if (names.isEmpty()) return result;
+    for (const QByteArray& name : names.split('\0'))
+        result.append(foundation::pathFromArgument(name.constData()));
+    if (list == u"-" && result.contains(u"-"_s))
+        throw UsageError{u"standard input can't be both the list of files and a file"_s};
+    return result;
+}
+
+QStringList chosenFiles(const Arguments& given) {
+    QStringList files = given.parser.positionalArguments();
+    if (given.parser.isSet(given.files0From)) {
+        if (!files.isEmpty()) throw UsageError{u"files are named here and in a list"_s};
+        files = listedFiles(given.parser.value(given.files0From));
+    } else if (files.isEmpty()) {
+        throw UsageError{u"no file given"_s};
+    }
+    if (files.contains(QString())) throw UsageError{u"a file without a name"_s};
+    return files;
+}
+
+void chooseOutput(const Arguments& given, Options& options) {
+    const QCommandLineParser& parser = given.parser;
+    options.output = u"-"_s;
+    if (parser.isSet(given.output) && parser.isSet(given.outputDir))
+        throw UsageError{u"--output and --output-dir exclude each other"_s};
+    if (parser.isSet(given.output)) options.output = parser.value(given.output);
+    if (parser.isSet(given.outputDir)) options.output = parser.value(given.outputDir);
+    if (options.output.isEmpty()) throw UsageError{u"an output without a name"_s};
+    options.outputIsFolder = parser.isSet(given.outputDir) || options.output.endsWith(u'/');
 }
 
 }  // namespace
 
 Options parseOptions(const QStringList& arguments) {
-    const QCommandLineOption format(u"format"_s, {}, u"NAME"_s);
-    const QCommandLineOption output(u"output"_s, {}, u"FILE|DIR"_s);
-    const QCommandLineOption force(u"force"_s);
-    const QCommandLineOption contacts(u"contacts"_s, {}, u"FILE"_s);
-    const QCommandLineOption timeZone(u"time-zone"_s, {}, u"ZONE"_s);
-    const QCommandLineOption locale(u"locale"_s, {}, u"LOCALE"_s);
-    const QCommandLineOption loadLog(u"load-log"_s);
-    const QCommandLineOption version(u"version"_s);
-    const QCommandLineOption help(QStringList{u"help"_s, u"h"_s});
-    QCommandLineParser parser;
-    parser.addOptions({format, output, force, contacts, timeZone, locale, loadLog, version, help});
-    // The parser takes its first argument for the program's name.
-    if (!parser.parse(QStringList(u"vell-export"_s) + arguments))
-        throw UsageError{parser.errorText()};
-    if (parser.isSet(help)) throw Information{helpText()};
-    if (parser.isSet(version)) throw Information{u"vell-export " VELL_VERSION "\n"_s};
-
-    const QString name =
-        parser.isSet(format) ? parser.value(format) : QString::fromLatin1(formats()[0].name);
-    const Format* chosen = findFormat(name);
-    if (!chosen)
-        throw UsageError{u"unknown format: "_s + name + u" (known: "_s + formatNames() + u')'};
+    const Arguments given(arguments);
+    const QCommandLineParser& parser = given.parser;
+    if (parser.isSet(given.help)) throw Information{helpText()};
+    if (parser.isSet(given.version)) throw Information{u"vell-export " VELL_VERSION "\n"_s};
     Options result{
-        .format = chosen,
-        .files = parser.positionalArguments(),
-        .output = std::nullopt,
-        .force = parser.isSet(force),
-        .printsLoadLog = parser.isSet(loadLog),
-        .contacts = parser.values(contacts),
-        .calendar = parser.isSet(timeZone) ? calendarFor(parser.value(timeZone))
-                                           : foundation::Calendar::current(),
-        .locale = parser.value(locale),
+        .format = chosenFormat(given),
+        .files = {},
+        .output = {},
+        .outputIsFolder = false,
+        .force = parser.isSet(given.force),
+        .quiet = parser.isSet(given.quiet),
+        .printsLoadLog = parser.isSet(given.loadLog),
+        .contacts = parser.values(given.contacts),
+        .calendar = chosenCalendar(given),
+        .locale = chosenLocale(given),
     };
-    if (parser.isSet(output)) result.output = parser.value(output);
-    if (result.files.isEmpty()) throw UsageError{u"no file given"_s};
-    if (result.files.contains(QString())) throw UsageError{u"a file without a name"_s};
-    if (result.output && result.output->isEmpty()) throw UsageError{u"an output without a name"_s};
-    if (result.files.size() > 1 && !result.output)
-        throw UsageError{u"several files need --output DIR"_s};
+    chooseOutput(given, result);
+    result.files = chosenFiles(given);
     return result;
 }
 

@@ -5,7 +5,6 @@
 
 #include <QString>
 #include <QStringList>
-#include <optional>
 
 #include "cli/format.h"
 #include "foundation/calendar.h"
@@ -14,9 +13,11 @@ namespace vell {
 
 struct Options {
     const Format* format = nullptr;  ///< never null
-    QStringList files;               ///< at least one; "-" is standard input
-    std::optional<QString> output;   ///< a file or folder
+    QStringList files;               ///< "-" is standard input
+    QString output;                  ///< "-" is standard output
+    bool outputIsFolder = false;     ///< by how it was named, whether or not it is there
     bool force = false;
+    bool quiet = false;
     bool printsLoadLog = false;
     QStringList contacts;  ///< vCard files
     foundation::Calendar calendar;
@@ -33,7 +34,8 @@ struct Information {
     QString text;
 };
 
-/// Reads the arguments, the program's name not among them. Throws UsageError or Information.
+/// Reads the arguments, the program's name not among them, and the list of files that they name.
+/// Throws UsageError or Information.
 [[nodiscard]] Options parseOptions(const QStringList& arguments);
 
 }  // namespace vell

@@ -1,43 +1,66 @@
 // SPDX-License-Identifier: MIT
 #include "cli/output.h"
 
-#include <QCoreApplication>
-#include <QFile>
-#include <QFileInfo>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <QFileInfo>
+#include <filesystem>
+
+#include "cli/temporary_file.h"
 #include "foundation/local_path.h"
 
 namespace vell {
 
 using namespace Qt::StringLiterals;
-using foundation::localPath;
+using foundation::pathBytes;
 
 namespace {
 
-/// A file that no other has: its name says whose it is, should the program be killed.
-void openTemporary(QFile& file, const QString& folder) {
-    const QString stem =
-        folder + u"/.vell-export-"_s + QString::number(QCoreApplication::applicationPid()) + u'-';
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        file.setFileName(stem + QString::number(attempt));
-        if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) return;
-        if (!file.exists()) break;
-    }
-    throw WriteError{file.errorString()};
+using Status = struct stat;
+
+/// Nothing when there is nothing at the path.
+std::optional<Status> statusOf(const QByteArray& path) {
+    Status status{};
+    if (::stat(path.constData(), &status) != 0) return std::nullopt;
+    return status;
 }
 
-/// Gives the temporary file its name. Nothing in between sees neither or half of it.
-void moveInto(QFile& temporary, const QString& path, bool replacesExisting) {
-    if (!replacesExisting) {
-        if (!temporary.rename(path)) throw WriteError{u"the file exists"_s};
-        return;
+std::optional<Status> statusOf(int descriptor) {
+    Status status{};
+    if (::fstat(descriptor, &status) != 0) return std::nullopt;
+    return status;
+}
+
+bool isLink(const QByteArray& path) {
+    Status status{};
+    return ::lstat(path.constData(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+/// The descriptor that the name stands for. Opening such a name anew would begin the file afresh
+/// that the shell has opened, perhaps for appending.
+std::optional<int> descriptorOf(const QString& name) {
+    if (name == u"-" || name == u"/dev/stdout") return STDOUT_FILENO;
+    if (name == u"/dev/stderr") return STDERR_FILENO;
+    for (const QStringView folder : {u"/dev/fd/", u"/proc/self/fd/"}) {
+        bool isNumber = false;
+        const int number = QStringView(name).mid(folder.size()).toInt(&isNumber);
+        if (name.startsWith(folder) && isNumber) return number;
     }
-    if (std::rename(QFile::encodeName(temporary.fileName()).constData(),
-                    QFile::encodeName(path).constData()) != 0)
-        throw WriteError{QString::fromLocal8Bit(std::strerror(errno))};
+    return std::nullopt;
+}
+
+/// What new files get that are made from no file.
+mode_t ordinaryPermissions() {
+    const mode_t masked = ::umask(0);
+    ::umask(masked);
+    return 0666 & ~masked;
+}
+
+QByteArray folderOf(const QByteArray& path) {
+    const auto slash = path.lastIndexOf('/');
+    return slash < 0 ? QByteArray(".") : path.first(slash + 1);
 }
 
 }  // namespace
@@ -45,7 +68,7 @@ void moveInto(QFile& temporary, const QString& path, bool replacesExisting) {
 QString OutputNames::nameFor(const QString& input, const QString& extension) {
     QString name = u"stdin"_s;
     if (input != u"-") {
-        const QFileInfo info(localPath(input));
+        const QFileInfo info(foundation::localPath(input));
         name = info.completeBaseName().isEmpty() ? info.fileName() : info.completeBaseName();
     }
     // Bytes that are no text in the input's name become U+FFFD.
@@ -59,25 +82,107 @@ QString OutputNames::nameFor(const QString& input, const QString& extension) {
     return unique + u'.' + extension;
 }
 
-void writeFile(const QString& path, bool replacesExisting,
-               const std::function<void(QIODevice&)>& write) {
-    const QFileInfo target(localPath(path));
-    const bool isThere = target.exists() || target.isSymLink();
-    if (isThere && !replacesExisting) throw WriteError{u"the file exists (--force replaces it)"_s};
-    if (target.exists() && !target.isFile()) throw WriteError{u"it is no regular file"_s};
-
-    QFile temporary;
-    openTemporary(temporary, target.absolutePath());
-    try {
-        write(temporary);
-        if (!temporary.flush() || temporary.error() != QFileDevice::NoError)
-            throw WriteError{temporary.errorString()};
-        temporary.close();
-        moveInto(temporary, target.absoluteFilePath(), replacesExisting);
-    } catch (...) {
-        temporary.remove();
-        throw;
+Output::Output(const Options& options) : options_(options) {
+    for (const QString& file : options.files) {
+        const auto status = file == u"-" ? statusOf(STDIN_FILENO) : statusOf(pathBytes(file));
+        if (status && S_ISREG(status->st_mode))
+            transcripts_.insert({status->st_dev, status->st_ino});
     }
+    try {
+        open(options.output);
+    } catch (const WriteError& error) {
+        throw WriteError{displayName() + u": "_s + error.reason};
+    }
+}
+
+Output::~Output() {
+    if (ownsStream_) ::close(stream_);
+}
+
+QString Output::displayName() const {
+    return stream_ == STDOUT_FILENO ? u"standard output"_s : options_.output;
+}
+
+void Output::open(const QString& name) {
+    if (options_.outputIsFolder) return openFolder(name);
+    if (const auto descriptor = descriptorOf(name)) return openStream(*descriptor);
+    const auto status = statusOf(pathBytes(name));
+    if (status && S_ISDIR(status->st_mode)) {
+        isFolder_ = true;
+    } else if (status && (S_ISCHR(status->st_mode) || S_ISFIFO(status->st_mode))) {
+        const int descriptor = ::open(pathBytes(name).constData(), O_WRONLY | O_NOCTTY | O_CLOEXEC);
+        if (descriptor < 0) throw WriteError{systemReason()};
+        ownsStream_ = true;
+        openStream(descriptor);
+    } else if (options_.files.size() > 1) {
+        throw UsageError{name + u" is no folder; several files need one (--output-dir)"_s};
+    }
+}
+
+void Output::openFolder(const QString& name) {
+    const QByteArray path = pathBytes(name);
+    if (const auto status = statusOf(path); status && !S_ISDIR(status->st_mode))
+        throw UsageError{name + u" is no folder"_s};
+    std::error_code error;
+    std::filesystem::create_directories(path.toStdString(), error);
+    if (error)
+        throw WriteError{u"the folder can't be made: "_s + QString::fromStdString(error.message())};
+    isFolder_ = true;
+}
+
+void Output::openStream(int descriptor) {
+    stream_ = descriptor;
+    const auto status = statusOf(descriptor);
+    if (status && transcripts_.contains({status->st_dev, status->st_ino}))
+        throw WriteError{u"a transcript itself, never written to"_s};
+}
+
+void Output::write(const Input& input, const Write& write) {
+    if (isStream()) return writeToStream(write);
+    QString name = options_.output;
+    if (isFolder_)
+        name += u'/' + names_.nameFor(input.name, QString::fromLatin1(options_.format->extension));
+    try {
+        writeToFile(input, write, name);
+    } catch (const WriteError& error) {
+        throw WriteError{name + u": "_s + error.reason};
+    }
+}
+
+void Output::writeToStream(const Write& write) {
+    Sink sink(stream_);
+    try {
+        if (hasWritten_) sink.write(options_.format->separator);
+        hasWritten_ = true;
+        write(sink);
+        sink.flush();
+    } catch (const WriteError& error) {
+        isBroken_ = true;
+        throw WriteError{displayName() + u": "_s + error.reason};
+    }
+}
+
+void Output::writeToFile(const Input& input, const Write& write, const QString& name) {
+    const QByteArray path = pathBytes(name);
+    const auto there = statusOf(path);
+    if (there && transcripts_.contains({there->st_dev, there->st_ino}))
+        throw WriteError{u"a transcript itself, never replaced"_s};
+    if ((there || isLink(path)) && !options_.force)
+        throw WriteError{u"the file exists (--force replaces it)"_s};
+    if (there && !S_ISREG(there->st_mode)) throw WriteError{u"it is no regular file"_s};
+
+    // A link is replaced by a new file, whatever it leads to.
+    mode_t permissions = ordinaryPermissions();
+    if (there && !isLink(path))
+        permissions = there->st_mode & 0777;
+    else if (input.permissions)
+        permissions = *input.permissions & 0666;
+
+    TemporaryFile temporary(folderOf(path));
+    Sink sink(temporary.descriptor());
+    write(sink);
+    sink.flush();
+    temporary.keepAs(path, permissions, options_.force);
 }
 
 }  // namespace vell

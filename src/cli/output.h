@@ -1,20 +1,25 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Where documents go. A file is written whole to a temporary one beside it and then renamed, so
-// that nobody ever finds half a document; what exists is replaced only on demand.
+// Output: where the documents of a run go. A stream (standard output, a pipe, a device) takes them
+// one after the other; a file or a file in a folder is written whole to a temporary one beside it
+// and then renamed. What exists is replaced only on demand, and a transcript never.
+//
+//     output.write(input, [&](Sink& sink) { format.write(log, context, sink); });
 
-#include <QIODevice>
+#include <sys/types.h>
+
 #include <QSet>
 #include <QString>
 #include <functional>
+#include <optional>
+#include <utility>
+
+#include "cli/input.h"
+#include "cli/options.h"
+#include "cli/sink.h"
 
 namespace vell {
-
-/// Why a file could not be written.
-struct WriteError {
-    QString reason;
-};
 
 /// Names for documents in one folder: unique within one run, never a path.
 class OutputNames {
@@ -27,8 +32,43 @@ class OutputNames {
     QSet<QString> taken_;
 };
 
-/// Writes a file through `write`. Throws WriteError; then nothing has changed.
-void writeFile(const QString& path, bool replacesExisting,
-               const std::function<void(QIODevice&)>& write);
+class Output {
+  public:
+    using Write = std::function<void(Sink&)>;
+
+    /// Opens the stream or makes the folder. Throws UsageError when the output can't serve for
+    /// these files, WriteError when the system refuses.
+    explicit Output(const Options& options);
+    ~Output();
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+
+    /// Writes the document that was made from this input. Throws WriteError, and what `write`
+    /// throws; then no file has changed.
+    void write(const Input& input, const Write& write);
+    /// A stream failed: it would take no further document.
+    [[nodiscard]] bool isBroken() const { return isBroken_; }
+    /// Documents go to standard output or the like.
+    [[nodiscard]] bool isStream() const { return stream_ >= 0; }
+
+  private:
+    using FileIdentity = std::pair<dev_t, ino_t>;
+
+    const Options& options_;
+    OutputNames names_;
+    QSet<FileIdentity> transcripts_;  // no output replaces one of them
+    bool isFolder_ = false;
+    bool ownsStream_ = false;
+    bool isBroken_ = false;
+    bool hasWritten_ = false;
+    int stream_ = -1;
+
+    [[nodiscard]] QString displayName() const;
+    void open(const QString& name);
+    void openFolder(const QString& name);
+    void openStream(int descriptor);
+    void writeToStream(const Write& write);
+    void writeToFile(const Input& input, const Write& write, const QString& name);
+};
 
 }  // namespace vell

@@ -2,6 +2,7 @@
 #include "cli/text_formats.h"
 
 #include "cli/format.h"
+#include "cli/sink.h"
 #include "export/terminal_text.h"
 #include "toolkit/date_formatters.h"
 
@@ -16,14 +17,14 @@ void tellDatesAsAsked(const FormatContext& context) {
 
 }  // namespace
 
-void writeMarkdown(const TesselChatLog& log, const FormatContext& context, QIODevice& output) {
+void writeMarkdown(const TesselChatLog& log, const FormatContext& context, Sink& sink) {
     tellDatesAsAsked(context);
-    output.write(log.generatePlainText(context.contacts).toUtf8());
+    sink.write(log.generatePlainText(context.contacts).toUtf8());
 }
 
-void writeText(const TesselChatLog& log, const FormatContext& context, QIODevice& output) {
+void writeText(const TesselChatLog& log, const FormatContext& context, Sink& sink) {
     tellDatesAsAsked(context);
-    output.write(terminalText(log, context.contacts).toUtf8());
+    sink.write(terminalText(log, context.contacts).toUtf8());
 }
 
 }  // namespace vell

@@ -61,6 +61,10 @@ QString localPath(const QString& path) {
     return path.startsWith(u':') ? QDir::currentPath() + u'/' + path : path;
 }
 
+QByteArray pathBytes(const QString& path) {
+    return escapedBytes(path).value_or(QFile::encodeName(path));
+}
+
 bool openForReading(QFile& file, const QString& path) {
     const auto bytes = escapedBytes(path);
     file.setFileName(localPath(path));

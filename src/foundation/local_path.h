@@ -17,6 +17,9 @@ namespace foundation {
 /// program's own resources.
 [[nodiscard]] QString localPath(const QString& path);
 
+/// The path as the system's own functions take it.
+[[nodiscard]] QByteArray pathBytes(const QString& path);
+
 /// Opens the file at the path for reading; the device tells what went wrong.
 bool openForReading(QFile& file, const QString& path);
 

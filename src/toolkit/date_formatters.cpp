@@ -4,6 +4,7 @@
 #include <unicode/ucal.h>
 #include <unicode/udat.h>
 #include <unicode/uloc.h>
+#include <unicode/ures.h>
 
 #include <QDateTime>
 #include <algorithm>
@@ -195,6 +196,33 @@ void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& c
     all.time.reset();
     all.full.reset();
     ++all.generation;
+}
+
+bool isKnownLocale(const QByteArray& locale) {
+    if (locale.isEmpty()) return false;
+    const QByteArray name = icuLocale(locale);
+    UErrorCode status = U_ZERO_ERROR;
+    ures_close(ures_open(nullptr, name.constData(), &status));
+    if (U_FAILURE(status) || status == U_USING_DEFAULT_WARNING) return false;
+    char region[ULOC_COUNTRY_CAPACITY + 1] = {};
+    uloc_getCountry(name.constData(), region, ULOC_COUNTRY_CAPACITY, &status);
+    if (region[0] == '\0' || (region[0] >= '0' && region[0] <= '9')) return true;
+    const char* const* known = uloc_getISOCountries();
+    while (*known && qstrcmp(*known, region) != 0)
+        ++known;
+    return *known != nullptr;
+}
+
+bool isKnownTimeZone(const QByteArray& zone) {
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    if (std::any_of(zone.begin(), zone.end(), isDigit)) return true;
+    const QString name = QString::fromUtf8(zone);
+    UChar canonical[128];
+    UErrorCode status = U_ZERO_ERROR;
+    ucal_getCanonicalTimeZoneID(reinterpret_cast<const UChar*>(name.utf16()),
+                                static_cast<int32_t>(name.size()), canonical,
+                                static_cast<int32_t>(std::size(canonical)), nullptr, &status);
+    return U_SUCCESS(status);
 }
 
 QByteArray environmentDateLocale() {

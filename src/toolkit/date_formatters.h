@@ -56,6 +56,12 @@ class DateFormatter {
 /// now on follows, on each thread from its next call above.
 void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& calendar);
 
+/// Whether dates can be told for the locale; ICU itself takes another one for what it doesn't know.
+[[nodiscard]] bool isKnownLocale(const QByteArray& locale);
+/// Whether this is the name of a time zone or a rule with its offset; a bare abbreviation such as
+/// "CEST" is neither, though the C library takes it for UTC under another name.
+[[nodiscard]] bool isKnownTimeZone(const QByteArray& zone);
+
 /// The locale for dates that the environment asks for: LC_ALL, else LC_TIME, else LANG.
 [[nodiscard]] QByteArray environmentDateLocale();
 

@@ -3,34 +3,43 @@
 
 #include <gtest/gtest.h>
 
-#include <QBuffer>
 #include <QFile>
-#include <cstdio>
-
-#include "cli/exporter.h"
-#include "foundation/print.h"
+#include <QFileInfo>
+#include <QProcess>
+#include <QProcessEnvironment>
 
 namespace vell::test {
 
+using namespace Qt::StringLiterals;
+
+namespace {
+
+Result finish(QProcess& process, const QByteArray& input) {
+    process.write(input);
+    process.closeWriteChannel();
+    EXPECT_TRUE(process.waitForFinished()) << process.errorString().toStdString();
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    return {process.exitCode(), process.readAllStandardOutput(),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+}  // namespace
+
 Result run(const QStringList& arguments, const QByteArray& input) {
-    QBuffer in;
-    in.setData(input);
-    in.open(QIODevice::ReadOnly);
-    QBuffer out;
-    out.open(QIODevice::WriteOnly);
-    std::FILE* error = std::tmpfile();
-    Result result;
-    result.status = runExport(arguments, {in, out, error});
-    result.output = out.data();
-    foundation::setPrintTarget(stdout);
-    std::rewind(error);
-    char buffer[4096];
-    QByteArray text;
-    for (std::size_t n = 0; (n = std::fread(buffer, 1, sizeof buffer, error)) > 0;)
-        text.append(buffer, static_cast<qsizetype>(n));
-    std::fclose(error);
-    result.error = QString::fromUtf8(text);
-    return result;
+    QProcess process;
+    process.start(QStringLiteral(VELL_EXPORT), arguments);
+    return finish(process, input);
+}
+
+Result shell(const QByteArray& script, const QString& folder) {
+    const QString program = QStringLiteral(VELL_EXPORT);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"PATH"_s, QFileInfo(program).path() + u':' + environment.value(u"PATH"_s));
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(folder);
+    process.start(u"/bin/sh"_s, {u"-c"_s, QString::fromUtf8(script)});
+    return finish(process, {});
 }
 
 QByteArray readFile(const QString& path) {

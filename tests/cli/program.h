@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Runs vell-export inside a test: arguments in, exit status and both outputs out.
+// Runs vell-export as a process: arguments in, exit status and both outputs out.
 
 #include <QByteArray>
 #include <QString>
@@ -17,6 +17,8 @@ struct Result {
 
 /// Runs the program with these arguments and this standard input.
 Result run(const QStringList& arguments, const QByteArray& input = {});
+/// Runs a script of the shell in a folder; there "vell-export" is the program.
+Result shell(const QByteArray& script, const QString& folder);
 
 QByteArray readFile(const QString& path);
 void writeFile(const QString& path, const QByteArray& bytes);

@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: MIT
+//
+// The program as scripts meet it: each row is a command line for the shell, in a fresh folder.
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <filesystem>
+
+#include "cli/program.h"
+#include "support/transcript_writer.h"
+
+namespace vell {
+namespace {
+
+using namespace Qt::StringLiterals;
+using test::Result;
+
+QByteArray transcript(const QString& text) {
+    support::Transcript result{.service = u"AIM"_s, .people = {{u"ann"_s}}};
+    result.messages.push_back({.sender = 0, .date = 1000, .body = {support::words(text)}});
+    return support::keyedTranscript(result);
+}
+
+QByteArray transcriptWithoutContent() {
+    support::Transcript result{.service = u"AIM"_s, .people = {{u"ann"_s}}};
+    result.messages.push_back({.sender = 0});
+    return support::keyedTranscript(result);
+}
+
+/// A folder with an empty folder "out" and some files to export.
+class Shell : public testing::Test {
+  protected:
+    void TearDown() override { std::filesystem::remove_all(folder_.path().toStdString()); }
+
+    /// In a folder as new. `v` is the program writing JSON.
+    Result run(const char* command) {
+        std::filesystem::remove_all(folder_.path().toStdString());
+        QDir().mkpath(folder_.filePath(u"out"_s));
+        QDir().mkpath(folder_.filePath(u"x"_s));
+        const std::pair<const char*, QByteArray> files[] = {
+            {"a.ichat", transcript(u"alpha"_s)},
+            {"b.ichat", transcript(u"beta"_s)},
+            {"x/a.ichat", transcript(u"beta"_s)},
+            {"long", transcript(QString(200'000, u'x'))},
+            {"warn.ichat", transcriptWithoutContent()},
+            {"bad.ichat", "nothing"},
+            {"old", "old"}};
+        for (const auto& [name, bytes] : files)
+            test::writeFile(folder_.filePath(QString::fromUtf8(name)), bytes);
+        return test::shell("v() { vell-export -f json \"$@\"; }\n"_ba + command, folder_.path());
+    }
+
+  private:
+    QTemporaryDir folder_;
+};
+
+TEST_F(Shell, EachCommandDoesWhatItSays) {
+    struct Row {
+        const char* command;
+        int status;
+        const char* output;  // <a>, <b>: the documents of these files
+        const char* error;   // a part of it; empty: all of it
+    };
+    static constexpr Row rows[] = {
+        // Usage
+        {"vell-export", 2, "", "vell-export: no file given\n"},
+        {"v --colour a.ichat", 2, "", "vell-export: Unknown option 'colour'.\n"},
+        {"v -f pdf a.ichat", 2, "", "unknown format: pdf (known: markdown, text, json)\n"},
+        {"v --time-zone CEST a.ichat", 2, "", "unknown time zone: CEST\n"},
+        {"v --time-zone Mars/Olympus a.ichat", 2, "", "unknown time zone: Mars/Olympus\n"},
+        {"v --time-zone CEST-2 a.ichat", 0, "<a>", ""},
+        {"v --time-zone :US/Pacific a.ichat", 0, "<a>", ""},
+        {"v --locale german a.ichat", 2, "", "unknown locale: german\n"},
+        {"v --locale en_UK a.ichat", 2, "", "unknown locale: en_UK\n"},
+        {"v --locale '' a.ichat", 2, "", "unknown locale: \n"},
+        {"v --locale sr_RS@latin a.ichat && v --locale C.UTF-8 a.ichat", 0, "<a><a>", ""},
+        {"v -o '' a.ichat", 2, "", "an output without a name\n"},
+        {"v a.ichat ''", 2, "", "a file without a name\n"},
+        {"v -d out -o new a.ichat", 2, "", "exclude each other\n"},
+        {"vell-export --version | cut -d' ' -f1", 0, "vell-export\n", ""},
+        {"vell-export -h > /dev/full", 1, "", "standard output: No space left on device\n"},
+        // Standard streams, pipes and devices
+        {"cp a.ichat ./-odd; v ./-odd; v -- -odd; v - < a.ichat", 0, "<a><a><a>", ""},
+        {"v a.ichat b.ichat", 0, "<a><b>", ""},
+        {"v -o - a.ichat; v --output=/dev/stdout a.ichat", 0, "<a><a>", ""},
+        {"echo old > new; v -o /dev/stdout a.ichat >> new; cat new", 0, "old\n<a>", ""},
+        {"v -o /dev/fd/3 a.ichat b.ichat 3> new; cat new", 0, "<a><b>", ""},
+        {"v -o /dev/null a.ichat b.ichat; test -c /dev/null", 0, "", ""},
+        {"mkfifo p; v -o p a.ichat b.ichat & cat p; wait", 0, "<a><b>", ""},
+        {"mkfifo p; cat a.ichat > p & v p; wait", 0, "<a>", ""},
+        {"vell-export -f txt --locale C a.ichat a.ichat | grep -c '^$'; vell-export -f md a.ichat"
+         " | grep -c alpha",
+         0, "3\n1\n", ""},
+        {"v a.ichat <&-", 0, "<a>", ""},
+        {"v a.ichat >&-", 1, "", "standard output: Bad file descriptor\n"},
+        {"v -d out bad.ichat a.ichat 2>&-; cat out/a.json", 0, "<a>", ""},
+        {"v < /dev/null -", 1, "", "vell-export: stdin: it is empty\n"},
+        {"{ v long; echo $? >&2; } | :", 0, "", "141\n"},
+        {"(trap '' PIPE; v long a.ichat; echo $? >&2) | :", 0, "",
+         "vell-export: long: standard output: Broken pipe\n1\n"},
+        // Files and folders
+        {"v -fjson -qo new a.ichat; cat new", 0, "<a>", ""},
+        {"v -o new a.ichat b.ichat; ls", 0,
+         "a.ichat\nb.ichat\nbad.ichat\nlong\nold\nout\n"
+         "warn.ichat\nx\n",
+         "new is no folder; several files need one (--output-dir)\n"},
+        {"v -o new a.ichat a.ichat", 2, "", "new is no folder"},
+        {"v -o new/ a.ichat; cat new/a.json", 0, "<a>", ""},
+        {"v -d new/er a.ichat; cat new/er/*", 0, "<a>", ""},
+        {"cp a.ichat a-2.ichat; cp a.ichat .hid; cp a.ichat b.c.ichat; mkdir new\n"
+         "v -o new a.ichat x/a.ichat a-2.ichat .hid b.c.ichat - long < b.ichat; ls -A new",
+         0, ".hid.json\na-2-2.json\na-2.json\na.json\nb.c.json\nlong.json\nstdin.json\n", ""},
+        {"n=$(printf 'Zo\\351 \\360\\237\\220\\210'); cp a.ichat \"$n.ichat\"; mkdir \"$n\"\n"
+         "v -d out \"$n.ichat\" \"$n.ichat\"; v -o \"$n\" a.ichat; ls out; ls \"$n\"",
+         0, "Zo\ufffd \U0001f408-2.json\nZo\ufffd \U0001f408.json\na.json\n", ""},
+        {"printf 'a.ichat\\0b.ichat\\0' | v --files0-from -", 0, "<a><b>", ""},
+        {"printf 'a.ichat\\0b.ichat' > l; v --files0-from=l -d out; ls out", 0, "a.json\nb.json\n",
+         ""},
+        {"v --files0-from /dev/null", 0, "", ""},
+        {"v --files0-from nothing", 2, "", "the list of files can't be read: No such file"},
+        {"v --files0-from old a.ichat", 2, "", "files are named here and in a list\n"},
+        {"printf '%s\\0' - | v --files0-from -", 2, "", "standard input can't be both"},
+        // Failures
+        {"v -d out bad.ichat nothing . a.ichat; ls out", 0, "a.json\n",
+         "vell-export: nothing: No such file or directory\nvell-export: .: it is a folder\n"},
+        {"v bad.ichat", 1, "", "vell-export: bad.ichat: no transcript, or damaged: "},
+        {"n='bad\nname'; cp bad.ichat \"$n\"; v \"$n\"", 1, "", "vell-export: bad name: no tr"},
+        {"v -o no/such a.ichat", 1, "", "a.ichat: no/such: No such file or directory\n"},
+        {"v -d old a.ichat", 2, "", "old is no folder\n"},
+        {"v -d old/new a.ichat", 1, "", "old/new: the folder can't be made: Not a directory\n"},
+        {"v -o $(printf %0300d 0) a.ichat", 1, "", "0: File name too long\n"},
+        {"n=$(printf %0255d 0); cp a.ichat $n; v -d out $n; ls -A out", 0, "",
+         "0.json: File name too long\n"},
+        {"v -o old a.ichat; cat old", 0, "old", "old: the file exists (--force replaces it)\n"},
+        {"v --force -o old a.ichat; cat old; ls -A | grep -c vell-export", 1, "<a>0\n", ""},
+        {"cp a.ichat a.json; v --force -d . a.json; v --force -o a.json a.json; cmp a.ichat a.json",
+         0, "", "a.json: a transcript itself, never replaced\n"},
+        {"cp a.ichat c; v c >> c; cmp a.ichat c", 0, "", "standard output: a transcript itself"},
+        {"ln -s ../old out/a.json; v --force -d out a.ichat; cat old out/a.json", 0, "old<a>", ""},
+        {"mkdir out/a.json; v --force -d out a.ichat", 1, "", "it is no regular file\n"},
+        {"v long a.ichat > /dev/full", 1, "",
+         "vell-export: long: standard output: No space left on device\n"},
+        {"ulimit -f 8; v -d out long a.ichat; echo $?; ls -A out; cat out/*", 0, "1\na.json\n<a>",
+         "vell-export: long: out/long.json: File too large\n"},
+        // Permissions
+        {"chmod 640 a.ichat; v -o new a.ichat; v -o 2 - < a.ichat; stat -c %a new 2", 0,
+         "640\n640\n", ""},
+        {"chmod 755 a.ichat; umask 077; v -o new a.ichat; cat a.ichat | v -o 2 -\n"
+         "stat -c %a new 2",
+         0, "644\n600\n", ""},
+        {"chmod 604 old; chmod 600 a.ichat; v --force -o old a.ichat; stat -c %a old", 0, "604\n",
+         ""},
+        // Diagnostics
+        {"v warn.ichat >/dev/null", 0, "", "\nWARN: Found no content in message: <Message: ann"},
+        {"v a.ichat warn.ichat >/dev/null", 0, "", "\nwarn.ichat: WARN: Found no content in"},
+        {"v -q warn.ichat a.ichat >/dev/null; v -q nothing", 1, "", "\nvell-export: nothing: No"},
+        {"v --load-log a.ichat", 0, "<a>", ""},
+        {"v --load-log nothing", 1, "",
+         "\n---\n\n\nFailed to load the raw file into memory.\nNo such file or directory\n"},
+        {"v --load-log out", 1, "", ":\n  DIRECTORY\n  not-a-file\n  not-a-symlink\n"},
+        {"ln -s bad.ichat link.ichat; v --load-log link.ichat", 1, "",
+         "\nOpening new file [name not exposed]:\n  not-a-dir\n  FILE\n  not-a-symlink\n"
+         "  wrapper has filename\n  Extension: .ichat\n---\n\n\n"
+         "### Attempt to load from data w/ size: 7\n\n"},
+        {"ln -s nowhere link; v --load-log link", 1, "", "  not-a-file\n  SYMLINK\n"},
+#if !defined(__SANITIZE_ADDRESS__)
+        {"truncate -s 1G new; ulimit -v 700000; v --load-log new", 1, "",
+         "vell-export: new: there is not enough memory\n"},
+        {"truncate -s 1G new; ulimit -v 700000; v --load-log new 2>&1 | tail -n 1", 0,
+         "Out of memory.\n", ""},
+#endif
+    };
+    const QByteArray a = run("v a.ichat").output;
+    const QByteArray b = run("v b.ichat").output;
+    EXPECT_TRUE(a.startsWith("{\"schema\":1,") && a.endsWith("]}\n"));
+    EXPECT_TRUE(a.contains("\"alpha\"") && b.contains("\"beta\""));
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.command);
+        const Result result = run(row.command);
+        EXPECT_EQ(result.status, row.status);
+        EXPECT_EQ(result.output.toStdString(),
+                  QByteArray(row.output).replace("<a>", a).replace("<b>", b).toStdString());
+        const std::string error = '\n' + result.error.toStdString();
+        if (*row.error == '\0')
+            EXPECT_EQ(error, "\n");
+        else
+            EXPECT_THAT(error, testing::HasSubstr(row.error));
+    }
+}
+
+TEST(Signals, LeaveNoTemporaryFileBehind) {
+    const QTemporaryDir folder;
+    // Quotation marks make writing take long enough to be interrupted.
+    test::writeFile(folder.filePath(u"many"_s), transcript(u"x\""_s.repeated(500'000)));
+    const auto entries = [&folder] {
+        return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    };
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+        QProcess process;
+        process.setWorkingDirectory(folder.path());
+        process.start(QStringLiteral(VELL_EXPORT), {u"-fjson"_s, u"-onew"_s, u"many"_s});
+        while (entries().size() < 2 && !process.waitForFinished(1)) {
+        }
+        EXPECT_TRUE(entries().first().startsWith(u".vell-export-"_s));
+        ::kill(static_cast<pid_t>(process.processId()), signal);
+        process.waitForFinished();
+        EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
+        EXPECT_EQ(process.exitCode(), signal);
+        EXPECT_EQ(entries(), QStringList{u"many"_s});
+    }
+}
+
+}  // namespace
+}  // namespace vell
