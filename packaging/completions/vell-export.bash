@@ -1,11 +1,18 @@
 # bash completion for vell-export
 _vell_export() {
     local current=$2 previous=$3
-    local options='--format --output --force --contacts --time-zone --locale --load-log --version --help'
+    local options='--format --output --output-dir --force --files0-from --contacts --time-zone
+        --locale --load-log --quiet --version --help'
+    # "--format=j" comes as three words.
+    if [[ ${COMP_WORDS[COMP_CWORD]} == = ]]; then
+        current=
+    elif [[ $previous == = ]]; then
+        previous=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
     COMPREPLY=()
     case $previous in
-        --format)
-            mapfile -t COMPREPLY < <(compgen -W 'markdown text json' -- "$current")
+        -f | --format)
+            mapfile -t COMPREPLY < <(compgen -W 'markdown md text txt json' -- "$current")
             ;;
         --time-zone)
             mapfile -t COMPREPLY < <(compgen -W "$(awk '!/^#/ { print $3 }' \
@@ -14,9 +21,13 @@ _vell_export() {
         --locale)
             mapfile -t COMPREPLY < <(compgen -W "$(locale -a 2>/dev/null)" -- "$current")
             ;;
-        --output)
+        -o | --output | --files0-from)
             compopt -o filenames 2>/dev/null
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
+            ;;
+        -d | --output-dir)
+            compopt -o filenames 2>/dev/null
+            mapfile -t COMPREPLY < <(compgen -d -- "$current")
             ;;
         --contacts)
             compopt -o filenames 2>/dev/null

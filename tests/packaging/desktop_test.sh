@@ -30,10 +30,12 @@ types() { gio info -a standard::content-type "$1" | grep -q 'application/x-ichat
 not() { ! "$@"; }
 # What groff complains of, it prints; it succeeds all the same.
 page() { ! command -v groff >/dev/null || [ -z "$(groff -man -ww -Tutf8 -z "$1" 2>&1)" ]; }
+# completes PROGRAM EXPECTED WORD…: bash offers the text for the last word, split as bash splits.
 completes() {
-    bash -c '. "$1"; COMP_WORDS=("$2" "$3"); COMP_CWORD=1; compopt() { :; }
-             "_${2//-/_}" "$2" "$3" "$4"; printf "%s\n" "${COMPREPLY[@]}"' \
-        - "$share/bash-completion/completions/$1" "$1" "$2" "$3" | grep -qFx -- "$4"
+    bash -c '. "$1"; COMP_WORDS=("$2" "${@:4}"); COMP_CWORD=$(($# - 3)); compopt() { :; }
+             "_${2//-/_}" "$2" "${!#}" "${COMP_WORDS[COMP_CWORD - 1]}"
+             printf "%s\n" "${COMPREPLY[@]}" | grep -qFx -- "$3"' \
+        - "$share/bash-completion/completions/$1" "$@"
 }
 
 check 'install' "$cmake" --install "$build" --prefix "$stage"
@@ -67,8 +69,17 @@ if command -v update-mime-database gio >/dev/null; then
     check 'another archive is none of ours' not types "$stage/bare/other archive"
 fi
 
-check 'completion of options' completes vell --r vell --render
-check 'completion of formats' completes vell-export j --format json
+check 'completion of options' completes vell --render --r
+check 'completion of formats' completes vell-export json --format j
+check 'completion of formats after an equals sign' completes vell-export json --format = j
+check 'completion of all formats' completes vell-export markdown --format =
+check 'completion of short options' completes vell-export text -f te
+for option in $("$stage/bin/vell-export" --help | grep -o -- '--[a-z0-9][a-z0-9-]*'); do
+    check "bash completes $option" completes vell-export "$option" "$option"
+    check "zsh completes $option" grep -q -- "$option[]=[}]" "$share/zsh/site-functions/_vell-export"
+    check "the manual tells $option" \
+        grep -q -- "${option//-/\\\\-}" "$share/man/man1/vell-export.1"
+done
 check 'the sandbox keeps the network out' \
     not grep -q 'share=network' "$(dirname "$0")/../../packaging/$id.flatpak.json"
 
