@@ -114,7 +114,7 @@ const Calendar::Stretch& Calendar::stretchAt(qint64 second) const {
 }
 
 Calendar::Stretch Calendar::askZone(qint64 second) const {
-    const QDateTime instant = QDateTime::fromSecsSinceEpoch(second, Qt::UTC);
+    const QDateTime instant = QDateTime::fromSecsSinceEpoch(second, QTimeZone::utc());
     Stretch result{std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max(),
                    zone_.offsetFromUtc(instant)};
     if (!zone_.hasTransitions()) return result;

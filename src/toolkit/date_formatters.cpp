@@ -7,6 +7,7 @@
 #include <unicode/ures.h>
 
 #include <QDateTime>
+#include <QTimeZone>
 #include <algorithm>
 #include <atomic>
 #include <iterator>
@@ -104,7 +105,8 @@ QString DateFormatter::string(foundation::Date date) const {
     const std::optional<qint64> localSecond = calendar_.localSecond(date);
     if (!localSecond || !format_->handle) return date.description();
     if (style_ == Style::fullDateTime) {
-        const QDateTime instant = QDateTime::fromSecsSinceEpoch(*date.secondSinceEpoch(), Qt::UTC);
+        const QDateTime instant =
+            QDateTime::fromSecsSinceEpoch(*date.secondSinceEpoch(), QTimeZone::utc());
         return formatted(*localSecond) + u' ' + calendar_.timeZone().abbreviation(instant);
     }
     if (style_ != Style::shortTime) return formatted(*localSecond);

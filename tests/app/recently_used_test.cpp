@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QDomDocument>
+#include <QTimeZone>
 
 namespace {
 
@@ -21,7 +22,7 @@ const QByteArray others = R"(<?xml version="1.0" encoding="UTF-8"?>
   </bookmark>
 </xbel>)";
 
-const QDateTime moment = QDateTime::fromSecsSinceEpoch(1246712645, Qt::UTC);
+const QDateTime moment = QDateTime::fromSecsSinceEpoch(1246712645, QTimeZone::utc());
 
 QStringList applications(const QByteArray& list, const QString& address) {
     QDomDocument document;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QDateTime>
+#include <QTimeZone>
 #include <cmath>
 #include <limits>
 
@@ -110,7 +111,7 @@ TEST(Calendar, ZoneNamesAsTheCLibraryReadsThem) {
     const bool wasSet = qEnvironmentVariableIsSet("TZ");
     for (const Row& row : rows) {
         qputenv("TZ", row.tz);
-        const QDateTime july(QDate(2009, 7, 4), QTime(12, 0), Qt::UTC);
+        const QDateTime july(QDate(2009, 7, 4), QTime(12, 0), QTimeZone::utc());
         EXPECT_EQ(Calendar::current().timeZone().offsetFromUtc(july), row.offsetInJuly) << row.tz;
     }
     wasSet ? qputenv("TZ", before) : qunsetenv("TZ");
