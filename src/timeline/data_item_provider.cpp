@@ -97,7 +97,10 @@ class DraggedData final : public ProvidedData {
         if (path_.isEmpty())
             path_ = PrivateFiles::shared().write(pictureFileName(image_), image_.data());
         if (path_.isEmpty()) return {};
-        return QUrl::fromLocalFile(path_).toEncoded() + "\r\n";
+        const QUrl address = QUrl::fromLocalFile(path_);
+        // QMimeData::urls() asks for a list, and newer versions of Qt don't make one of bytes.
+        if (type.id() == QMetaType::QVariantList) return QVariantList{address};
+        return address.toEncoded() + "\r\n";
     }
 
   private:

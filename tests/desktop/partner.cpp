@@ -5,7 +5,8 @@
 //
 //     partner make TRANSCRIPT PICTURE    writes a chat with one picture, and the picture's bytes
 //     partner find                       prints the picture's place on the screen
-//     partner take FILE                  a window for pictures in PNG; writes what is dropped on it
+//     partner take FILE                  a window for pictures in PNG and for files; writes what is
+//                                        dropped on it, the first file to FILE.file
 #include <QApplication>
 #include <QBuffer>
 #include <QDragEnterEvent>
@@ -14,6 +15,7 @@
 #include <QImage>
 #include <QMimeData>
 #include <QScreen>
+#include <QUrl>
 #include <QWidget>
 #include <cstdio>
 
@@ -74,8 +76,8 @@ class Taker final : public QWidget {
 
   protected:
     void dragEnterEvent(QDragEnterEvent* event) override {
-        if (!event->mimeData()->hasFormat(u"image/png"_s)) return;
-        event->acceptProposedAction();
+        if (event->mimeData()->hasFormat(u"image/png"_s) && event->mimeData()->hasUrls())
+            event->acceptProposedAction();
     }
     void dragMoveEvent(QDragMoveEvent* event) override {
         event->acceptProposedAction();
@@ -83,7 +85,10 @@ class Taker final : public QWidget {
     }
     void dropEvent(QDropEvent* event) override {
         event->acceptProposedAction();
-        say(write(path_, event->mimeData()->data(u"image/png"_s)) ? "taken" : "not written");
+        const QList<QUrl> urls = event->mimeData()->urls();
+        const bool isTaken = write(path_, event->mimeData()->data(u"image/png"_s)) &&
+                             QFile::copy(urls.value(0).toLocalFile(), path_ + u".file"_s);
+        say(isTaken ? "taken" : "not written");
     }
 
   private:

@@ -82,9 +82,11 @@ for distance in 5 10 20 40 80; do
     xdotool mousemove $((x + distance)) "$y"
 done
 until_ok 20 'the other program has not seen the drag' over_taker
+[ -z "$(ls -A "$TMPDIR")" ] || fail 'a file was written that nobody had asked for'
 xdotool mouseup 1
 until_ok 20 'nothing was dropped' grep -q taken "$work/taker.log"
 cmp "$work/field.png" "$work/taken.png" || fail 'other bytes were dropped'
+cmp "$work/field.png" "$work/taken.png.file" || fail 'the address is of another file'
 grep -q '^ASK FOR: public.image$' "$work/vell.log" || fail 'no line for the drop'
 
 # By clipboard.
@@ -102,4 +104,3 @@ data=$(grep -vxE 'TARGETS|MULTIPLE|TIMESTAMP|SAVE_TARGETS|DELETE' "$work/targets
 [ "$data" = image/png ] || fail "the clipboard holds: $data"
 until_ok 20 'the clipboard does not answer' xclip -o -selection clipboard -t image/png
 cmp "$work/field.png" "$work/answer" || fail 'other bytes were copied'
-[ -z "$(ls -A "$TMPDIR")" ] || fail 'a file was written that nobody had asked for'
