@@ -30,7 +30,8 @@ def _walk(node, depth=12):
 
 def _is(node, role, name):
     try:
-        if role is not None and node.getRoleName() != role:
+        # What is a "button" today was a "push button" in older releases.
+        if role is not None and node.getRoleName().removeprefix("push ") != role:
             return False
         return name is None or name(node.name)
     except Exception:

@@ -124,19 +124,19 @@ class Visit:
                      "74 68 69 73"):
             assert part in shown, f"{part!r} is missing in\n{shown}"
         assert "secret" not in shown, "the file's name is in the log"
-        a11y.press(a11y.wait_find(dialog, "push button", a11y.holding("OK")))
+        a11y.press(a11y.wait_find(dialog, "button", a11y.holding("OK")))
         self.keys("Vell Load Log", "ctrl+w")
         wait_for(lambda: not a11y.windows(None, a11y.named("Vell Load Log")), "the log to close")
 
     def name_people(self):
         assert not a11y.windows(None, a11y.holding("Jonas Holm"))
-        a11y.press(a11y.wait_find(self.window, "push button", a11y.named("Grant or Deny")))
+        a11y.press(a11y.wait_find(self.window, "button", a11y.named("Grant or Deny")))
         allow = wait_for(lambda: next(
             (button for window in a11y.windows() if
-             (button := a11y.find(window, "push button", a11y.named("Allow")))), None), "the question")
+             (button := a11y.find(window, "button", a11y.named("Allow")))), None), "the question")
         a11y.press(allow)
         self.window = a11y.window(a11y.holding("Jonas Holm"), "frame")
-        wait_for(lambda: not a11y.find(self.window, "push button", a11y.named("Grant or Deny")),
+        wait_for(lambda: not a11y.find(self.window, "button", a11y.named("Grant or Deny")),
                  "the bar to go")
 
     def about_twice(self):
