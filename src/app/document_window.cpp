@@ -21,6 +21,7 @@
 #include "app/contacts_bar.h"
 #include "app/find_bar.h"
 #include "app/font_size.h"
+#include "app/window_geometry.h"
 #include "identity/contacts_store.h"
 #include "timeline/timeline_view.h"
 
@@ -130,7 +131,7 @@ void DocumentWindow::showTitle() {
 
 void DocumentWindow::restorePlace() {
     if (const auto place = application_.settings().windowPlace(path_))
-        restoreGeometry(place->geometry);
+        restoreWindow(*this, place->geometry);
 }
 
 void DocumentWindow::savePlace() const {

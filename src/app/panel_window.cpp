@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "app/common_commands.h"
+#include "app/window_geometry.h"
 
 namespace vell {
 namespace {
@@ -27,7 +28,7 @@ PanelWindow::PanelWindow(QString frameName, QSize contentSize, Sizing sizing)
     addClosingShortcuts(*this);
     resize(contentSize);
     if (sizing == Sizing::fixed) setFixedSize(contentSize);
-    if (restoreGeometry(QSettings().value(frameKey(frameName_)).toByteArray())) return;
+    if (restoreWindow(*this, QSettings().value(frameKey(frameName_)).toByteArray())) return;
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         move(screen->availableGeometry().center() - rect().center());
     }
