@@ -3,6 +3,7 @@
 // vell [FILE…]: opens transcripts in windows. With --render it paints one into a picture instead.
 
 #include <QApplication>
+#include <QByteArrayView>
 #include <QDir>
 #include <QIcon>
 #include <QLibraryInfo>
@@ -47,6 +48,23 @@ bool hasDisplay() {
 #endif
 }
 
+/// While the toolkit looks for a display: when there is none, a sentence and a plain end instead of
+/// a list of plug-ins and an abort.
+void tellOfDisplay(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    static QStringList reasons;
+    if (type == QtFatalMsg) {
+        std::fprintf(
+            stderr, "vell: no display can be used (%s); --render OUT.png FILE paints without one\n",
+            qUtf8Printable(reasons.join(QStringLiteral("; ")).simplified()));
+        std::_Exit(1);
+    }
+    if (type != QtDebugMsg && QByteArrayView(context.category).startsWith("qt.qpa.")) {
+        if (type == QtWarningMsg) reasons.append(message);
+    } else {
+        std::fprintf(stderr, "%s\n", qUtf8Printable(qFormatLogMessage(type, context, message)));
+    }
+}
+
 /// The desktop's language, for our texts and for those of the toolkit's own dialogs.
 void installTranslations(QApplication& application) {
     for (const auto& [name, folder] :
@@ -73,7 +91,6 @@ int run(int argc, char** argv) {
                      qUtf8Printable(line.answer->text));
         return line.answer->exitCode;
     }
-    // A platform plug-in without a display ends the program, so this is settled before one loads.
     if (line.renderTarget) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     } else if (!hasDisplay()) {
@@ -84,7 +101,9 @@ int run(int argc, char** argv) {
     QStringList paths;
     for (const QString& file : line.files)
         paths.append(vell::argumentPath(file, QDir::currentPath()));
+    qInstallMessageHandler(tellOfDisplay);
     QApplication application(argc, argv);
+    qInstallMessageHandler(nullptr);
     installTranslations(application);
     QGuiApplication::setLayoutDirection(QLocale().textDirection());
     if (line.renderTarget) return vell::render(paths.first(), *line.renderTarget, line.isDark);

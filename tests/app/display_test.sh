@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+#
+# Started where no display answers, the program says so in one line and ends with 1.
+#
+# usage: display_test.sh VELL
+set -u
+status=0
+for environment in DISPLAY= DISPLAY=:4711 WAYLAND_DISPLAY=gone 'DISPLAY=:4711 WAYLAND_DISPLAY=gone' \
+    QT_QPA_PLATFORM=nonsense; do
+    # shellcheck disable=SC2086
+    said=$(env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM $environment "$1" 2>&1)
+    answer=$?
+    if [ $answer -ne 1 ] || [[ "$said" == *$'\n'* || "$said" != 'vell: '*' --render '* ]]; then
+        printf '%s: ended with %s and said:\n%s\n' "$environment" $answer "$said"
+        status=1
+    fi
+done
+exit $status
