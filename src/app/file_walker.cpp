@@ -12,6 +12,7 @@
 
 #include "app/transcript_probe.h"
 #include "identity/mailbox.h"
+#include "toolkit/module_logger.h"
 
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
@@ -87,6 +88,7 @@ struct FileWalker::Walk : std::enable_shared_from_this<FileWalker::Walk> {
     std::atomic<bool> cancelled = false;
     FileWalker& walker;  // alive until the walk is cancelled
     Mailbox mailbox;
+    const std::shared_ptr<Logger> log = ModuleLogger::defaultLogger(QStringLiteral("Search"));
     bool hiddenFolders = false;
     std::set<FolderIdentity> entered;
     std::set<fs::path> virtualRoots;
@@ -140,6 +142,7 @@ void FileWalker::Walk::enter(const fs::path& folder, std::vector<fs::path>& pend
         visit(*entries, pending);
         if (sinceReport.elapsed() >= reportInterval) report(folder);
     }
+    if (error) log->warn("Could not read a folder:", folder.c_str(), error.message());
 }
 
 void FileWalker::Walk::visit(const fs::directory_entry& entry, std::vector<fs::path>& pending) {

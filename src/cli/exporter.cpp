@@ -59,7 +59,7 @@ QString reasonOf(const std::exception& error) {
 
 ContactsStore::Table contactsOf(const Options& options) {
     try {
-        return readContactTable(options.contacts, *console::defaultConsole());
+        return readContactTable(options.contacts, console::defaultConsole());
     } catch (const ContactsError& error) {
         throw UsageError{u"the contacts can't be read: "_s + error.debugDescription()};
     }

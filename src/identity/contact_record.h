@@ -27,7 +27,8 @@ struct ContactRecord {
     QString identifier;           ///< unique in its address book and the same every time
     std::optional<QString> name;  ///< the full name for display; absent when there is none
     QString nickname;             ///< empty when there is none
-    QByteArray thumbnail;         ///< an encoded picture; empty when there is none
+    /// Encoded pictures, the most preferred first: the first that can be decoded counts.
+    std::vector<QByteArray> thumbnails;
     std::vector<InstantMessageAddress> instantMessageAddresses;
     std::vector<PhoneNumber> phoneNumbers;
     std::vector<QString> emailAddresses;

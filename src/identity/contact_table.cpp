@@ -18,7 +18,10 @@ ContactsStore::Info ContactTable::infoOf(const ContactRecord& contact) const {
     info.id = contact.identifier;
     info.name = *contact.name;
     if (!contact.nickname.isEmpty()) info.nick = contact.nickname;
-    if (pictures_) info.image = pictures_->picture(contact.thumbnail);
+    for (auto at = contact.thumbnails.begin(); pictures_ && at != contact.thumbnails.end(); ++at) {
+        info.image = pictures_->picture(*at);
+        if (info.image) break;
+    }
     return info;
 }
 

@@ -37,22 +37,28 @@ class FileWatch::Worker final : public QObject {
     void watch(const QStringList& paths, const ContactFiles& found) {
         paths_ = paths;
         fingerprint_ = found.fingerprint;
-        setWatched(found.folders + found.files.mid(0, mostWatchedFiles));
+        (void)watchFound(found);
         look();  // nobody watched between the finding and now
     }
 
   private:
     void look() {
-        const ContactFiles found = findContactFiles(paths_);
+        ContactFiles found = findContactFiles(paths_);
+        // What has just appeared, an empty folder too, may be filled before it is watched.
+        while (watchFound(found))
+            found = findContactFiles(paths_);
         if (std::exchange(fingerprint_, found.fingerprint) != found.fingerprint) changed_();
     }
 
-    void setWatched(const QStringList& wanted) {
+    /// Watches these and nothing else; whether any of them is new.
+    [[nodiscard]] bool watchFound(const ContactFiles& found) {
+        const QStringList wanted = found.folders + found.files.mid(0, mostWatchedFiles);
         const QStringList watched = watcher_.files() + watcher_.directories();
         const QSet<QString> before(watched.begin(), watched.end());
         const QSet<QString> after(wanted.begin(), wanted.end());
         if (const auto old = before - after; !old.isEmpty()) watcher_.removePaths(old.values());
-        if (const auto added = after - before; !added.isEmpty()) watcher_.addPaths(added.values());
+        const auto added = after - before;
+        return !added.isEmpty() && watcher_.addPaths(added.values()).size() < added.size();
     }
 
     const std::function<void()> changed_;

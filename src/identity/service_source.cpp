@@ -69,8 +69,8 @@ struct Walk {
         if (!person) return 1;
         person->record.identifier =
             QString::fromUtf8(contact->book) + u'/' + QString::fromUtf8(contact->uid);
-        if (person->record.thumbnail.isEmpty() && !person->pictureLocation.isEmpty())
-            person->record.thumbnail = pictureAt(person->pictureLocation);
+        if (person->record.thumbnails.empty() && !person->pictureLocation.isEmpty())
+            person->record.thumbnails.push_back(pictureAt(person->pictureLocation));
         walk.handle(person->record);
         return 1;
     }

@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "identity/contacts_source.h"
-#include "toolkit/console.h"
+#include "toolkit/module_logger.h"
 
 namespace vell {
 
@@ -17,8 +17,9 @@ class ServiceSource final : public ContactsSource {
 
   public:
     /// Looks for the plug-in in these folders, in order.
-    explicit ServiceSource(QStringList pluginFolders = customaryPluginFolders(),
-                           std::shared_ptr<Logger> log = console::defaultConsole());
+    explicit ServiceSource(
+        QStringList pluginFolders = customaryPluginFolders(),
+        std::shared_ptr<Logger> log = ModuleLogger::defaultLogger(QStringLiteral("Contacts")));
     ~ServiceSource() override;
 
     /// Beside the program: in its build folder and where it is installed.

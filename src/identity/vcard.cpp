@@ -3,12 +3,13 @@
 
 #include <QStringConverter>
 #include <algorithm>
-#include <cstring>
+#include <optional>
 
 namespace vell {
 namespace {
 
 constexpr size_t longestCharsetName = 40;
+constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
 
 bool isBlank(char byte) {
     return byte == ' ' || byte == '\t';
@@ -115,6 +116,10 @@ bool VCardProperty::is(std::string_view upperCaseName) const {
     return equals(name, upperCaseName);
 }
 
+bool VCardProperty::nameStartsWith(std::string_view upperCase) const {
+    return equals(name.substr(0, upperCase.size()), upperCase);
+}
+
 std::string_view VCardProperty::parameter(std::string_view upperCaseName) const {
     std::string_view result;
     visitParameters(
@@ -158,8 +163,8 @@ QString VCardProperty::text() const {
     return raw.contains(u'\\') ? unescaped(raw, version) : raw;
 }
 
-QStringList VCardProperty::parts(QChar separator) const {
-    const QString raw = rawText();
+QStringList VCardProperty::parts(QChar separator, Lists lists) const {
+    QString raw = rawText();
     QStringList result;
     qsizetype start = 0;
     for (qsizetype i = 0; i <= raw.size(); i++) {
@@ -168,6 +173,8 @@ QStringList VCardProperty::parts(QChar separator) const {
         } else if (i == raw.size() || raw[i] == separator) {
             result.append(unescaped(QStringView(raw).mid(start, i - start), version));
             start = i + 1;
+        } else if (lists == Lists::joinedByBlanks && raw[i] == u',') {
+            raw[i] = u' ';
         }
     }
     return result;
@@ -193,75 +200,93 @@ QString unescaped(QStringView rawText, VCardVersion version) {
     return text;
 }
 
-size_t LineEnds::Next::find(std::string_view text, size_t from) {
-    if (at < from) {
-        at = from;
-        found = false;
-    }
-    if (!found) {
-        const size_t index = text.find(byte, at);
-        found = index != std::string_view::npos;
-        at = found ? index : text.size();
-    }
-    return at;
+int VCardProperty::preference() const {
+    constexpr int least = 100;
+    if (version != VCardVersion::v4_0) return least + 1;
+    const std::string_view value = parameter("PREF");
+    bool isNumber = false;
+    const int rank =
+        QByteArrayView(value.data(), static_cast<qsizetype>(value.size())).toInt(&isNumber);
+    return isNumber && rank >= 1 && rank <= least ? rank : least + 1;
 }
 
-void LineEnds::Next::shift(size_t by) {
-    found = found && at >= by;
-    at -= std::min(at, by);
+std::string vcardText(QByteArrayView file) {
+    const auto isAscii = [](char byte) { return byte > 0; };
+    std::optional<QStringConverter::Encoding> wide;
+    if (file.startsWith("\xfe\xff") || (file.size() > 1 && file[0] == 0 && isAscii(file[1])))
+        wide = QStringConverter::Utf16BE;
+    if (file.startsWith("\xff\xfe") || (file.size() > 1 && isAscii(file[0]) && file[1] == 0))
+        wide = QStringConverter::Utf16LE;
+    if (!wide) return std::string(file.data(), static_cast<size_t>(file.size()));
+    QStringDecoder decoder(*wide);
+    return QString(decoder(file)).toStdString();
 }
 
-size_t LineEnds::find(std::string_view text, size_t from) {
-    return std::min(lineFeed_.find(text, from), carriageReturn_.find(text, from));
-}
-
-void LineEnds::shift(size_t by) {
-    lineFeed_.shift(by);
-    carriageReturn_.shift(by);
-}
-
-VCardMark vcardMark(std::string_view line) {
-    if (line.size() < 3) return VCardMark::none;
+VCardScanner::Mark VCardScanner::mark(std::string_view line) {
+    // Exports that were joined have a byte-order mark before each first card.
+    if (line.starts_with(byteOrderMark)) line.remove_prefix(byteOrderMark.size());
+    if (line.size() < 3) return Mark::none;
     const char first = upper(line[0]), second = upper(line[1]);
-    if ((first != 'B' || second != 'E') && (first != 'E' || second != 'N')) return VCardMark::none;
+    if ((first != 'B' || second != 'E') && (first != 'E' || second != 'N')) return Mark::none;
     const size_t colon = line.find(':');
     if (colon == std::string_view::npos || !equals(trimmed(line.substr(colon + 1)), "VCARD"))
-        return VCardMark::none;
+        return Mark::none;
     const std::string_view name = trimmed(line.substr(0, colon));
-    if (equals(name, "BEGIN")) return VCardMark::begin;
-    if (equals(name, "END")) return VCardMark::end;
-    return VCardMark::none;
+    if (equals(name, "BEGIN")) return Mark::begin;
+    if (equals(name, "END")) return Mark::end;
+    return Mark::none;
 }
 
 std::string_view VCardScanner::peekLine() {
-    return card_.substr(position_, lineEnds_.find(card_, position_) - position_);
+    // The next line feed is remembered: a text without any is searched for it once.
+    if (lineFeed_ < position_) lineFeed_ = std::min(text_.find('\n', position_), text_.size());
+    const std::string_view line = text_.substr(position_, lineFeed_ - position_);
+    return line.substr(0, line.find('\r'));
 }
 
 std::string_view VCardScanner::takeLine() {
     const std::string_view line = peekLine();
     position_ += line.size();
-    const bool isPair = card_.substr(position_, 2) == "\r\n";
-    position_ = std::min(position_ + (isPair ? 2 : 1), card_.size());
+    const bool isPair = text_.substr(position_, 2) == "\r\n";
+    position_ = std::min(position_ + (isPair ? 2 : 1), text_.size());
+    linesTaken_++;
     return line;
 }
 
 bool VCardScanner::nextLineIsFolded() const {
-    return position_ < card_.size() && isBlank(card_[position_]);
+    return position_ < text_.size() && isBlank(text_[position_]);
 }
 
+bool VCardScanner::nextCard() {
+    while (depth_ > 0)
+        (void)next();
+    while (position_ < text_.size()) {
+        if (mark(takeLine()) != Mark::begin) continue;
+        cardLine_ = linesTaken_;
+        depth_ = 1;
+        isWhole_ = false;
+        isAfterAgent_ = false;
+        property_ = {};
+        return true;
+    }
+    return false;
+}
+
+VCardScanner::VCardScanner(std::string_view text)
+    : text_(text), lineFeed_(std::min(text.find('\n'), text.size())) {}
+
 const VCardProperty* VCardScanner::next() {
-    while (position_ < card_.size()) {
-        line_ = takeLine();
-        isJoined_ = false;
-        const VCardMark mark = vcardMark(line_);
-        if (mark == VCardMark::begin) depth_++;
-        if (mark == VCardMark::end) depth_--;
-        if (mark != VCardMark::none || depth_ > 1 || line_.empty()) continue;
-        if (!readProperty()) continue;
-        if (property_.is("AGENT") && vcardMark(property_.value) == VCardMark::begin) {
-            depth_++;
+    while (depth_ > 0 && position_ < text_.size()) {
+        if (const Mark found = mark(peekLine()); found != Mark::none) {
+            if (!takeMark(found)) return nullptr;
             continue;
         }
+        line_ = takeLine();
+        if (line_.empty()) continue;
+        isAfterAgent_ = false;
+        if (!readProperty()) continue;
+        if (property_.is("AGENT")) enterAgent(property_.value);
+        if (depth_ > 1) continue;
         if (property_.is("VERSION")) {
             const std::string_view number = trimmed(property_.value);
             if (number == "2.1") property_.version = VCardVersion::v2_1;
@@ -269,10 +294,32 @@ const VCardProperty* VCardScanner::next() {
         }
         return &property_;
     }
+    depth_ = 0;
     return nullptr;
 }
 
+/// Whether the card goes on behind the mark. One that begins where none may ends the card, and is
+/// left to be read.
+bool VCardScanner::takeMark(Mark mark) {
+    if (mark == Mark::begin && !isAfterAgent_) {
+        depth_ = 0;
+        return false;
+    }
+    isAfterAgent_ = false;
+    (void)takeLine();
+    depth_ += mark == Mark::begin ? 1 : -1;
+    isWhole_ = depth_ == 0;
+    return depth_ > 0;
+}
+
+/// The agent's card begins in the same line, or in the next.
+void VCardScanner::enterAgent(std::string_view value) {
+    if (mark(value) == Mark::begin) depth_++;
+    isAfterAgent_ = value.empty();
+}
+
 bool VCardScanner::readProperty() {
+    isJoined_ = false;
     Header header;
     if (!findHeader(line_, Quotes::respected, header)) {
         // The line may be folded before its colon.
@@ -334,7 +381,7 @@ void VCardScanner::appendSoftBreaks() {
             append({});
             joined_.resize(last);
             line_ = joined_;
-            if (position_ >= card_.size() || vcardMark(peekLine()) != VCardMark::none) return;
+            if (position_ >= text_.size() || mark(peekLine()) != Mark::none) return;
             append(takeLine());
         } else if (!isSoftBreak && nextLineIsFolded()) {
             appendFoldedLines();
@@ -347,7 +394,7 @@ void VCardScanner::appendSoftBreaks() {
 void VCardScanner::appendBareBase64() {
     for (;;) {
         appendFoldedLines();
-        if (position_ >= card_.size()) return;
+        if (position_ >= text_.size()) return;
         const std::string_view next = peekLine();
         if (next.empty() || !std::all_of(next.begin(), next.end(), isBase64)) return;
         append(takeLine());

@@ -26,6 +26,7 @@ class Mapping {
         QStringView service = {};
     };
     static const Reader* reader(const VCardProperty& property);
+    static const Reader* customReader(const VCardProperty& property);
 
     void readFormattedName(const VCardProperty& property, QStringView);
     void readName(const VCardProperty& property, QStringView);
@@ -40,13 +41,32 @@ class Mapping {
     void readMessagingUri(const VCardProperty& property, QStringView);
     void readPicture(const VCardProperty& property, QStringView);
 
+    /// A text of which several may be given and one counts.
+    struct Preferred {
+        QString text;
+        int preference = 0;
+        [[nodiscard]] bool takes(const VCardProperty& property) const {
+            return text.isEmpty() || property.preference() < preference;
+        }
+        void set(QString value, const VCardProperty& property) {
+            if (value.isEmpty()) return;
+            text = std::move(value);
+            preference = property.preference();
+        }
+    };
+
     const ContactPictures pictures_;
     bool isPerson_ = true;
-    QString formattedName_;
-    QString composedName_;
-    QString organisation_;
+    Preferred formattedName_;
+    Preferred composedName_;
+    Preferred organisation_;
+    Preferred nickname_;
+    std::vector<int> picturePreferences_;  ///< of the thumbnails
     VCardContact contact_;
 };
+
+/// More of them are no person's.
+constexpr size_t mostPictures = 4;
 
 struct Scheme {
     QStringView name;
@@ -65,8 +85,14 @@ constexpr Scheme messagingSchemes[] = {
     {u"xmpp", u"Jabber"}, {u"ymsgr", u"Yahoo"},
 };
 
-QString percentDecoded(QStringView text) {
-    return QString::fromUtf8(QByteArray::fromPercentEncoding(text.toUtf8()));
+enum class Plus { isPlus, isBlank };
+
+/// A plus in front belongs to a telephone number all the same.
+QString percentDecoded(QStringView text, Plus plus = Plus::isPlus) {
+    QByteArray bytes = text.toUtf8();
+    if (plus == Plus::isBlank && bytes.size() > 1)
+        std::replace(bytes.begin() + 1, bytes.end(), '+', ' ');
+    return QString::fromUtf8(QByteArray::fromPercentEncoding(bytes));
 }
 
 /// Cuts "scheme:" off; false when the text starts with another one or none.
@@ -80,21 +106,28 @@ bool takeScheme(QStringView& text, QStringView scheme) {
 
 /// The user of "bob", "//bob", "bob?message=hi" and of the older forms that ask for an action:
 /// "goim?screenname=bob", "sendim?bob", "chat?contact=bob".
-QString userOfUri(QStringView path) {
+QString userOfUri(QStringView path, Plus plus = Plus::isPlus) {
     while (path.startsWith(u'/'))
         path = path.mid(1);
     const qsizetype mark = path.indexOf(u'?');
-    if (mark < 0) return percentDecoded(path);
+    if (mark < 0) return percentDecoded(path, plus);
     static constexpr QStringView actions[] = {u"goim", u"sendim", u"chat", u"addbuddy",
                                               u"addfriend"};
     const QStringView before = path.left(mark);
     if (std::none_of(std::begin(actions), std::end(actions), [&](QStringView action) {
             return before.compare(action, Qt::CaseInsensitive) == 0;
         }))
-        return percentDecoded(before);
+        return percentDecoded(before, plus);
     QStringView query = path.mid(mark + 1);
     if (const qsizetype end = query.indexOf(u'&'); end >= 0) query = query.left(end);
-    return percentDecoded(query.mid(query.indexOf(u'=') + 1));
+    return percentDecoded(query.mid(query.indexOf(u'=') + 1), plus);
+}
+
+/// An address as in a mail has no blanks: those in a card of version 2.1 are where it was folded.
+QString withoutFolds(QString address, const VCardProperty& property) {
+    if (property.version == VCardVersion::v2_1 && address.contains(u'@'))
+        address.removeIf([](QChar c) { return c.isSpace(); });
+    return address;
 }
 
 bool isTrue(const VCardProperty& property) {
@@ -140,6 +173,7 @@ const Mapping::Reader* Mapping::reader(const VCardProperty& property) {
         {"X-GTALK", &Mapping::readMessaging, u"GoogleTalk"},
         {"X-ICQ", &Mapping::readMessaging, u"ICQ"},
         {"X-JABBER", &Mapping::readMessaging, u"Jabber"},
+        {"X-MS-IMADDRESS", &Mapping::readMessaging},
         {"X-MSN", &Mapping::readMessaging, u"MSN"},
         {"X-NICKNAME", &Mapping::readNickname},
         {"X-QQ", &Mapping::readMessaging, u"QQ"},
@@ -152,7 +186,28 @@ const Mapping::Reader* Mapping::reader(const VCardProperty& property) {
             // Lengths first: most properties of a card are of no interest.
             return known.property.size() == property.name.size() && property.is(known.property);
         });
-    return found != std::end(readers) ? found : nullptr;
+    return found != std::end(readers) ? found : customReader(property);
+}
+
+/// "X-messaging/aim-All": a program's own name for each service.
+const Mapping::Reader* Mapping::customReader(const VCardProperty& property) {
+    static constexpr Reader readers[] = {
+        {"X-MESSAGING/AIM-", &Mapping::readMessaging, u"AIM"},
+        {"X-MESSAGING/GADU-", &Mapping::readMessaging, u"GaduGadu"},
+        {"X-MESSAGING/GROUPWISE-", &Mapping::readMessaging, u"GroupWise"},
+        {"X-MESSAGING/ICQ-", &Mapping::readMessaging, u"ICQ"},
+        {"X-MESSAGING/IRC-", &Mapping::readMessaging, u"IRC"},
+        {"X-MESSAGING/MSN-", &Mapping::readMessaging, u"MSN"},
+        {"X-MESSAGING/SIP-", &Mapping::readMessaging, u"SIP"},
+        {"X-MESSAGING/SKYPE-", &Mapping::readMessaging, u"Skype"},
+        {"X-MESSAGING/XMPP-", &Mapping::readMessaging, u"Jabber"},
+        {"X-MESSAGING/YAHOO-", &Mapping::readMessaging, u"Yahoo"},
+        {"X-MESSAGING/", &Mapping::readMessaging},
+    };
+    for (const Reader& known : readers) {
+        if (property.nameStartsWith(known.property)) return &known;
+    }
+    return nullptr;
 }
 
 void Mapping::read(const VCardProperty& property) {
@@ -160,34 +215,36 @@ void Mapping::read(const VCardProperty& property) {
 }
 
 void Mapping::readFormattedName(const VCardProperty& property, QStringView) {
-    if (formattedName_.isEmpty()) formattedName_ = property.text().simplified();
+    if (formattedName_.takes(property)) formattedName_.set(property.text().simplified(), property);
 }
 
 void Mapping::readName(const VCardProperty& property, QStringView) {
-    if (!composedName_.isEmpty()) return;
-    QStringList parts = property.parts(u';');  // family, given, additional, prefixes, suffixes
+    if (!composedName_.takes(property)) return;
+    // Family, given, additional, prefixes, suffixes; later versions make a list of each.
+    QStringList parts = property.parts(u';', property.version == VCardVersion::v2_1
+                                                 ? VCardProperty::Lists::none
+                                                 : VCardProperty::Lists::joinedByBlanks);
     parts.resize(5);
     const QStringList inOrder = {parts[3], parts[1], parts[2], parts[0], parts[4]};
-    composedName_ = inOrder.join(u' ').simplified();
+    composedName_.set(inOrder.join(u' ').simplified(), property);
+}
+
+/// The first of several that isn't empty.
+QString firstOf(const QStringList& texts) {
+    for (const QString& text : texts)
+        if (const QString simplified = text.simplified(); !simplified.isEmpty()) return simplified;
+    return {};
 }
 
 void Mapping::readNickname(const VCardProperty& property, QStringView) {
-    if (!contact_.record.nickname.isEmpty()) return;
+    if (!nickname_.takes(property)) return;
     // Only later versions make a list of it.
     const bool isList = property.version != VCardVersion::v2_1;
-    const QStringList names = isList ? property.parts(u',') : QStringList{property.text()};
-    for (const QString& name : names) {
-        contact_.record.nickname = name.simplified();
-        if (!contact_.record.nickname.isEmpty()) return;
-    }
+    nickname_.set(firstOf(isList ? property.parts(u',') : QStringList{property.text()}), property);
 }
 
 void Mapping::readOrganisation(const VCardProperty& property, QStringView) {
-    if (!organisation_.isEmpty()) return;
-    for (const QString& unit : property.parts(u';')) {
-        organisation_ = unit.simplified();
-        if (!organisation_.isEmpty()) return;
-    }
+    if (organisation_.takes(property)) organisation_.set(firstOf(property.parts(u';')), property);
 }
 
 void Mapping::readIdentifier(const VCardProperty& property, QStringView) {
@@ -204,7 +261,7 @@ void Mapping::readList(const VCardProperty& property, QStringView) {
 }
 
 void Mapping::readEmail(const VCardProperty& property, QStringView) {
-    QString address = property.text().trimmed();
+    QString address = withoutFolds(property.text().trimmed(), property);
     QStringView rest = address;
     if (takeScheme(rest, u"mailto")) address = userOfUri(rest);
     if (!address.isEmpty()) contact_.record.emailAddresses.push_back(std::move(address));
@@ -220,21 +277,25 @@ void Mapping::readPhone(const VCardProperty& property, QStringView) {
     if (!number.isEmpty()) contact_.record.phoneNumbers.push_back({std::move(number)});
 }
 
+/// Some programs keep several addresses in one value, separated by a private character.
 void Mapping::readMessaging(const VCardProperty& property, QStringView service) {
-    QString user = property.text().trimmed();
-    if (user.isEmpty()) return;
-    contact_.record.instantMessageAddresses.push_back({std::move(user), service.toString()});
+    for (const QString& value : property.text().split(QChar(0xe000))) {
+        QString user = withoutFolds(value.trimmed(), property);
+        if (!user.isEmpty())
+            contact_.record.instantMessageAddresses.push_back(
+                {std::move(user), service.toString()});
+    }
 }
 
 void Mapping::readMessagingUri(const VCardProperty& property, QStringView) {
     const std::string_view told = property.parameter("X-SERVICE-TYPE");
     QString service = QString::fromUtf8(told.data(), static_cast<qsizetype>(told.size()));
-    QString user = property.text().trimmed();
+    QString user = withoutFolds(property.text().trimmed(), property);
     QStringView rest = user;
     for (const Scheme& scheme : messagingSchemes) {
         if (!takeScheme(rest, scheme.name)) continue;
         if (service.isEmpty()) service = scheme.service.toString();
-        user = userOfUri(rest).trimmed();
+        user = userOfUri(rest, scheme.name == u"aim" ? Plus::isBlank : Plus::isPlus).trimmed();
         // A program's name after the address of its user.
         if (scheme.name == u"xmpp") user = user.section(u'/', 0, 0);
         break;
@@ -244,26 +305,32 @@ void Mapping::readMessagingUri(const VCardProperty& property, QStringView) {
 }
 
 void Mapping::readPicture(const VCardProperty& property, QStringView) {
-    const bool isKnown =
-        !contact_.record.thumbnail.isEmpty() || !contact_.pictureLocation.isEmpty();
-    if (pictures_ == ContactPictures::unwanted || isKnown) return;
+    if (pictures_ == ContactPictures::unwanted) return;
     std::string_view value = property.value;
     value.remove_prefix(std::min(value.find_first_not_of(' '), value.size()));
+    QByteArray bytes;
     if (startsWith(value, "data:")) {
-        contact_.record.thumbnail = bytesOfDataUri(value);
+        bytes = bytesOfDataUri(value);
     } else if (property.encoding == VCardProperty::Encoding::base64) {
-        contact_.record.thumbnail = property.bytes();
-    } else {
+        bytes = property.bytes();
+    } else if (contact_.pictureLocation.isEmpty()) {
         contact_.pictureLocation = property.text().trimmed();
     }
+    auto& thumbnails = contact_.record.thumbnails;
+    if (bytes.isEmpty() || thumbnails.size() == mostPictures) return;
+    const auto at = std::upper_bound(picturePreferences_.begin(), picturePreferences_.end(),
+                                     property.preference()) -
+                    picturePreferences_.begin();
+    picturePreferences_.insert(picturePreferences_.begin() + at, property.preference());
+    thumbnails.insert(thumbnails.begin() + at, std::move(bytes));
 }
 
 std::optional<VCardContact> Mapping::result() {
     if (!isPerson_) return std::nullopt;
-    for (const QString& name :
-         {formattedName_, composedName_, organisation_, contact_.record.nickname}) {
-        if (name.isEmpty()) continue;
-        contact_.record.name = name;
+    contact_.record.nickname = nickname_.text;
+    for (const Preferred* name : {&formattedName_, &composedName_, &organisation_, &nickname_}) {
+        if (name->text.isEmpty()) continue;
+        contact_.record.name = name->text;
         break;
     }
     return std::move(contact_);
@@ -271,12 +338,17 @@ std::optional<VCardContact> Mapping::result() {
 
 }  // namespace
 
-std::optional<VCardContact> contactFromVCard(std::string_view card, ContactPictures pictures) {
+std::optional<VCardContact> contactFromVCard(VCardScanner& scanner, ContactPictures pictures) {
     Mapping mapping(pictures);
-    VCardScanner scanner(card);
     while (const VCardProperty* property = scanner.next())
         mapping.read(*property);
     return mapping.result();
+}
+
+std::optional<VCardContact> contactFromVCard(std::string_view text, ContactPictures pictures) {
+    VCardScanner scanner(text);
+    if (!scanner.nextCard()) return std::nullopt;
+    return contactFromVCard(scanner, pictures);
 }
 
 }  // namespace vell

@@ -12,6 +12,8 @@
 
 namespace vell {
 
+class VCardScanner;
+
 enum class ContactPictures { wanted, unwanted };
 
 struct VCardContact {
@@ -22,8 +24,12 @@ struct VCardContact {
     QString pictureLocation;
 };
 
-/// The contact of one whole card; nothing when the card is a group or a list of others.
-[[nodiscard]] std::optional<VCardContact> contactFromVCard(std::string_view card,
+/// The contact of the card that the scanner has come to, read to its end; nothing when the card is
+/// a group or a list of others.
+[[nodiscard]] std::optional<VCardContact> contactFromVCard(VCardScanner& scanner,
+                                                           ContactPictures pictures);
+/// The contact of a text's first card.
+[[nodiscard]] std::optional<VCardContact> contactFromVCard(std::string_view text,
                                                            ContactPictures pictures);
 
 }  // namespace vell

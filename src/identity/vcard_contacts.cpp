@@ -3,31 +3,44 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <optional>
+#include <algorithm>
+#include <string>
 
 #include "foundation/local_path.h"
+#include "identity/vcard.h"
 #include "toolkit/logger.h"
 
 namespace vell {
 
-void readVCards(const VCardReader::Source& source, const QString& origin, ContactPictures pictures,
-                Logger& log, const ContactHandler& handle, const std::stop_token& stop) {
-    VCardReader reader(source);
-    qint64 number = 0;
-    while (const std::optional<VCardReader::Item> item = reader.next()) {
-        if (stop.stop_requested()) return;
+namespace {
+
+/// An address book of twenty thousand people with pictures takes a quarter of this.
+constexpr qint64 largestFile = qint64{512} << 20;
+/// Between two looks at whether anybody still wants the contacts.
+constexpr qint64 pieceSize = qint64{4} << 20;
+
+}  // namespace
+
+qint64 readVCards(QByteArrayView file, const QString& origin, ContactPictures pictures, Logger& log,
+                  const ContactHandler& handle, const std::stop_token& stop) {
+    const std::string text = vcardText(file);
+    VCardScanner scanner(text);
+    qint64 number = 0, whole = 0;
+    while (!stop.stop_requested() && scanner.nextCard()) {
         number++;
-        if (item->defect != VCardReader::Defect::none) {
-            const QString place = origin + u':' + QString::number(item->line);
-            log.warn("Skipped a malformed contact card:", place, name(item->defect));
+        std::optional<VCardContact> contact = contactFromVCard(scanner, pictures);
+        if (!scanner.isWhole()) {
+            const QString place = origin + u':' + QString::number(scanner.cardLine());
+            log.warn("Skipped a malformed contact card:", place, "it has no end");
             continue;
         }
-        std::optional<VCardContact> contact = contactFromVCard(item->card, pictures);
+        whole++;
         if (!contact) continue;
         if (contact->record.identifier.isEmpty())
             contact->record.identifier = origin + u'#' + QString::number(number);
         handle(contact->record);
     }
+    return whole;
 }
 
 std::optional<QString> readVCardFile(const QString& path, ContactPictures pictures, Logger& log,
@@ -37,15 +50,21 @@ std::optional<QString> readVCardFile(const QString& path, ContactPictures pictur
     if (QFileInfo info(file); info.exists() && !info.isFile())
         return QStringLiteral("Not a regular file");
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) return file.errorString();
-    bool failed = false;
-    const auto source = [&](char* buffer, size_t size) -> size_t {
-        if (stop.stop_requested()) return 0;
-        const qint64 count = file.read(buffer, static_cast<qint64>(size));
-        failed = count < 0;
-        return failed ? 0 : static_cast<size_t>(count);
-    };
-    readVCards(source, path, pictures, log, handle, stop);
-    return failed ? std::optional(file.errorString()) : std::nullopt;
+    const qint64 size = file.size();
+    if (size > largestFile) return QStringLiteral("Too large for an address book");
+    QByteArray bytes(size, Qt::Uninitialized);
+    qint64 read = 0;
+    while (read < size && !stop.stop_requested()) {
+        const qint64 count = file.read(bytes.data() + read, std::min(size - read, pieceSize));
+        if (count < 0) return file.errorString();
+        if (count == 0) break;
+        read += count;
+    }
+    bytes.truncate(read);
+    const qint64 cards = readVCards(bytes, path, pictures, log, handle, stop);
+    if (cards == 0 && !stop.stop_requested())
+        return QStringLiteral("There is no contact card in it");
+    return std::nullopt;
 }
 
 }  // namespace vell

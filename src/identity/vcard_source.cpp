@@ -10,13 +10,22 @@
 #include "identity/file_watch.h"
 #include "identity/mailbox.h"
 #include "identity/vcard_contacts.h"
+#include "toolkit/module_logger.h"
 
 namespace vell {
+namespace {
+
+std::shared_ptr<Logger> cardLogger(const std::shared_ptr<Logger>& parent) {
+    return std::make_shared<ModuleLogger>(parent, QStringLiteral("vCard"));
+}
+
+}  // namespace
 
 VCardSource::VCardSource(QStringList paths, Chosen chosen, std::shared_ptr<Logger> log)
     : paths_(std::move(paths)),
       chosen_(chosen),
       log_(std::move(log)),
+      cardLog_(cardLogger(log_)),
       mailbox_(std::make_shared<Mailbox>(this)) {}
 
 VCardSource::~VCardSource() {
@@ -41,22 +50,25 @@ ContactsSource::Enumeration VCardSource::enumeration() {
             // The mailbox answers for `this`.
             mailbox->post([this] { Q_EMIT contactsChanged(); });
         });
-    return [paths = paths_, log = log_, watch = watch_](const ContactHandler& handle,
-                                                        const std::stop_token& stop) {
+    return [paths = paths_, log = log_, cardLog = cardLog_, watch = watch_](
+               const ContactHandler& handle, const std::stop_token& stop) {
         const ContactFiles found = findContactFiles(paths, stop);
         watch->watch(paths, found);
         for (const QString& file : found.files) {
-            const auto problem = readVCardFile(file, ContactPictures::wanted, *log, handle, stop);
-            if (problem) log->warn("Could not read contacts:", file, *problem);
+            const auto problem =
+                readVCardFile(file, ContactPictures::wanted, *cardLog, handle, stop);
+            if (problem) log->error("Could not read contacts:", file, *problem);
         }
     };
 }
 
-ContactsStore::Table readContactTable(const QStringList& files, Logger& log) {
-    ContactTable table(log);
+ContactsStore::Table readContactTable(const QStringList& files,
+                                      const std::shared_ptr<Logger>& log) {
+    ContactTable table(*log);
+    const std::shared_ptr<Logger> cardLog = cardLogger(log);
     for (const QString& file : files) {
         const auto problem =
-            readVCardFile(file, ContactPictures::unwanted, log,
+            readVCardFile(file, ContactPictures::unwanted, *cardLog,
                           [&](const ContactRecord& contact) { table.file(contact); });
         if (problem) throw ContactsError(file + QStringLiteral(": ") + *problem);
     }

@@ -1,8 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// VCardSource: the contacts in vCard files and folders of them. What isn't there has no contacts;
-// a file that can't be read, or a card, is told to the logger and left out.
+// VCardSource: the contacts in vCard files and folders of them. What isn't there has no contacts.
+// A file that can't be read is logged as an error, a malformed card by the module "vCard"; both are
+// left out.
 
 #include <QStringList>
 #include <memory>
@@ -44,12 +45,14 @@ class VCardSource final : public ContactsSource {
     QStringList paths_;
     const Chosen chosen_;
     const std::shared_ptr<Logger> log_;
+    const std::shared_ptr<Logger> cardLog_;
     const std::shared_ptr<Mailbox> mailbox_;
     std::shared_ptr<FileWatch> watch_;  ///< from the first enumeration on
 };
 
 /// The contacts of some files by address, without pictures. Throws ContactsError when one can't be
-/// read.
-[[nodiscard]] ContactsStore::Table readContactTable(const QStringList& files, Logger& log);
+/// read or holds no card.
+[[nodiscard]] ContactsStore::Table readContactTable(const QStringList& files,
+                                                    const std::shared_ptr<Logger>& log);
 
 }  // namespace vell

@@ -298,8 +298,8 @@ TEST_F(ContactsStoreTest, BringsPicturesToOneSize) {
     QBuffer buffer(&png);
     ASSERT_TRUE(wide.save(&buffer, "PNG"));
     contacts = {withEmail("a", "a@x"), withEmail("b", "b@x"), withEmail("c", "c@x")};
-    contacts[0].thumbnail = png;
-    contacts[1].thumbnail = "no picture";
+    contacts[0].thumbnails = {"no picture", png, "the first one counts"};
+    contacts[1].thumbnails = {"no picture"};
     load();
     const auto image = store->addressToContact().value("a@x").image;
     ASSERT_TRUE(image);

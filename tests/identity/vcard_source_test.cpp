@@ -128,6 +128,10 @@ TEST_F(VCardSourceTest, SeesEveryKindOfChange) {
     EXPECT_TRUE(comesToKnow("3@x", "chosen")) << "was missing";
     write("later/contacts/4.vcf", card("late", "EMAIL:4@x\n"));
     EXPECT_TRUE(comesToKnow("4@x", "late")) << "its folder was missing";
+    ASSERT_TRUE(QDir().mkpath(path("book/empty")));
+    test::waitFor([] { return false; }, 400);  // longer than a burst: it is seen while it is empty
+    write("book/empty/5.vcf", card("filled", "EMAIL:5@x\n"));
+    EXPECT_TRUE(comesToKnow("5@x", "filled")) << "its folder was empty";
     ASSERT_TRUE(QDir(path("later/contacts")).removeRecursively());
     write("later/contacts/4.vcf", card("later", "EMAIL:4@x\n"));
     EXPECT_TRUE(comesToKnow("4@x", "later")) << "its folder was made anew";
@@ -159,13 +163,18 @@ TEST_F(VCardSourceTest, TakesABurstAsOneChangeAndOthersAsNone) {
 TEST_F(VCardSourceTest, TellsDamageAndReadsTheRest) {
     write("1.vcf", "BEGIN:VCARD\nFN:Lost\n" + card("a", "EMAIL:a@x\n"));
     write("2.vcf", card("b", "EMAIL:b@x\n"));
+    write("3.vcf", "no card");
     const auto lines = std::make_shared<test::LogLines>();
     VCardSource files({folder.path()}, VCardSource::Chosen::byUser, lines);
     QStringList ids;
     files.enumeration()([&](const ContactRecord& contact) { ids += contact.identifier; }, {});
     EXPECT_EQ(ids, (QStringList{"a", "b"}));
-    EXPECT_EQ(lines->take(), QStringList{"WARN:  Skipped a malformed contact card: " +
-                                         path("1.vcf") + ":1 it has no end"});
+    EXPECT_EQ(
+        lines->take(),
+        (QStringList{
+            "vCard:    Skipped a malformed contact card: " + path("1.vcf") + ":1 it has no end",
+            "ERROR: Could not read contacts: " + path("3.vcf") + " There is no contact card in it",
+        }));
     EXPECT_TRUE(files.hasFreeContacts());
     EXPECT_FALSE(VCardSource({}, VCardSource::Chosen::byUser).hasFreeContacts());
     EXPECT_FALSE(VCardSource({"/"}, VCardSource::Chosen::byCustom).hasFreeContacts());
@@ -173,10 +182,13 @@ TEST_F(VCardSourceTest, TellsDamageAndReadsTheRest) {
 
 TEST_F(VCardSourceTest, NamesPeopleForTheCommandLineWithoutPictures) {
     write("1.vcf", card("a", "NICKNAME:Al\nTEL:1 2\nPHOTO;ENCODING=b:/9j/4AAQSkZJRg==\n"));
-    test::LogLines lines;
+    write("2.vcf", "no card");
+    const auto lines = std::make_shared<test::LogLines>();
     const ContactsStore::Table table = readContactTable({path("1.vcf")}, lines);
     EXPECT_EQ(table.value("12"), (ContactsStore::Info{"a", "1 2", "A", "Al"}));
-    EXPECT_THROW((void)readContactTable({path("1.vcf"), path("none.vcf")}, lines), ContactsError);
+    for (const char* bad : {"none.vcf", "2.vcf"})
+        EXPECT_THROW((void)readContactTable({path("1.vcf"), path(bad)}, lines), ContactsError)
+            << bad;
 }
 
 }  // namespace
