@@ -29,7 +29,7 @@ check() {
 types() { gio info -a standard::content-type "$1" | grep -q 'application/x-ichat-transcript'; }
 not() { ! "$@"; }
 # What groff complains of, it prints; it succeeds all the same.
-page() { ! command -v groff >/dev/null || [ -z "$(groff -man -ww -Tutf8 -z "$1" 2>&1)" ]; }
+page() { ! command -v groff >/dev/null || [ -z "$(zcat "$1" | groff -man -ww -Tutf8 -z 2>&1)" ]; }
 # completes PROGRAM EXPECTED WORD…: bash offers the text for the last word, split as bash splits.
 completes() {
     bash -c '. "$1"; COMP_WORDS=("$2" "${@:4}"); COMP_CWORD=$(($# - 3)); compopt() { :; }
@@ -39,7 +39,7 @@ completes() {
 }
 
 check 'install' "$cmake" --install "$build" --prefix "$stage"
-for file in bin/vell share/vell/Finder-Find-iChat-Files.savedSearch share/man/man1/vell.1; do
+for file in bin/vell share/vell/Finder-Find-iChat-Files.savedSearch share/man/man1/vell.1.gz; do
     check "$file is installed" test -s "$stage/$file"
 done
 
@@ -50,7 +50,7 @@ check 'desktop entry runs what is installed' \
     test -x "$stage/bin/$(sed -n 's/^TryExec=//p' "$share/applications/$id.desktop")"
 check 'icon of the desktop entry' test -s "$share/icons/hicolor/scalable/apps/$id.svg"
 for section in vell vell-export; do
-    check "manual page $section" page "$share/man/man1/$section.1"
+    check "manual page $section" page "$share/man/man1/$section.1.gz"
 done
 
 check 'MIME type' update-mime-database "$share/mime"
