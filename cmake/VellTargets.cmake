@@ -20,6 +20,14 @@ add_compile_options(-Wall -Wextra -Wnon-virtual-dtor -Wold-style-cast)
 if(VELL_WARNINGS_AS_ERRORS)
     add_compile_options(-Werror)
 endif()
+# What people run on files of strangers: checked buffers and calls, and nothing to overwrite at run time.
+# Ubuntu's compiler fortifies by itself, hence the -U.
+add_compile_options("$<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2;-fstack-protector-strong>")
+if(NOT APPLE)
+    add_link_options("$<$<CONFIG:Release>:LINKER:-z,relro;LINKER:-z,now>")
+endif()
+include(CheckPIESupported)
+check_pie_supported()
 if(VELL_SANITIZERS)
     add_compile_options(-fsanitize=${VELL_SANITIZERS} -fno-sanitize-recover=all
                         -fno-omit-frame-pointer)
