@@ -51,15 +51,17 @@ missing() {
 # apt ARGUMENT…: apt-get, with its progress on a terminal. Its messages end up in $log. Waits while
 # another program holds a lock: apt-get has an option for that, but not for its lock of the lists.
 apt() {
-    local command=(env LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive apt-get -y "$@") patience=300
+    local command=(env LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive apt-get -y "$@")
+    local patience=300 holder
     while true; do
         if [ -t 2 ]; then
             "${sudo[@]}" "${command[@]}" -o Dpkg::Progress-Fancy=1 </dev/null >&2 2>"$log" && return
         else
             "${sudo[@]}" "${command[@]}" -q -o Dpkg::Use-Pty=0 </dev/null >"$log" 2>&1 && return
         fi
-        grep -q '^E: Could not get lock' "$log" && ((patience-- > 0)) || return
-        ((patience < 299)) || say "Waiting for another program: $(sed -n 's/^E: //p;q' "$log")"
+        holder=$(sed -n 's/^E[a-z]*: Could not get lock/Could not get lock/p' "$log")
+        [ -n "$holder" ] && ((patience-- > 0)) || return
+        ((patience < 299)) || say "Waiting for another program: $holder"
         sleep 2
     done
 }
@@ -95,7 +97,7 @@ need() {
     fi
     say "Refreshing the package lists …"
     if ! apt update -o APT::Update::Error-Mode=any; then
-        grep '^[EW]:' "$log" >&2 || true
+        grep '^[EW][a-z]*:' "$log" >&2 || true
         say "The package lists could not be refreshed, for the reason above: trying those that are here."
     fi
     extent=$(extent "$dependencies")
