@@ -78,7 +78,7 @@ for option in $("$stage/bin/vell-export" --help | grep -o -- '--[a-z0-9][a-z0-9-
     check "bash completes $option" completes vell-export "$option" "$option"
     check "zsh completes $option" grep -q -- "$option[]=[}]" "$share/zsh/site-functions/_vell-export"
     check "the manual tells $option" \
-        grep -q -- "${option//-/\\\\-}" "$share/man/man1/vell-export.1"
+        zgrep -q -e "${option//-/\\\\-}" "$share/man/man1/vell-export.1.gz"
 done
 check 'the sandbox keeps the network out' \
     not grep -q 'share=network' "$(dirname "$0")/../../packaging/$id.flatpak.json"
