@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "foundation/print.h"
+#include "transcript/content_types.h"
 #include "transcript/load_log.h"
 
 namespace vell {
@@ -50,7 +51,7 @@ VellDocument VellDocument::read(const foundation::FileWrapper& file,
 
 std::shared_ptr<const foundation::FileWrapper> VellDocument::fileWrapper(
     const QString& contentType, std::shared_ptr<const foundation::FileWrapper> existingFile) const {
-    if (contentType != iChatTranscriptType) {
+    if (contentType != iChatTranscriptType.identifier) {
         foundation::print(QStringLiteral("Save error: invalid type: ") + contentType);
         throw textWriteInapplicableDocumentTypeError();
     }
@@ -65,7 +66,7 @@ std::shared_ptr<const foundation::FileWrapper> VellDocument::fileWrapper(
 }
 
 const QStringList& VellDocument::readableContentTypes() {
-    static const QStringList types{QString::fromUtf16(iChatTranscriptType)};
+    static const QStringList types{iChatTranscriptType.identifier.toString()};
     return types;
 }
 

@@ -15,9 +15,6 @@
 
 namespace vell {
 
-/// Uniform type identifier of transcripts, the only type that is read.
-inline constexpr char16_t iChatTranscriptType[] = u"com.apple.ichat.transcript";
-
 /// The two errors a document reports, both without user info.
 [[nodiscard]] foundation::Error fileReadCorruptFileError();
 [[nodiscard]] foundation::Error textWriteInapplicableDocumentTypeError();

@@ -24,6 +24,7 @@
 #include "app/window_geometry.h"
 #include "identity/contacts_store.h"
 #include "timeline/timeline_view.h"
+#include "transcript/content_types.h"
 
 namespace vell {
 namespace {
@@ -163,7 +164,7 @@ void DocumentWindow::copyWholeChat() {
     const QString text = markdown();
     auto* item = new QMimeData;
     item->setText(text);
-    item->setData(QStringLiteral("text/markdown"), text.toUtf8());
+    item->setData(markdownType.mimeName.toString(), text.toUtf8());
     QGuiApplication::clipboard()->setMimeData(item);
 }
 
@@ -173,7 +174,7 @@ void DocumentWindow::saveAsMarkdown() {
     auto* dialog = new QFileDialog(this, tr("Save Chat as Markdown"), suggestion);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setMimeTypeFilters({QStringLiteral("text/markdown")});
+    dialog->setMimeTypeFilters({markdownType.mimeName.toString()});
     dialog->setDefaultSuffix(QStringLiteral("md"));
     dialog->selectFile(suggestion + QStringLiteral(".md"));
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& target) {

@@ -10,6 +10,8 @@
 #include <QUrl>
 #include <functional>
 
+#include "transcript/content_types.h"
+
 namespace vell::recentlyUsed {
 namespace {
 
@@ -75,7 +77,7 @@ QDomElement addBookmark(QDomElement list, const QString& address, const QString&
     list.appendChild(bookmark);
     QDomElement metadata = applicationsOf(bookmark).parentNode().toElement();
     QDomElement type = list.ownerDocument().createElement(QStringLiteral("mime:mime-type"));
-    type.setAttribute(QStringLiteral("type"), QStringLiteral("application/x-ichat-transcript"));
+    type.setAttribute(QStringLiteral("type"), iChatTranscriptType.mimeName.toString());
     metadata.insertBefore(type, metadata.firstChild());
     return bookmark;
 }

@@ -3,6 +3,7 @@
 
 #include "cli/format.h"
 #include "cli/sink.h"
+#include "export/chat_log_text.h"
 #include "export/terminal_text.h"
 #include "toolkit/date_formatters.h"
 
@@ -15,16 +16,20 @@ void tellDatesAsAsked(const FormatContext& context) {
         context.calendar);
 }
 
+ByteSink bytesTo(Sink& sink) {
+    return [&sink](QByteArrayView bytes) { sink.write(bytes); };
+}
+
 }  // namespace
 
 void writeMarkdown(const TesselChatLog& log, const FormatContext& context, Sink& sink) {
     tellDatesAsAsked(context);
-    sink.write(log.generatePlainText(context.contacts).toUtf8());
+    writeMarkdown(log, context.contacts, bytesTo(sink));
 }
 
 void writeText(const TesselChatLog& log, const FormatContext& context, Sink& sink) {
     tellDatesAsAsked(context);
-    sink.write(terminalText(log, context.contacts).toUtf8());
+    writeTerminalText(log, context.contacts, bytesTo(sink));
 }
 
 }  // namespace vell

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
-// TesselChatLog::generatePlainText: the whole log as Markdown, in one walk and one buffer.
+// The whole log as Markdown, in one walk.
 #include <QHash>
 #include <QString>
-#include <optional>
 #include <span>
 #include <variant>
 
+#include "export/chat_log_text.h"
 #include "export/markdown.h"
 #include "export/message.h"
 #include "export/text_render_settings.h"
@@ -22,65 +22,53 @@ using Next = MarkdownWriter::Next;
 
 constexpr qsizetype kUnitsPerEvent = 64;
 
+/// Longer headings are made anew each time: many names may share the characters of one.
+constexpr qsizetype kLongestKeptHeading = 256;
+
 class Renderer {
   public:
-    Renderer(const TesselChatLog& log, const ContactsStore& contacts, const Settings& settings)
-        : log_(log), contacts_(contacts), settings_(settings), nextSender_(log.events()) {}
+    Renderer(const TesselChatLog& log, const ContactsStore& contacts, const Settings& settings,
+             TextSink& sink)
+        : log_(log), contacts_(contacts), settings_(settings), sink_(sink) {}
 
-    QString render();
+    void newDay(const Event& event);
+    void newMinute(const Event& event);
+    void senderChange(const Event* next);
+    void systemMessage(std::span<const Event> message);
+    void message(std::span<const Event> message);
 
   private:
     const TesselChatLog& log_;
     const ContactsStore& contacts_;
     const Settings& settings_;
-    NextSender nextSender_;
-    QString out_;
-    MarkdownWriter writer_{out_};
+    TextSink& sink_;
+    QString& out_{sink_.text()};
+    MarkdownWriter writer_{sink_};
     QHash<TesselUserID, QString> headings_;
     /// Whose heading stands above what is written next; nobody's after a system message.
-    std::optional<TesselUserID> headed_;
+    SharedUserID headed_;
+    SharedUserID latest_;
+    bool latestIsOwn_ = false;
     bool followsBody_ = false;
 
     void heading(QStringView linePrefix, QStringView prefix, QStringView text,
                  QStringView lineSuffix);
-    void senderChange(std::size_t index);
-    void senderHeading(const TesselUserID& sender);
-    void systemMessage(const Event& event);
-    void message(std::span<const Event> message);
+    void senderHeading(const SharedUserID& sender);
+    [[nodiscard]] QString headingOf(const TesselUserID& sender) const;
+    [[nodiscard]] bool isOwn(const SharedUserID& sender);
     void pieces(std::span<const Event> message);
     void piece(const Event& event, Next next);
     [[nodiscard]] static Next nextOf(std::span<const Event> message, std::size_t index);
 };
 
-QString Renderer::render() {
-    const auto& events = log_.events();
-    out_.reserve(static_cast<qsizetype>(events.size()) * kUnitsPerEvent);
-    for (std::size_t i = 0; i < events.size(); ++i) {
-        const Event& event = events[i];
-        switch (eventRole(event)) {
-            case EventRole::newDay:
-                heading(settings_.dayLinePrefix, settings_.dayPrefix,
-                        settings_.dayFormatter.string(event.timestamp), settings_.dayLineSuffix);
-                break;
-            case EventRole::newMinute:
-                heading(settings_.timeLinePrefix, settings_.timePrefix,
-                        settings_.timeFormatter.string(event.timestamp), settings_.timeLineSuffix);
-                break;
-            case EventRole::senderChange:
-                senderChange(i);
-                break;
-            case EventRole::systemMessage:
-                systemMessage(event);
-                break;
-            case EventRole::content: {
-                const auto whole = messageAt(events, i);
-                message(whole);
-                i += whole.size() - 1;
-                break;
-            }
-        }
-    }
-    return out_;
+void Renderer::newDay(const Event& event) {
+    heading(settings_.dayLinePrefix, settings_.dayPrefix,
+            settings_.dayFormatter.string(event.timestamp), settings_.dayLineSuffix);
+}
+
+void Renderer::newMinute(const Event& event) {
+    heading(settings_.timeLinePrefix, settings_.timePrefix,
+            settings_.timeFormatter.string(event.timestamp), settings_.timeLineSuffix);
 }
 
 void Renderer::heading(QStringView linePrefix, QStringView prefix, QStringView text,
@@ -94,62 +82,85 @@ void Renderer::heading(QStringView linePrefix, QStringView prefix, QStringView t
 
 /// The marker ends a sender's run, but what people look for is who speaks from here on. When
 /// nobody does, or a system message comes first, there is nothing to name.
-void Renderer::senderChange(std::size_t index) {
-    headed_.reset();
-    if (const Event* next = nextSender_.after(index)) senderHeading(*next->sender);
+void Renderer::senderChange(const Event* next) {
+    headed_ = {};
+    if (next) senderHeading(next->sender);
 }
 
-void Renderer::senderHeading(const TesselUserID& sender) {
-    QString& text = headings_[sender];
-    if (text.isEmpty()) {
-        QString name = senderName(sender, contacts_);
-        name.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
-        name.replace(u'\n', u' ').replace(u'\r', u' ');
-        text = settings_.newUserLinePrefix + settings_.newUserPrefix;
-        MarkdownWriter(text).literal(name.trimmed(), Next::more);
-        text += settings_.newUserLineSuffix;
+void Renderer::senderHeading(const SharedUserID& sender) {
+    const auto known = headings_.constFind(*sender);
+    if (known != headings_.cend()) {
+        out_ += *known;
+    } else {
+        const QString text = headingOf(*sender);
+        out_ += text;
+        if (text.size() <= kLongestKeptHeading) headings_.insert(*sender, text);
     }
-    out_ += text;
+    sink_.endPiece();
     headed_ = sender;
     followsBody_ = false;
 }
 
-void Renderer::systemMessage(const Event& event) {
+QString Renderer::headingOf(const TesselUserID& sender) const {
+    QString name = senderName(sender, contacts_);
+    name.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
+    name.replace(u'\n', u' ').replace(u'\r', u' ');
+    TextSink heading;
+    heading.text() = settings_.newUserLinePrefix + settings_.newUserPrefix;
+    MarkdownWriter(heading).literal(name.trimmed(), Next::more);
+    return heading.take() + settings_.newUserLineSuffix;
+}
+
+/// Few people write most of a transcript, and their names may be long.
+bool Renderer::isOwn(const SharedUserID& sender) {
+    if (sender.operator->() != latest_.operator->()) {
+        latest_ = sender;
+        latestIsOwn_ = *sender == log_.ownUserID();
+    }
+    return latestIsOwn_;
+}
+
+void Renderer::systemMessage(std::span<const Event> message) {
     out_ += settings_.systemLinePrefix;
     out_ += settings_.systemPrefix;
     writer_.beginBlock({});
-    piece(event, Next::blockEnd);
+    pieces(message);
     // Two underscores with nothing between them would be just that, two underscores.
     if (writer_.isAtLineStart()) out_ += u"<!-- -->";
     out_ += settings_.systemSuffix;
-    headed_.reset();
+    headed_ = {};
     followsBody_ = false;
 }
 
 void Renderer::message(std::span<const Event> message) {
-    const TesselUserID& sender = *message.front().sender;
+    const SharedUserID& sender = message.front().sender;
     if (headed_ != sender) senderHeading(sender);
-    const bool isQuoted = settings_.quoteOtherMessages && sender != log_.ownUserID();
-    const bool isEmpty = message.size() == 1 && isEmptyText(message.front());
-    if (isEmpty && !isQuoted) return;
+    const bool isQuoted = settings_.quoteOtherMessages && !isOwn(sender);
+    const bool isNothing = isEmpty(message);
+    if (isNothing && !isQuoted) return;
     // Without an empty line a reader joins paragraphs, and takes an unquoted one into a quote.
     if (followsBody_ || !isQuoted) out_ += u'\n';
-    writer_.beginBlock(isQuoted ? (isEmpty ? u">" : u"> ") : u"");
-    if (!isEmpty) pieces(message);
+    writer_.beginBlock(isQuoted ? (isNothing ? u">" : u"> ") : u"");
+    pieces(message);
     out_ += u'\n';
+    sink_.endPiece();
     followsBody_ = true;
 }
 
 void Renderer::pieces(std::span<const Event> message) {
     bool followsFile = false;
     for (std::size_t i = 0; i < message.size(); ++i) {
-        if (isEmptyText(message[i])) continue;
-        const bool isFile = std::holds_alternative<TesselChatLog::File>(message[i].value);
+        const Event& event = message[i];
+        if (isEmptyText(event)) continue;
+        const bool isFile = std::holds_alternative<TesselChatLog::File>(event.value);
         const bool needsOwnLine = isFile || followsFile;
-        if (needsOwnLine && !writer_.isAtLineStart() && !beginsWithLineBreak(message[i])) {
+        if (needsOwnLine && !writer_.isAtLineStart() && !beginsWithLineBreak(event))
             writer_.lineBreak();
-        }
-        piece(message[i], nextOf(message, i));
+        if (const auto text = textAt(message, i))
+            writer_.literal(*text, nextOf(message, i));
+        else
+            piece(event, nextOf(message, i));
+        sink_.endPiece();
         followsFile = isFile;
     }
 }
@@ -168,7 +179,6 @@ void Renderer::piece(const Event& event, Next next) {
     struct {
         MarkdownWriter& writer;
         Next next;
-        void operator()(const TesselChatLog::PlainText& text) { writer.literal(text.text, next); }
         void operator()(const TesselChatLog::Link& link) {
             const QString address = link.url->absoluteString();
             writer.link(address, hasOwnTitle(link.title, address) ? link.title : QString());
@@ -180,6 +190,8 @@ void Renderer::piece(const Event& event, Next next) {
         void operator()(const TesselChatLog::File& file) {
             writer.literal(fileLine(*file.wrapper), next);
         }
+        // Told by the caller.
+        void operator()(const TesselChatLog::PlainText&) {}
         // Headings, never a piece of a message.
         void operator()(const TesselChatLog::NewDay&) {}
         void operator()(const TesselChatLog::NewMinute&) {}
@@ -196,7 +208,19 @@ QString TesselChatLog::generatePlainText(const ContactsStore& contacts) const {
 
 QString TesselChatLog::generatePlainText(const ContactsStore& contacts,
                                          const TextRenderSettings& settings) const {
-    return Renderer(*this, contacts, settings).render();
+    TextSink sink;
+    sink.text().reserve(static_cast<qsizetype>(events_.size()) * kUnitsPerEvent);
+    Renderer renderer(*this, contacts, settings, sink);
+    walk(*this, renderer);
+    return sink.take();
+}
+
+void writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts, ByteSink output) {
+    const Settings settings;
+    TextSink sink(std::move(output));
+    Renderer renderer(log, contacts, settings, sink);
+    walk(log, renderer);
+    sink.passOn();
 }
 
 }  // namespace vell

@@ -106,7 +106,7 @@ bool isAutolink(QStringView address) {
 void MarkdownWriter::beginBlock(QStringView linePrefix) {
     prefix_ = linePrefix;
     out_ += prefix_;
-    lineStart_ = out_.size();
+    lineStart_ = sink_.size();
 }
 
 void MarkdownWriter::lineBreak() {

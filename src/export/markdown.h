@@ -1,13 +1,15 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// MarkdownWriter: appends to one Markdown text such that a CommonMark reader finds exactly the
+// MarkdownWriter: appends to a Markdown text such that a CommonMark reader finds exactly the
 // words that were given, whatever they hold. It knows where the current line began, since most
 // marks mean something only there. Every line it begins inside a block starts with a prefix: "> "
 // inside a quote.
 
 #include <QString>
 #include <QStringView>
+
+#include "export/text_sink.h"
 
 namespace vell {
 
@@ -20,8 +22,8 @@ class MarkdownWriter {
         blockEnd,  ///< nothing more in this block
     };
 
-    /// Appends to a text that outlives the writer.
-    explicit MarkdownWriter(QString& out) : out_(out) {}
+    /// The sink outlives the writer, which ends no pieces.
+    explicit MarkdownWriter(TextSink& sink) : sink_(sink), out_(sink.text()) {}
 
     /// Starts a line of a block; what is between its lines starts with the prefix as well.
     void beginBlock(QStringView linePrefix);
@@ -30,12 +32,13 @@ class MarkdownWriter {
     /// A break between two lines of the same block.
     void lineBreak();
     /// Whether nothing is on the current line yet.
-    [[nodiscard]] bool isAtLineStart() const { return out_.size() == lineStart_; }
+    [[nodiscard]] bool isAtLineStart() const { return sink_.size() == lineStart_; }
     /// An empty title: the address alone, in the short form where the syntax allows it.
     void link(const QString& address, const QString& title);
     void image(const QString& name, const QString& path);
 
   private:
+    TextSink& sink_;
     QString& out_;
     QStringView prefix_;
     qsizetype lineStart_ = -1;

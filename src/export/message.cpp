@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "export/message.h"
 
-#include <bit>
+#include <algorithm>
 #include <variant>
 
 namespace vell {
@@ -31,18 +31,6 @@ const TesselChatLog::PlainText* plainText(const Event& event) {
     return std::get_if<TesselChatLog::PlainText>(&event.value);
 }
 
-/// Bit for bit, so that a date that is no number continues its message too.
-bool isSameInstant(foundation::Date a, foundation::Date b) {
-    return std::bit_cast<quint64>(a.secondsSinceReferenceDate) ==
-           std::bit_cast<quint64>(b.secondsSinceReferenceDate);
-}
-
-bool continuesMessage(const Event& event, const Event& previous) {
-    if (eventRole(event) != EventRole::content || event.sender != previous.sender) return false;
-    if (plainText(event) && plainText(previous)) return false;
-    return isSameInstant(event.timestamp, previous.timestamp);
-}
-
 QString counted(qsizetype count, const char* one, const char* many) {
     return QString::number(count) + u' ' + QLatin1StringView(count == 1 ? one : many);
 }
@@ -53,16 +41,29 @@ EventRole eventRole(const Event& event) {
     return std::visit(RoleOf{event.isSystemMessage()}, event.value);
 }
 
-std::span<const Event> messageAt(const std::vector<Event>& events, std::size_t first) {
+std::span<const Event> messageAt(const TesselChatLog& log, std::size_t first) {
     std::size_t end = first + 1;
-    while (end < events.size() && continuesMessage(events[end], events[end - 1]))
+    while (log.continuesMessage(end))
         ++end;
-    return std::span(events).subspan(first, end - first);
+    return std::span(log.events()).subspan(first, end - first);
+}
+
+std::optional<QString> textAt(std::span<const Event> message, std::size_t& index) {
+    const auto* text = plainText(message[index]);
+    if (!text) return std::nullopt;
+    QString result = text->text;
+    for (; index + 1 < message.size() && (text = plainText(message[index + 1])); ++index)
+        result += text->text;
+    return result;
 }
 
 bool isEmptyText(const Event& event) {
     const auto* text = plainText(event);
     return text && text->text.isEmpty();
+}
+
+bool isEmpty(std::span<const Event> message) {
+    return std::all_of(message.begin(), message.end(), isEmptyText);
 }
 
 bool beginsWithLineBreak(const Event& event) {

@@ -2,10 +2,13 @@
 // SPDX-License-Identifier: MIT
 //
 // How a text sees the flat list of events: which of them is a heading, which is told by nobody, and
-// which stand together as one message. Markdown and terminal text agree on it.
+// which stand together as one message. Every format for people walks over them in the same way:
+//
+//     walk(log, renderer);
 
 #include <QString>
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -17,13 +20,19 @@ enum class EventRole { newDay, newMinute, senderChange, systemMessage, content }
 
 [[nodiscard]] EventRole eventRole(const TesselChatLog::Event& event);
 
-/// The content at `first` and what follows of the same message. Events don't tell where a message
-/// ends: runs of one share sender and instant, and two texts side by side are never runs of one.
-[[nodiscard]] std::span<const TesselChatLog::Event> messageAt(
-    const std::vector<TesselChatLog::Event>& events, std::size_t first);
+/// The event at `first` and what follows of the same message.
+[[nodiscard]] std::span<const TesselChatLog::Event> messageAt(const TesselChatLog& log,
+                                                              std::size_t first);
+
+/// The texts that stand side by side from `index` on, as one; `index` moves to the last of them.
+/// Null when there is no text. What text means may depend on what comes next to it.
+[[nodiscard]] std::optional<QString> textAt(std::span<const TesselChatLog::Event> message,
+                                            std::size_t& index);
 
 /// Text without a character: nothing was written.
 [[nodiscard]] bool isEmptyText(const TesselChatLog::Event& event);
+/// A message of nothing else.
+[[nodiscard]] bool isEmpty(std::span<const TesselChatLog::Event> message);
 /// Text that starts on a new line by itself.
 [[nodiscard]] bool beginsWithLineBreak(const TesselChatLog::Event& event);
 
@@ -39,6 +48,35 @@ class NextSender {
     const std::vector<TesselChatLog::Event>& events_;
     std::size_t next_ = 0;
 };
+
+/// Hands the log to a renderer part by part, in order.
+template <class Renderer>
+void walk(const TesselChatLog& log, Renderer& renderer) {
+    const auto& events = log.events();
+    NextSender nextSender(events);
+    for (std::size_t i = 0; i < events.size();) {
+        const TesselChatLog::Event& event = events[i];
+        const auto message = messageAt(log, i);
+        switch (eventRole(event)) {
+            case EventRole::newDay:
+                renderer.newDay(event);
+                break;
+            case EventRole::newMinute:
+                renderer.newMinute(event);
+                break;
+            case EventRole::senderChange:
+                renderer.senderChange(nextSender.after(i));
+                break;
+            case EventRole::systemMessage:
+                renderer.systemMessage(message);
+                break;
+            case EventRole::content:
+                renderer.message(message);
+                break;
+        }
+        i += message.size();
+    }
+}
 
 /// "File: NAME (1234 bytes)", "Folder: NAME (2 entries)", "Symbolic link: NAME"; not escaped.
 [[nodiscard]] QString fileLine(const foundation::FileWrapper& wrapper);

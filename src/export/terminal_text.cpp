@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "export/message.h"
+#include "export/text_sink.h"
 #include "identity/sender_name.h"
 #include "toolkit/date_formatters.h"
 #include "transcript/chat_log.h"
@@ -26,9 +27,15 @@ bool isLineBreak(char16_t unit) {
     return (unit >= u'\n' && unit <= u'\r') || unit == 0x85 || unit == 0x2028 || unit == 0x2029;
 }
 
+/// Embeddings, overrides and isolates: they would let words stand where nobody wrote them.
+bool turnsDirection(char16_t unit) {
+    return (unit >= 0x202A && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
+}
+
 bool isHarmless(char16_t unit) {
     if (unit < 0x20) return unit == u'\t';
-    return unit < 0x7F || (unit >= 0xA0 && !isLineBreak(unit) && !QChar::isSurrogate(unit));
+    return unit < 0x7F || (unit >= 0xA0 && !isLineBreak(unit) && !turnsDirection(unit) &&
+                           !QChar::isSurrogate(unit));
 }
 
 /// What stands for a control: its picture, or the replacement character where there is none.
@@ -39,84 +46,57 @@ char16_t shownControl(char16_t unit) {
 
 class Renderer {
   public:
-    Renderer(const TesselChatLog& log, const ContactsStore& contacts)
-        : log_(log), contacts_(contacts) {}
+    Renderer(const ContactsStore& contacts, TextSink& sink) : contacts_(contacts), sink_(sink) {}
 
-    QString render();
+    void newDay(const Event& event);
+    void newMinute(const Event& event) { minute_ = event.timestamp; }
+    void senderChange(const Event* /*next*/) { headed_ = {}; }
+    void systemMessage(std::span<const Event> message);
+    void message(std::span<const Event> message);
 
   private:
-    const TesselChatLog& log_;
     const ContactsStore& contacts_;
-    QString out_;
-    std::optional<TesselUserID> headed_;
+    TextSink& sink_;
+    QString& out_{sink_.text()};
+    SharedUserID headed_;
     /// The minute that the next content opens, told beside its sender.
     std::optional<foundation::Date> minute_;
 
     QStringView indentation_;
     bool needsIndentation_ = false;
 
-    void newDay(const Event& event);
-    void systemMessage(const Event& event);
-    void message(std::span<const Event> message);
-    void heading(const TesselUserID& sender);
+    void heading(const SharedUserID& sender);
     void minute();
     void begin(QStringView firstLine, QStringView furtherLines);
     void newLine();
+    void pieces(std::span<const Event> message);
     void piece(const Event& event);
     void text(QStringView text, LineBreaks breaks = LineBreaks::indented);
     void clean(QStringView text);
 };
 
-QString Renderer::render() {
-    const auto& events = log_.events();
-    for (std::size_t i = 0; i < events.size(); ++i) {
-        const Event& event = events[i];
-        switch (eventRole(event)) {
-            case EventRole::newDay:
-                newDay(event);
-                break;
-            case EventRole::newMinute:
-                minute_ = event.timestamp;
-                break;
-            case EventRole::senderChange:
-                headed_.reset();
-                break;
-            case EventRole::systemMessage:
-                systemMessage(event);
-                break;
-            case EventRole::content: {
-                const auto whole = messageAt(events, i);
-                message(whole);
-                i += whole.size() - 1;
-                break;
-            }
-        }
-    }
-    return out_;
-}
-
 void Renderer::newDay(const Event& event) {
-    if (!out_.isEmpty()) out_ += u"\n\n";
+    if (!sink_.isEmpty()) out_ += u"\n\n";
     out_ += daySeparatorFormatter().string(event.timestamp);
     out_ += u'\n';
     minute_.reset();
-    headed_.reset();
+    headed_ = {};
 }
 
-void Renderer::systemMessage(const Event& event) {
-    if (!out_.isEmpty()) out_ += u'\n';
+void Renderer::systemMessage(std::span<const Event> message) {
+    if (!sink_.isEmpty()) out_ += u'\n';
     begin(u"* ", u"  ");
-    piece(event);
+    pieces(message);
     minute();
     out_ += u'\n';
-    headed_.reset();
+    headed_ = {};
 }
 
-void Renderer::heading(const TesselUserID& sender) {
+void Renderer::heading(const SharedUserID& sender) {
     if (headed_ == sender && !minute_) return;
-    if (!out_.isEmpty()) out_ += u'\n';
+    if (!sink_.isEmpty()) out_ += u'\n';
     begin({}, {});
-    text(senderName(sender, contacts_).trimmed(), LineBreaks::blanks);
+    text(senderName(*sender, contacts_).trimmed(), LineBreaks::blanks);
     minute();
     out_ += u":\n";
     headed_ = sender;
@@ -128,17 +108,29 @@ void Renderer::minute() {
 }
 
 void Renderer::message(std::span<const Event> message) {
-    heading(*message.front().sender);
-    begin(isEmptyText(message.front()) ? u"" : u"    ", u"      ");
+    heading(message.front().sender);
+    begin(isEmpty(message) ? u"" : u"    ", u"      ");
+    pieces(message);
+    out_ += u'\n';
+    sink_.endPiece();
+}
+
+void Renderer::pieces(std::span<const Event> message) {
+    bool isFirst = true;
     bool followsFile = false;
-    for (const Event& event : message) {
+    for (std::size_t i = 0; i < message.size(); ++i) {
+        const Event& event = message[i];
+        if (isEmptyText(event)) continue;
         const bool isFile = std::holds_alternative<TesselChatLog::File>(event.value);
-        const bool isFirst = &event == &message.front();
         if ((isFile || followsFile) && !isFirst && !beginsWithLineBreak(event)) newLine();
-        piece(event);
+        if (const auto words = textAt(message, i))
+            text(*words);
+        else
+            piece(event);
+        sink_.endPiece();
+        isFirst = false;
         followsFile = isFile;
     }
-    out_ += u'\n';
 }
 
 void Renderer::begin(QStringView firstLine, QStringView furtherLines) {
@@ -155,7 +147,6 @@ void Renderer::newLine() {
 void Renderer::piece(const Event& event) {
     struct {
         Renderer& to;
-        void operator()(const TesselChatLog::PlainText& plain) { to.text(plain.text); }
         void operator()(const TesselChatLog::Link& link) {
             const QString address = link.url->absoluteString();
             const bool isTitled = hasOwnTitle(link.title, address);
@@ -169,6 +160,8 @@ void Renderer::piece(const Event& event) {
         void operator()(const TesselChatLog::File& file) {
             to.text(u'[' + fileLine(*file.wrapper) + u']');
         }
+        // Told by the caller.
+        void operator()(const TesselChatLog::PlainText&) {}
         // Headings, never a piece of a message.
         void operator()(const TesselChatLog::NewDay&) {}
         void operator()(const TesselChatLog::NewMinute&) {}
@@ -189,6 +182,7 @@ void Renderer::text(QStringView text, LineBreaks breaks) {
         clean(text.sliced(start, at - start));
         if (unit == u'\r' && at + 1 < text.size() && text[at + 1] == u'\n') ++at;
         start = at + 1;
+        if (turnsDirection(unit)) continue;
         if (!isLineBreak(unit)) {
             const QChar shown(shownControl(unit));
             clean(QStringView(&shown, 1));
@@ -211,8 +205,11 @@ void Renderer::clean(QStringView text) {
 
 }  // namespace
 
-QString terminalText(const TesselChatLog& log, const ContactsStore& contacts) {
-    return Renderer(log, contacts).render();
+void writeTerminalText(const TesselChatLog& log, const ContactsStore& contacts, ByteSink output) {
+    TextSink sink(std::move(output));
+    Renderer renderer(contacts, sink);
+    walk(log, renderer);
+    sink.passOn();
 }
 
 }  // namespace vell

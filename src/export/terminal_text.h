@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // A chat log for reading in a terminal: the same story as the Markdown, without its marks. Nothing
-// in a transcript can give the terminal a command: controls are shown as pictures of themselves.
+// in a transcript can give the terminal a command: controls are shown as pictures of themselves,
+// and what turns the direction of text about is left out.
 //
 //     Jan 2, 2006, 22:04
 //
@@ -16,14 +17,15 @@
 //
 //     * Bob has left the chat.
 
-#include <QString>
+#include "export/text_sink.h"
 
 namespace vell {
 
 class ContactsStore;
 class TesselChatLog;
 
-/// Line feeds only, the last line ended; empty without events.
-[[nodiscard]] QString terminalText(const TesselChatLog& log, const ContactsStore& contacts);
+/// UTF-8 with line feeds only, the last line ended; nothing without events. What the output
+/// throws passes through.
+void writeTerminalText(const TesselChatLog& log, const ContactsStore& contacts, ByteSink output);
 
 }  // namespace vell

@@ -49,11 +49,13 @@ TesselChatLog::Image::Image(foundation::Picture image, foundation::Data data, QS
           Fields{std::move(image), std::move(data), std::move(type), std::move(path)})) {}
 
 TesselChatLog::TesselChatLog(TesselServiceID serviceID, TesselUserID ownUserID,
-                             QSet<TesselUserID> otherUserIDs, std::vector<Event> events)
+                             QSet<TesselUserID> otherUserIDs, std::vector<Event> events,
+                             std::vector<bool> continuations)
     : serviceID_(std::move(serviceID)),
       ownUserID_(std::move(ownUserID)),
       otherUserIDs_(std::move(otherUserIDs)),
-      events_(std::move(events)) {}
+      events_(std::move(events)),
+      continuations_(std::move(continuations)) {}
 
 QString TesselChatLog::Event::description() const {
     QString result = u"<Event["_s + QString::number(sequence) + u"]: ts="_s +

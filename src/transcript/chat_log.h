@@ -114,8 +114,10 @@ class TesselChatLog {
         [[nodiscard]] size_t hash(size_t seed = 0) const;
     };
 
+    /// `continuations` may end early; every event behind it begins something new.
     TesselChatLog(TesselServiceID serviceID, TesselUserID ownUserID,
-                  QSet<TesselUserID> otherUserIDs, std::vector<Event> events);
+                  QSet<TesselUserID> otherUserIDs, std::vector<Event> events,
+                  std::vector<bool> continuations = {});
 
     /// Reads a transcript's bytes, keyed or non-keyed. Writes its steps to the load log and throws
     /// the keyed reader's error when neither form can be read. `fileDate` dates the events of an
@@ -136,6 +138,11 @@ class TesselChatLog {
     [[nodiscard]] const TesselUserID& ownUserID() const { return ownUserID_; }
     [[nodiscard]] const QSet<TesselUserID>& otherUserIDs() const { return otherUserIDs_; }
     [[nodiscard]] const std::vector<Event>& events() const { return events_; }
+    /// Whether the event at the index is a further piece of the message that the one before it
+    /// belongs to: messages of one sender at one instant can't be told apart otherwise.
+    [[nodiscard]] bool continuesMessage(std::size_t index) const {
+        return index < continuations_.size() && continuations_[index];
+    }
 
     /// The decoration of the text rendering; defined by export.
     struct TextRenderSettings;
@@ -144,7 +151,11 @@ class TesselChatLog {
     [[nodiscard]] QString generatePlainText(const ContactsStore& contacts,
                                             const TextRenderSettings& settings) const;
 
-    friend bool operator==(const TesselChatLog&, const TesselChatLog&) = default;
+    /// Compares what is told above except where messages end.
+    friend bool operator==(const TesselChatLog& a, const TesselChatLog& b) {
+        return a.serviceID_ == b.serviceID_ && a.ownUserID_ == b.ownUserID_ &&
+               a.otherUserIDs_ == b.otherUserIDs_ && a.events_ == b.events_;
+    }
     friend size_t qHash(const TesselChatLog& log, size_t seed = 0) { return log.hash(seed); }
     [[nodiscard]] size_t hash(size_t seed = 0) const;
 
@@ -153,6 +164,7 @@ class TesselChatLog {
     TesselUserID ownUserID_;
     QSet<TesselUserID> otherUserIDs_;
     std::vector<Event> events_;
+    std::vector<bool> continuations_;
 };
 
 }  // namespace vell

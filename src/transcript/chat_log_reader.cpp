@@ -105,6 +105,7 @@ class Conversion {
     QSet<TesselUserID> participants_;
     QSet<TesselUserID> seen_;
     std::vector<Event> events_;
+    std::vector<bool> continuations_;
     SharedRuns sharedRuns_;
     std::vector<Run> runs_;  // of the message at hand
     RecentSenders recentSenders_;
@@ -122,6 +123,7 @@ class Conversion {
     void takeSender(const std::shared_ptr<const Presentity>& presentity, Date date);
     void appendTimeMarker(Date date);
     void appendContent(const InstantMessage& message, bool isShared);
+    void joinFrom(std::size_t first);
     void appendRun(Run&& run);
     void appendFallback(const InstantMessage& message);
     void appendEmptyTranscript();
@@ -194,15 +196,24 @@ void Conversion::appendTimeMarker(Date date) {
 void Conversion::appendContent(const InstantMessage& message, bool isShared) {
     const auto& string = message.message;
     if (!string || string->runs().empty()) return appendFallback(message);
+    const std::size_t first = events_.size();
     if (isShared || string.use_count() > 1) {
         for (const Run& run : sharedRuns_.runsOf(string))
             appendRun(Run(run));
-        return;
+    } else {
+        runs_.clear();
+        extractRuns(*string, runs_);
+        for (Run& run : runs_)
+            appendRun(std::move(run));
     }
-    runs_.clear();
-    extractRuns(*string, runs_);
-    for (Run& run : runs_)
-        appendRun(std::move(run));
+    joinFrom(first);
+}
+
+/// Makes one message of the events from here on.
+void Conversion::joinFrom(std::size_t first) {
+    if (events_.size() - first < 2) return;
+    continuations_.resize(first + 1, false);
+    continuations_.resize(events_.size(), true);
 }
 
 void Conversion::appendRun(Run&& run) {
@@ -258,7 +269,8 @@ TesselChatLog Conversion::finish() {
         own = *candidates.begin();
         others.remove(own);
     }
-    return {serviceID_, std::move(own), std::move(others), std::move(events_)};
+    return {serviceID_, std::move(own), std::move(others), std::move(events_),
+            std::move(continuations_)};
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <QFile>
 
 #include "foundation/print.h"
+#include "transcript/content_types.h"
 #include "transcript/load_log.h"
 
 namespace {
@@ -76,7 +77,7 @@ TEST(Document, KeepsTheBytesAndTheDate) {
 TEST(Document, SavingHandsBackWhatWasOpened) {
     const Data bytes = fixture("keyed-007@UTC.ichat");
     const VellDocument document = VellDocument::read(FileWrapper(bytes), [] {});
-    const QString type = QString::fromUtf16(vell::iChatTranscriptType);
+    const QString type = vell::iChatTranscriptType.identifier.toString();
     const auto existing = std::make_shared<const FileWrapper>(Data(QByteArray("other")));
 
     const Printed printed;

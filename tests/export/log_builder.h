@@ -37,19 +37,26 @@ class LogBuilder {
     LogBuilder& user(const Sender& sender) { return add(sender, TesselChatLog::User{}); }
     LogBuilder& newDay() { return add({}, TesselChatLog::NewDay{}); }
     LogBuilder& newMinute() { return add({}, TesselChatLog::NewMinute{}); }
-    /// Seconds until the next event; events at one instant may be one message.
+    /// The next event continues the message of the one before.
+    LogBuilder& joined() {
+        continuations_.resize(events_.size(), false);
+        continuations_.push_back(true);
+        return *this;
+    }
+    /// Seconds until the next event.
     LogBuilder& wait(double seconds) {
         seconds_ += seconds;
         return *this;
     }
 
     [[nodiscard]] TesselChatLog log() const {
-        return {TesselServiceID::aim, user_(QStringLiteral("me")), {}, events_};
+        return {TesselServiceID::aim, user_(QStringLiteral("me")), {}, events_, continuations_};
     }
 
   private:
     double seconds_ = 0;
     std::vector<TesselChatLog::Event> events_;
+    std::vector<bool> continuations_;
 
     static TesselUserID user_(const QString& name) { return {TesselServiceID::aim, name}; }
     LogBuilder& add(const Sender& sender, TesselChatLog::Event::Value value) {

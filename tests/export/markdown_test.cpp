@@ -51,6 +51,15 @@ TEST(Markdown, NothingIsWrittenBeforeTheFirstEventAndForMarkersAlone) {
     EXPECT_EQ(markdown(log), "\n---\n_x_\n---\n\n");
 }
 
+TEST(Markdown, ASystemMessageHasItsRulesForAllItsRuns) {
+    LogBuilder log;
+    log.system(u"see "_s).joined().link({}, u"a:b"_s, u"here"_s).joined().file({}, u"f"_s, "1");
+    log.link({}, u"cc:d"_s, u""_s);
+    EXPECT_EQ(markdown(log),
+              "\n---\n_see [here](<a:b>)\\\nFile: f (1 byte)_\n---\n\n"
+              "\n---\n_<cc:d>_\n---\n\n");
+}
+
 TEST(Markdown, RunsOfOneMessageAreOneBody) {
     const struct {
         const char* what;
@@ -60,30 +69,45 @@ TEST(Markdown, RunsOfOneMessageAreOneBody) {
         {"text and links on one line",
          LogBuilder()
              .text(u"b"_s, u"see "_s)
+             .joined()
              .link(u"b"_s, u"http://a.b/c_d"_s, u"http://a.b/c_d"_s)
+             .joined()
              .text(u"b"_s, u" and "_s)
+             .joined()
              .link(u"b"_s, u"page.html"_s, u""_s),
          "> see <http://a.b/c_d> and [page.html](<page.html>)\n"},
         {"an exclamation mark makes no picture of a link",
-         LogBuilder().text(u"b"_s, u"wow!"_s).link(u"b"_s, u"x:y"_s, u"t"_s),
+         LogBuilder().text(u"b"_s, u"wow!"_s).joined().link(u"b"_s, u"x:y"_s, u"t"_s),
          "> wow\\![t](<x:y>)\n"},
         {"pictures by name, with or without a path",
          LogBuilder()
              .image(u"b"_s, u"~/My Pictures/cat.png"_s)
+             .joined()
              .text(u"b"_s, u"\n"_s)
+             .joined()
              .image(u"b"_s, std::nullopt),
          "> ![cat.png](<~/My Pictures/cat.png>)\\\n> ![picture.png](<picture.png>)\n"},
         {"a file has a line of its own",
          LogBuilder()
              .text(u"b"_s, u"here: "_s)
+             .joined()
              .file(u"b"_s, u"a*b.pdf"_s, "1234")
+             .joined()
              .text(u"b"_s, u"ok"_s),
          "> here:&#32;\\\n> File: a\\*b.pdf (4 bytes)\\\n> ok\n"},
-        {"two texts at one instant are two messages",
-         LogBuilder().text(u"b"_s, u"one"_s).text(u"b"_s, u"two"_s), "> one\n\n> two\n"},
-        {"a later link is another message",
-         LogBuilder().text(u"b"_s, u"one"_s).wait(1).link(u"b"_s, u"xx:y"_s, u"xx:y"_s),
-         "> one\n\n> <xx:y>\n"},
+        {"what one instant holds are messages of their own",
+         LogBuilder().text(u"b"_s, u"one"_s).link(u"b"_s, u"xx:y"_s, u""_s).image(u"b"_s, u"z"_s),
+         "> one\n\n> <xx:y>\n\n> ![z](<z>)\n"},
+        {"texts of one message mean what they mean together",
+         LogBuilder()
+             .text(u"b"_s, u"1"_s)
+             .joined()
+             .text(u"b"_s, u". x&am"_s)
+             .joined()
+             .text(u"b"_s, u"p;"_s),
+         "> 1\\. x\\&amp;\n"},
+        {"a message without any character",
+         LogBuilder().text(u"b"_s, u""_s).joined().text(u"b"_s, u""_s), ">\n"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(markdown(row.log), std::string("\n*b:*\n") + row.body) << row.what;

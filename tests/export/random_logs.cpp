@@ -135,19 +135,25 @@ QString headingAsRead(const QString& name) {
     return asRead(text.replace(u'\r', u' ').replace(u'\n', u' ').trimmed());
 }
 
-/// A random body of one message: a text, or a text, a link and a text.
+/// A random body of one message: a text, or a text, a link and a text; texts may come in two
+/// pieces.
 void addBody(std::mt19937& random, LogBuilder& builder, const Sender& sender, Block& block) {
-    const QString before = nasty(random);
-    builder.text(sender, before);
-    block.text = asRead(before);
+    const auto addText = [&] {
+        const QString text = nasty(random);
+        const auto half = below(random, static_cast<int>(text.size()) + 1);
+        builder.text(sender, text.left(half));
+        if (half < text.size()) builder.joined().text(sender, text.mid(half));
+        block.text += asRead(text);
+    };
+    addText();
     if (below(random, 3) > 0) return;
     QString address = QStringLiteral("http://example.org/?a=") + QString::number(random());
     if (below(random, 2) == 0) address += QStringLiteral("&b=<c>&amp;\\d(e)f g*_`[]");
     const QString title = nasty(random);
-    const QString after = nasty(random);
-    builder.link(sender, address, title).text(sender, after);
-    block.text += asRead(title.isEmpty() ? address : title) + asRead(after);
+    builder.joined().link(sender, address, title).joined();
+    block.text += asRead(title.isEmpty() ? address : title);
     block.destinations += address;
+    addText();
 }
 
 }  // namespace
@@ -173,10 +179,10 @@ ExpectedLog nastyLog(std::mt19937& random) {
         previous = sender;
         Block block;
         if (isSystem) {
-            const QString text = nasty(random);
-            builder.system(text);
+            block.kind = Block::Kind::system;
+            addBody(random, builder, {}, block);
             blocks.push_back({Block::Kind::rule, {}, {}});
-            blocks.push_back({Block::Kind::system, asRead(text), {}});
+            blocks.push_back(block);
             headed.clear();
             continue;
         }

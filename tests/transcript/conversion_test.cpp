@@ -146,6 +146,34 @@ TEST(Conversion, Contents) {
     }
 }
 
+TEST(Conversion, RunsOfOneMessageAreKeptTogether) {
+    const Sender alice = person("alice");
+    const auto link = std::make_shared<const foundation::Attributes>(
+        foundation::Attributes{std::make_shared<const foundation::URL>(u"a:b"_s), {}, {}});
+    using Runs = std::vector<foundation::AttributedString::Run>;
+    const auto linked = std::make_shared<const foundation::AttributedString>(
+        u"see it now"_s, Runs{{4, nullptr}, {2, link}, {4, nullptr}});
+    const auto once = std::make_shared<const foundation::AttributedString>(
+        u"it!"_s, Runs{{2, link}, {1, nullptr}});
+    // All at one instant, as messages without a date are.
+    const TesselChatLog log =
+        convert(root(u"AIM"_s, {message(alice, std::nullopt, u"x"_s),
+                                message(alice, std::nullopt, std::nullopt, linked),
+                                message(alice, std::nullopt, std::nullopt, linked),
+                                message(alice, std::nullopt, std::nullopt),
+                                message(nullptr, std::nullopt, std::nullopt, once),
+                                message(nullptr, std::nullopt, std::nullopt, once),
+                                message(nullptr, std::nullopt, u"y"_s)}));
+    std::string joined;
+    for (std::size_t i = 0; i < log.events().size(); ++i)
+        joined += log.continuesMessage(i) ? '+' : '|';
+    EXPECT_EQ(joined, "||++|++|||+|+|") << "the ninth is the marker";
+    const TesselChatLog borderless(log.serviceID(), log.ownUserID(), log.otherUserIDs(),
+                                   log.events());
+    EXPECT_EQ(borderless, log);
+    EXPECT_FALSE(borderless.continuesMessage(2));
+}
+
 TEST(Conversion, OwnUserAndOthers) {
     const auto say = [](const Sender& who) { return message(who, std::nullopt, u"x"_s); };
     struct Row {
