@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QStringList>
 #include <array>
+#include <new>
 #include <unordered_map>
 #include <utility>
 
@@ -284,8 +285,13 @@ TesselChatLog TesselChatLog::fromData(const foundation::Data& data, std::optiona
                                       const foundation::Calendar& calendar,
                                       const foundation::ClassRegistry& registry) {
     const auto log = tesselLoadLog();
-    return Conversion(iChatTimeline::fromAnyData(data, registry, log.get()), fileDate, calendar)
-        .run();
+    try {
+        return Conversion(iChatTimeline::fromAnyData(data, registry, log.get()), fileDate, calendar)
+            .run();
+    } catch (const std::bad_alloc&) {
+        if (log) log->writeln(u"Out of memory.");
+        throw;
+    }
 }
 
 TesselChatLog TesselChatLog::fromFile(const QString& path, const foundation::Calendar& calendar) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "transcript/chat_timeline.h"
 
+#include <new>
 #include <optional>
 #include <type_traits>
 #include <utility>
@@ -184,12 +185,16 @@ iChatTimeline iChatTimeline::fromAnyData(const foundation::Data& data,
     std::exception_ptr first;
     try {
         return fromData(data, registry, log);
+    } catch (const std::bad_alloc&) {
+        throw;  // tells nothing of the form
     } catch (const std::exception&) {
         first = std::current_exception();
     }
     if (log) log->write(u"\n---\n## Keyed loading failed, trying non-keyed\n\n");
     try {
         return fromNonKeyedData(data, registry, log);
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception&) {
         if (log) log->writeln(u"Throwing original error");
     }

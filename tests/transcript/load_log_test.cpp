@@ -10,6 +10,7 @@
 #include "support/transcript_writer.h"
 #include "transcript/archived_classes.h"
 #include "transcript/byte_data.h"
+#include "transcript/chat_log.h"
 #include "transcript/chat_timeline.h"
 #include "transcript/fixture.h"
 
@@ -253,6 +254,20 @@ TEST(LoadLog, ADictionaryGivesWayToAReadableNonKeyedForm) {
               QStringLiteral("AIM"));
     EXPECT_TRUE(log.grabLog().endsWith(QString::fromStdString(
         "The root object doesn't cast to [Any]: Optional<Any>\n" + kTryingNonKeyed)));
+}
+
+TEST(LoadLog, EndsWithRunningOutOfMemory) {
+    ClassRegistry registry;
+    registry.add({.name = "NSUnarchiver",
+                  .unarchiveObjectWithData = [](const foundation::Data&) -> foundation::Value {
+                      throw std::bad_alloc();
+                  }});
+    const auto load = [&registry] {
+        return TesselChatLog::fromData(QByteArray("x"), std::nullopt,
+                                       foundation::Calendar::current(), registry);
+    };
+    EXPECT_THROW(load(), std::bad_alloc);
+    EXPECT_TRUE(tesselLoadLog()->grabLog().endsWith(QStringLiteral("\nOut of memory.\n")));
 }
 
 TEST(LoadLog, ClassesThatMayNotBeRead) {
