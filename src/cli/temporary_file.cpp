@@ -8,7 +8,7 @@
 
 #include <atomic>
 #include <cerrno>
-#include <cstdio>
+#include <utility>
 
 #include "cli/sink.h"
 
