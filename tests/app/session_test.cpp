@@ -30,7 +30,7 @@ TEST_F(Session, TheNextVisitBeginsWhereTheLastOneEnded) {
     };
     Place places[] = {{file(u"a.ichat"_s, chat(500)), {40, 50, 560, 600}, 321, 7},
                       {file(u"b.ichat"_s, chat(500)), {90, 60, 620, 500}, 77, 0},
-                      {file(u"c.ichat"_s, chat(500)), {10, 20, 530, 650}, 0, 3}};
+                      {file(u"c.ichat"_s, chat(500)), {10, 5, 530, 650}, 0, 3}};
     for (Place& place : places) {
         DocumentWindow* window = opened(place.path);
         window->setGeometry(place.geometry);
