@@ -1,8 +1,8 @@
 # bash completion for vell-export
 _vell_export() {
     local current=$2 previous=$3
-    local options='--format --output --output-dir --force --files0-from --contacts --time-zone
-        --locale --load-log --quiet --version --help'
+    local options='--format --output --output-dir --force --expand --files0-from --contacts
+        --time-zone --locale --load-log --quiet --version --help'
     # "--format=j" comes as three words.
     if [[ ${COMP_WORDS[COMP_CWORD]} == = ]]; then
         current=

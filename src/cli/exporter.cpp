@@ -8,6 +8,7 @@
 #include <memory>
 #include <new>
 
+#include "export/expansion.h"
 #include "foundation/error.h"
 #include "foundation/local_path.h"
 #include "foundation/print.h"
@@ -139,7 +140,17 @@ bool Exporter::exportOne() {
 
 void Exporter::write(const Input& input, const TesselChatLog& log) {
     const FormatContext context{options_.calendar, options_.locale, contacts_};
-    output_.write(input, [&](Sink& sink) { options_.format->write(log, context, sink); });
+    const auto writeTo = [&](const ByteSink& sink) { options_.format->write(log, context, sink); };
+    const quint64 limit = exportLimit(input.bytes.size());
+    if (!options_.expand &&
+        expandsBeyond(limit, log, contacts_, options_.format->readsAttachments, writeTo)) {
+        throw WriteError{
+            u"as %1 it takes more than %2 MB, out of all proportion to the file "
+            "(--expand allows it)"_s.arg(QString::fromLatin1(options_.format->name))
+                .arg(limit / 1'000'000)};
+    }
+    output_.write(
+        input, [&](Sink& sink) { writeTo([&sink](QByteArrayView bytes) { sink.write(bytes); }); });
 }
 
 void Exporter::report(const QString& reason) const {

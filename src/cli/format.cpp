@@ -3,16 +3,41 @@
 
 #include <algorithm>
 
-#include "cli/json_format.h"
-#include "cli/text_formats.h"
+#include "export/chat_log_json.h"
+#include "export/chat_log_text.h"
+#include "export/terminal_text.h"
+#include "toolkit/date_formatters.h"
 
 namespace vell {
+namespace {
+
+void tellDatesAsAsked(const FormatContext& context) {
+    setSharedDateFormat(
+        context.locale.isEmpty() ? environmentDateLocale() : context.locale.toUtf8(),
+        context.calendar);
+}
+
+void markdown(const TesselChatLog& log, const FormatContext& context, const ByteSink& output) {
+    tellDatesAsAsked(context);
+    writeMarkdown(log, context.contacts, output);
+}
+
+void text(const TesselChatLog& log, const FormatContext& context, const ByteSink& output) {
+    tellDatesAsAsked(context);
+    writeTerminalText(log, context.contacts, output);
+}
+
+void json(const TesselChatLog& log, const FormatContext& /*context*/, const ByteSink& output) {
+    writeJson(log, output);
+}
+
+}  // namespace
 
 std::span<const Format> formats() {
     static constexpr Format kFormats[] = {
-        {"markdown", "md", "\n", &writeMarkdown},
-        {"text", "txt", "\n", &writeText},
-        {"json", "json", "", &writeJson},
+        {"markdown", "md", "\n", false, &markdown},
+        {"text", "txt", "\n", false, &text},
+        {"json", "json", "", true, &json},
     };
     return kFormats;
 }

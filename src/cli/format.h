@@ -7,13 +7,13 @@
 #include <QString>
 #include <span>
 
+#include "export/text_sink.h"
 #include "foundation/calendar.h"
 #include "transcript/chat_log.h"
 
 namespace vell {
 
 class ContactsStore;
-class Sink;
 
 /// What formats for people need to know beside the log.
 struct FormatContext {
@@ -26,8 +26,9 @@ struct Format {
     const char* name;       ///< as given on the command line
     const char* extension;  ///< of files, without a dot; the other name on the command line
     const char* separator;  ///< between two documents of one stream
-    /// Writes one document; what the sink throws passes through.
-    void (*write)(const TesselChatLog& log, const FormatContext& context, Sink& sink);
+    bool readsAttachments;  ///< and not only tells of them
+    /// Writes one document; what the output throws passes through.
+    void (*write)(const TesselChatLog& log, const FormatContext& context, const ByteSink& output);
 };
 
 /// All of them, the default one first.

@@ -32,6 +32,7 @@ QString helpText() {
            "                        is also where documents go without this option\n"
            "  -d, --output-dir DIR  write into this folder, which is made if need be\n"
            "      --force           replace files that exist\n"
+           "      --expand          write documents that are far larger than their files, too\n"
            "      --files0-from LIST  export the files named in LIST, each name ended by a\n"
            "                        null byte; \"-\" is standard input\n"
            "      --contacts FILE   name people from these vCards; may be given several times\n"
@@ -54,6 +55,7 @@ struct Arguments {
     const QCommandLineOption output{{u"o"_s, u"output"_s}, {}, u"NAME"_s};
     const QCommandLineOption outputDir{{u"d"_s, u"output-dir"_s}, {}, u"DIR"_s};
     const QCommandLineOption force{u"force"_s};
+    const QCommandLineOption expand{u"expand"_s};
     const QCommandLineOption files0From{u"files0-from"_s, {}, u"LIST"_s};
     const QCommandLineOption contacts{u"contacts"_s, {}, u"FILE"_s};
     const QCommandLineOption timeZone{u"time-zone"_s, {}, u"ZONE"_s};
@@ -65,8 +67,8 @@ struct Arguments {
     QCommandLineParser parser;
 
     explicit Arguments(const QStringList& arguments) {
-        parser.addOptions({format, output, outputDir, force, files0From, contacts, timeZone, locale,
-                           loadLog, quiet, version, help});
+        parser.addOptions({format, output, outputDir, force, expand, files0From, contacts, timeZone,
+                           locale, loadLog, quiet, version, help});
         // The parser takes its first argument for the program's name.
         if (!parser.parse(QStringList(u"vell-export"_s) + arguments))
             throw UsageError{parser.errorText()};
@@ -152,6 +154,7 @@ Options parseOptions(const QStringList& arguments) {
         .output = {},
         .outputIsFolder = false,
         .force = parser.isSet(given.force),
+        .expand = parser.isSet(given.expand),
         .quiet = parser.isSet(given.quiet),
         .printsLoadLog = parser.isSet(given.loadLog),
         .contacts = parser.values(given.contacts),

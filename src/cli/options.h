@@ -17,6 +17,7 @@ struct Options {
     QString output;                  ///< "-" is standard output
     bool outputIsFolder = false;     ///< by how it was named, whether or not it is there
     bool force = false;
+    bool expand = false;  ///< also what grows out of all proportion
     bool quiet = false;
     bool printsLoadLog = false;
     QStringList contacts;  ///< vCard files

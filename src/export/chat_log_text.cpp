@@ -215,9 +215,10 @@ QString TesselChatLog::generatePlainText(const ContactsStore& contacts,
     return sink.take();
 }
 
-void writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts, ByteSink output) {
+void writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts,
+                   const ByteSink& output) {
     const Settings settings;
-    TextSink sink(std::move(output));
+    TextSink sink(output);
     Renderer renderer(log, contacts, settings, sink);
     walk(log, renderer);
     sink.passOn();

@@ -11,6 +11,6 @@ class ContactsStore;
 class TesselChatLog;
 
 /// What the output throws passes through.
-void writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts, ByteSink output);
+void writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts, const ByteSink& output);
 
 }  // namespace vell

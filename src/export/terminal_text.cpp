@@ -205,8 +205,9 @@ void Renderer::clean(QStringView text) {
 
 }  // namespace
 
-void writeTerminalText(const TesselChatLog& log, const ContactsStore& contacts, ByteSink output) {
-    TextSink sink(std::move(output));
+void writeTerminalText(const TesselChatLog& log, const ContactsStore& contacts,
+                       const ByteSink& output) {
+    TextSink sink(output);
     Renderer renderer(contacts, sink);
     walk(log, renderer);
     sink.passOn();

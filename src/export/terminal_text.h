@@ -26,6 +26,7 @@ class TesselChatLog;
 
 /// UTF-8 with line feeds only, the last line ended; nothing without events. What the output
 /// throws passes through.
-void writeTerminalText(const TesselChatLog& log, const ContactsStore& contacts, ByteSink output);
+void writeTerminalText(const TesselChatLog& log, const ContactsStore& contacts,
+                       const ByteSink& output);
 
 }  // namespace vell

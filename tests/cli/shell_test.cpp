@@ -30,6 +30,13 @@ QByteArray transcriptWithoutContent() {
     return support::keyedTranscript(result);
 }
 
+/// One long text in many messages: 800 times as large when it is written out.
+QByteArray transcriptThatExpands() {
+    support::Transcript result{.service = u"AIM"_s, .people = {{u"ann"_s}}};
+    result.messages.resize(800, {.sender = 0, .originalText = QString(100'000, u'x')});
+    return support::keyedTranscript(result);
+}
+
 /// A folder with an empty folder "out" and some files to export.
 class Shell : public testing::Test {
   protected:
@@ -47,6 +54,7 @@ class Shell : public testing::Test {
             {"long", transcript(QString(200'000, u'x'))},
             {"warn.ichat", transcriptWithoutContent()},
             {"bad.ichat", "nothing"},
+            {"x/expands", expanding_},
             {"old", "old"}};
         for (const auto& [name, bytes] : files)
             test::writeFile(folder_.filePath(QString::fromUtf8(name)), bytes);
@@ -54,6 +62,7 @@ class Shell : public testing::Test {
     }
 
   private:
+    const QByteArray expanding_ = transcriptThatExpands();
     QTemporaryDir folder_;
 };
 
@@ -65,6 +74,10 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         const char* error;   // a part of it; empty: all of it
     };
     static constexpr Row rows[] = {
+        // Documents far larger than their files
+        {"v -d new x/expands a.ichat; ls new", 0, "a.json\n",
+         " MB, out of all proportion to the file (--expand allows it)\n"},
+        {"v -f text --expand x/expands | tr -d x | grep -c '^    '", 0, "800\n", ""},
         // Usage
         {"vell-export", 2, "", "vell-export: no file given\n"},
         {"v --colour a.ichat", 2, "", "vell-export: Unknown option 'colour'.\n"},

@@ -29,8 +29,11 @@ class LogBuilder {
     LogBuilder& image(const Sender& sender, std::optional<QString> path) {
         return add(sender, TesselChatLog::Image({}, {}, QStringLiteral("public.image"), path));
     }
-    LogBuilder& file(const Sender& sender, const QString& name, const QByteArray& contents) {
-        auto wrapper = std::make_shared<foundation::FileWrapper>(foundation::Data(contents));
+    LogBuilder& file(const Sender& sender, const QString& name, const char* contents) {
+        return file(sender, name, foundation::Data(QByteArray(contents)));
+    }
+    LogBuilder& file(const Sender& sender, const QString& name, const foundation::Data& contents) {
+        auto wrapper = std::make_shared<foundation::FileWrapper>(contents);
         wrapper->filename = name;
         return add(sender, TesselChatLog::File{std::move(wrapper)});
     }

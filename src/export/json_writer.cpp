@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "cli/json_writer.h"
+#include "export/json_writer.h"
 
 #include <QChar>
 #include <charconv>

@@ -4,13 +4,13 @@
 // A chat log as JSON: one object, its events one a line, members in a fixed order. Pictures and
 // files are told by their size and SHA-256; nothing is decoded.
 
-#include "transcript/chat_log.h"
+#include "export/text_sink.h"
 
 namespace vell {
 
-struct FormatContext;
-class Sink;
+class TesselChatLog;
 
-void writeJson(const TesselChatLog& log, const FormatContext& context, Sink& sink);
+/// What the output throws passes through.
+void writeJson(const TesselChatLog& log, const ByteSink& output);
 
 }  // namespace vell

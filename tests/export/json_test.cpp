@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include <QTemporaryFile>
 #include <cmath>
 #include <limits>
 
-#include "cli/format.h"
-#include "cli/json_writer.h"
-#include "cli/sink.h"
-#include "identity/contacts_store.h"
+#include "export/chat_log_json.h"
+#include "export/json_writer.h"
+#include "transcript/chat_log.h"
 
 namespace vell {
 namespace {
@@ -78,15 +76,9 @@ TEST(Json, EveryKindInItsFixedOrder) {
     const TesselChatLog log(aim, alice,
                             {{TesselServiceID::jabber, u"a"_s}, {aim, u"zoe"_s}, {aim, u"bob"_s}},
                             std::move(events));
-    QTemporaryFile file;
-    ASSERT_TRUE(file.open());
-    Sink sink(file.handle());
-    const Format* format = findFormat(u"json"_s);
-    ASSERT_TRUE(format);
-    const ContactsStore contacts;
-    format->write(log, {*foundation::Calendar::named("UTC"), {}, contacts}, sink);
-    sink.flush();
-    file.seek(0);
+    std::string written;
+    writeJson(log,
+              [&written](QByteArrayView bytes) { written.append(bytes.begin(), bytes.end()); });
 
     const std::string head =
         R"("timestamp":"2009-07-04T13:04:05.250Z","secondsSinceReferenceDate":268405445.25,)";
@@ -114,7 +106,7 @@ TEST(Json, EveryKindInItsFixedOrder) {
         R"("kind":"user"},)" + "\n" +
         R"({"sequence":9,"timestamp":"2001-01-01T00:00:00.000Z","secondsSinceReferenceDate":0,)" +
         R"("sender":null,"kind":"newMinute"})" + "\n]}\n";
-    EXPECT_EQ(file.readAll().toStdString(), expected);
+    EXPECT_EQ(written, expected);
 }
 
 }  // namespace

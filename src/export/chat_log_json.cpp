@@ -1,21 +1,22 @@
 // SPDX-License-Identifier: MIT
-#include "cli/json_format.h"
+#include "export/chat_log_json.h"
 
 #include <QCryptographicHash>
-#include <unordered_map>
+#include <map>
+#include <utility>
 
-#include "cli/json_writer.h"
-#include "cli/sink.h"
+#include "export/json_writer.h"
+#include "transcript/chat_log.h"
 
 namespace vell {
 namespace {
 
 constexpr qint64 kSchema = 1;
-constexpr qsizetype kFlushSize = 1 << 16;
+constexpr qsizetype kPassedOnSize = 1 << 16;
 
-class JsonFormat {
+class JsonRenderer {
   public:
-    explicit JsonFormat(Sink& sink) : sink_(sink) {}
+    explicit JsonRenderer(const ByteSink& output) : output_(output) {}
     void write(const TesselChatLog& log);
 
     // Each writes the kind and the members that belong to it.
@@ -28,10 +29,10 @@ class JsonFormat {
     void operator()(const TesselChatLog::User&) { stringMember("kind", u"user"); }
 
   private:
-    Sink& sink_;
+    const ByteSink& output_;
     JsonWriter writer_;
-    // By where the bytes begin: one picture may stand in a log a thousand times.
-    std::unordered_map<const char*, std::pair<qsizetype, QString>> hashes_;
+    // By where the bytes lie: one picture may stand in a log a thousand times.
+    std::map<std::pair<const char*, qsizetype>, QString> hashes_;
 
     void stringMember(const char* key, QStringView text);
     void optionalMember(const char* key, const std::optional<QString>& text);
@@ -39,10 +40,11 @@ class JsonFormat {
     void contentMembers(const foundation::Data* data);
     void user(const TesselUserID& user);
     void event(const TesselChatLog::Event& event);
+    void endPiece();
     const QString& sha256(const foundation::Data& data);
 };
 
-void JsonFormat::write(const TesselChatLog& log) {
+void JsonRenderer::write(const TesselChatLog& log) {
     writer_.beginObject();
     numberMember("schema", kSchema);
     stringMember("serviceID", log.serviceID().rawValue);
@@ -50,23 +52,29 @@ void JsonFormat::write(const TesselChatLog& log) {
     user(log.ownUserID());
     writer_.key("otherUserIDs");
     writer_.beginArray();
-    for (const TesselUserID& other : sorted(log.otherUserIDs()))
+    for (const TesselUserID& other : sorted(log.otherUserIDs())) {
         user(other);
+        endPiece();
+    }
     writer_.endArray();
     writer_.key("events");
     writer_.beginArray();
     for (const TesselChatLog::Event& each : log.events()) {
         writer_.breakLine();
         event(each);
-        if (writer_.size() >= kFlushSize) sink_.write(writer_.take());
+        endPiece();
     }
     writer_.breakLine();
     writer_.endArray();
     writer_.endObject();
-    sink_.write(writer_.take() + '\n');
+    output_(writer_.take() + '\n');
 }
 
-void JsonFormat::event(const TesselChatLog::Event& event) {
+void JsonRenderer::endPiece() {
+    if (writer_.size() >= kPassedOnSize) output_(writer_.take());
+}
+
+void JsonRenderer::event(const TesselChatLog::Event& event) {
     writer_.beginObject();
     numberMember("sequence", event.sequence);
     optionalMember("timestamp", event.timestamp.iso8601());
@@ -81,12 +89,12 @@ void JsonFormat::event(const TesselChatLog::Event& event) {
     writer_.endObject();
 }
 
-void JsonFormat::operator()(const TesselChatLog::PlainText& value) {
+void JsonRenderer::operator()(const TesselChatLog::PlainText& value) {
     stringMember("kind", u"plainText");
     stringMember("text", value.text);
 }
 
-void JsonFormat::operator()(const TesselChatLog::Image& value) {
+void JsonRenderer::operator()(const TesselChatLog::Image& value) {
     stringMember("kind", u"image");
     stringMember("type", value.type());
     optionalMember("path", value.path());
@@ -98,7 +106,7 @@ void JsonFormat::operator()(const TesselChatLog::Image& value) {
     size ? writer_.number(qint64(size->height())) : writer_.null();
 }
 
-void JsonFormat::operator()(const TesselChatLog::File& value) {
+void JsonRenderer::operator()(const TesselChatLog::File& value) {
     const foundation::FileWrapper& wrapper = *value.wrapper;
     stringMember("kind", u"file");
     optionalMember("fileName", wrapper.filename ? wrapper.filename : wrapper.preferredFilename);
@@ -107,55 +115,54 @@ void JsonFormat::operator()(const TesselChatLog::File& value) {
     contentMembers(wrapper.isRegularFile() && wrapper.contents ? &*wrapper.contents : nullptr);
 }
 
-void JsonFormat::operator()(const TesselChatLog::Link& value) {
+void JsonRenderer::operator()(const TesselChatLog::Link& value) {
     stringMember("kind", u"link");
     stringMember("url", value.url->absoluteString());
     stringMember("title", value.title);
 }
 
-void JsonFormat::stringMember(const char* key, QStringView text) {
+void JsonRenderer::stringMember(const char* key, QStringView text) {
     writer_.key(key);
     writer_.string(text);
 }
 
-void JsonFormat::optionalMember(const char* key, const std::optional<QString>& text) {
+void JsonRenderer::optionalMember(const char* key, const std::optional<QString>& text) {
     writer_.key(key);
     text ? writer_.string(*text) : writer_.null();
 }
 
-void JsonFormat::numberMember(const char* key, qint64 value) {
+void JsonRenderer::numberMember(const char* key, qint64 value) {
     writer_.key(key);
     writer_.number(value);
 }
 
-void JsonFormat::contentMembers(const foundation::Data* data) {
+void JsonRenderer::contentMembers(const foundation::Data* data) {
     writer_.key("byteCount");
     data ? writer_.number(qint64(data->size())) : writer_.null();
     writer_.key("sha256");
     data ? writer_.string(sha256(*data)) : writer_.null();
 }
 
-void JsonFormat::user(const TesselUserID& user) {
+void JsonRenderer::user(const TesselUserID& user) {
     writer_.beginObject();
     stringMember("serviceID", user.serviceID.rawValue);
     stringMember("userID", user.userID);
     writer_.endObject();
 }
 
-const QString& JsonFormat::sha256(const foundation::Data& data) {
-    auto& known = hashes_[data.begin()];
-    if (known.second.isEmpty() || known.first != data.size()) {
-        const QByteArray hash =
-            QCryptographicHash::hash(data.view(), QCryptographicHash::Sha256).toHex();
-        known = {data.size(), QString::fromLatin1(hash)};
+const QString& JsonRenderer::sha256(const foundation::Data& data) {
+    QString& known = hashes_[{data.begin(), data.size()}];
+    if (known.isEmpty()) {
+        known = QString::fromLatin1(
+            QCryptographicHash::hash(data.view(), QCryptographicHash::Sha256).toHex());
     }
-    return known.second;
+    return known;
 }
 
 }  // namespace
 
-void writeJson(const TesselChatLog& log, const FormatContext&, Sink& sink) {
-    JsonFormat(sink).write(log);
+void writeJson(const TesselChatLog& log, const ByteSink& output) {
+    JsonRenderer(output).write(log);
 }
 
 }  // namespace vell

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "export/expansion.h"
+
+#include <algorithm>
+#include <limits>
+#include <set>
+#include <unordered_map>
+#include <utility>
+#include <variant>
+
+#include "identity/contacts_store.h"
+#include "identity/sender_name.h"
+#include "transcript/chat_log.h"
+
+namespace vell {
+namespace {
+
+using foundation::Data;
+
+constexpr quint64 kPerByte = 16;
+constexpr quint64 kAllowance = quint64(64) << 20;
+
+// What formats write at most: marks, members and dates around a text or an attachment, and for each
+// UTF-16 unit.
+constexpr quint64 kAroundText = 256;
+constexpr quint64 kAroundAttachment = 640;
+constexpr quint64 kPerUnit = 7;
+/// An address is escaped in other ways than a text, and may be written twice.
+constexpr quint64 kPerAddressUnit = 16;
+
+/// More than any limit: only trying tells.
+constexpr quint64 kUnknown = std::numeric_limits<quint64>::max() / 2;
+
+quint64 units(const std::optional<QString>& text) {
+    return text ? static_cast<quint64>(text->size()) : 0;
+}
+
+/// The bytes that an event takes at most beside its sender.
+struct MostOfEvent {
+    quint64 operator()(const TesselChatLog::PlainText& value) const {
+        return kAroundText + units(value.text) * kPerUnit;
+    }
+    quint64 operator()(const TesselChatLog::Image& value) const {
+        return kAroundAttachment + units(value.type()) * kPerUnit +
+               units(value.path()) * kPerAddressUnit;
+    }
+    quint64 operator()(const TesselChatLog::File& value) const {
+        const auto& wrapper = *value.wrapper;
+        return kAroundAttachment +
+               std::max(units(wrapper.filename), units(wrapper.preferredFilename)) * kPerUnit;
+    }
+    quint64 operator()(const TesselChatLog::Link& value) const {
+        if (value.url->base()) return kUnknown;
+        return kAroundText + units(value.url->relative()) * kPerAddressUnit +
+               units(value.title) * kPerUnit;
+    }
+    template <class Marker>
+    quint64 operator()(const Marker&) const {
+        return kAroundText;
+    }
+};
+
+quint64 mostOfUser(const TesselUserID& user, const ContactsStore& contacts) {
+    return (units(user.serviceID.rawValue) + units(user.userID) +
+            units(senderName(user, contacts))) *
+           kPerUnit;
+}
+
+/// Whether a document of any format may come to more than the limit.
+bool mayExpandBeyond(quint64 limit, const TesselChatLog& log, const ContactsStore& contacts) {
+    quint64 most = kAroundText + mostOfUser(log.ownUserID(), contacts);
+    for (const TesselUserID& user : log.otherUserIDs()) {
+        if (most > limit) return true;
+        most += kAroundText + mostOfUser(user, contacts);
+    }
+    std::unordered_map<const TesselUserID*, quint64> senders;
+    for (const TesselChatLog::Event& event : log.events()) {
+        if (most > limit) return true;
+        most += std::visit(MostOfEvent(), event.value);
+        if (!event.sender) continue;
+        const auto [sender, isNew] = senders.try_emplace(event.sender.operator->());
+        if (isNew) sender->second = mostOfUser(*event.sender, contacts);
+        most += sender->second;
+    }
+    return most > limit;
+}
+
+const Data* attachedData(const TesselChatLog::Event& event) {
+    if (const auto* image = std::get_if<TesselChatLog::Image>(&event.value)) return &image->data();
+    const auto* file = std::get_if<TesselChatLog::File>(&event.value);
+    return file && file->wrapper->contents ? &*file->wrapper->contents : nullptr;
+}
+
+/// Whether the bytes attached come to more than the limit, each slice of the file counted once.
+/// Slices may overlap.
+bool readsBeyond(quint64 limit, const TesselChatLog& log) {
+    quint64 sum = 0;
+    for (const TesselChatLog::Event& event : log.events()) {
+        if (const Data* data = attachedData(event)) sum += static_cast<quint64>(data->size());
+    }
+    if (sum <= limit) return false;
+    std::set<std::pair<const char*, qsizetype>> slices;
+    sum = 0;
+    for (const TesselChatLog::Event& event : log.events()) {
+        const Data* data = attachedData(event);
+        if (!data || !slices.emplace(data->begin(), data->size()).second) continue;
+        sum += static_cast<quint64>(data->size());
+        if (sum > limit) return true;
+    }
+    return false;
+}
+
+/// Ends a document that came to its limit.
+struct LimitReached {};
+
+}  // namespace
+
+quint64 exportLimit(qsizetype transcriptSize) {
+    return static_cast<quint64>(transcriptSize) * kPerByte + kAllowance;
+}
+
+bool expandsBeyond(quint64 limit, const TesselChatLog& log, const ContactsStore& contacts,
+                   bool readsAttachments, const std::function<void(const ByteSink&)>& write) {
+    if (readsAttachments && readsBeyond(limit, log)) return true;
+    if (!mayExpandBeyond(limit, log, contacts)) return false;
+    quint64 left = limit;
+    try {
+        write([&left](QByteArrayView bytes) {
+            const auto size = static_cast<quint64>(bytes.size());
+            if (size > left) throw LimitReached();
+            left -= size;
+        });
+    } catch (const LimitReached&) {
+        return true;
+    }
+    return false;
+}
+
+}  // namespace vell

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "export/expansion.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "export/chat_log_json.h"
+#include "export/chat_log_text.h"
+#include "export/log_builder.h"
+#include "export/terminal_text.h"
+#include "identity/contacts_store.h"
+
+using namespace Qt::StringLiterals;
+
+namespace vell::test {
+namespace {
+
+const ContactsStore contacts;
+
+void markdown(const TesselChatLog& log, const ByteSink& output) {
+    writeMarkdown(log, contacts, output);
+}
+
+void text(const TesselChatLog& log, const ByteSink& output) {
+    writeTerminalText(log, contacts, output);
+}
+
+/// Messages with the same text, in turn by all senders.
+LogBuilder chat(int count, const QString& text, const QStringList& senders = {u"b"_s}) {
+    LogBuilder log;
+    for (int i = 0; i < count; ++i) {
+        const QString& sender = senders[i % senders.size()];
+        log.text(sender, text);
+        if (senders.size() > 1) log.user(sender);
+    }
+    return log;
+}
+
+/// As many slices of one buffer, each beginning `step` bytes behind the one before.
+LogBuilder files(int count, qsizetype step) {
+    const foundation::Data all(QByteArray(20'000, 'x'));
+    LogBuilder log;
+    for (int i = 0; i < count; ++i)
+        log.file(u"b"_s, u"f"_s, all.slice(i * step, 10'000));
+    return log;
+}
+
+TEST(Expansion, IsToldByWhatEachFormatWritesAndReads) {
+    const QString text(1000, u'a');
+    const QString name(1000, u'n');
+    const struct {
+        const char* what;
+        LogBuilder log;
+        bool inMarkdown;
+        bool inJson;
+    } rows[] = {
+        {"one text in many messages", chat(100, text), true, true},
+        {"not yet too much, although escapes could make it so", chat(30, text), false, false},
+        {"a long name, told once or each time", chat(100, u"x"_s, {name}), false, true},
+        {"two long names in turn", chat(100, u"x"_s, {name, name + u'm'}), true, true},
+        {"one file in many messages is read once", files(100, 0), false, false},
+        {"files that overlap", files(100, 1), false, true},
+    };
+    for (const auto& row : rows) {
+        const TesselChatLog log = row.log.log();
+        const auto expands = [&](bool reads, const auto& write) {
+            return expandsBeyond(60'000, log, contacts, reads,
+                                 [&](const ByteSink& output) { write(log, output); });
+        };
+        EXPECT_EQ(expands(false, markdown), row.inMarkdown) << row.what;
+        EXPECT_EQ(expands(true, writeJson), row.inJson) << row.what;
+    }
+    EXPECT_EQ(exportLimit(1'000'000), (64U << 20) + 16'000'000U);
+}
+
+TEST(Expansion, DocumentsLeavePieceByPiece) {
+    LogBuilder log;
+    for (int i = 0; i < 100; ++i) {
+        log.text(u"b"_s, QString(5'000, u'x'));
+        for (int run = 0; run < 10; ++run)
+            log.joined().link(u"b"_s, u"a:b"_s, QString(5'000, u'x'));
+    }
+    for (const auto write : {&markdown, &text, &writeJson}) {
+        qsizetype largest = 0;
+        qsizetype sum = 0;
+        write(log.log(), [&](QByteArrayView bytes) {
+            largest = std::max(largest, bytes.size());
+            sum += bytes.size();
+        });
+        EXPECT_GT(sum, 5'500'000);
+        EXPECT_LT(largest, 200'000);
+    }
+}
+
+}  // namespace
+}  // namespace vell::test
