@@ -277,6 +277,26 @@ Nichts davon wird geändert oder irgendwohin gesendet. In den Einstellungen kön
         <source>Select &amp;All</source>
         <translation>&amp;Alles auswählen</translation>
     </message>
+    <message>
+        <source>Copy Whole Chat</source>
+        <translation>Ganzen Chat kopieren</translation>
+    </message>
+    <message>
+        <source>The chat is too long to be copied as a whole.</source>
+        <translation>Der Chat ist zu lang, um ganz kopiert zu werden.</translation>
+    </message>
+    <message>
+        <source>As text it takes more than %1, far more than its file. Save it as Markdown, or copy a part of it.</source>
+        <translation>Als Text braucht er mehr als %1, weit mehr als seine Datei. Sichern Sie ihn als Markdown, oder kopieren Sie einen Teil davon.</translation>
+    </message>
+    <message>
+        <source>Save a document that is far larger than the chat’s file?</source>
+        <translation>Soll ein Dokument gesichert werden, das weit größer ist als die Datei des Chats?</translation>
+    </message>
+    <message>
+        <source>As Markdown the chat takes more than %1.</source>
+        <translation>Als Markdown braucht der Chat mehr als %1.</translation>
+    </message>
 </context>
 <context>
     <name>vell::FindBar</name>

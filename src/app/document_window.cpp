@@ -2,15 +2,10 @@
 #include "app/document_window.h"
 
 #include <QApplication>
-#include <QClipboard>
 #include <QCloseEvent>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
-#include <QMessageBox>
-#include <QMimeData>
 #include <QProgressBar>
-#include <QSaveFile>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QTimer>
@@ -24,7 +19,6 @@
 #include "app/window_geometry.h"
 #include "identity/contacts_store.h"
 #include "timeline/timeline_view.h"
-#include "transcript/content_types.h"
 
 namespace vell {
 namespace {
@@ -148,49 +142,12 @@ void DocumentWindow::closeEvent(QCloseEvent* event) {
     Q_EMIT closed(this);
 }
 
-QString DocumentWindow::markdown() const {
-    return document_->chatlog().generatePlainText(application_.contacts());
-}
-
 void DocumentWindow::copy() {
     if (timeline_->hasSelection()) {
         timeline_->copySelection();
     } else {
         copyWholeChat();
     }
-}
-
-void DocumentWindow::copyWholeChat() {
-    const QString text = markdown();
-    auto* item = new QMimeData;
-    item->setText(text);
-    item->setData(markdownType.mimeName.toString(), text.toUtf8());
-    QGuiApplication::clipboard()->setMimeData(item);
-}
-
-void DocumentWindow::saveAsMarkdown() {
-    const QString suggestion =
-        isStandardInput(path_) ? tr("Chat") : QFileInfo(path_).completeBaseName();
-    auto* dialog = new QFileDialog(this, tr("Save Chat as Markdown"), suggestion);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setMimeTypeFilters({markdownType.mimeName.toString()});
-    dialog->setDefaultSuffix(QStringLiteral("md"));
-    dialog->selectFile(suggestion + QStringLiteral(".md"));
-    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& target) {
-        QSaveFile file(target);
-        if (file.open(QIODevice::WriteOnly) && file.write(markdown().toUtf8()) >= 0 &&
-            file.commit())
-            return;
-        auto* box = new QMessageBox(
-            QMessageBox::Warning, tr("Save Chat as Markdown"),
-            tr("The chat could not be saved as “%1”.").arg(QFileInfo(target).fileName()),
-            QMessageBox::Ok, this);
-        box->setAttribute(Qt::WA_DeleteOnClose);
-        box->setInformativeText(tr("%1. Choose another folder or name.").arg(file.errorString()));
-        box->open();
-    });
-    dialog->open();
 }
 
 // Made when it is first wanted: the window itself is there sooner.

@@ -9,6 +9,7 @@
 
 #include "app/chat_search.h"
 #include "app/document_loader.h"
+#include "export/text_sink.h"
 
 class QFontDialog;
 class QLabel;
@@ -58,7 +59,12 @@ class DocumentWindow final : public QMainWindow {
     void copy();
     void copyWholeChat();
     void saveAsMarkdown();
-    [[nodiscard]] QString markdown() const;
+    void chooseMarkdownFile();
+    void saveMarkdown(const QString& target);
+    /// Whether the chat as Markdown is far larger than its file.
+    [[nodiscard]] bool isOutOfProportion() const;
+    [[nodiscard]] QString sizeLimit() const;
+    void writeMarkdown(const ByteSink& output) const;
     void changeFontSize(int action);
     void showFontPanel();
 

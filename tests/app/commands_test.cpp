@@ -7,7 +7,9 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QTest>
 #include <QToolBar>
@@ -185,6 +187,29 @@ TEST_F(CommandsTest, AChatIsSavedAsTheMarkdownThatIsCopied) {
     ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
     EXPECT_EQ(QString::fromUtf8(saved.readAll()),
               timeline(window).chatlog().generatePlainText(program->contacts()));
+}
+
+TEST_F(CommandsTest, WhatIsFarLargerThanItsFileIsNotCopiedAndSavedAfterAQuestion) {
+    support::Transcript transcript{u"AIM"_s, {{u"ann"_s}}, {}, {}};
+    transcript.messages.resize(800, {.sender = 0, .originalText = u"word "_s.repeated(20'000)});
+    DocumentWindow* large = opened(file(u"large.ichat"_s, support::keyedTranscript(transcript)));
+    QGuiApplication::clipboard()->setText(u"before"_s);
+    choose(large, {u"Edit"_s, u"Copy Whole Chat"_s});
+    QPointer<QMessageBox> box = large->findChild<QMessageBox*>();
+    ASSERT_TRUE(box);
+    box->close();
+    deleteDeferred();
+    EXPECT_FALSE(box);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"before"_s);
+
+    choose(large, {u"File"_s, u"Save Chat as Markdown …"_s});
+    box = large->findChild<QMessageBox*>();
+    ASSERT_TRUE(box);
+    EXPECT_FALSE(large->findChild<QFileDialog*>());
+    box->button(QMessageBox::Save)->click();
+    auto* dialog = large->findChild<QFileDialog*>();
+    ASSERT_TRUE(dialog);
+    dialog->close();
 }
 
 TEST_F(CommandsTest, FilesMayBeDroppedOnAnyWindow) {
