@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/class_registry.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "foundation/checked.h"
@@ -78,10 +79,13 @@ const ClassInfo& ClassRegistry::add(ClassInfo info) {
     const ClassInfo& added = classes_.emplace_back(std::move(info));
     const std::string_view name(added.name.constData(), std::size_t(added.name.size()));
     if (!byName_.emplace(name, &added).second) fatal("a class was registered twice");
+    longestName_ = std::max(longestName_, name.size());
     return added;
 }
 
 const ClassInfo* ClassRegistry::find(std::string_view name) const {
+    // An archive may share one long name among many classes: it is not even hashed.
+    if (name.size() > longestName_) return nullptr;
     const auto found = byName_.find(name);
     return found == byName_.end() ? nullptr : found->second;
 }

@@ -69,6 +69,7 @@ class ClassRegistry {
   private:
     std::deque<ClassInfo> classes_;
     std::unordered_map<std::string_view, const ClassInfo*> byName_;
+    std::size_t longestName_ = 0;
 };
 
 /// Adds the platform's value classes and their public subclasses ("NSTextStorage",

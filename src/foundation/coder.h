@@ -26,6 +26,10 @@ class Coder {
     virtual Value decodeObject() = 0;
     /// The next value of the instance when it is a plain integer (type code "I"), as 32 bits.
     virtual std::optional<quint32> decodeUInt32() = 0;
+    /// A text of this archive without its first units; made once for all that share the text.
+    [[nodiscard]] virtual QString withoutPrefix(const QString& text, qsizetype length) {
+        return text.sliced(length);
+    }
     /// Names the coder in diagnostics, without addresses.
     [[nodiscard]] virtual QString description() const = 0;
 };

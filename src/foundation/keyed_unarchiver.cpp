@@ -40,6 +40,10 @@ std::optional<quint32> KeyedUnarchiver::decodeUInt32() {
     return std::nullopt;
 }
 
+QString KeyedUnarchiver::withoutPrefix(const QString& text, qsizetype length) {
+    return impl_->decoder.withoutPrefix(text, length);
+}
+
 QString KeyedUnarchiver::description() const {
     return QStringLiteral("<NSKeyedUnarchiver>");
 }

@@ -123,9 +123,8 @@ QString resolve(QStringView relative, QStringView baseText) {
 
 }  // namespace
 
-QString URL::absoluteString() const {
-    if (!base_) return relative_;
-    return resolve(relative_, base_->absoluteString());
+QString URL::resolved(const QString& relative, const URL& base) {
+    return resolve(relative, base.absoluteString());
 }
 
 }  // namespace foundation

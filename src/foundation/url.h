@@ -14,13 +14,21 @@ namespace foundation {
 class URL final : public Object {
   public:
     explicit URL(QString relative, std::shared_ptr<const URL> base = nullptr)
-        : relative_(std::move(relative)), base_(std::move(base)) {}
+        : relative_(std::move(relative)),
+          base_(std::move(base)),
+          absolute_(base_ ? resolved(relative_, *base_) : relative_) {}
+    /// With what resolved() answers for the two, so that many addresses can share it.
+    URL(QString relative, std::shared_ptr<const URL> base, QString absolute)
+        : relative_(std::move(relative)), base_(std::move(base)), absolute_(std::move(absolute)) {}
 
     [[nodiscard]] const QString& relative() const { return relative_; }
     [[nodiscard]] const std::shared_ptr<const URL>& base() const { return base_; }
     /// The relative text resolved against the base (RFC 3986, section 5.2; nothing re-encoded);
     /// without a base the relative text itself.
-    [[nodiscard]] QString absoluteString() const;
+    [[nodiscard]] const QString& absoluteString() const { return absolute_; }
+    /// The absolute string that a relative text and a base stand for; at most one unit longer than
+    /// the relative text and the base's absolute string together.
+    [[nodiscard]] static QString resolved(const QString& relative, const URL& base);
 
     [[nodiscard]] QByteArray className() const override { return "NSURL"; }
     /// The absolute string.
@@ -34,6 +42,7 @@ class URL final : public Object {
   private:
     QString relative_;
     std::shared_ptr<const URL> base_;
+    QString absolute_;
 };
 
 }  // namespace foundation

@@ -101,14 +101,27 @@ QByteArray repeatedTexts(std::size_t times) {
 }
 
 /// Attachments that name one folder of many files.
-QByteArray repeatedFolder(int times) {
+QByteArray repeatedFolder(std::size_t files, int times) {
     DenseArchive archive;
-    const std::vector<support::FileDraft> children(100, {.name = QStringLiteral("f")});
+    const std::vector<support::FileDraft> children(files, {.name = QStringLiteral("f")});
     const Node folder = archive.add(archive.data(
         support::serializedFileWrapper({.name = QStringLiteral("d"), .children = children})));
     std::vector<Node> all;
     for (int i = 0; i < times; ++i)
         all.push_back(archive.instance("NSFileWrapper", {{"NSFileWrapperData", folder}}));
+    return archive.bytes(archive.array(all, 1));
+}
+
+/// Different addresses, each relative to one long base.
+QByteArray longAddresses(int count) {
+    DenseArchive archive;
+    const Node base = archive.instance(
+        "NSURL", {{"NS.relative", archive.add(archive.string(QString(100'000, u'x') + u'/'))}});
+    std::vector<Node> all;
+    for (int i = 0; i < count; ++i) {
+        const Node relative = archive.add(archive.string(QString::number(i)));
+        all.push_back(archive.instance("NSURL", {{"NS.relative", relative}, {"NS.base", base}}));
+    }
     return archive.bytes(archive.array(all, 1));
 }
 
@@ -134,10 +147,11 @@ TEST_F(KeyedLimitsTest, StopWhatItsSizeCannotMean) {
         {"levels of nesting", basedOnEachOther(512), basedOnEachOther(513)},
         {"elements in one collection", longArray(4000), longArray(5000)},
         {"elements", manyArrays(2), manyArrays(5)},
-        {"attribute runs", sharedRuns(20, 200, 1), sharedRuns(60, 200, 1)},
+        {"attribute runs", sharedRuns(60, 200, 1), sharedRuns(60, 50'000, 1)},
         {"references", sharedRuns(20, 50'000, 0), sharedRuns(70, 50'000, 0)},
         {"strings and data", repeatedTexts(10), repeatedTexts(80)},
-        {"files", repeatedFolder(20), repeatedFolder(60)},
+        {"files", repeatedFolder(100, 200), repeatedFolder(20'000, 1)},
+        {"addresses and names", longAddresses(100), longAddresses(400)},
     };
     for (const auto& row : rows) {
         EXPECT_NO_THROW(read(row.within)) << row.what;

@@ -37,6 +37,13 @@ Value Decoder::decodeKey(std::string_view key) {
     return value == none ? Value() : decodeValue(value, {key});
 }
 
+QString Decoder::withoutPrefix(const QString& text, qsizetype length) {
+    return derivedTexts_.derived(text, nullptr, [&] {
+        limits_.derivedBytes.spend(valueOverhead + 2 * quint64(text.size()));
+        return text.sliced(length);
+    });
+}
+
 /// Plain values stand inline or behind a UID; both are read.
 Value Decoder::decodeValue(Ref value, const Demand& demand) {
     const quint64 uid = archive_.uid(value);
@@ -55,10 +62,11 @@ Value Decoder::decodeObject(quint64 uid, const Demand& demand) {
     // Plain values are let through even where their class is not allowed.
     if (node.kind() != Kind::dictionary) return decodePrimitive(node, demand.key);
     const Instance instance(node, layouts_);
-    if (state != State::unchecked) return decodeNewInstance(uid, instance, demand);
+    if (state != State::unchecked && state != State::nothing)
+        return decodeNewInstance(uid, instance, demand);
     if (!demand.part) {
         classOf(instance, demand);
-        states_[uid] = State::done;
+        if (state == State::unchecked) states_[uid] = State::done;
     }
     return slots_[uid];
 }
@@ -72,7 +80,7 @@ Value Decoder::decodeNewInstance(quint64 uid, const Instance& instance, const De
     ++depth_;
     Value value = build(instance, info);
     --depth_;
-    states_[uid] = before;
+    states_[uid] = value.isNothing() ? State::nothing : before;
     if (auto object = value.object<Object>()) {
         slots_[uid] = std::move(object);
         states_[uid] = demand.part ? State::unchecked : State::done;

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 //
 // Decoder: rebuilds the objects of a keyed archive when they are asked for. Objects are decoded
-// once and shared, in one slot a UID; values (strings, numbers, dates, data) have no identity and
-// are read where they stand each time. What is still being decoded counts as nothing, which cuts
-// every cycle. The first error ends the decoding.
+// once, whatever comes out of it, and shared, in one slot a UID; values (strings, numbers, dates,
+// data) have no identity and are read where they stand each time. What is still being decoded
+// counts as nothing, which cuts every cycle. The first error ends the decoding.
 
 #include <map>
 #include <memory>
@@ -15,6 +15,7 @@
 
 #include "foundation/attributed_string.h"
 #include "foundation/class_registry.h"
+#include "foundation/derived_texts.h"
 #include "foundation/keyed/archive.h"
 #include "foundation/keyed/instance.h"
 #include "foundation/keyed/limits.h"
@@ -35,6 +36,8 @@ class Decoder {
     Value decodeTop(std::string_view key);
     /// The value under the key in the instance of an application class that is being decoded.
     Value decodeKey(std::string_view key);
+    /// A text without its first units, made once for all that share the text.
+    QString withoutPrefix(const QString& text, qsizetype length);
 
   private:
     /// What an object is wanted for.
@@ -51,6 +54,7 @@ class Decoder {
         inProgress,
         unchecked,   ///< decoded, its class was not checked
         done,        ///< decoded and checked
+        nothing,     ///< decoded, and came to nothing
         attributes,  ///< a dictionary of which only Attributes were read
     };
 
@@ -64,6 +68,11 @@ class Decoder {
     std::vector<std::shared_ptr<const Object>> slots_;
     std::vector<State> states_;
     std::map<quint64, ClassRecord> classes_;  ///< by UID
+    /// Of dictionaries that something else asks for as well, by UID.
+    std::map<quint64, std::shared_ptr<const Attributes>> sharedAttributes_;
+    /// Null for malformed ones; by where their bytes lie.
+    std::map<std::pair<const char*, qsizetype>, std::shared_ptr<const FileWrapper>> fileWrappers_;
+    DerivedTexts derivedTexts_;
     const Instance* current_ = nullptr;
     int depth_ = 0;
 
@@ -108,6 +117,7 @@ class Decoder {
     Value* slotFor(Ref name, Attributes& attributes);
     Value decodeTextAttachment(const Instance& instance);
     Value decodeFileWrapper(const Instance& instance);
+    std::shared_ptr<const FileWrapper> fileWrapper(const Data& data);
 };
 
 }  // namespace foundation::keyed

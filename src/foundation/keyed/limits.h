@@ -8,6 +8,7 @@
 
 #include <QtGlobal>
 
+#include "foundation/attributed_string.h"
 #include "foundation/keyed/errors.h"
 
 namespace foundation::keyed {
@@ -22,6 +23,10 @@ constexpr int depthLimit = 512;
 
 /// The bytes that a string or a box of data takes beside its content.
 constexpr quint64 valueOverhead = 48;
+
+/// What an archive may ask for beyond multiples of its size where it stores something once that an
+/// honest chat has many times: the runs of equal messages, links on one base.
+constexpr quint64 sharedAllowance = quint64(64) << 20;
 
 /// One bounded sum. Throws Error when it is passed.
 class Allowance {
@@ -43,16 +48,20 @@ class Allowance {
 struct Limits {
     explicit Limits(quint64 fileSize)
         : elements(2 * elementLimit(fileSize), "elements"),
-          runs(fileSize / 2 + 4096, "attribute runs"),
+          runs((16 * fileSize + sharedAllowance) / sizeof(AttributeRun), "attribute runs"),
           bytes(6 * fileSize + 262'144, "strings and data"),
+          derivedBytes(7 * fileSize + sharedAllowance, "addresses and names"),
+          wrapperBytes(2 * fileSize, "bytes of files"),
           files(fileSize / 32 + 4096, "files"),
           steps(16 * fileSize + 1'000'000, "references") {}
 
-    Allowance elements;  ///< of all collections
-    Allowance runs;      ///< of all attributed strings
-    Allowance bytes;     ///< of all strings and boxes of data
-    Allowance files;     ///< wrappers, entries of directories included
-    Allowance steps;     ///< of other work: instances decoded, keys compared, empty runs passed
+    Allowance elements;      ///< of all collections
+    Allowance runs;          ///< of all attributed strings
+    Allowance bytes;         ///< of all strings and boxes of data
+    Allowance derivedBytes;  ///< of texts made from others
+    Allowance wrapperBytes;  ///< in which wrappers are read
+    Allowance files;         ///< wrappers, entries of directories included
+    Allowance steps;         ///< of other work: instances decoded, keys compared, empty runs passed
 };
 
 }  // namespace foundation::keyed

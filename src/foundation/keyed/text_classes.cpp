@@ -114,6 +114,8 @@ std::shared_ptr<const Attributes> Decoder::decodeAttributes(Ref value) {
         const auto box = std::static_pointer_cast<const AttributesBox>(slots_[uid]);
         return box ? box->attributes : nullptr;
     }
+    if (const auto known = sharedAttributes_.find(uid); known != sharedAttributes_.end())
+        return known->second;
     const auto dictionary = partInstance(uid, {"NSAttributes", ClassKind::dictionary});
     if (!dictionary) return nullptr;
     if (depth_ >= depthLimit) throw excessError("levels of nesting");
@@ -125,6 +127,8 @@ std::shared_ptr<const Attributes> Decoder::decodeAttributes(Ref value) {
     if (before == State::unvisited) {
         states_[uid] = State::attributes;
         if (attributes) slots_[uid] = std::make_shared<AttributesBox>(attributes);
+    } else {
+        sharedAttributes_.emplace(uid, attributes);
     }
     return attributes;
 }
@@ -178,10 +182,18 @@ Value Decoder::decodeTextAttachment(const Instance& instance) {
 
 Value Decoder::decodeFileWrapper(const Instance& instance) {
     const Value data = decodePart(instance, "NSFileWrapperData", ClassKind::data);
-    if (!data.data()) return {};
-    const auto wrapper = parseSerializedFileWrapper(*data.data());
-    if (wrapper) limits_.files.spend(countOfFiles(*wrapper));
-    return wrapper;
+    return data.data() ? Value(fileWrapper(*data.data())) : Value();
+}
+
+/// Many wrappers may name the same bytes; they are read once, well-formed or not.
+std::shared_ptr<const FileWrapper> Decoder::fileWrapper(const Data& data) {
+    const auto [known, isNew] = fileWrappers_.try_emplace({data.begin(), data.size()});
+    if (isNew) {
+        limits_.wrapperBytes.spend(quint64(data.size()));
+        known->second = parseSerializedFileWrapper(data);
+        if (known->second) limits_.files.spend(countOfFiles(*known->second));
+    }
+    return known->second;
 }
 
 }  // namespace foundation::keyed

@@ -15,15 +15,15 @@ QString Texts::text(const Node& node) {
     Recent& recent = recent_[(reinterpret_cast<quintptr>(node.payload()) >> 4) % recent_.size()];
     if (recent.payload == node.payload() && quint64(recent.text.size()) == node.count())
         return recent.text;
+    const std::tuple key(node.payload(), node.count(), node.kind());
     const bool isShared = decoded_ > fileSize_ && node.count() >= shortestShared;
     if (isShared)
-        if (const auto found = shared_.find(node.payload()); found != shared_.end())
-            return found->second;
+        if (const auto found = shared_.find(key); found != shared_.end()) return found->second;
     bytes_.spend(valueOverhead + 2 * node.count());
     decoded_ += node.count();
     recent.payload = node.payload();
     recent.text = decode(node);
-    if (isShared) shared_.emplace(node.payload(), recent.text);
+    if (isShared) shared_.emplace(key, recent.text);
     return recent.text;
 }
 

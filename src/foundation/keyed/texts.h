@@ -9,6 +9,7 @@
 #include <QString>
 #include <array>
 #include <map>
+#include <tuple>
 
 #include "foundation/keyed/archive.h"
 #include "foundation/keyed/limits.h"
@@ -19,8 +20,8 @@ class Texts {
   public:
     Texts(quint64 fileSize, Allowance& bytes) : fileSize_(fileSize), bytes_(bytes) {}
 
-    /// The text of a string node of either kind. Bytes above 0x7f in an ASCII string are read as
-    /// UTF-8, unpaired surrogates are kept.
+    /// The text of a string node of either kind, or of the UTF-8 in a data node. Bytes above 0x7f
+    /// in an ASCII string are read as UTF-8, unpaired surrogates are kept.
     QString text(const Node& node);
 
   private:
@@ -32,7 +33,8 @@ class Texts {
         QString text;
     };
     std::array<Recent, 16> recent_;
-    std::map<const char*, QString> shared_;  ///< by payload
+    /// By payload, and by count and kind.
+    std::map<std::tuple<const char*, quint64, Kind>, QString> shared_;
 
     QString decode(const Node& node);
 };

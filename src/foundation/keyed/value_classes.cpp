@@ -20,7 +20,8 @@ bool isNumber(const Node& node) {
 /// The number behind a prefix: "NS.object.12".
 std::optional<quint64> numberBehind(QByteArrayView name, std::string_view prefix) {
     const std::string_view text(name.data(), std::size_t(name.size()));
-    if (!text.starts_with(prefix)) return std::nullopt;
+    // No longer than a number can be: many keys may share one name.
+    if (!text.starts_with(prefix) || text.size() > prefix.size() + 20) return std::nullopt;
     quint64 number = 0;
     const auto [end, error] =
         std::from_chars(text.data() + prefix.size(), text.data() + text.size(), number);
@@ -60,9 +61,7 @@ Value Decoder::decodeString(const Instance& instance) {
     const Value text = decodePart(instance, stringKey, ClassKind::string);
     if (text.string()) return text;
     const Node bytes = instance.value(bytesKey);
-    if (bytes.kind() != Kind::data) return QString();
-    limits_.bytes.spend(valueOverhead + 2 * bytes.count());
-    return QString::fromUtf8(bytes.payload(), qsizetype(bytes.count()));
+    return bytes.kind() == Kind::data ? texts_.text(bytes) : QString();
 }
 
 Value Decoder::decodeNumber(const Instance& instance) {
@@ -97,7 +96,15 @@ Value Decoder::decodeUrl(const Instance& instance) {
     const Value relative = decodePart(instance, relativeKey, ClassKind::string);
     if (!relative.string()) return {};
     const Value base = decodePart(instance, baseKey, ClassKind::url);
-    return std::make_shared<URL>(*relative.string(), base.object<URL>());
+    auto baseUrl = base.object<URL>();
+    if (!baseUrl) return std::make_shared<URL>(*relative.string());
+    QString absolute = derivedTexts_.derived(*relative.string(), baseUrl.get(), [&] {
+        const auto size =
+            quint64(relative.string()->size()) + quint64(baseUrl->absoluteString().size());
+        limits_.derivedBytes.spend(valueOverhead + 2 * size);
+        return URL::resolved(*relative.string(), *baseUrl);
+    });
+    return std::make_shared<URL>(*relative.string(), std::move(baseUrl), std::move(absolute));
 }
 
 Value Decoder::decodeDictionary(const Instance& instance) {

@@ -63,19 +63,13 @@ Value date(std::span<const StreamValue> values) {
     return seconds ? Value(Date{seconds->real}) : Value();
 }
 
-/// Characters that resolving against a base copies. A long one may be shared by many addresses.
-quint64 resolvingCost(const URL* base) {
-    quint64 result = 0;
-    quint64 length = 0;
-    for (; base; base = base->base().get()) {
-        length += static_cast<quint64>(base->relative().size());
-        result += length;
-    }
-    return result;
+quint64 bytesOf(const std::optional<QString>& text) {
+    return text ? static_cast<quint64>(text->size()) * sizeof(QChar) : 0;
 }
 
 quint64 wrapperSize(const FileWrapper& wrapper) {
-    quint64 size = kFileWrapperSize;
+    quint64 size =
+        kFileWrapperSize + bytesOf(wrapper.filename) + bytesOf(wrapper.preferredFilename);
     for (const auto& child : wrapper.children)
         size += wrapperSize(*child);
     return size;
@@ -163,9 +157,24 @@ Value ObjectRebuilder::string(std::span<const StreamValue> values) {
         return (value.kind == Kind::bytes && value.type == '+') || value.kind == Kind::text;
     });
     if (!text) return {};
-    QString string = decodedText(text->view());
-    budget_.takeKept(static_cast<quint64>(string.size()) * sizeof(QChar) + 32);
-    return string;
+    if (text->kind == Kind::bytes) return this->text(text->view());
+    // A C string is stored once for all that have it.
+    const auto known = textsBySource_.find(text->data);
+    if (known != textsBySource_.end()) return known->second;
+    return textsBySource_.emplace(text->data, this->text(text->view())).first->second;
+}
+
+QString ObjectRebuilder::text(std::string_view bytes) {
+    // UTF-8 has a byte at least for each unit.
+    budget_.takeKept(bytes.size() * sizeof(QChar) + 32);
+    return decodedText(bytes);
+}
+
+QString ObjectRebuilder::withoutPrefix(const QString& text, qsizetype length) {
+    return derivedTexts_.derived(text, nullptr, [&] {
+        budget_.takeKept(static_cast<quint64>(text.size()) * sizeof(QChar) + 32);
+        return text.sliced(length);
+    });
 }
 
 Value ObjectRebuilder::data(std::span<const StreamValue> values) {
@@ -188,8 +197,13 @@ Value ObjectRebuilder::url(std::span<const StreamValue> values) {
     }
     if (!relative) return {};
     budget_.takeKept(kObjectSize);
-    budget_.takeWorking(resolvingCost(base.get()));
-    return std::make_shared<URL>(*std::move(relative), std::move(base));
+    if (!base) return std::make_shared<URL>(*std::move(relative));
+    QString absolute = derivedTexts_.derived(*relative, base.get(), [&] {
+        const auto size = relative->size() + base->absoluteString().size();
+        budget_.takeKept(static_cast<quint64>(size) * sizeof(QChar) + 32);
+        return URL::resolved(*relative, *base);
+    });
+    return std::make_shared<URL>(*std::move(relative), std::move(base), std::move(absolute));
 }
 
 /// The elements that are there, whatever the stored count: a subclass may have added others.
@@ -324,7 +338,7 @@ Value ObjectRebuilder::fileWrapper(std::span<const StreamValue> values) {
     // Many wrappers may name one data object; it is read once.
     const auto [known, isNew] = wrappersBySource_.try_emplace(serialized->begin());
     if (isNew) {
-        budget_.takeWorking(kObjectSize);
+        budget_.takeWorking(kObjectSize + static_cast<quint64>(serialized->size()));
         known->second = parseSerializedFileWrapper(*serialized);
         if (known->second) budget_.takeKept(wrapperSize(*known->second));
     }

@@ -10,6 +10,7 @@
 #include <unordered_map>
 
 #include "foundation/attributed_string.h"
+#include "foundation/derived_texts.h"
 #include "foundation/non_keyed/chunked_vector.h"
 #include "foundation/non_keyed/memory_budget.h"
 #include "foundation/non_keyed/object_table.h"
@@ -39,6 +40,9 @@ class ObjectRebuilder {
         return value.kind == StreamValue::Kind::object ? valueOf(value.number) : nothing_;
     }
 
+    /// A text without its first units, made once for all that share the text.
+    [[nodiscard]] QString withoutPrefix(const QString& text, qsizetype length);
+
   private:
     struct ArchivedDictionary {
         quint32 firstMember = 0;  ///< in members_: the numbers of keys and values in turn
@@ -51,6 +55,7 @@ class ObjectRebuilder {
     Value rebuilt(const ClassRecord& cls, std::span<const StreamValue> values);
     Value opaque(const ClassRecord& cls);
     Value string(std::span<const StreamValue> values);
+    QString text(std::string_view bytes);
     Value data(std::span<const StreamValue> values);
     Value url(std::span<const StreamValue> values);
     std::vector<Value> elements(std::span<const StreamValue> values);
@@ -76,6 +81,8 @@ class ObjectRebuilder {
     ChunkedVector<quint32> members_;
     std::unordered_map<const char*, Value> opaqueByName_;
     std::unordered_map<const char*, std::shared_ptr<const FileWrapper>> wrappersBySource_;
+    std::unordered_map<const char*, QString> textsBySource_;
+    DerivedTexts derivedTexts_;
     /// Of the attributed string being rebuilt, by their number less one.
     std::vector<const std::shared_ptr<const Attributes>*> numberedAttributes_;
 };

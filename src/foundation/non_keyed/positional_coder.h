@@ -26,6 +26,9 @@ class PositionalCoder final : public Coder {
         if (!next || next->kind != StreamValue::Kind::integer) return std::nullopt;
         return static_cast<quint32>(next->integer);
     }
+    [[nodiscard]] QString withoutPrefix(const QString& text, qsizetype length) override {
+        return rebuilder_.withoutPrefix(text, length);
+    }
     [[nodiscard]] QString description() const override { return QStringLiteral("<NSUnarchiver>"); }
 
   private:
