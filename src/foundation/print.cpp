@@ -5,6 +5,8 @@
 #include <mutex>
 #include <utility>
 
+#include "foundation/elided.h"
+
 namespace foundation {
 namespace {
 
@@ -19,9 +21,13 @@ Target& target() {
     return shared;
 }
 
+thread_local PrintingOfOneFile* currentFile = nullptr;
+
 }  // namespace
 
-void print(QStringView line) {
+void print(QStringView whole) {
+    if (currentFile && ++currentFile->lines_ > PrintingOfOneFile::kMostLines) return;
+    const QString line = elided(whole.toString(), longestPrintedLine);
     Target& to = target();
     const std::lock_guard lock(to.mutex);
     if (to.function) {
@@ -31,6 +37,16 @@ void print(QStringView line) {
     QByteArray bytes = line.toUtf8();
     bytes.append('\n');
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), to.stream);
+}
+
+PrintingOfOneFile::PrintingOfOneFile() {
+    currentFile = this;
+}
+
+PrintingOfOneFile::~PrintingOfOneFile() {
+    currentFile = nullptr;
+    if (lines_ > kMostLines)
+        print(QStringLiteral("WARN: %1 more lines about this file").arg(lines_ - kMostLines));
 }
 
 void setPrintTarget(std::FILE* stream) {

@@ -5,6 +5,8 @@
 #include <QStringView>
 #include <cmath>
 
+#include "foundation/elided.h"
+
 namespace foundation {
 namespace {
 
@@ -50,14 +52,12 @@ void appendDescription(QString& text, const Value& value) {
     else if (const auto dictionary = value.object<Dictionary>())
         appendPairs(text, dictionary->pairs);
     else
-        text += value.description();
+        text += elided(value.description(), descriptionLimit);
 }
 
 /// Cuts what the last, perhaps long, element has added.
-QString bounded(QString text) {
-    if (text.size() <= descriptionLimit) return text;
-    text.truncate(descriptionLimit);
-    return text + QChar(0x2026);
+QString bounded(const QString& text) {
+    return elided(text, descriptionLimit + 1);
 }
 
 QString dataDescription(const Data& data) {
@@ -157,19 +157,19 @@ QString Value::description() const {
 QString Array::description() const {
     QString text;
     appendList(text, elements, QLatin1StringView("("), QLatin1StringView(")"));
-    return bounded(std::move(text));
+    return bounded(text);
 }
 
 QString Set::description() const {
     QString text;
     appendList(text, elements, QLatin1StringView("{("), QLatin1StringView(")}"));
-    return bounded(std::move(text));
+    return bounded(text);
 }
 
 QString Dictionary::description() const {
     QString text;
     appendPairs(text, pairs);
-    return bounded(std::move(text));
+    return bounded(text);
 }
 
 }  // namespace foundation
