@@ -17,6 +17,7 @@
 #include "transcript/chat_log.h"
 #include "transcript/chat_timeline.h"
 #include "transcript/run.h"
+#include "transcript/user_id_table.h"
 
 namespace vell {
 
@@ -87,14 +88,22 @@ class RecentSenders {
     std::size_t next_ = 0;
 };
 
+QSet<TesselUserID> usersOf(const QSet<SharedUserID>& shared) {
+    QSet<TesselUserID> result;
+    for (const SharedUserID& user : shared)
+        result.insert(*user);
+    return result;
+}
+
 class Conversion {
   public:
-    Conversion(iChatTimeline timeline, std::optional<Date> fileDate,
+    Conversion(iChatTimeline timeline, qsizetype fileSize, std::optional<Date> fileDate,
                const foundation::Calendar& calendar)
         : timeline_(std::move(timeline)),
           fileDate_(fileDate),
           calendar_(calendar),
-          serviceID_{timeline_.protocolName} {}
+          serviceID_{timeline_.protocolName},
+          userIDs_(fileSize) {}
 
     TesselChatLog run();
 
@@ -103,8 +112,9 @@ class Conversion {
     const std::optional<Date> fileDate_;
     const foundation::Calendar calendar_;
     const TesselServiceID serviceID_;
-    QSet<TesselUserID> participants_;
-    QSet<TesselUserID> seen_;
+    UserIDTable userIDs_;
+    QSet<SharedUserID> participants_;
+    QSet<SharedUserID> seen_;
     std::vector<Event> events_;
     std::vector<bool> continuations_;
     SharedRuns sharedRuns_;
@@ -117,7 +127,7 @@ class Conversion {
     std::shared_ptr<const Presentity> presentity_;  // of the sender
     SharedUserID sender_;
 
-    [[nodiscard]] TesselUserID userID(const Presentity& presentity) const;
+    [[nodiscard]] SharedUserID userID(const Presentity& presentity);
     template <class Payload>
     void append(Date timestamp, const SharedUserID& sender, Payload payload);
     void convert(const std::shared_ptr<const InstantMessage>& message);
@@ -149,9 +159,10 @@ TesselChatLog Conversion::run() {
     return finish();
 }
 
-TesselUserID Conversion::userID(const Presentity& presentity) const {
+SharedUserID Conversion::userID(const Presentity& presentity) {
     const auto& service = presentity.serviceName;
-    return {service ? TesselServiceID{*service} : serviceID_, presentity.accountName};
+    return userIDs_.shared(
+        {service ? TesselServiceID{*service} : serviceID_, presentity.accountName});
 }
 
 /// Built in its place: events are most of what a conversion writes.
@@ -179,9 +190,7 @@ void Conversion::takeSender(const std::shared_ptr<const Presentity>& presentity,
     SharedUserID sender;
     if (presentity) {
         sender = recentSenders_.find(presentity.get());
-        if (!sender)  // the set's copy of the names is shared by all events
-            sender =
-                recentSenders_.add(presentity, SharedUserID(*seen_.insert(userID(*presentity))));
+        if (!sender) sender = recentSenders_.add(presentity, *seen_.insert(userID(*presentity)));
     }
     if (sender_ && sender != sender_) append(date, sender_, TesselChatLog::User());
     sender_ = std::move(sender);
@@ -255,22 +264,22 @@ void Conversion::appendEmptyTranscript() {
     append(date, std::nullopt, TesselChatLog::PlainText{u"The chatlog is empty."_s});
     if (participants_.isEmpty()) return;
     QStringList names;
-    for (const TesselUserID& user : sorted(participants_))
+    for (const TesselUserID& user : sorted(usersOf(participants_)))
         names.append(user.userID);
     append(date, std::nullopt, TesselChatLog::PlainText{u"Participants: "_s + names.join(u", "_s)});
 }
 
 /// The owner is the one who speaks without being listed among the participants.
 TesselChatLog Conversion::finish() {
-    QSet<TesselUserID> others = participants_;
+    QSet<SharedUserID> others = participants_;
     others.unite(seen_);
-    const QSet<TesselUserID> candidates = seen_ - participants_;
+    const QSet<SharedUserID> candidates = seen_ - participants_;
     TesselUserID own{serviceID_, u"?"_s};
     if (candidates.size() == 1) {
-        own = *candidates.begin();
-        others.remove(own);
+        own = **candidates.begin();
+        others.remove(*candidates.begin());
     }
-    return {serviceID_, std::move(own), std::move(others), std::move(events_),
+    return {serviceID_, std::move(own), usersOf(others), std::move(events_),
             std::move(continuations_)};
 }
 
@@ -284,10 +293,17 @@ TesselChatLog TesselChatLog::fromData(const foundation::Data& data, std::optiona
 TesselChatLog TesselChatLog::fromData(const foundation::Data& data, std::optional<Date> fileDate,
                                       const foundation::Calendar& calendar,
                                       const foundation::ClassRegistry& registry) {
+    const foundation::PrintingOfOneFile printing;
     const auto log = tesselLoadLog();
     try {
-        return Conversion(iChatTimeline::fromAnyData(data, registry, log.get()), fileDate, calendar)
-            .run();
+        Conversion conversion(iChatTimeline::fromAnyData(data, registry, log.get()), data.size(),
+                              fileDate, calendar);
+        try {
+            return conversion.run();
+        } catch (const foundation::Error& error) {
+            if (log) log->writeln(error.description());
+            throw;
+        }
     } catch (const std::bad_alloc&) {
         if (log) log->writeln(u"Out of memory.");
         throw;

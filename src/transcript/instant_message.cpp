@@ -3,7 +3,9 @@
 
 #include <utility>
 
+#include "foundation/elided.h"
 #include "foundation/object_memory.h"
+#include "foundation/print.h"
 
 namespace vell {
 
@@ -48,14 +50,18 @@ foundation::Value InstantMessage::initWithCoder(foundation::Coder& coder) {
 }
 
 QString InstantMessage::description() const {
+    // Each text may be long and shared by many messages.
+    const auto part = [](const QString& text) {
+        return foundation::elided(text, foundation::longestPrintedLine);
+    };
     QString result = u"<Message:"_s;
-    if (sender) result += u' ' + sender->accountName;
-    if (originalMessage) result += u" \""_s + *originalMessage + u'"';
+    if (sender) result += u' ' + part(sender->accountName);
+    if (originalMessage) result += u" \""_s + part(*originalMessage) + u'"';
     if (date) result += u" date="_s + date->description();
     if (isRead) result += u" read"_s;
     if (participantIds) result += u" parts="_s + participantIds->description();
     if (subject) result += u" subject="_s + subject->description();
-    if (message) result += u" message="_s + message->description();
+    if (message) result += u" message="_s + part(message->description());
     if (flags != 0) result += u" flags="_s + QString::number(flags);
     return result + u'>';
 }

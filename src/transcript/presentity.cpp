@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "transcript/presentity.h"
 
+#include "foundation/elided.h"
+#include "foundation/print.h"
+
 namespace vell {
 
 using namespace Qt::StringLiterals;
@@ -24,16 +27,18 @@ foundation::Value Presentity::initWithCoder(foundation::Coder& coder) {
         service = stringFrom(coder.decodeObject());
         account = stringFrom(coder.decodeObject());
     }
-    auto result = std::make_shared<Presentity>(account.value_or(QString()), std::move(service));
     // An e-mail account of this one service carries a marker of its kind in front.
-    if (result->serviceName == u"iMessage" && result->accountName.startsWith(u"e:"))
-        result->accountName.remove(0, 2);
-    return result;
+    if (service == u"iMessage" && account && account->startsWith(u"e:"))
+        account = coder.withoutPrefix(*account, 2);
+    return std::make_shared<Presentity>(account.value_or(QString()), std::move(service));
 }
 
 QString Presentity::description() const {
-    const QString service = serviceName ? u" service="_s + *serviceName : QString();
-    return u"<Presentity: "_s + accountName + service + u'>';
+    const auto part = [](const QString& text) {
+        return foundation::elided(text, foundation::longestPrintedLine);
+    };
+    const QString service = serviceName ? u" service="_s + part(*serviceName) : QString();
+    return u"<Presentity: "_s + part(accountName) + service + u'>';
 }
 
 }  // namespace vell

@@ -13,6 +13,11 @@
 
 namespace vell {
 
+/// Whether two texts are equal; those that share their characters are not looked at.
+[[nodiscard]] inline bool isSameText(const QString& a, const QString& b) {
+    return (a.constData() == b.constData() && a.size() == b.size()) || a == b;
+}
+
 struct TesselServiceID {
     QString rawValue;  ///< as archived: "AIM", "Jabber", "iMessage" …
 
@@ -21,7 +26,9 @@ struct TesselServiceID {
 
     [[nodiscard]] QString description() const;  ///< "<AIM>"
 
-    friend bool operator==(const TesselServiceID&, const TesselServiceID&) = default;
+    friend bool operator==(const TesselServiceID& a, const TesselServiceID& b) {
+        return isSameText(a.rawValue, b.rawValue);
+    }
     friend size_t qHash(const TesselServiceID& service, size_t seed = 0) {
         return ::qHash(service.rawValue, seed);
     }
@@ -33,37 +40,49 @@ struct TesselUserID {
 
     [[nodiscard]] QString description() const;  ///< "<@alice (AIM)>"
 
-    friend bool operator==(const TesselUserID&, const TesselUserID&) = default;
+    friend bool operator==(const TesselUserID& a, const TesselUserID& b) {
+        return a.serviceID == b.serviceID && isSameText(a.userID, b.userID);
+    }
     friend size_t qHash(const TesselUserID& user, size_t seed = 0) {
         return qHashMulti(seed, user.serviceID, user.userID);
     }
 };
 
-/// A user that many events share, or nobody; reads like an optional at a third of its size.
+/// A user that many events share, or nobody; reads like an optional at a third of its size. Its
+/// hash is kept beside it, so that neither hashing nor telling two users apart costs as much as
+/// their names are long.
 class SharedUserID {
   public:
     SharedUserID() = default;
     SharedUserID(std::nullopt_t) {}
-    SharedUserID(TesselUserID user)
-        : user_(std::make_shared<const TesselUserID>(std::move(user))) {}
+    SharedUserID(TesselUserID user) : shared_(std::make_shared<const Shared>(std::move(user))) {}
     SharedUserID(const std::optional<TesselUserID>& user) {
         if (user) *this = *user;
     }
     operator std::optional<TesselUserID>() const {
-        return user_ ? std::optional(*user_) : std::nullopt;
+        return shared_ ? std::optional(shared_->user) : std::nullopt;
     }
 
-    [[nodiscard]] bool has_value() const { return user_ != nullptr; }
+    [[nodiscard]] bool has_value() const { return shared_ != nullptr; }
     explicit operator bool() const { return has_value(); }
-    const TesselUserID& operator*() const { return *user_; }
-    const TesselUserID* operator->() const { return user_.get(); }
+    const TesselUserID& operator*() const { return shared_->user; }
+    const TesselUserID* operator->() const { return &shared_->user; }
 
     friend bool operator==(const SharedUserID& a, const SharedUserID& b) {
-        return a.user_ == b.user_ || (a && b && *a == *b);
+        if (a.shared_ == b.shared_) return true;
+        return a && b && a.shared_->hash == b.shared_->hash && *a == *b;
+    }
+    friend size_t qHash(const SharedUserID& user, size_t seed = 0) {
+        return ::qHash(user ? user.shared_->hash : 0, seed);
     }
 
   private:
-    std::shared_ptr<const TesselUserID> user_;
+    struct Shared {
+        explicit Shared(TesselUserID id) : user(std::move(id)), hash(qHash(user)) {}
+        const TesselUserID user;
+        const size_t hash;
+    };
+    std::shared_ptr<const Shared> shared_;
 };
 
 /// The users by service, then user id, both by code unit: the order wherever a set becomes text.
