@@ -174,6 +174,18 @@ TEST(Conversion, RunsOfOneMessageAreKeptTogether) {
     EXPECT_FALSE(borderless.continuesMessage(2));
 }
 
+TEST(Conversion, PrintsFewAndShortLinesAboutOneFile) {
+    const Messages messages(
+        1500, message(person(QByteArray(5000, 'a').constData()), std::nullopt, std::nullopt));
+    for (int i = 0; i < 2; ++i) {
+        PrintedLines printed;
+        (void)convert(root(u"AIM"_s, messages));
+        ASSERT_EQ(printed.lines.size(), 1001u);
+        EXPECT_EQ(QString::fromStdString(printed.lines.front()).size(), 1000);
+        EXPECT_EQ(printed.lines.back(), "WARN: 500 more lines about this file");
+    }
+}
+
 TEST(Conversion, OwnUserAndOthers) {
     const auto say = [](const Sender& who) { return message(who, std::nullopt, u"x"_s); };
     struct Row {
