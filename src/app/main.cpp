@@ -3,7 +3,6 @@
 // vell [FILE…]: opens transcripts in windows. With --render it paints one into a picture instead.
 
 #include <QApplication>
-#include <QByteArrayView>
 #include <QDir>
 #include <QIcon>
 #include <QLibraryInfo>
@@ -12,6 +11,7 @@
 #include <QTranslator>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include "app/application.h"
 #include "app/command_line.h"
@@ -48,21 +48,24 @@ bool hasDisplay() {
 #endif
 }
 
-/// While the toolkit looks for a display: when there is none, a sentence and a plain end instead of
-/// a list of plug-ins and an abort.
-void tellOfDisplay(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-    static QStringList reasons;
-    if (type == QtFatalMsg) {
-        std::fprintf(
-            stderr, "vell: no display can be used (%s); --render OUT.png FILE paints without one\n",
-            qUtf8Printable(reasons.join(QStringLiteral("; ")).simplified()));
-        std::_Exit(1);
+/// What the toolkit says while it looks for a display; printed once it has one.
+QStringList heldBack;
+
+/// When there is none, it goes on with a list of plug-ins and an abort; this ends with a sentence.
+void holdBack(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    if (type != QtFatalMsg) {
+        heldBack.append(qFormatLogMessage(type, context, message));
+        return;
     }
-    if (type != QtDebugMsg && QByteArrayView(context.category).startsWith("qt.qpa.")) {
-        if (type == QtWarningMsg) reasons.append(message);
-    } else {
-        std::fprintf(stderr, "%s\n", qUtf8Printable(qFormatLogMessage(type, context, message)));
+    QStringList asked;
+    for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"}) {
+        if (!qEnvironmentVariableIsEmpty(name))
+            asked.append(QLatin1String(name) + u'=' + qEnvironmentVariable(name));
     }
+    std::fprintf(stderr,
+                 "vell: no display answers (%s); --render OUT.png FILE paints without one\n",
+                 qUtf8Printable(asked.join(QStringLiteral(", "))));
+    std::_Exit(1);
 }
 
 /// The desktop's language, for our texts and for those of the toolkit's own dialogs.
@@ -101,9 +104,11 @@ int run(int argc, char** argv) {
     QStringList paths;
     for (const QString& file : line.files)
         paths.append(vell::argumentPath(file, QDir::currentPath()));
-    qInstallMessageHandler(tellOfDisplay);
+    qInstallMessageHandler(holdBack);
     QApplication application(argc, argv);
     qInstallMessageHandler(nullptr);
+    for (const QString& line : std::as_const(heldBack))
+        std::fprintf(stderr, "%s\n", qUtf8Printable(line));
     installTranslations(application);
     QGuiApplication::setLayoutDirection(QLocale().textDirection());
     if (line.renderTarget) return vell::render(paths.first(), *line.renderTarget, line.isDark);

@@ -9,7 +9,8 @@ status=0
 for environment in DISPLAY= DISPLAY=:4711 WAYLAND_DISPLAY=gone 'DISPLAY=:4711 WAYLAND_DISPLAY=gone' \
     QT_QPA_PLATFORM=nonsense; do
     # shellcheck disable=SC2086
-    said=$(env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM $environment "$1" 2>&1)
+    said=$(env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM XDG_RUNTIME_DIR=/nowhere \
+        LC_ALL=C.UTF-8 $environment "$1" 2>&1)
     answer=$?
     if [ $answer -ne 1 ] || [[ "$said" == *$'\n'* || "$said" != 'vell: '*' --render '* ]]; then
         printf '%s: ended with %s and said:\n%s\n' "$environment" $answer "$said"
