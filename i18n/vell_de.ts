@@ -84,6 +84,10 @@ Nichts davon wird geändert oder irgendwohin gesendet. In den Einstellungen kön
         <source>Allow</source>
         <translation>Erlauben</translation>
     </message>
+    <message>
+        <source>Not Now</source>
+        <translation>Nicht jetzt</translation>
+    </message>
 </context>
 <context>
     <name>Saving</name>

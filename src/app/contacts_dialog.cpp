@@ -14,7 +14,7 @@ ContactsDialog::~ContactsDialog() {
     delete box_;
 }
 
-void ContactsDialog::ask(std::function<void(bool)> answer) {
+void ContactsDialog::ask(Answered answer) {
     waiting_.push_back(std::move(answer));
     if (box_) return;
     QStringList places;
@@ -32,14 +32,22 @@ void ContactsDialog::ask(std::function<void(bool)> answer) {
         tr("It would read:\n%1\n\nNothing is written to them or sent anywhere. You "
            "can change your answer in the preferences.")
             .arg(places.join(u'\n')));
-    box_->addButton(tr("Don’t Allow"), QMessageBox::RejectRole);
-    const QPushButton* allow = box_->addButton(tr("Allow"), QMessageBox::AcceptRole);
-    QObject::connect(box_, &QMessageBox::finished, box_,
-                     [this, allow] { finish(box_->clickedButton() == allow); });
+    const QAbstractButton* refuse = box_->addButton(tr("Don’t Allow"), QMessageBox::NoRole);
+    const QAbstractButton* allow = box_->addButton(tr("Allow"), QMessageBox::AcceptRole);
+    // What the Escape key and closing the dialog mean.
+    box_->setEscapeButton(box_->addButton(tr("Not Now"), QMessageBox::RejectRole));
+    QObject::connect(box_, &QMessageBox::finished, box_, [this, refuse, allow] {
+        const QAbstractButton* clicked = box_->clickedButton();
+        finish(clicked == allow    ? std::optional(true)
+               : clicked == refuse ? std::optional(false)
+                                   : std::nullopt);
+    });
+    // A window that closes takes the dialog with it.
+    QObject::connect(box_, &QObject::destroyed, [this] { finish(std::nullopt); });
     box_->open();
 }
 
-void ContactsDialog::finish(bool allowed) {
+void ContactsDialog::finish(std::optional<bool> allowed) {
     for (const auto& answer : std::exchange(waiting_, {}))
         answer(allowed);
 }

@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: MIT
 //
 // ContactsDialog: asks the user once whether the address book may be read, naming what would be.
+// Only its two answers are answers: put off, closed or gone with its window, it will be asked
+// again.
 
 #include <QCoreApplication>
 #include <QMessageBox>
 #include <QPointer>
-#include <functional>
+#include <optional>
 #include <vector>
 
 #include "identity/system_contacts.h"
@@ -19,13 +21,13 @@ class ContactsDialog final : public ContactsPrompt {
   public:
     ~ContactsDialog() override;
     /// Opens the dialog, or joins the one that is open.
-    void ask(std::function<void(bool allowed)> answer) override;
+    void ask(Answered answer) override;
 
   private:
-    void finish(bool allowed);
+    void finish(std::optional<bool> allowed);
 
     QPointer<QMessageBox> box_;
-    std::vector<std::function<void(bool)>> waiting_;
+    std::vector<Answered> waiting_;
 };
 
 }  // namespace vell

@@ -53,10 +53,14 @@ void SystemContacts::requestAccess(Answer answer) {
     if (const std::optional<bool> known = access()) {
         answerRequests(*known);
     } else if (waiting_.size() == 1) {
-        prompt_.ask([this, isAlive = isAlive_](bool allowed) {
+        prompt_.ask([this, isAlive = isAlive_](std::optional<bool> allowed) {
             if (!*isAlive) return;
-            setAccess(allowed);
-            answerRequests(allowed);
+            if (!allowed) {
+                waiting_.clear();
+                return;
+            }
+            setAccess(*allowed);
+            answerRequests(*allowed);
         });
     }
 }

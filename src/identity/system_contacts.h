@@ -20,9 +20,11 @@ namespace vell {
 class ContactsPrompt {
   public:
     virtual ~ContactsPrompt() = default;
+    /// Nothing when the question went away unanswered.
+    using Answered = std::function<void(std::optional<bool> allowed)>;
     /// Asks whether folders and services with contacts may be read. The answer comes once, on the
-    /// window thread, now or later; no answer is a refusal.
-    virtual void ask(std::function<void(bool allowed)> answer) = 0;
+    /// window thread, now or later.
+    virtual void ask(Answered answer) = 0;
 };
 
 class SystemContacts final : public ContactsSource {
@@ -42,6 +44,7 @@ class SystemContacts final : public ContactsSource {
     /// Keeps another answer. It takes effect with the next request for access.
     void setAccess(bool allowed);
 
+    /// A request whose question stays unanswered isn't answered either: the next one asks again.
     void requestAccess(Answer answer) override;
     [[nodiscard]] Enumeration enumeration() override;
     [[nodiscard]] bool hasFreeContacts() const override;

@@ -3,10 +3,14 @@
 // What one visit leaves to the next, and one start of the program to another.
 #include <QDir>
 #include <QLocalSocket>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QStandardPaths>
+#include <QTest>
 #include <future>
 
+#include "app/contacts_bar.h"
 #include "app/single_instance.h"
 #include "timeline/timeline_view.h"
 #include "windows.h"
@@ -72,6 +76,48 @@ TEST_F(Session, TheNextVisitBeginsWhereTheLastOneEnded) {
     program->openWithoutFiles();
     EXPECT_TRUE(program->documentWindows().empty());
     EXPECT_TRUE(openWindow("welcomeWindow"));
+}
+
+TEST_F(Session, AQuestionThatGoesAwayIsAskedAgain) {
+    const auto ask = [&] {
+        DocumentWindow* window = program->documentWindows().front();
+        window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+        window->findChild<QPushButton*>(u"grantOrDeny"_s)->click();
+        auto* question = openWindow<QMessageBox>("contactsPrompt");
+        EXPECT_TRUE(question) << "the button is dead";
+        return question;
+    };
+    const QString path = file(u"a.ichat"_s, chat(3));
+    const auto isAnswered = [] {
+        return QSettings().contains(u"ContactsAccess"_s) ||
+               QSettings().contains(u"VellDidRequestABAccess"_s);
+    };
+    opened(path);
+    QTest::keyClick(ask(), Qt::Key_Escape);
+    deleteDeferred();
+    ask()->close();
+    deleteDeferred();
+    EXPECT_FALSE(isAnswered());
+
+    opened(file(u"b.ichat"_s, chat(3)));
+    QWidget* asking = ask()->parentWidget();
+    ASSERT_TRUE(asking);
+    asking->close();
+    deleteDeferred();
+    ask();
+    end();
+    EXPECT_FALSE(isAnswered()) << "quitting is no answer";
+
+    start();
+    opened(path);
+    QMessageBox* question = ask();
+    for (QAbstractButton* button : question->buttons()) {
+        if (button->text() == u"Don’t Allow"_s) button->click();
+    }
+    const auto* bar = program->documentWindows().front()->findChild<vell::ContactsBar*>();
+    EXPECT_TRUE(waitUntil([&] { return !bar->isVisible(); }));
+    EXPECT_FALSE(QSettings().value(u"ContactsAccess"_s, true).toBool());
 }
 
 TEST_F(Session, ALaterStartHandsItsFilesOver) {

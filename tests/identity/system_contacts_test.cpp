@@ -18,8 +18,8 @@ using foundation::Error;
 
 class Prompt final : public ContactsPrompt {
   public:
-    void ask(std::function<void(bool)> answer) override { questions.push_back(std::move(answer)); }
-    std::vector<std::function<void(bool)>> questions;
+    void ask(Answered answer) override { questions.push_back(std::move(answer)); }
+    std::vector<Answered> questions;
 };
 
 ContactRecord person(const QString& id) {
@@ -95,6 +95,20 @@ TEST_F(SystemContactsTest, AsksTheUserOnceAndKeepsTheAnswer) {
     answerSources();
     EXPECT_TRUE(waitForPeople({"file", "folder", "service"}));
     EXPECT_EQ(prompt.questions.size(), 1u) << "a later visit";
+}
+
+TEST_F(SystemContactsTest, AQuestionLeftUnansweredIsAskedAgain) {
+    makeContacts(false);
+    store->requestAccess();
+    prompt.questions.at(0)(std::nullopt);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(store->shouldRequestABAccess());
+    EXPECT_FALSE(contacts->access());
+    store->requestAccess();
+    ASSERT_EQ(prompt.questions.size(), 2u);
+    prompt.questions[1](true);
+    answerSources();
+    EXPECT_TRUE(waitForPeople({"folder", "service"}));
 }
 
 TEST_F(SystemContactsTest, RefusalLeavesTheUsersOwnFiles) {
