@@ -3,11 +3,18 @@
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QFile>
 #include <QLocalSocket>
 #include <QLockFile>
 #include <QStandardPaths>
 #include <cstring>
 #include <optional>
+
+#ifdef Q_OS_UNIX
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
 
 namespace vell {
 namespace {
@@ -38,9 +45,42 @@ std::optional<QStringList> decoded(const QByteArray& bytes) {
     return request.split(QChar(u'\0'));
 }
 
-/// One socket for each user and display, in the user's own run-time folder where there is one.
-QString socketPath() {
+#ifdef Q_OS_UNIX
+bool isPrivate(const QString& folder) {
+    struct stat status {};
+    return ::lstat(QFile::encodeName(folder).constData(), &status) == 0 &&
+           S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
+           (status.st_mode & 0777) == 0700;
+}
+
+/// Whether the process at the other end is the same user's.
+bool isOurs(const QLocalSocket& socket) {
+    const auto descriptor = static_cast<int>(socket.socketDescriptor());
+#ifdef SO_PEERCRED
+    struct ucred peer {};
+    socklen_t size = sizeof peer;
+    return ::getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 &&
+           peer.uid == ::geteuid();
+#else
+    uid_t user = 0;
+    gid_t group = 0;
+    return ::getpeereid(descriptor, &user, &group) == 0 && user == ::geteuid();
+#endif
+}
+#else
+// Pipes with names are the user's own there.
+bool isPrivate(const QString& folder) {
+    return !folder.isEmpty();
+}
+bool isOurs(const QLocalSocket&) {
+    return true;
+}
+#endif
+
+/// One socket for each user and display, in the user's own run-time folder; nothing without one.
+std::optional<QString> socketPath() {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (!isPrivate(folder)) return std::nullopt;
     QByteArray session = qgetenv("WAYLAND_DISPLAY");
     if (session.isEmpty()) session = qgetenv("DISPLAY");
     session = QCryptographicHash::hash(session, QCryptographicHash::Sha1).toHex().left(12);
@@ -56,28 +96,36 @@ SingleInstance::SingleInstance(QObject* parent) : QObject(parent) {
 }
 
 bool SingleInstance::handOver(const QStringList& paths) {
+    const auto path = socketPath();
+    if (!path) return false;
     QLocalSocket socket;
-    socket.connectToServer(socketPath());
-    if (!socket.waitForConnected(patience)) return false;
+    socket.connectToServer(*path);
+    if (!socket.waitForConnected(patience) || !isOurs(socket)) return false;
     socket.write(encoded(paths));
     socket.flush();
     return socket.waitForReadyRead(answerPatience) && socket.read(answer.size()) == answer;
 }
 
 bool SingleInstance::listen() {
+    const auto path = socketPath();
+    if (!path) return false;
     // Listening takes the socket from whoever has it, so nobody may come in between.
-    QLockFile lock(socketPath() + QStringLiteral(".lock"));
+    QLockFile lock(*path + QStringLiteral(".lock"));
     if (!lock.tryLock(patience)) return false;
     QLocalSocket other;
-    other.connectToServer(socketPath());
+    other.connectToServer(*path);
     if (other.waitForConnected(patience)) return false;
-    QLocalServer::removeServer(socketPath());
-    return server_.listen(socketPath());
+    QLocalServer::removeServer(*path);
+    return server_.listen(*path);
 }
 
 void SingleInstance::accept() {
     while (QLocalSocket* socket = server_.nextPendingConnection()) {
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+        if (!isOurs(*socket)) {
+            socket->abort();
+            continue;
+        }
         connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
             if (socket->bytesAvailable() > largestRequest) {
                 socket->abort();

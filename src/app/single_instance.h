@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // SingleInstance: a second start of the program hands its files to the one that runs already, over
-// a socket that only the same user on the same display can reach.
+// a socket of the same user on the same display. Both ends make sure of whom they speak to; where
+// there is no folder that only the user can enter, every start runs on its own.
 
 #include <QLocalServer>
 #include <QObject>

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
 // What one visit leaves to the next, and one start of the program to another.
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <QLocalSocket>
 #include <QMessageBox>
@@ -163,6 +167,48 @@ TEST_F(Session, ALaterStartHandsItsFilesOver) {
     received.clear();
     EXPECT_TRUE(handOver({u"/c.ichat"_s}));
     EXPECT_EQ(received, QList<QStringList>({{u"/c.ichat"_s}}));
+}
+
+TEST_F(Session, NobodyElseHandsFilesOver) {
+    const QDir runtime(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation));
+    const QByteArray folder = QFile::encodeName(runtime.path());
+    {
+        // A folder that others can enter holds neither socket nor lock, and the current one
+        // neither.
+        ASSERT_EQ(::chmod(folder.constData(), 0750), 0);
+        const QByteArray temporary = qgetenv("TMPDIR");
+        qputenv("TMPDIR", QFile::encodeName(this->folder.path()));
+        file(u"runtime-"_s + QString::fromLocal8Bit(::getpwuid(::geteuid())->pw_name),
+             "in the way");
+        const QString before = QDir::currentPath();
+        QDir::setCurrent(runtime.path());
+        SingleInstance alone;
+        EXPECT_FALSE(alone.listen());
+        EXPECT_FALSE(SingleInstance::handOver({}));
+        EXPECT_TRUE(runtime.entryList({u"*vell-*"_s}, QDir::AllEntries | QDir::System).isEmpty());
+        QDir::setCurrent(before);
+        temporary.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", temporary);
+        ::chmod(folder.constData(), 0700);
+    }
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can be somebody else";
+    SingleInstance ours;
+    QSignalSpy received(&ours, &SingleInstance::received);
+    ASSERT_TRUE(ours.listen());
+    const QString socket =
+        runtime.filePath(runtime.entryList({u"dev.quillmark.vell-*"_s}, QDir::System).front());
+    ::chmod(folder.constData(), 0755);
+    ::chmod(QFile::encodeName(socket).constData(), 0777);
+    QLocalSocket stranger;
+    ASSERT_EQ(::seteuid(65534), 0);
+    stranger.connectToServer(socket);
+    const bool isConnected = stranger.waitForConnected();
+    ASSERT_EQ(::seteuid(0), 0);
+    ::chmod(folder.constData(), 0700);
+    ASSERT_TRUE(isConnected);
+    stranger.write(QByteArray("\0\0", 2));  // asks for the front
+    stranger.flush();
+    EXPECT_TRUE(waitUntil([&] { return stranger.state() == QLocalSocket::UnconnectedState; }));
+    EXPECT_TRUE(received.isEmpty());
 }
 
 TEST_F(Session, ASocketOfTheDeadIsTakenOver) {
