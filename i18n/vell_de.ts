@@ -470,6 +470,14 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
         <source>What was found in damaged ones follows in a window each, from which you can send it to us.</source>
         <translation>Was in beschädigten gefunden wurde, folgt in je einem Fenster, aus dem Sie es uns senden können.</translation>
     </message>
+    <message>
+        <source>The document “%1” could not be opened. It is larger than Vell can read.</source>
+        <translation>Das Dokument „%1“ konnte nicht geöffnet werden. Es ist größer, als Vell lesen kann.</translation>
+    </message>
+    <message>
+        <source>Transcripts hardly ever have more than some megabytes: it is probably another kind of file.</source>
+        <translation>Mitschnitte sind selten größer als einige Megabyte: Wahrscheinlich ist es eine Datei anderer Art.</translation>
+    </message>
 </context>
 <context>
     <name>vell::PanelWindow</name>

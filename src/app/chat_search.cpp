@@ -2,9 +2,10 @@
 #include "app/chat_search.h"
 
 #include <QElapsedTimer>
-#include <thread>
 #include <utility>
 #include <variant>
+
+#include "foundation/guarded.h"
 
 namespace vell {
 namespace {
@@ -33,7 +34,8 @@ void ChatSearch::start(const QString& text) {
     const TextSearch search(text);
     if (!search.isEmpty()) {
         running_ = std::make_shared<Run>(*this);
-        std::thread([run = running_, log = log_, search] { find(run, *log, search); }).detach();
+        foundation::runDetached([run = running_, log = log_, search] { find(run, *log, search); },
+                                [run = running_] { tell(run, {}, true); });
     }
     Q_EMIT changed();
 }
@@ -51,13 +53,14 @@ void ChatSearch::append(const std::vector<TextRange>& found, bool isLast) {
     Q_EMIT changed();
 }
 
+void ChatSearch::tell(const std::shared_ptr<Run>& run, std::vector<TextRange> found, bool isLast) {
+    run->mailbox.post([run, found = std::move(found), isLast] {
+        if (!run->cancelled) run->search.append(found, isLast);
+    });
+}
+
 void ChatSearch::find(const std::shared_ptr<Run>& run, const TesselChatLog& log,
                       const TextSearch& text) {
-    const auto tell = [&run](std::vector<TextRange> found, bool isLast) {
-        run->mailbox.post([run, found = std::move(found), isLast] {
-            if (!run->cancelled) run->search.append(found, isLast);
-        });
-    };
     std::vector<TextRange> found;
     size_t total = 0;
     QElapsedTimer sinceBatch;
@@ -70,11 +73,11 @@ void ChatSearch::find(const std::shared_ptr<Run>& run, const TesselChatLog& log,
             ++total;
         }
         if (!found.empty() && sinceBatch.hasExpired(batchInterval)) {
-            tell(std::exchange(found, {}), false);
+            tell(run, std::exchange(found, {}), false);
             sinceBatch.restart();
         }
     }
-    tell(std::move(found), true);
+    tell(run, std::move(found), true);
 }
 
 }  // namespace vell

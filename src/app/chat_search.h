@@ -42,6 +42,7 @@ class ChatSearch final : public QObject {
     };
     void cancel();
     void append(const std::vector<TextRange>& found, bool isLast);
+    static void tell(const std::shared_ptr<Run>& run, std::vector<TextRange> found, bool isLast);
     static void find(const std::shared_ptr<Run>& run, const TesselChatLog& log,
                      const TextSearch& text);
 

@@ -3,20 +3,45 @@
 
 #include <QCoreApplication>
 #include <QMetaObject>
-#include <thread>
+#include <new>
 #include <utility>
+
+#include "foundation/guarded.h"
+#include "foundation/whole_file.h"
 
 namespace vell {
 namespace {
 
-DocumentLoader::Result convert(const foundation::FileWrapper& file,
+/// A file on its way to the lane.
+struct Read {
+    std::shared_ptr<const foundation::FileWrapper> file;
+    std::optional<foundation::Error> problem;  ///< why it has no contents, where that is known
+};
+
+Read read(FileReader& reader, const QString& path) {
+    std::optional<foundation::Error> problem;
+    try {
+        return {reader.read(path), std::nullopt};
+    } catch (const foundation::Error& error) {
+        problem = error;
+    } catch (const std::bad_alloc&) {
+        problem = foundation::Error(QStringLiteral("NSCocoaErrorDomain"),
+                                    static_cast<qint64>(foundation::ReadErrorCode::tooLarge));
+    }
+    auto unread =
+        std::make_shared<foundation::FileWrapper>(foundation::FileWrapper::Kind::regularFile);
+    unread->filename = path.section(u'/', -1);
+    return {std::move(unread), std::move(problem)};
+}
+
+DocumentLoader::Result convert(const Read& read,
                                const std::function<void()>& presentLoadLogWindow) {
     try {
-        return {
-            std::make_shared<const VellDocument>(VellDocument::read(file, presentLoadLogWindow)),
-            std::nullopt};
+        return {std::make_shared<const VellDocument>(
+                    VellDocument::read(*read.file, presentLoadLogWindow)),
+                std::nullopt};
     } catch (const foundation::Error& error) {
-        return {nullptr, error};
+        return {nullptr, read.problem ? read.problem : error};
     }
 }
 
@@ -43,14 +68,16 @@ DocumentLoader::Ticket DocumentLoader::load(const QString& path, Completion comp
             Qt::QueuedConnection);
     };
 
-    std::thread([reader = reader_, lane = lane_, present = presentLoadLogWindow_, path, stillWanted,
-                 finish] {
-        const auto file = reader->read(path);
-        lane->post(LoadLane::Priority::document, [file, present, stillWanted, finish] {
-            if (stillWanted.expired()) return;
-            finish(convert(*file, present));
-        });
-    }).detach();
+    const auto fail = [finish] { finish({nullptr, fileReadCorruptFileError()}); };
+    foundation::runDetached(
+        [reader = reader_, lane = lane_, present = presentLoadLogWindow_, path, stillWanted, finish,
+         fail] {
+            const auto convertIt = [file = read(*reader, path), present, stillWanted, finish] {
+                if (!stillWanted.expired()) finish(convert(file, present));
+            };
+            lane->post(LoadLane::Priority::document, foundation::guarded(convertIt, fail));
+        },
+        [lane = lane_, fail] { lane->post(LoadLane::Priority::document, fail); });
     return wanted;
 }
 

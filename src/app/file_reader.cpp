@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "foundation/local_path.h"
+#include "foundation/whole_file.h"
 
 namespace vell {
 namespace {
@@ -19,16 +20,14 @@ std::shared_ptr<FileWrapper> readStandardInput() {
     auto wrapper = std::make_shared<FileWrapper>(FileWrapper::Kind::regularFile);
     QFile input;
     if (input.open(stdin, QIODevice::ReadOnly))
-        wrapper->contents = foundation::Data(input.readAll());
+        wrapper->contents = foundation::Data(foundation::readWhole(input));
     return wrapper;
 }
 
 std::optional<foundation::Data> readBytes(const QString& path) {
     QFile file;
     if (!foundation::openForReading(file, path) || file.isSequential()) return std::nullopt;
-    const QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError) return std::nullopt;
-    return foundation::Data(bytes);
+    return foundation::Data(foundation::readWhole(file));
 }
 
 }  // namespace

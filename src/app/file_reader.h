@@ -15,7 +15,8 @@ class FileReader {
   public:
     virtual ~FileReader() = default;
     /// The wrapper of what stands at the path; contents are absent when it is no regular file or
-    /// can't be read. Called on any thread, several at once.
+    /// can't be opened. Throws an Error when it is too large or reading it fails. Called on any
+    /// thread, several at once.
     virtual std::shared_ptr<const foundation::FileWrapper> read(const QString& path) = 0;
 };
 

@@ -7,10 +7,10 @@
 #include <QStorageInfo>
 #include <filesystem>
 #include <set>
-#include <thread>
 #include <utility>
 
 #include "app/transcript_probe.h"
+#include "foundation/guarded.h"
 #include "identity/mailbox.h"
 #include "toolkit/module_logger.h"
 
@@ -97,6 +97,7 @@ struct FileWalker::Walk : std::enable_shared_from_this<FileWalker::Walk> {
     QElapsedTimer sinceReport;
 
     void run(QStringList folders);
+    void end();
     void enter(const fs::path& folder, std::vector<fs::path>& pending);
     void visit(const fs::directory_entry& entry, std::vector<fs::path>& pending);
     void report(const fs::path& folder);
@@ -127,6 +128,10 @@ void FileWalker::Walk::run(QStringList folders) {
         enter(folder, pending);
     }
     report({});
+    end();
+}
+
+void FileWalker::Walk::end() {
     tell([](FileWalker& to) {
         to.walk_.reset();
         Q_EMIT to.finished();
@@ -139,7 +144,11 @@ void FileWalker::Walk::enter(const fs::path& folder, std::vector<fs::path>& pend
     std::error_code error;
     fs::directory_iterator entries(folder, fs::directory_options::skip_permission_denied, error);
     for (; !error && entries != fs::directory_iterator() && !cancelled; entries.increment(error)) {
-        visit(*entries, pending);
+        try {
+            visit(*entries, pending);
+        } catch (const std::exception&) {
+            continue;  // one file that can't be looked at hides no other
+        }
         if (sinceReport.elapsed() >= reportInterval) report(folder);
     }
     if (error) log->warn("Could not read a folder:", folder.c_str(), error.message());
@@ -182,7 +191,8 @@ void FileWalker::start(const QStringList& folders, bool hiddenFolders) {
     walk_ = std::make_shared<Walk>(*this);
     walk_->hiddenFolders = hiddenFolders;
     // Detached, as reading a folder may stall; the walk owns all that the thread touches.
-    std::thread([walk = walk_, folders] { walk->run(folders); }).detach();
+    foundation::runDetached([walk = walk_, folders] { walk->run(folders); },
+                            [walk = walk_] { walk->end(); });
 }
 
 void FileWalker::cancel() {

@@ -15,6 +15,7 @@ namespace vell {
 
 class LoadLane {
   public:
+    /// Reports its own failure and throws nothing.
     using Job = std::function<void()>;
     enum class Priority { document, summary };
 

@@ -28,6 +28,10 @@ QString sentence(const QString& name, OpenFailures::Cause cause) {
         case OpenFailures::Cause::unreadable:
             return OpenFailures::tr("The document “%1” could not be opened. You may not read it.")
                 .arg(name);
+        case OpenFailures::Cause::tooLarge:
+            return OpenFailures::tr(
+                       "The document “%1” could not be opened. It is larger than Vell can read.")
+                .arg(name);
     }
     Q_UNREACHABLE();
 }
@@ -43,6 +47,11 @@ QString wayOn(OpenFailures::Cause cause) {
                 "…” in the File menu looks for it on your disks.");
         case OpenFailures::Cause::unreadable:
             return OpenFailures::tr("Ask whoever owns it for access, or for a copy of your own.");
+        case OpenFailures::Cause::tooLarge:
+            return OpenFailures::tr(
+                "Transcripts hardly ever have more than some megabytes: it is probably another "
+                "kind "
+                "of file.");
     }
     Q_UNREACHABLE();
 }

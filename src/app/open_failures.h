@@ -16,7 +16,7 @@ class OpenFailures final : public QDialog {
     Q_OBJECT
 
   public:
-    enum class Cause { damaged, missing, unreadable };
+    enum class Cause { damaged, missing, unreadable, tooLarge };
 
     OpenFailures();
 

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QPalette>
 #include <cstdio>
+#include <new>
 
 #include "app/document.h"
 #include "app/file_reader.h"
@@ -60,9 +61,13 @@ int render(const QString& path, const QString& target, bool isDark) {
         }
         if (view.grab().save(target, "PNG")) return 0;
         std::fprintf(stderr, "vell: %s can't be written\n", qUtf8Printable(target));
-    } catch (const foundation::Error&) {
+    } catch (const foundation::Error& error) {
+        const QString known = error.debugDescription();
         std::fprintf(stderr, "vell: %s could not be opened: %s\n", qUtf8Printable(path),
-                     qUtf8Printable(reason(path)));
+                     qUtf8Printable(known.isEmpty() ? reason(path) : known));
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "vell: %s could not be opened: there is not enough memory\n",
+                     qUtf8Printable(path));
     }
     return 1;
 }

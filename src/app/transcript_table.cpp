@@ -6,9 +6,10 @@
 #include <QFileInfo>
 #include <QLocale>
 #include <algorithm>
-#include <thread>
 #include <utility>
 #include <variant>
+
+#include "foundation/guarded.h"
 
 namespace vell {
 namespace {
@@ -69,18 +70,17 @@ void TranscriptTable::summarise() {
             },
             Qt::QueuedConnection);
     };
-    std::thread([reader = reader_, lane = lane_, path = rows_[row].file.path, self, finish] {
-        const auto file = reader->read(path);
-        lane->post(LoadLane::Priority::summary, [file, self, finish] {
-            if (self.expired()) return;
-            try {
+    const auto fail = [finish] { finish(std::nullopt); };
+    foundation::runDetached(
+        [reader = reader_, lane = lane_, path = rows_[row].file.path, self, finish, fail] {
+            const auto summariseIt = [file = reader->read(path), self, finish] {
+                if (self.expired()) return;
                 const VellDocument document = VellDocument::read(*file, [] {});
                 finish(Summary{participants(document.chatlog()), messageCount(document.chatlog())});
-            } catch (const foundation::Error&) {
-                finish(std::nullopt);
-            }
-        });
-    }).detach();
+            };
+            lane->post(LoadLane::Priority::summary, foundation::guarded(summariseIt, fail));
+        },
+        [lane = lane_, fail] { lane->post(LoadLane::Priority::summary, fail); });
 }
 
 void TranscriptTable::setSummary(int row, std::optional<Summary> summary) {

@@ -11,7 +11,9 @@
 #include <new>
 
 #include "cli/sink.h"
+#include "foundation/error.h"
 #include "foundation/local_path.h"
+#include "foundation/whole_file.h"
 
 namespace vell {
 
@@ -49,9 +51,11 @@ void readInto(Input& input) {
     struct stat status {};
     ::fstat(file.handle(), &status);
     if (S_ISDIR(status.st_mode)) throw ReadError{u"it is a folder"_s};
-    const QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError) throw ReadError{file.errorString()};
-    input.bytes = foundation::Data(bytes);
+    try {
+        input.bytes = foundation::Data(foundation::readWhole(file));
+    } catch (const foundation::Error& error) {
+        throw ReadError{error.debugDescription()};
+    }
     if (!S_ISREG(status.st_mode)) return;
     input.permissions = status.st_mode & 0777;
     const QDateTime modified = file.fileTime(QFileDevice::FileModificationTime);

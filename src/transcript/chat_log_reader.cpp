@@ -13,6 +13,7 @@
 #include "foundation/local_path.h"
 #include "foundation/object_memory.h"
 #include "foundation/print.h"
+#include "foundation/whole_file.h"
 #include "transcript/archived_classes.h"
 #include "transcript/chat_log.h"
 #include "transcript/chat_timeline.h"
@@ -28,9 +29,6 @@ using foundation::Date;
 namespace {
 
 using Event = TesselChatLog::Event;
-
-/// "The file could not be read", in "NSCocoaErrorDomain".
-constexpr qint64 kFileReadError = 256;
 
 /// The texts of senderless messages, where a placeholder stands for somebody's name. A text that
 /// several messages share is replaced once.
@@ -313,10 +311,10 @@ TesselChatLog TesselChatLog::fromData(const foundation::Data& data, std::optiona
 TesselChatLog TesselChatLog::fromFile(const QString& path, const foundation::Calendar& calendar) {
     QFile file;
     if (!foundation::openForReading(file, path))
-        throw foundation::Error(u"NSCocoaErrorDomain"_s, kFileReadError, file.errorString());
-    const QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        throw foundation::Error(u"NSCocoaErrorDomain"_s, kFileReadError, file.errorString());
+        throw foundation::Error(u"NSCocoaErrorDomain"_s,
+                                static_cast<qint64>(foundation::ReadErrorCode::unknown),
+                                file.errorString());
+    const QByteArray bytes = foundation::readWhole(file);
     std::optional<Date> fileDate;
     const QDateTime modified = file.fileTime(QFileDevice::FileModificationTime);
     if (modified.isValid())
