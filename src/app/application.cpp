@@ -20,6 +20,7 @@
 #include "app/preferences_window.h"
 #include "app/saved_search.h"
 #include "app/welcome_window.h"
+#include "foundation/whole_file.h"
 #include "identity/contacts_store.h"
 #include "identity/service_source.h"
 #include "identity/system_contacts.h"
@@ -91,11 +92,12 @@ void Application::openTranscript(const QString& path, const QString& canonicalPa
     }
     auto* window = new DocumentWindow(*this, loader_, path);
     windows_.push_back({window, canonicalPath});
-    connect(window, &DocumentWindow::failed, this, &Application::reportFailure);
+    connect(window, &DocumentWindow::shown, this, &Application::rememberWindows);
+    connect(window, &DocumentWindow::failed, this,
+            [this, window](const foundation::Error& error) { giveUp(window, error); });
     connect(window, &DocumentWindow::closed, this, &Application::remove);
     window->show();
     if (welcome_) welcome_->close();
-    rememberWindows();
 }
 
 DocumentWindow* Application::windowFor(const QString& path, const QString& canonicalPath) const {
@@ -124,6 +126,8 @@ void Application::openWithoutFiles() {
     if (settings_.restoresWindows()) {
         QStringList paths = settings_.lastWindows();
         const auto facts = fileFacts(paths);
+        // Each is remembered again once it is shown: one that ends the program does so only once.
+        settings_.setLastWindows({});
         // What has gone since the last visit is no error now.
         for (qsizetype i = paths.size(); i-- > 0;) {
             const auto& known = facts[static_cast<size_t>(i)];
@@ -134,9 +138,16 @@ void Application::openWithoutFiles() {
     if (windows_.empty()) showWelcome();
 }
 
+void Application::giveUp(DocumentWindow* window, const foundation::Error& error) {
+    remove(window);
+    if (windows_.empty()) showWelcome();  // a way on
+    reportFailure(window->path(), error);
+}
+
 // One message for all that fail at about the same time: no dialog ever covers another.
-void Application::reportFailure(const QString& path) {
-    auto cause = OpenFailures::Cause::damaged;
+void Application::reportFailure(const QString& path, const foundation::Error& error) {
+    const bool isTooLarge = error.code() == qint64(foundation::ReadErrorCode::tooLarge);
+    auto cause = isTooLarge ? OpenFailures::Cause::tooLarge : OpenFailures::Cause::damaged;
     QString name = tr("Standard Input");
     if (!isStandardInput(path)) {
         name = QFileInfo(path).fileName();
@@ -207,13 +218,21 @@ void Application::openBugReport() {
     openWithDesktop(reportBug());
 }
 
-// Closing the last window ends the program: what it showed is what the next visit begins with.
+// Closing the last window ends the program: what it showed is what the next visit begins with. A
+// transcript that isn't shown yet may turn out to be broken, or end the program.
 void Application::rememberWindows() {
     QStringList paths;
     for (const OpenWindow& open : windows_) {
-        if (!isStandardInput(open.window->path())) paths.append(open.window->path());
+        if (open.window->isLoaded() && !isStandardInput(open.window->path()))
+            paths.append(open.window->path());
     }
     if (!isQuitting_ && !paths.isEmpty()) settings_.setLastWindows(paths);
+}
+
+// However the program is told to quit, what is open now is what the next visit begins with.
+void Application::beginQuitting() {
+    rememberWindows();
+    isQuitting_ = true;
 }
 
 void Application::rememberPlaces() const {
@@ -221,14 +240,13 @@ void Application::rememberPlaces() const {
         open.window->savePlace();
 }
 
-// However the program is told to quit, what is open now is what the next visit begins with.
 bool Application::eventFilter(QObject* object, QEvent* event) {
-    if (event->type() == QEvent::Quit) isQuitting_ = true;
+    if (event->type() == QEvent::Quit) beginQuitting();
     return QObject::eventFilter(object, event);
 }
 
 void Application::quit() {
-    isQuitting_ = true;
+    beginQuitting();
     QApplication::closeAllWindows();
     QApplication::quit();
 }

@@ -76,8 +76,10 @@ class Application final : public QObject {
     void openTranscript(const QString& path, const QString& canonicalPath);
     void remove(DocumentWindow* window);
     void rememberWindows();
+    void beginQuitting();
     void rememberPlaces() const;
-    void reportFailure(const QString& path);
+    void giveUp(DocumentWindow* window, const foundation::Error& error);
+    void reportFailure(const QString& path, const foundation::Error& error);
     [[nodiscard]] DocumentWindow* windowFor(const QString& path,
                                             const QString& canonicalPath) const;
 

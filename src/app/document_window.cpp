@@ -90,7 +90,7 @@ void DocumentWindow::buildContent() {
 void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     load_.reset();
     if (!result.document) {
-        Q_EMIT failed(path_);
+        Q_EMIT failed(*result.error);
         close();
         return;
     }
@@ -103,6 +103,7 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     connect(timeline_, &TimelineView::linkHovered, statusBar(),
             [this](const QString& address) { statusBar()->showMessage(address); });
     timeline_->setFontSize(application_.settings().timelineFontSize());
+    timeline_->viewport()->installEventFilter(this);
     pages_->setCurrentIndex(pages_->addWidget(timeline_));
     delete pages_->widget(0);
     if (const auto place = application_.settings().windowPlace(path_))
@@ -111,6 +112,14 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     for (QAction* action : documentActions_)
         action->setEnabled(true);
     if (!isStandardInput(path_)) application_.recentFiles().add(path_);
+}
+
+bool DocumentWindow::eventFilter(QObject* object, QEvent* event) {
+    if (event->type() == QEvent::Paint) {
+        object->removeEventFilter(this);
+        QMetaObject::invokeMethod(this, &DocumentWindow::shown, Qt::QueuedConnection);
+    }
+    return QMainWindow::eventFilter(object, event);
 }
 
 void DocumentWindow::showTitle() {

@@ -36,12 +36,15 @@ class DocumentWindow final : public QMainWindow {
     void savePlace() const;
 
   Q_SIGNALS:
+    /// The transcript has been painted for the first time.
+    void shown();
     /// The transcript could not be read; the window closes.
-    void failed(const QString& path);
+    void failed(const foundation::Error& error);
     void closed(vell::DocumentWindow* window);
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* object, QEvent* event) override;
 
   private:
     void buildContent();

@@ -51,6 +51,7 @@ QStringList Settings::lastWindows() const {
 
 void Settings::setLastWindows(const QStringList& paths) {
     store_.setValue(lastWindowsKey, paths);
+    store_.sync();  // the program may be ended at any time
 }
 
 std::optional<Settings::WindowPlace> Settings::windowPlace(const QString& path) const {
