@@ -47,7 +47,8 @@ qint64 mostFileBytes() {
 
 QByteArray readWhole(QIODevice& file) {
     const auto* onDisk = qobject_cast<QFileDevice*>(&file);
-    if (onDisk && isDevice(*onDisk))
+    // The one that has nothing is as good as an empty file.
+    if (onDisk && isDevice(*onDisk) && !file.peek(1).isEmpty())
         throw readError(ReadErrorCode::unknown, QStringLiteral("it is a device, not a file"));
     const qint64 most = mostFileBytes();
     QByteArray bytes;

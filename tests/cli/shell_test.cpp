@@ -181,9 +181,12 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
          "  wrapper has filename\n  Extension: .ichat\n---\n\n\n"
          "### Attempt to load from data w/ size: 7\n\n"},
         {"ln -s nowhere link; v --load-log link", 1, "", "  not-a-file\n  SYMLINK\n"},
+        {"truncate -s 200G new; v new a.ichat", 1, "<a>", "vell-export: new: it is larger than "},
+        {"truncate -s 200G new; v --load-log new 2>&1 | tail -n 1 | cut -d ' ' -f 1-4", 0,
+         "it is larger than\n", ""},
+        {"v /dev/zero", 1, "", "vell-export: /dev/zero: it is a device, not a file\n"},
 #if !defined(__SANITIZE_ADDRESS__)
-        {"truncate -s 1G new; ulimit -v 700000; v --load-log new", 1, "",
-         "\nFailed to load the raw file into memory.\n"},
+        {"head -c 400M /dev/zero | (ulimit -v 700000; v -)", 1, "", "vell-export: stdin: "},
 #endif
     };
     const QByteArray a = run("v a.ichat").output;

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+//
+// Memory runs out at each point where a thread wants much of it, in turn: it is the failure of that
+// file, and the program goes on.
+#include <QSignalSpy>
+#include <atomic>
+#include <cstdlib>
+#include <functional>
+#include <new>
+
+#include "app/chat_search.h"
+#include "app/transcript_table.h"
+#include "windows.h"
+
+namespace {
+
+/// How many more allocations succeed outside the window thread; none fails when it is negative.
+std::atomic<int> untilFailure = -1;
+thread_local bool isWindowThread = false;
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    // The toolkit's own small objects don't outlive a failure in the middle of their making.
+    constexpr std::size_t large = 4096;
+    if (size >= large && !isWindowThread && untilFailure >= 0 && untilFailure.fetch_sub(1) == 0)
+        throw std::bad_alloc();
+    if (void* memory = std::malloc(size ? size : 1)) return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace vell::test;
+using vell::DocumentLoader;
+
+class OutOfMemory : public Windows {
+  protected:
+    OutOfMemory() { isWindowThread = true; }
+    ~OutOfMemory() override { untilFailure = -1; }
+
+    /// Does the work again and again, until it comes to its end without an allocation that fails.
+    static void failEverywhere(const char* name, const std::function<bool()>& work) {
+        int failures = 0;
+        for (bool hasFailed = true; hasFailed; ++failures) {
+            untilFailure = failures;
+            ASSERT_TRUE(work()) << name << " never ended; allocation " << failures;
+            hasFailed = untilFailure.exchange(-1) < 0;
+        }
+        EXPECT_GT(failures, 1) << name << ": nothing was put to the test";
+    }
+};
+
+TEST_F(OutOfMemory, IsTheFailureOfOneFile) {
+    const QString path = file(u"a.ichat"_s, chat(3000));
+    const auto log = std::make_shared<const vell::TesselChatLog>(
+        vell::TesselChatLog::fromFile(path, foundation::Calendar::current()));
+    vell::LoadLane lane;
+    DocumentLoader loader(std::make_shared<vell::DiskFileReader>(), lane.entrance(), [] {});
+
+    failEverywhere("document", [&] {
+        int told = 0;
+        const auto ticket = loader.load(path, [&](const DocumentLoader::Result& result) {
+            EXPECT_NE(result.document != nullptr, result.error.has_value());
+            ++told;
+        });
+        return waitUntil([&] { return told > 0; }) && told == 1;
+    });
+    failEverywhere("summary", [&] {
+        vell::TranscriptTable table(loader);
+        table.add({{path, {}, 1}});
+        return waitUntil([&] {
+            const auto cell = table.index(0, vell::TranscriptTable::participantsColumn);
+            return !table.data(cell, Qt::DisplayRole).toString().isEmpty();
+        });
+    });
+    failEverywhere("search in a chat", [&] {
+        vell::ChatSearch search(log);
+        search.start(u"number"_s);
+        return waitUntil([&] { return !search.isRunning(); });
+    });
+    EXPECT_TRUE(opened(path)) << "the program goes on";
+}
+
+}  // namespace

@@ -1,0 +1,130 @@
+# SPDX-License-Identifier: MIT
+#
+# A bad file takes nothing else with it: no later start, no search, and no window without a way on.
+#
+# usage: mishaps_test.py VELL SAMPLE
+
+import os
+import shutil
+import signal
+import subprocess
+import sys
+
+from desktop import Desktop, need, skip, wait_for
+
+WELCOME = "Welcome to Vell"
+
+
+class Mishaps:
+    def __init__(self, desktop, vell, sample):
+        self.desktop, self.vell = desktop, vell
+        self.good = desktop.path("good.ichat")
+        self.broken = desktop.path("broken.ichat")
+        self.sample = sample
+        shutil.copy(sample, self.good)
+        with open(self.broken, "wb") as file:
+            file.write(b"this was never a transcript")
+
+    def setting(self, key):
+        path = os.path.join(self.desktop.environment["XDG_CONFIG_HOME"], "quillmark", "vell.conf")
+        if not os.path.exists(path):
+            return None
+        with open(path) as settings:
+            return next((line.split("=", 1)[1].strip() for line in settings
+                         if line.startswith(key + "=")), None)
+
+    def remembered(self):
+        return "good.ichat" in (self.setting("LastWindows") or "")
+
+    def end(self, running):
+        running.send_signal(signal.SIGTERM)
+        assert running.wait(60) == 0, "quitting failed"
+        wait_for(lambda: not a11y.windows(), "all windows to go")
+
+    def failure(self, sentence):
+        dialog = a11y.window(a11y.named("Vell"), "dialog")
+        a11y.wait_find(dialog, "label", a11y.holding(sentence))
+
+    def plain_start_welcomes(self):
+        running = self.desktop.start(self.vell)
+        a11y.window(a11y.named(WELCOME))
+        assert not a11y.windows("dialog"), "the failure came back"
+        self.end(running)
+
+    def broken_at_start(self):
+        running = self.desktop.start(self.vell, self.broken)
+        self.failure("damaged")
+        a11y.window(a11y.named(WELCOME))
+        self.end(running)
+        self.plain_start_welcomes()
+
+    def show_good(self):
+        running = self.desktop.start(self.vell, self.good)
+        a11y.window(a11y.holding("jonas_at_home"), "frame")
+        wait_for(self.remembered, "the window to be remembered")
+        self.end(running)
+
+    def broken_meanwhile(self):
+        self.show_good()
+        shutil.copy(self.broken, self.good)
+        running = self.desktop.start(self.vell)
+        self.failure("damaged")
+        a11y.window(a11y.named(WELCOME))
+        self.end(running)
+        self.plain_start_welcomes()
+        shutil.copy(self.sample, self.good)
+
+    def crash_while_opening(self):
+        """The program dies at the first byte of a transcript that it showed on an earlier visit."""
+        for arguments in ([self.good], []):
+            self.show_good()
+            crashed = self.desktop.start(
+                "strace", "-f", "-qq", "-o", "/dev/null", "-P", self.good, "-e", "trace=read",
+                "-e", "inject=read:signal=KILL", "--", self.vell, *arguments, output="crash.log")
+            assert crashed.wait(60) != 0, "nothing has crashed"
+            wait_for(lambda: not a11y.windows(), "all windows to go")
+            if not arguments:
+                self.plain_start_welcomes()
+
+    def search_meets_a_giant(self):
+        folder = self.desktop.path("found")
+        os.mkdir(folder)
+        shutil.copy(self.sample, folder)
+        with open(os.path.join(folder, "giant.ichat"), "wb") as giant:
+            giant.truncate(200 << 30)
+        running = self.desktop.start(self.vell, folder)
+        found = a11y.window(a11y.holding("iChat Files"))
+        a11y.wait_find(found, "table cell", a11y.holding("can’t be read"))
+        assert self.desktop.start(self.vell, os.path.join(folder, "giant.ichat")).wait(60) == 0
+        self.failure("larger than Vell can read")
+        assert running.poll() is None
+        self.end(running)
+
+
+def main():
+    need("strace")
+    if subprocess.run(["strace", "-f", "-o", "/dev/null", "true"], capture_output=True,
+                      check=False).returncode != 0:
+        skip("processes can't be traced here")
+    try:
+        import pyatspi  # noqa: F401
+    except ImportError:
+        skip("no pyatspi for this Python")
+    if not os.path.exists("/usr/share/dbus-1/services/org.a11y.Bus.service"):
+        skip("no accessibility bus here")
+    with Desktop() as desktop:
+        os.environ.update(desktop.environment)  # for the accessibility bindings in this process
+        global a11y
+        import accessible as a11y
+        mishaps = Mishaps(desktop, *sys.argv[1:3])
+        for step in (mishaps.broken_at_start, mishaps.broken_meanwhile, mishaps.crash_while_opening,
+                     mishaps.search_meets_a_giant):
+            print(step.__name__, flush=True)
+            try:
+                step()
+            except AssertionError:
+                a11y.dump()
+                raise
+
+
+main()
