@@ -95,7 +95,10 @@ QString fileLine(const foundation::FileWrapper& wrapper) {
                    counted(static_cast<qsizetype>(wrapper.children.size()), "entry", "entries") +
                    u')';
         case foundation::FileWrapper::Kind::symbolicLink:
-            return QStringLiteral("Symbolic link: ") + name;
+            return QStringLiteral("Symbolic link: ") + name +
+                   (wrapper.linkDestination
+                        ? QStringLiteral(" (to ") + *wrapper.linkDestination + u')'
+                        : QString());
     }
     return name;
 }

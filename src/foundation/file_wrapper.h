@@ -28,6 +28,8 @@ class FileWrapper final : public Object {
     std::optional<QString> preferredFilename;
     /// The bytes of a regular file; absent when they could not be read.
     std::optional<Data> contents;
+    /// Where a symbolic link leads, as stored; nothing ever goes there.
+    std::optional<QString> linkDestination;
     /// The entries of a directory, in stored order, each with its name in `filename`.
     std::vector<std::shared_ptr<const FileWrapper>> children;
     /// The modification date of the file on disk, where known.
@@ -39,11 +41,13 @@ class FileWrapper final : public Object {
 
     [[nodiscard]] QByteArray className() const override { return "NSFileWrapper"; }
     /// `<FileWrapper: "NAME" regular file, N bytes>`, `… directory, N entries>`, `… symbolic
-    /// link>`; without a name the quoted part and its blank are missing.
+    /// link to "DESTINATION">`; what is not known is missing.
     [[nodiscard]] QString description() const override;
 
-    /// Equal in kind, names, contents and entries.
+    /// Equal in kind, names, contents, destination and entries.
     friend bool operator==(const FileWrapper& a, const FileWrapper& b);
+    friend size_t qHash(const FileWrapper& wrapper, size_t seed = 0) { return wrapper.hash(seed); }
+    [[nodiscard]] size_t hash(size_t seed = 0) const;
 };
 
 /// Reads the serialised form; null when it is malformed. Attachment bytes stay slices of `data`.

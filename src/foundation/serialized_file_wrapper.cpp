@@ -3,6 +3,7 @@
 // The serialised file wrapper ("flat RTFD"): a tree of records in 32-bit little-endian words.
 // docs/formats/non-keyed-archive.md holds its grammar.
 #include <QtEndian>
+#include <algorithm>
 #include <string_view>
 
 #include "foundation/file_wrapper.h"
@@ -22,13 +23,17 @@ constexpr std::string_view kAttributesEntry = ".";
 constexpr std::string_view kPreferredNameEntry = "__@PreferredName@__";
 constexpr std::string_view kUtf8PreferredNameEntry = "__@UTF8PreferredName@__";
 
+/// Stands behind a number in the key of a child whose name another child has already.
+constexpr std::string_view kSameNameMark = "__#$!@%!#__";
+/// In the third word of an entry's attributes.
+constexpr quint32 kLinkFlag = 4;
+
 /// Reads words and slices of one record's window; a read past its end makes all later ones fail.
 class Cursor {
   public:
     explicit Cursor(const Data& window) : window_(window) {}
 
     [[nodiscard]] bool failed() const { return failed_; }
-    void fail() { failed_ = true; }
     [[nodiscard]] quint32 remaining() const {
         return static_cast<quint32>(window_.size() - position_);
     }
@@ -62,6 +67,7 @@ class Cursor {
 struct Entry {
     std::string_view name;
     quint32 size = 0;
+    Data block;
 };
 
 /// The upper half of the 8-bit character set that names were stored in before there was UTF-8.
@@ -123,73 +129,140 @@ quint32 kindOf(const Data& window) {
     return Cursor(window).word();
 }
 
-std::vector<Entry> readEntries(Cursor& cursor) {
-    const quint32 count = cursor.word();
-    // Each entry takes a name length and a block size at least.
-    if (count > cursor.remaining() / 8) {
-        cursor.fail();
-        return {};
-    }
-    std::vector<Entry> entries(count);
-    for (Entry& entry : entries)
-        entry.name = cursor.bytes(cursor.word());
-    for (Entry& entry : entries)
-        entry.size = cursor.word();
-    return entries;
-}
-
 std::optional<QString> storedName(const Data& block) {
     const auto bytes = bytesOf(block);
     if (!bytes) return std::nullopt;
     return fileName({bytes->begin(), static_cast<size_t>(bytes->size())});
 }
 
-std::shared_ptr<FileWrapper> parseDirectory(const Data& window, int depth);
+bool isReserved(std::string_view name) {
+    return name == kContentsEntry || name == kAttributesEntry || name == kPreferredNameEntry ||
+           name == kUtf8PreferredNameEntry;
+}
+
+/// A key is the child's name, or a number, the mark, and the name that another child has too.
+std::string_view shownName(std::string_view key) {
+    const auto digits = std::min(key.find_first_not_of("0123456789"), key.size());
+    return digits > 0 && key.substr(digits).starts_with(kSameNameMark)
+               ? key.substr(digits + kSameNameMark.size())
+               : key;
+}
+
+/// The names that a table of attributes marks as symbolic links; what is broken marks none.
+std::vector<std::string_view> linkNames(const Data& block) {
+    std::vector<std::string_view> names;
+    const auto table = bytesOf(block);
+    if (!table) return names;
+    Cursor cursor(*table);
+    for (quint32 left = cursor.word(); left > 0 && !cursor.failed(); --left) {
+        const std::string_view name = cursor.bytes(cursor.word());
+        const std::string_view record = cursor.bytes(cursor.word());
+        if (record.size() < 3 * 4) continue;
+        if (qFromLittleEndian<quint32>(record.data() + 2 * 4) & kLinkFlag) names.push_back(name);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+/// Reads one directory record: a folder, or a file in its disguise.
+class DirectoryReader {
+  public:
+    DirectoryReader(const Data& window, int depth) : cursor_(window), depth_(depth) {}
+
+    /// Null when malformed.
+    std::shared_ptr<FileWrapper> read();
+
+  private:
+    Cursor cursor_;
+    int depth_;
+    std::vector<Entry> entries_;
+    std::vector<std::string_view> links_;     // in order
+    std::vector<std::string_view> children_;  // keys in order
+
+    bool readEntries();
+    [[nodiscard]] bool isLink(std::string_view name) const {
+        return std::binary_search(links_.begin(), links_.end(), name);
+    }
+    [[nodiscard]] bool isIcon(std::string_view key) const;
+    std::shared_ptr<FileWrapper> contentsOf(const Entry& entry) const;
+    bool addChild(FileWrapper& parent, const Entry& entry) const;
+};
+
+bool DirectoryReader::readEntries() {
+    if (depth_ > kMaximumDepth || cursor_.word() != kDirectoryRecord) return false;
+    const quint32 count = cursor_.word();
+    // Each entry takes a name length and a block size at least.
+    if (count > cursor_.remaining() / 8) return false;
+    entries_.resize(count);
+    for (Entry& entry : entries_)
+        entry.name = cursor_.bytes(cursor_.word());
+    for (Entry& entry : entries_)
+        entry.size = cursor_.word();
+    for (Entry& entry : entries_) {
+        entry.block = cursor_.slice(entry.size);
+        if (entry.block.size() < 4) return false;
+        if (entry.name == kAttributesEntry) links_ = linkNames(entry.block);
+        if (!isReserved(entry.name)) children_.push_back(entry.name);
+    }
+    std::sort(children_.begin(), children_.end());
+    return !cursor_.failed();
+}
+
+/// The picture that stands for the file of the same name beside it.
+bool DirectoryReader::isIcon(std::string_view key) const {
+    constexpr std::string_view ending = ".tiff";
+    if (!key.ends_with(ending)) return false;
+    key.remove_suffix(ending.size());
+    return std::binary_search(children_.begin(), children_.end(), key);
+}
+
+/// A file or a link, after its entry's mark; null when malformed.
+std::shared_ptr<FileWrapper> DirectoryReader::contentsOf(const Entry& entry) const {
+    auto bytes = bytesOf(entry.block);
+    if (!bytes && kindOf(entry.block) == kBytesRecord) return nullptr;
+    auto file = std::make_shared<FileWrapper>(FileWrapper::Kind::regularFile);
+    if (isLink(entry.name)) {
+        file->kind = FileWrapper::Kind::symbolicLink;
+        if (bytes) file->linkDestination = QString::fromUtf8(bytes->view());
+    } else {
+        file->contents = std::move(bytes);
+    }
+    return file;
+}
 
 /// Adds an entry of a folder; kinds nobody knows are left out. False when malformed.
-bool addChild(FileWrapper& parent, std::string_view name, const Data& block, int depth) {
-    std::shared_ptr<FileWrapper> child;
-    if (const quint32 kind = kindOf(block); kind == kBytesRecord) {
-        auto bytes = bytesOf(block);
-        if (!bytes) return false;
-        child = std::make_shared<FileWrapper>(*std::move(bytes));
-    } else if (kind == kDirectoryRecord) {
-        child = parseDirectory(block, depth + 1);
-        if (!child) return false;
-    } else {
-        return true;
-    }
-    child->filename = fileName(name);
+bool DirectoryReader::addChild(FileWrapper& parent, const Entry& entry) const {
+    const quint32 kind = kindOf(entry.block);
+    if (kind != kBytesRecord && kind != kDirectoryRecord) return true;
+    auto child =
+        kind == kBytesRecord ? contentsOf(entry) : DirectoryReader(entry.block, depth_ + 1).read();
+    if (!child) return false;
+    if (isIcon(entry.name)) return true;
+    child->filename = fileName(shownName(entry.name));
     if (!child->preferredFilename) child->preferredFilename = child->filename;
     parent.children.push_back(std::move(child));
     return true;
 }
 
-/// A directory record: a folder, or a regular file in its disguise. Null when malformed.
-std::shared_ptr<FileWrapper> parseDirectory(const Data& window, int depth) {
-    Cursor cursor(window);
-    if (depth > kMaximumDepth || cursor.word() != kDirectoryRecord) return nullptr;
-    const auto entries = readEntries(cursor);
+std::shared_ptr<FileWrapper> DirectoryReader::read() {
+    if (!readEntries()) return nullptr;
     auto wrapper = std::make_shared<FileWrapper>(FileWrapper::Kind::directory);
     std::optional<QString> plainName;
     std::optional<QString> utf8Name;
-    for (const Entry& entry : entries) {
-        const Data block = cursor.slice(entry.size);
-        if (block.size() < 4) return nullptr;
+    std::shared_ptr<FileWrapper> file;
+    for (const Entry& entry : entries_) {
         if (entry.name == kContentsEntry) {
-            wrapper->kind = FileWrapper::Kind::regularFile;
-            wrapper->contents = bytesOf(block);
-            if (!wrapper->contents && kindOf(block) == kBytesRecord) return nullptr;
+            file = contentsOf(entry);
+            if (!file) return nullptr;
         } else if (entry.name == kPreferredNameEntry) {
-            plainName = storedName(block);
+            plainName = storedName(entry.block);
         } else if (entry.name == kUtf8PreferredNameEntry) {
-            utf8Name = storedName(block);
+            utf8Name = storedName(entry.block);
         } else if (entry.name != kAttributesEntry) {
-            if (!addChild(*wrapper, entry.name, block, depth)) return nullptr;
+            if (!addChild(*wrapper, entry)) return nullptr;
         }
     }
-    if (cursor.failed()) return nullptr;
-    if (wrapper->isRegularFile()) wrapper->children.clear();
+    if (file) wrapper = std::move(file);
     wrapper->preferredFilename = utf8Name ? utf8Name : plainName;
     wrapper->filename = wrapper->preferredFilename;
     return wrapper;
@@ -203,7 +276,8 @@ std::shared_ptr<FileWrapper> parseSerializedFileWrapper(const Data& data) {
         return nullptr;
     Cursor header(data);
     if (header.bytes(4) != "rtfd" || header.word() != 0) return nullptr;
-    return parseDirectory(data.slice(headerSize, data.size() - headerSize), 1);
+    const Data record = data.slice(headerSize, data.size() - headerSize);
+    return DirectoryReader(record, 1).read();
 }
 
 }  // namespace foundation

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QStringList>
 #include <QtEndian>
 
 #include "support/file_wrapper_writer.h"
@@ -119,6 +120,54 @@ TEST(FileWrapper, LeavesOutRecordsOfUnknownKinds) {
     EXPECT_FALSE(file->contents.has_value());
 }
 
+/// A table of attributes with these names and flags.
+QByteArray attributes(const std::vector<std::pair<QByteArray, quint32>>& entries) {
+    QByteArray table = word(static_cast<quint32>(entries.size()));
+    for (const auto& [name, flags] : entries) {
+        table += word(static_cast<quint32>(name.size())) + name;
+        table += word(16) + word(0) + word(0777) + word(flags) + word(1);
+    }
+    return bytesRecord(table);
+}
+
+TEST(FileWrapper, TellsSymbolicLinksByTheirAttributes) {
+    const auto link = [](const QByteArray& table) {
+        const auto wrapper = parsedDirectory({{"..", bytesRecord("../Büro/a.txt")},
+                                              {"__@PreferredName@__", bytesRecord("a")},
+                                              {".", table}});
+        return wrapper ? wrapper->description() : QString();
+    };
+    const auto isLink = QStringLiteral("<FileWrapper: \"a\" symbolic link to \"../Büro/a.txt\">");
+    const auto isFile = QStringLiteral("<FileWrapper: \"a\" regular file, 14 bytes>");
+    EXPECT_EQ(link(attributes({{"x", 0}, {"..", 6}})), isLink);
+    EXPECT_EQ(link(attributes({{"..", 4}}).chopped(1)), isFile);
+    EXPECT_EQ(link(attributes({{"..", 2}})), isFile);
+    EXPECT_EQ(link(attributes({{"x", 4}})), isFile);
+    const QByteArray table = word(2) + word(2) + ".." + word(8) + QByteArray(8, '\4') + word(2);
+    EXPECT_EQ(link(bytesRecord(table)), isFile) << "a short record and a broken table";
+
+    const auto folder = parsedDirectory(
+        {{"to", bytesRecord("/etc")}, {"file", bytesRecord("x")}, {".", attributes({{"to", 4}})}});
+    ASSERT_TRUE(folder);
+    EXPECT_TRUE(folder->children.at(0)->isSymbolicLink());
+    EXPECT_FALSE(folder->children.at(0)->contents);
+    EXPECT_TRUE(folder->children.at(1)->isRegularFile());
+}
+
+TEST(FileWrapper, ShowsTheNamesOfChildrenWithoutTheirMarksAndIcons) {
+    const auto folder = parsedDirectory({{"a.png.tiff", bytesRecord("icon")},
+                                         {"a.png", bytesRecord("1")},
+                                         {"12__#$!@%!#__a.png", bytesRecord("2")},
+                                         {"__#$!@%!#__b", bytesRecord("3")},
+                                         {"c.tiff", bytesRecord("4")},
+                                         {"..tiff", bytesRecord("5")}});
+    ASSERT_TRUE(folder);
+    QStringList names;
+    for (const auto& child : folder->children)
+        names.append(child->filename.value_or(QString()));
+    EXPECT_EQ(names.join(u' ').toStdString(), "a.png a.png __#$!@%!#__b c.tiff ..tiff");
+}
+
 TEST(FileWrapper, RefusesMalformedBytes) {
     const QByteArray good = directoryRecord({{"..", bytesRecord("abc")}});
     const auto nested = [](int depth) {
@@ -164,6 +213,9 @@ TEST(FileWrapper, IsEqualByWhatItHolds) {
     EXPECT_TRUE(*parsed("a", "1") == *parsed("a", "1"));
     EXPECT_FALSE(*parsed("a", "1") == *parsed("a", "2"));
     EXPECT_FALSE(*parsed("a", "1") == *parsed("b", "1"));
+    EXPECT_EQ(qHash(*parsed("a", "1")), qHash(*parsed("a", "1")));
+    EXPECT_NE(qHash(*parsed("a", "1")), qHash(*parsed("a", "2")));
+    EXPECT_NE(qHash(*parsed("a", "1")), qHash(*parsed("b", "1")));
     EXPECT_FALSE(FileWrapper(Data()) == FileWrapper(FileWrapper::Kind::regularFile));
 }
 

@@ -239,6 +239,16 @@ TEST(Unarchiver, FindsTheFileOfAnAttachmentByItsClass) {
         const auto result = attachmentOf(read(withAttachment(pieces)));
         return result ? *result : TextAttachment();
     };
+    // As the platform writes it: a flag, the wrapper, and a cell when the flag is set.
+    const auto flagged = [&](const char flag) {
+        return Piece([&file, flag](auto& a) {
+            a.group("c@");
+            a.raw({&flag, 1});
+            a.objectValue(a.classes("NSFileWrapper"), [&] { data(file)(a); });
+        });
+    };
+    EXPECT_TRUE(attachment({flagged(0)}).fileWrapper);
+    EXPECT_TRUE(attachment({flagged(1), obj("NSTextAttachmentCell")}).fileWrapper);
     const auto inPlace = raw('[' + QByteArray::number(file.size()) + "c]", file);
     EXPECT_TRUE(attachment({wrapper(inPlace)}).fileWrapper);
     EXPECT_FALSE(attachment({wrapper(data("rtfx"))}).fileWrapper);
