@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "foundation/elided.h"
+#include "foundation/printable.h"
 
 namespace foundation {
 namespace {
@@ -27,14 +28,16 @@ thread_local PrintingOfOneFile* currentFile = nullptr;
 
 void print(QStringView whole) {
     if (currentFile && ++currentFile->lines_ > PrintingOfOneFile::kMostLines) return;
-    const QString line = elided(whole.toString(), longestPrintedLine);
+    // Cut before it is escaped for the time's sake, and after it for the length's.
+    const QString text =
+        elided(printable(elided(whole.toString(), longestPrintedLine)), longestPrintedLine);
     Target& to = target();
     const std::lock_guard lock(to.mutex);
     if (to.function) {
-        to.function(line);
+        to.function(text);
         return;
     }
-    QByteArray bytes = line.toUtf8();
+    QByteArray bytes = text.toUtf8();
     bytes.append('\n');
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), to.stream);
 }

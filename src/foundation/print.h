@@ -15,7 +15,7 @@ namespace foundation {
 inline constexpr qsizetype longestPrintedLine = 1000;
 
 /// Writes the line as UTF-8, followed by one line feed, to the print target. A longer one than the
-/// longest is cut.
+/// longest is cut, and whatever it quotes it is one line: see printable().
 void print(QStringView line);
 
 /// Sends all further lines to a C stream (not owned; standard output at program start).

@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The console loggers and the process-wide default one. A line is its level's tag, the message, and
-// each value after a blank. Lines of several threads may interleave: nothing is locked.
+// each value after a blank; what could break or turn it is escaped. Lines of several threads may
+// interleave: nothing is locked.
 //
 //     console::defaultConsole()->warn("No such folder:", path);
 
@@ -11,6 +12,7 @@
 #include <span>
 #include <utility>
 
+#include "foundation/printable.h"
 #include "toolkit/file_output_stream.h"
 #include "toolkit/logger.h"
 
@@ -37,11 +39,11 @@ class ConsoleBase : public Logger {
         static constexpr QByteArrayView blank(" ");
         static constexpr QByteArrayView lineFeed("\n");
         try {
-            const QByteArray text = message.text().toUtf8();
+            const QByteArray text = foundation::printable(message.text()).toUtf8();
             const QByteArrayView start[] = {level.logPrefixAsBytes(), text};
             stream.write(std::span(start));
             for (const LogValue& value : values) {
-                const QByteArray bytes = value.text().toUtf8();
+                const QByteArray bytes = foundation::printable(value.text()).toUtf8();
                 const QByteArrayView piece[] = {blank, bytes};
                 stream.write(std::span(piece));
             }

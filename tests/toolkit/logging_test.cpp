@@ -106,6 +106,7 @@ TEST(LogLevelDeathTest, TheProcessLevelComesFromTheEnvironmentInAnyCase) {
 }
 
 TEST(Console, WritesTagMessageAndValues) {
+    const PrintCapture print;
     MemoryStream out;
     Console<MemoryStream> log(out, LogLevel::trace);
     log.warn("M", 42, std::optional<int>());
@@ -118,6 +119,9 @@ TEST(Console, WritesTagMessageAndValues) {
     log.dir(7);
     const std::shared_ptr<QString> absent;
     const char* const noText = nullptr;
+    log.warn("one\nline", QString::fromUtf8("\t\x1b[2J \u009b|\u202ecod.exe\u2028\u061c|é😀"));
+    foundation::print(u"\r\x7f\u2066\u00a0\u200b");
+    EXPECT_EQ(print.lines, QStringList(u"\\u{D}\\u{7F}\\u{2066}\u00a0\u200b"_s));
     log.log(u"", absent, noText, std::string("std"), QByteArray("bytes"), QStringList({u"l"_s}));
     EXPECT_EQ(*out.bytes,
               "WARN:  M 42 <nil>\n"
@@ -127,6 +131,7 @@ TEST(Console, WritesTagMessageAndValues) {
               "Trace: t <nil> 3\n"
               "<nil>\n"
               "7\n"
+              "WARN:  one\\u{A}line \\u{9}\\u{1B}[2J \\u{9B}|\\u{202E}cod.exe\\u{2028}\\u{61C}|é😀\n"
               " <nil> <nil> std bytes QList(l)\n");
 }
 
