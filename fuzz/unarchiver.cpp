@@ -14,6 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     foundation::setPrintFunction([](QStringView) {});
     const QByteArray input(reinterpret_cast<const char*>(bytes), static_cast<qsizetype>(size));
     fuzz::ValueCheck().check(
-        foundation::unarchiveObjectWithData(foundation::Data(input), vell::sharedClassRegistry()));
+        foundation::unarchiveObjectWithData(foundation::Data(input), vell::sharedClassRegistry())
+            .object);
     return 0;
 }

@@ -37,6 +37,18 @@ enum class ClassKind {
     opaque,  ///< known, allowed perhaps, but nobody asks for its content
 };
 
+/// What an unarchiver answers.
+struct UnarchivedObject {
+    UnarchivedObject(Value object) : UnarchivedObject(std::move(object), {}) {}
+    UnarchivedObject(Value object, QByteArray className)
+        : object(std::move(object)),
+          className(className.isEmpty() ? this->object.className() : std::move(className)) {}
+
+    Value object;
+    /// As archived, which may be a subclass that nobody knows.
+    QByteArray className;
+};
+
 struct ClassInfo {
     QByteArray name;
     const ClassInfo* superclass = nullptr;  ///< null for root classes
@@ -48,7 +60,7 @@ struct ClassInfo {
     Value (*initWithCoder)(Coder& coder) = nullptr;
     /// The class method "unarchiveObjectWithData:"; only unarchiver classes have it. Answers
     /// nothing when the data can't be read.
-    std::function<Value(const Data& data)> unarchiveObjectWithData = nullptr;
+    std::function<UnarchivedObject(const Data& data)> unarchiveObjectWithData = nullptr;
 
     /// Whether this is the other class or stands below it.
     [[nodiscard]] bool isSubclassOf(const ClassInfo& other) const;

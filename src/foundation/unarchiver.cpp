@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/unarchiver.h"
 
+#include <utility>
+
 #include "foundation/non_keyed/reader.h"
 
 namespace foundation {
 
-Value unarchiveObjectWithData(const Data& data, const ClassRegistry& registry) {
+UnarchivedObject unarchiveObjectWithData(const Data& data, const ClassRegistry& registry) {
     try {
-        return nonkeyed::Reader(data, registry).readRoot();
+        nonkeyed::Reader reader(data, registry);
+        Value root = reader.readRoot();
+        return {std::move(root), reader.rootClassName()};
     } catch (const nonkeyed::MalformedArchive&) {
-        return {};
+        return Value();
     }
 }
 

@@ -9,8 +9,9 @@
 
 namespace foundation {
 
-/// The class method of "NSUnarchiver": the root object; nothing when the bytes are no such archive
-/// or are malformed. Attachment bytes are slices of `data`.
-[[nodiscard]] Value unarchiveObjectWithData(const Data& data, const ClassRegistry& registry);
+/// The class method of "NSUnarchiver": the root object and its class; nothing when the bytes are no
+/// such archive or are malformed. Attachment bytes are slices of `data`.
+[[nodiscard]] UnarchivedObject unarchiveObjectWithData(const Data& data,
+                                                       const ClassRegistry& registry);
 
 }  // namespace foundation

@@ -14,18 +14,21 @@ using foundation::ClassInfo;
 using foundation::ClassKind;
 using foundation::ClassRegistry;
 
-foundation::Value IMHandle::initWithCoder(foundation::Coder& coder) {
+namespace {
+
+template <class T>
+foundation::Value decoded(foundation::Coder& coder) {
+    return std::make_shared<T>(coder);
+}
+
+}  // namespace
+
+IMHandle::IMHandle(foundation::Coder& coder) {
     foundation::print(u"IMHandle INIT: "_s + coder.description());
-    return std::make_shared<IMHandle>();
 }
 
-foundation::Value IMDirectlyObservableObject::initWithCoder(foundation::Coder& coder) {
+IMDirectlyObservableObject::IMDirectlyObservableObject(foundation::Coder& coder) {
     foundation::print(u"IMDirectlyObservableObject INIT: "_s + coder.description());
-    return std::make_shared<IMDirectlyObservableObject>();
-}
-
-foundation::Value Person::initWithCoder(foundation::Coder&) {
-    return std::make_shared<Person>();
 }
 
 void registerTranscriptClasses(ClassRegistry& registry) {
@@ -42,9 +45,9 @@ void registerTranscriptClasses(ClassRegistry& registry) {
     };
     add("InstantMessage", &InstantMessage::initWithCoder);
     add("Presentity", &Presentity::initWithCoder);
-    add("IMHandle", &IMHandle::initWithCoder);
-    add("IMDirectlyObservableObject", &IMDirectlyObservableObject::initWithCoder);
-    add("Person", &Person::initWithCoder, false);
+    add("IMHandle", &decoded<IMHandle>);
+    add("IMDirectlyObservableObject", &decoded<IMDirectlyObservableObject>);
+    add("Person", &decoded<Person>, false);
 }
 
 const ClassRegistry& sharedClassRegistry() {
@@ -59,7 +62,9 @@ const ClassRegistry& sharedClassRegistry() {
     return shared.registry;
 }
 
-std::vector<const ClassInfo*> allowedClassList(const ClassRegistry& registry) {
+namespace {
+
+std::vector<const ClassInfo*> findAllowedClasses() {
     constexpr const char* kNames[] = {
         "InstantMessage",
         "IMHandle",
@@ -89,13 +94,15 @@ std::vector<const ClassInfo*> allowedClassList(const ClassRegistry& registry) {
     };
     std::vector<const ClassInfo*> result;
     for (const char* name : kNames) {
-        if (const ClassInfo* info = registry.find(name)) result.push_back(info);
+        if (const ClassInfo* info = sharedClassRegistry().find(name)) result.push_back(info);
     }
     return result;
 }
 
+}  // namespace
+
 const std::vector<const ClassInfo*>& allowedClassList() {
-    static const std::vector<const ClassInfo*> shared = allowedClassList(sharedClassRegistry());
+    static const std::vector<const ClassInfo*> shared = findAllowedClasses();
     return shared;
 }
 

@@ -14,7 +14,7 @@ namespace vell {
 class IMHandle final : public foundation::Object {
   public:
     /// Prints one line that names the coder.
-    static foundation::Value initWithCoder(foundation::Coder& coder);
+    explicit IMHandle(foundation::Coder& coder);
     [[nodiscard]] QByteArray className() const override { return "IMHandle"; }
 };
 
@@ -22,14 +22,14 @@ class IMHandle final : public foundation::Object {
 class IMDirectlyObservableObject final : public foundation::Object {
   public:
     /// Prints one line that names the coder.
-    static foundation::Value initWithCoder(foundation::Coder& coder);
+    explicit IMDirectlyObservableObject(foundation::Coder& coder);
     [[nodiscard]] QByteArray className() const override { return "IMDirectlyObservableObject"; }
 };
 
 /// An address-book person; nothing of it is read, and no keyed archive may hold one.
 class Person final : public foundation::Object {
   public:
-    static foundation::Value initWithCoder(foundation::Coder& coder);
+    explicit Person(foundation::Coder&) {}
     [[nodiscard]] QByteArray className() const override { return "Person"; }
 };
 
@@ -39,11 +39,7 @@ void registerTranscriptClasses(foundation::ClassRegistry& registry);
 /// The platform's classes and those of transcripts, for the whole process.
 [[nodiscard]] const foundation::ClassRegistry& sharedClassRegistry();
 
-/// The 25 classes that a keyed transcript may hold, as this registry has them; one that it lacks is
-/// left out.
-[[nodiscard]] std::vector<const foundation::ClassInfo*> allowedClassList(
-    const foundation::ClassRegistry& registry);
-/// Those of the shared registry, looked up once.
+/// The 25 classes of the shared registry that a keyed transcript may hold.
 [[nodiscard]] const std::vector<const foundation::ClassInfo*>& allowedClassList();
 
 }  // namespace vell

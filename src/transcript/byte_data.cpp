@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "foundation/checked.h"
+
 namespace vell {
 namespace {
 
@@ -14,6 +16,7 @@ bool isPrintable(unsigned char byte) {
 }  // namespace
 
 std::vector<QByteArrayView> chunk(QByteArrayView data, qsizetype size) {
+    if (size < 1) foundation::fatal("chunks without bytes");
     std::vector<QByteArrayView> result;
     for (qsizetype at = 0; at < data.size(); at += size)
         result.push_back(data.sliced(at, std::min(size, data.size() - at)));

@@ -9,7 +9,8 @@
 
 namespace vell {
 
-/// Consecutive pieces of `size` bytes (at least 1), the last one shorter, none empty.
+/// Consecutive pieces of `size` bytes, the last one shorter, none empty. A size below 1 is a bug
+/// and stops the program.
 [[nodiscard]] std::vector<QByteArrayView> chunk(QByteArrayView data, qsizetype size);
 
 /// Lines of "62 00  |b.|": each byte in hexadecimal, then each as the character it is in ASCII, "."

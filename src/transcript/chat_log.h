@@ -49,7 +49,7 @@ class TesselChatLog {
             return a.fields_ == b.fields_ || *a.fields_ == *b.fields_;
         }
         friend size_t qHash(const Image& v, size_t seed = 0) {
-            return qHashMulti(seed, v.data(), v.type());
+            return qHashMulti(seed, v.data(), v.type(), v.path().value_or(QString()));
         }
 
       private:
@@ -68,9 +68,7 @@ class TesselChatLog {
         friend bool operator==(const File& a, const File& b) {
             return a.wrapper == b.wrapper || *a.wrapper == *b.wrapper;
         }
-        friend size_t qHash(const File& v, size_t seed = 0) {
-            return ::qHash(v.wrapper->description(), seed);
-        }
+        friend size_t qHash(const File& v, size_t seed = 0) { return qHash(*v.wrapper, seed); }
     };
 
     struct Link {

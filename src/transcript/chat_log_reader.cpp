@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QStringList>
 #include <array>
+#include <exception>
 #include <new>
 #include <unordered_map>
 #include <utility>
@@ -91,6 +92,30 @@ QSet<TesselUserID> usersOf(const QSet<SharedUserID>& shared) {
     for (const SharedUserID& user : shared)
         result.insert(*user);
     return result;
+}
+
+/// Reads the keyed form, failing that the non-keyed one; throws what the keyed reader threw when
+/// neither can be read. Running out of memory tells nothing of the form.
+iChatTimeline readTimeline(const foundation::Data& data, const foundation::ClassRegistry& registry,
+                           TesselLoadLog* log) {
+    if (log) log->logPreambleOfData(data.view());
+    std::exception_ptr first;
+    try {
+        return iChatTimeline::fromData(data, log);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception&) {
+        first = std::current_exception();
+    }
+    if (log) log->write(u"\n---\n## Keyed loading failed, trying non-keyed\n\n");
+    try {
+        return iChatTimeline::fromNonKeyedData(data, registry, log);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception&) {
+        if (log) log->writeln(u"Throwing original error");
+    }
+    std::rethrow_exception(first);
 }
 
 class Conversion {
@@ -294,8 +319,8 @@ TesselChatLog TesselChatLog::fromData(const foundation::Data& data, std::optiona
     const foundation::PrintingOfOneFile printing;
     const auto log = tesselLoadLog();
     try {
-        Conversion conversion(iChatTimeline::fromAnyData(data, registry, log.get()), data.size(),
-                              fileDate, calendar);
+        Conversion conversion(readTimeline(data, registry, log.get()), data.size(), fileDate,
+                              calendar);
         try {
             return conversion.run();
         } catch (const foundation::Error& error) {

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "transcript/chat_timeline.h"
 
-#include <new>
 #include <optional>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 
 #include "foundation/keyed_unarchiver.h"
 #include "foundation/print.h"
+#include "foundation/printable.h"
 #include "transcript/archived_classes.h"
 #include "transcript/log_size.h"
 
@@ -18,6 +19,9 @@ using foundation::Array;
 using foundation::Value;
 
 namespace {
+
+/// Of a name in the load log.
+constexpr qsizetype kLongestClassName = 200;
 
 template <class T>
 using Objects = std::vector<std::shared_ptr<const T>>;
@@ -90,31 +94,29 @@ void measureLog(iChatTimeline& timeline, qsizetype fileSize) {
 }  // namespace
 
 const char* iChatTimeline::NoRootObjectError::what() const noexcept {
-    return "The keyed archive has no root object.";
+    return "NoRootObjectError: the keyed archive has no root object";
 }
 const char* iChatTimeline::UnexpectedRootObject::what() const noexcept {
-    return "The root object of the keyed archive is no array.";
+    return "UnexpectedRootObject: the root object of the keyed archive is no array";
 }
 const char* iChatTimeline::NonKeyed::UnarchiverNotAvailable::what() const noexcept {
-    return "There is no reader for non-keyed archives.";
+    return "UnarchiverNotAvailable: there is no reader for non-keyed archives";
 }
 const char* iChatTimeline::NonKeyed::UnarchiverNotAnNSObjectType::what() const noexcept {
-    return "The reader for non-keyed archives is no object class.";
+    return "UnarchiverNotAnNSObjectType: the reader for non-keyed archives is no object class";
 }
 const char* iChatTimeline::NonKeyed::UnarchiverReturnedNil::what() const noexcept {
-    return "The non-keyed archive could not be read.";
+    return "UnarchiverReturnedNil: the non-keyed archive could not be read";
 }
 const char* iChatTimeline::NonKeyed::UnexpectedRootObject::what() const noexcept {
-    return "The root object of the non-keyed archive is no array.";
+    return "UnexpectedRootObject: the root object of the non-keyed archive is no array";
 }
 
-iChatTimeline iChatTimeline::fromData(const foundation::Data& data,
-                                      const foundation::ClassRegistry& registry,
-                                      TesselLoadLog* log) {
+iChatTimeline iChatTimeline::fromData(const foundation::Data& data, TesselLoadLog* log) {
     Value root;
     try {
-        root = foundation::KeyedUnarchiver::unarchivedObject(data, allowedClassList(registry),
-                                                             registry);
+        root = foundation::KeyedUnarchiver::unarchivedObject(data, allowedClassList(),
+                                                             sharedClassRegistry());
     } catch (const foundation::Error& error) {
         if (log) log->logKeyedArchivedError(error);
         throw;
@@ -152,23 +154,24 @@ iChatTimeline iChatTimeline::fromNonKeyedData(const foundation::Data& data,
         if (log) log->writeln(u"NSUnarchiver cannot be cast to NSObject.");
         throw NonKeyed::UnarchiverNotAnNSObjectType();
     }
-    Value root;
+    foundation::UnarchivedObject root{Value()};
     if (unarchiver->unarchiveObjectWithData) root = unarchiver->unarchiveObjectWithData(data);
-    if (root.isNothing()) {
+    if (root.object.isNothing()) {
         if (log) log->writeln(u"NSUnarchiver.unarchiveObjectWithData failed.");
         throw NonKeyed::UnarchiverReturnedNil();
     }
-    auto values = root.object<Array>();
+    auto values = root.object.object<Array>();
     if (!values) {
         if (log) {
-            log->writeln(u"The non-keyed root object doesn't cast to [Any]: "_s +
-                         QString::fromUtf8(root.className()));
+            log->writeln(
+                u"The non-keyed root object doesn't cast to [Any]: "_s +
+                foundation::printable(QString::fromUtf8(root.className), kLongestClassName));
         }
-        throw NonKeyed::UnexpectedRootObject(std::move(root));
+        throw NonKeyed::UnexpectedRootObject(std::move(root.object));
     }
     iChatTimeline result = fromNonKeyedValues(*values);
     values.reset();
-    root = Value();
+    root.object = Value();
     try {
         measureLog(result, data.size());
     } catch (const foundation::Error& error) {
@@ -178,27 +181,21 @@ iChatTimeline iChatTimeline::fromNonKeyedData(const foundation::Data& data,
     return result;
 }
 
-iChatTimeline iChatTimeline::fromAnyData(const foundation::Data& data,
-                                         const foundation::ClassRegistry& registry,
-                                         TesselLoadLog* log) {
-    if (log) log->logPreambleOfData(data.view());
-    std::exception_ptr first;
-    try {
-        return fromData(data, registry, log);
-    } catch (const std::bad_alloc&) {
-        throw;  // tells nothing of the form
-    } catch (const std::exception&) {
-        first = std::current_exception();
-    }
-    if (log) log->write(u"\n---\n## Keyed loading failed, trying non-keyed\n\n");
-    try {
-        return fromNonKeyedData(data, registry, log);
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception&) {
-        if (log) log->writeln(u"Throwing original error");
-    }
-    std::rethrow_exception(first);
+bool operator==(const iChatTimeline& a, const iChatTimeline& b) {
+    const auto archived = [](const iChatTimeline& t) {
+        return std::tie(t.protocolName, t.unknown1, t.unknown4, t.unknown5, t.unknown6, t.unknown7,
+                        t.messages, t.participants);
+    };
+    return archived(a) == archived(b);
+}
+
+size_t iChatTimeline::hash(size_t seed) const {
+    seed = qHashMulti(seed, protocolName, unknown1, unknown4, unknown5, unknown6, unknown7);
+    for (const auto& message : messages)
+        seed = qHash(message.get(), seed);
+    for (const auto& participant : participants)
+        seed = qHash(participant.get(), seed);
+    return seed;
 }
 
 iChatTimeline iChatTimeline::fromValues(const Array& values) {

@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// iChatTimeline: the decoded root object of a transcript, before it becomes a chat log. It is read
-// from a keyed archive or, failing that, from a non-keyed one; each step is written to the load
-// log before a failure is thrown.
+// iChatTimeline: the decoded root object of a transcript, before it becomes a chat log, from a
+// keyed archive or from a non-keyed one; each step is written to the load log before a failure is
+// thrown.
 
 #include <QString>
 #include <exception>
@@ -54,17 +54,12 @@ struct iChatTimeline {
     iChatTimeline() = default;
     /// Reads a keyed archive. Throws the keyed reader's foundation::Error, NoRootObjectError or
     /// UnexpectedRootObject. The log may be null.
-    static iChatTimeline fromData(const foundation::Data& data,
-                                  const foundation::ClassRegistry& registry, TesselLoadLog* log);
+    static iChatTimeline fromData(const foundation::Data& data, TesselLoadLog* log);
     /// Reads a non-keyed archive with the class that the registry has for it. Throws the errors of
     /// NonKeyed, or foundation::Error. The log may be null.
     static iChatTimeline fromNonKeyedData(const foundation::Data& data,
                                           const foundation::ClassRegistry& registry,
                                           TesselLoadLog* log);
-    /// Reads the keyed form, failing that the non-keyed one; throws what the keyed reader threw
-    /// when neither can be read.
-    static iChatTimeline fromAnyData(const foundation::Data& data,
-                                     const foundation::ClassRegistry& registry, TesselLoadLog* log);
     /// From the root array of a keyed archive; never fails.
     static iChatTimeline fromValues(const foundation::Array& values);
     /// From the root array of a non-keyed archive; never fails.
@@ -80,6 +75,13 @@ struct iChatTimeline {
     std::vector<std::shared_ptr<const Presentity>> participants;
     /// What the messages will take as events; known once the timeline was read from data.
     LogSize logSize;
+
+    /// Equal in all that was archived; messages and participants are the same objects.
+    friend bool operator==(const iChatTimeline& a, const iChatTimeline& b);
+    friend size_t qHash(const iChatTimeline& timeline, size_t seed = 0) {
+        return timeline.hash(seed);
+    }
+    [[nodiscard]] size_t hash(size_t seed = 0) const;
 };
 
 }  // namespace vell

@@ -28,7 +28,7 @@ InstantMessage::InstantMessage(std::optional<foundation::Date> date,
       isRead(isRead) {}
 
 foundation::Value InstantMessage::initWithCoder(foundation::Coder& coder) {
-    auto result = foundation::makeObject<InstantMessage>();
+    auto result = foundation::makeObject<InstantMessage>(std::nullopt);
     if (coder.isKeyed()) {
         result->sender = coder.decodeObject("Sender").object<Presentity>();
         result->subject = coder.decodeObject("Subject").object<Presentity>();

@@ -16,7 +16,6 @@ namespace vell {
 
 class InstantMessage final : public foundation::Object {
   public:
-    InstantMessage() = default;
     explicit InstantMessage(std::optional<foundation::Date> date,
                             std::optional<QString> original = std::nullopt,
                             std::shared_ptr<const foundation::AttributedString> message = nullptr,

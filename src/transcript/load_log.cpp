@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "foundation/printable.h"
 #include "transcript/byte_data.h"
 
 namespace vell {
@@ -13,6 +14,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype kDumpBytesPerLine = 16;
+/// Of an extension.
+constexpr qsizetype kLongestName = 200;
 
 std::atomic<std::shared_ptr<TesselLoadLog>>& sharedLog() {
     static std::atomic<std::shared_ptr<TesselLoadLog>> shared(std::make_shared<TesselLoadLog>());
@@ -72,7 +75,8 @@ void TesselLoadLog::openFile(const foundation::FileWrapper& wrapper) {
     const QString name = wrapper.filename.value_or(QString());
     const auto dot = name.lastIndexOf(u'.');
     if (dot >= 0)
-        text += u"  Extension: "_s + name.sliced(dot) + u'\n';
+        text += u"  Extension: "_s +
+                foundation::printable(QStringView(name).sliced(dot), kLongestName) + u'\n';
     else
         text += u"  No filename extension?\n"_s;
     text += u"---\n\n\n"_s;

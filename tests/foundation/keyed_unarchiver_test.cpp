@@ -191,7 +191,7 @@ TEST_F(KeyedUnarchiverTest, ReadsTheFormsOfAValue) {
          "2001-01-01 00:01:00 +0000"},
         {"address with a base", archive_.url("../c?d", archive_.url("http://h/a/b")),
          "http://h/c?d"},
-        {"address without text", instance("NSURL", {}), "nil"},
+        {"address without text", instance("NSURL", {}), "<NSURL>"},
         {"set", instance("NSMutableSet", {{"NS.objects", std::vector<Uid>{b, a}}}), "{(b, a)}"},
         {"counted set",
          instance("NSCountedSet",

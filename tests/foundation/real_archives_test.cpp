@@ -160,7 +160,7 @@ TEST(RealArchives, NonKeyedOnesAreConsumedToTheirEnds) {
     for (const auto& [name, bytes] : files) {
         SCOPED_TRACE(name);
         if (name.starts_with("bad_")) {
-            EXPECT_TRUE(unarchiveObjectWithData(bytes, registry()).isNothing());
+            EXPECT_TRUE(unarchiveObjectWithData(bytes, registry()).object.isNothing());
             continue;
         }
         EXPECT_NO_THROW({
@@ -169,7 +169,8 @@ TEST(RealArchives, NonKeyedOnesAreConsumedToTheirEnds) {
                 reader.readGroup();
         });
         if (name.starts_with("msg_")) {
-            EXPECT_TRUE(unarchiveObjectWithData(bytes, registry()).object<AttributedString>());
+            EXPECT_TRUE(
+                unarchiveObjectWithData(bytes, registry()).object.object<AttributedString>());
         }
     }
 }

@@ -38,7 +38,7 @@ QByteArray archived(const Piece& root, Order order) {
 }
 
 Value read(const QByteArray& bytes) {
-    return unarchiveObjectWithData(bytes, registry());
+    return unarchiveObjectWithData(bytes, registry()).object;
 }
 
 std::string described(const Value& value) {

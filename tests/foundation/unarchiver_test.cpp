@@ -227,7 +227,7 @@ TEST(Unarchiver, FindsTheFileOfAnAttachmentByItsClass) {
         {.name = QStringLiteral("d"), .children = std::vector<support::FileDraft>{}});
     const auto wrapper = [](const Piece& serialized) { return obj("NSFileWrapper", {serialized}); };
     const Data bytes(withAttachment({obj("NSTextAttachmentCell"), wrapper(data(file))}));
-    const auto found = attachmentOf(unarchiveObjectWithData(bytes, registry()));
+    const auto found = attachmentOf(unarchiveObjectWithData(bytes, registry()).object);
     ASSERT_TRUE(found && found->fileWrapper);
     EXPECT_EQ(found->fileWrapper->filename, QStringLiteral("a.png"));
     EXPECT_FALSE(found->contents.has_value());

@@ -120,10 +120,8 @@ TEST(ArchivedClasses, Messages) {
 TEST(ArchivedClasses, TheAccountLayersPlaceholdersAnnounceThemselves) {
     test::PrintedLines printed;
     MapCoder coder({});
-    EXPECT_EQ(IMHandle::initWithCoder(coder).className(), "IMHandle");
-    EXPECT_EQ(IMDirectlyObservableObject::initWithCoder(coder).className(),
-              "IMDirectlyObservableObject");
-    EXPECT_EQ(Person::initWithCoder(coder).className(), "Person");
+    for (const char* name : {"IMHandle", "IMDirectlyObservableObject", "Person"})
+        EXPECT_EQ(sharedClassRegistry().find(name)->initWithCoder(coder).className(), name);
     EXPECT_EQ(printed.lines, (std::vector<std::string>{
                                  "IMHandle INIT: <MapCoder>",
                                  "IMDirectlyObservableObject INIT: <MapCoder>",
@@ -132,15 +130,37 @@ TEST(ArchivedClasses, TheAccountLayersPlaceholdersAnnounceThemselves) {
 
 TEST(ArchivedClasses, TheAllowedListIsCompleteAndLeavesPersonOut) {
     EXPECT_EQ(allowedClassList().size(), 25U);
-    EXPECT_EQ(&allowedClassList(), &allowedClassList());
     for (const foundation::ClassInfo* info : allowedClassList())
         EXPECT_TRUE(info->name != "Person" && info->supportsSecureCoding) << info->name.data();
     ASSERT_TRUE(sharedClassRegistry().find("Person"));
     EXPECT_FALSE(sharedClassRegistry().find("Person")->supportsSecureCoding);
 }
 
+static_assert(!std::is_default_constructible_v<InstantMessage> &&
+              !std::is_default_constructible_v<Presentity> &&
+              !std::is_default_constructible_v<IMHandle> &&
+              !std::is_default_constructible_v<IMDirectlyObservableObject> &&
+              !std::is_default_constructible_v<Person>);
+
+TEST(Timeline, EqualInWhatWasArchived) {
+    const auto message = std::make_shared<const InstantMessage>(std::nullopt);
+    const auto timeline = [](const test::Messages& messages, const char* name = "AIM") {
+        return iChatTimeline::fromValues(
+            *test::root(QString::fromUtf8(name), messages, {}).object<Array>());
+    };
+    EXPECT_EQ(timeline({message}), timeline({message}));
+    EXPECT_EQ(qHash(timeline({message})), qHash(timeline({message})));
+    const iChatTimeline others[] = {
+        timeline({message}, "Jabber"), timeline({message, message}), timeline({}),
+        timeline({std::make_shared<const InstantMessage>(std::nullopt)})};
+    for (const iChatTimeline& other : others) {
+        EXPECT_FALSE(other == timeline({message}));
+        EXPECT_NE(qHash(other), qHash(timeline({message})));
+    }
+}
+
 TEST(Timeline, RootArrayByIndex) {
-    const Value message = std::make_shared<const InstantMessage>();
+    const Value message = std::make_shared<const InstantMessage>(std::nullopt);
     const auto array = [](std::vector<Value> values) {
         return Value(std::make_shared<const Array>(std::move(values)));
     };

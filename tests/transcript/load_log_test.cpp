@@ -17,6 +17,7 @@
 namespace vell {
 namespace {
 
+using namespace Qt::StringLiterals;
 using foundation::ClassRegistry;
 using foundation::FileWrapper;
 using support::KeyedArchiveWriter;
@@ -43,6 +44,9 @@ TEST(LoadLog, OpenFile) {
         {"nameless", Kind::regularFile, nullptr,
          "Opening new file [name not exposed]:\n  not-a-dir\n  FILE\n  not-a-symlink\n"
          "  no filename?\n  No filename extension?\n---\n\n\n"},
+        {"control characters", Kind::regularFile, "a.b\x1b[2J\n",
+         "Opening new file [name not exposed]:\n  not-a-dir\n  FILE\n  not-a-symlink\n"
+         "  wrapper has filename\n  Extension: .b\\u{1B}[2J\\u{A}\n---\n\n\n"},
     };
     TesselLoadLog log;
     for (const Row& row : rows) {
@@ -60,6 +64,7 @@ TEST(LoadLog, Dumps) {
     EXPECT_EQ(hexdump(QByteArrayView("\x1f ~\x7f\x80\xff", 6), 4).toStdString(),
               "1f 20 7e 7f  |. ~.|\n80 ff  |..|\n");
     EXPECT_TRUE(chunk(QByteArrayView(), 16).empty());
+    EXPECT_DEATH(static_cast<void>(chunk(QByteArrayView("b"), 0)), "chunks without bytes");
 
     // Of a long file the first 112 bytes, seven lines.
     TesselLoadLog log;
@@ -95,10 +100,9 @@ std::unique_ptr<ClassRegistry> registryWith(Unarchiver unarchiver) {
         foundation::registerPlatformClasses(*registry);
     } else {
         foundation::registerValueClasses(*registry);
-        if (unarchiver != Unarchiver::missing) {
-            registry->add(
-                {.name = "NSUnarchiver", .isObjectClass = unarchiver != Unarchiver::noObjectClass});
-        }
+        foundation::ClassInfo info{.name = "NSUnarchiver",
+                                   .isObjectClass = unarchiver != Unarchiver::noObjectClass};
+        if (unarchiver != Unarchiver::missing) registry->add(std::move(info));
     }
     registerTranscriptClasses(*registry);
     return registry;
@@ -113,24 +117,23 @@ QByteArray keyedRoot(const std::function<support::Uid(KeyedArchiveWriter&)>& mak
 struct Outcome {
     std::string log;  // without the preamble
     std::string preamble;
-    std::string thrown;  // the error's type, or its text; empty: none
+    std::string thrown;  // the error's text; empty: none
 };
 
 Outcome load(const QByteArray& bytes, Unarchiver unarchiver) {
     const auto registry = registryWith(unarchiver);
     const test::PrintedLines printed;
-    TesselLoadLog log;
+    const auto log = tesselLoadLog();
+    log->reset();
     Outcome result;
     try {
-        iChatTimeline::fromAnyData(bytes, *registry, &log);
-    } catch (const foundation::Error& error) {
-        result.thrown = error.description().toStdString();
-    } catch (const iChatTimeline::NoRootObjectError&) {
-        result.thrown = "NoRootObjectError";
+        TesselChatLog::fromData(bytes, {}, *foundation::Calendar::named("UTC"), *registry);
     } catch (const iChatTimeline::UnexpectedRootObject& error) {
-        result.thrown = "UnexpectedRootObject " + error.object.className().toStdString();
+        result.thrown = error.what() + (" " + error.object.className().toStdString());
+    } catch (const std::exception& error) {
+        result.thrown = error.what();
     }
-    result.log = log.grabLog().toStdString();
+    result.log = log->grabLog().toStdString();
     TesselLoadLog preamble;
     preamble.logPreambleOfData(bytes);
     result.preamble = preamble.grabLog().toStdString();
@@ -161,10 +164,17 @@ TEST(LoadLog, EachWayOfLoading) {
     const QByteArray dictionary =
         keyedRoot([](KeyedArchiveWriter& archive) { return archive.dictionary({}); });
     const QByteArray nilRoot = keyedRoot([](KeyedArchiveWriter&) { return support::Uid(); });
+    const QByteArray textlessUrl =
+        keyedRoot([](KeyedArchiveWriter& archive) { return archive.object({u"NSURL"_s}, {}); });
     const QByteArray empty =
         keyedRoot([](KeyedArchiveWriter& archive) { return archive.array({}); });
     NonKeyedArchiveWriter nonKeyedString;
     nonKeyedString.string(QStringLiteral("AIM"));
+    NonKeyedArchiveWriter nonKeyedSet;
+    nonKeyedSet.object({{"My\x07Set", 0}, {"NSSet", 0}, {"NSObject", 0}}, [&] {
+        nonKeyedSet.group("I");
+        nonKeyedSet.integer(0);
+    });
     NonKeyedArchiveWriter nonKeyedEmpty;
     nonKeyedEmpty.array(0, [] {});
 
@@ -178,6 +188,8 @@ TEST(LoadLog, EachWayOfLoading) {
                                     "0x73, 0x74, 0x30, 0x30)";
     const std::string isEmpty =
         kInit + "data is empty; did you forget to send -finishEncoding to the NSKeyedArchiver?";
+    const std::string isNoArray =
+        "UnexpectedRootObject: the root object of the keyed archive is no array ";
     const std::string dictionaryLines = "The root object doesn't cast to [Any]: Optional<Any>\n";
 
     struct Row {
@@ -202,13 +214,20 @@ TEST(LoadLog, EachWayOfLoading) {
          keyedError(isTruncated)},
         {"keyed dictionary", dictionary, Unarchiver::real,
          dictionaryLines + kTryingNonKeyed + kNonKeyedFailed + kThrowingOriginal,
-         "UnexpectedRootObject NSDictionary"},
+         isNoArray + "NSDictionary"},
+        {"keyed address without a text", textlessUrl, Unarchiver::real,
+         dictionaryLines + kTryingNonKeyed + kNonKeyedFailed + kThrowingOriginal,
+         isNoArray + "NSURL"},
         {"keyed nil", nilRoot, Unarchiver::real,
          "No root object as unarchived!\n" + kTryingNonKeyed + kNonKeyedFailed + kThrowingOriginal,
-         "NoRootObjectError"},
+         "NoRootObjectError: the keyed archive has no root object"},
         {"non-keyed string", nonKeyedString.bytes(), Unarchiver::real,
          keyedErrorLines(isNonKeyed) + kTryingNonKeyed +
              "The non-keyed root object doesn't cast to [Any]: NSString\n" + kThrowingOriginal,
+         keyedError(isNonKeyed)},
+        {"non-keyed object of an unknown subclass", nonKeyedSet.bytes(), Unarchiver::real,
+         keyedErrorLines(isNonKeyed) + kTryingNonKeyed +
+             "The non-keyed root object doesn't cast to [Any]: My\\u{7}Set\n" + kThrowingOriginal,
          keyedError(isNonKeyed)},
         {"no unarchiver class", nonKeyedEmpty.bytes(), Unarchiver::missing,
          keyedErrorLines(isNonKeyed) + kTryingNonKeyed + "NSUnarchiver is not available.\n" +
@@ -247,12 +266,12 @@ TEST(LoadLog, ADictionaryGivesWayToAReadableNonKeyedForm) {
     registry.add({.name = "NSUnarchiver", .unarchiveObjectWithData = [](const foundation::Data&) {
                       return test::root(QStringLiteral("AIM"), {});
                   }});
-    TesselLoadLog log;
     const QByteArray bytes =
         keyedRoot([](KeyedArchiveWriter& archive) { return archive.dictionary({}); });
-    EXPECT_EQ(iChatTimeline::fromAnyData(bytes, registry, &log).protocolName,
-              QStringLiteral("AIM"));
-    EXPECT_TRUE(log.grabLog().endsWith(QString::fromStdString(
+    const auto log =
+        TesselChatLog::fromData(bytes, {}, *foundation::Calendar::named("UTC"), registry);
+    EXPECT_EQ(log.serviceID().rawValue, QStringLiteral("AIM"));
+    EXPECT_TRUE(tesselLoadLog()->grabLog().endsWith(QString::fromStdString(
         "The root object doesn't cast to [Any]: Optional<Any>\n" + kTryingNonKeyed)));
 }
 
@@ -308,6 +327,10 @@ TEST(LoadLog, ClassesThatMayNotBeRead) {
               keyedErrorLines(isDisallowed) + rest);
     EXPECT_EQ(load(transcriptWith("Sender", {QStringLiteral("Foo")}), Unarchiver::real).log,
               keyedErrorLines(isUnknown) + rest);
+    const QString longName = u"Foo\x1b"_s + QString(100000, u'x');
+    const std::string log = load(transcriptWith("Sender", {longName}), Unarchiver::real).log;
+    EXPECT_LT(log.size(), 3000U);
+    EXPECT_NE(log.find("class (Foo\\u{1B}xxx"), std::string::npos);
 }
 
 TEST(LoadLog, WithoutALogEverythingElseIsTheSame) {

@@ -26,7 +26,14 @@ Decoder::Decoder(const Archive& archive, std::span<const ClassInfo* const> allow
 Value Decoder::decodeTop(std::string_view key) {
     const Ref value = archive_.top(key);
     if (value == none) throw missingKeyError(key);
-    return decodeValue(value, {key});
+    Value result = decodeValue(value, {key});
+    const quint64 uid = archive_.uid(value);
+    if (!result.isNothing() || uid == none) return result;
+    const Node node = archive_.object(uid);
+    if (node.kind() != Kind::dictionary) return result;
+    // An instance of which nothing could be made is an object all the same.
+    const quint64 record = archive_.uid(Instance(node, layouts_).classRef());
+    return std::make_shared<OpaqueObject>(archivedClassName(record));
 }
 
 Value Decoder::decodeKey(std::string_view key) {

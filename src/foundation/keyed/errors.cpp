@@ -4,8 +4,13 @@
 #include <QString>
 #include <QStringList>
 
+#include "foundation/printable.h"
+
 namespace foundation::keyed {
 namespace {
+
+/// Of a name that the file has made up, what an error shows.
+constexpr qsizetype kLongestName = 200;
 
 Error corrupt(const QString& text) {
     return coderError(CoderErrorCode::readCorrupt, text);
@@ -52,7 +57,7 @@ Error missingClassInformationError() {
 }
 
 Error unknownClassError(QByteArrayView className, std::string_view key) {
-    const QString name = QString::fromUtf8(className);
+    const QString name = printable(QString::fromUtf8(className), kLongestName);
     return corrupt(QStringLiteral("*** -[NSKeyedUnarchiver decodeObjectForKey:]: cannot decode "
                                   "object of class (%1) for key (%2) because no class named \"%1\" "
                                   "was found; the class needs to be defined in source code or "

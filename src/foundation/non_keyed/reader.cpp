@@ -129,6 +129,8 @@ StreamValue Reader::readObject() {
         result.number = addEntry({});
         const ClassRecord* cls = readClass();
         if (!cls) throw MalformedArchive();
+        if (result.number == 0)
+            rootClassName_ = QByteArray(cls->name.data(), static_cast<qsizetype>(cls->name.size()));
         enter();
         readObjectBody(result.number, *cls);
         leave();

@@ -28,6 +28,8 @@ class Reader {
 
     /// The object that the archive's first group holds.
     Value readRoot();
+    /// The name that the archive gives to the root's class, once that was read.
+    [[nodiscard]] QByteArray rootClassName() const { return rootClassName_; }
     /// The next group of the top level; valid until the next call.
     std::span<const StreamValue> readGroup();
     [[nodiscard]] bool atEnd() const { return stream_.remaining() == 0; }
@@ -92,6 +94,7 @@ class Reader {
     std::vector<StreamValue> values_;
     size_t maximumValues_;
     size_t maximumElements_;
+    QByteArray rootClassName_;
     int nesting_ = 0;
 };
 
