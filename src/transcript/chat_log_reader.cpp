@@ -53,15 +53,20 @@ class SystemTexts {
 /// The runs of attributed strings that several messages share, each extracted once.
 class SharedRuns {
   public:
-    const std::vector<Run>& runsOf(const std::shared_ptr<const AttributedString>& string) {
+    const Extraction& runsOf(const std::shared_ptr<const AttributedString>& string) {
         auto [at, isNew] = known_.try_emplace(string);
         if (isNew) at->second = extractRuns(*string);
         return at->second;
     }
 
   private:
-    std::unordered_map<std::shared_ptr<const AttributedString>, std::vector<Run>> known_;
+    std::unordered_map<std::shared_ptr<const AttributedString>, Extraction> known_;
 };
+
+void printErrors(const Extraction& extraction) {
+    for (const QString& line : extraction.errors)
+        foundation::print(line);
+}
 
 /// The ids of those who spoke last: few people write most of a transcript.
 class RecentSenders {
@@ -141,7 +146,7 @@ class Conversion {
     std::vector<Event> events_;
     std::vector<bool> continuations_;
     SharedRuns sharedRuns_;
-    std::vector<Run> runs_;  // of the message at hand
+    Extraction extraction_;  // of the message at hand
     RecentSenders recentSenders_;
     SystemTexts systemTexts_;
 
@@ -231,12 +236,16 @@ void Conversion::appendContent(const InstantMessage& message, bool isShared) {
     if (!string || string->runs().empty()) return appendFallback(message);
     const std::size_t first = events_.size();
     if (isShared || string.use_count() > 1) {
-        for (const Run& run : sharedRuns_.runsOf(string))
+        const Extraction& shared = sharedRuns_.runsOf(string);
+        printErrors(shared);
+        for (const Run& run : shared.runs)
             appendRun(Run(run));
     } else {
-        runs_.clear();
-        extractRuns(*string, runs_);
-        for (Run& run : runs_)
+        extraction_.runs.clear();
+        extraction_.errors.clear();
+        extractRuns(*string, extraction_);
+        printErrors(extraction_);
+        for (Run& run : extraction_.runs)
             appendRun(std::move(run));
     }
     joinFrom(first);

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "foundation/picture.h"
-#include "foundation/print.h"
 
 namespace vell {
 
@@ -20,10 +19,34 @@ QString slice(const QString& text, qsizetype begin, qsizetype length) {
     return length == text.size() ? text : text.sliced(begin, length);
 }
 
+/// Whether the place lies between the two halves of a character.
+bool splitsCharacter(const QString& text, qsizetype place) {
+    return place > 0 && place < text.size() && text[place].isLowSurrogate() &&
+           text[place - 1].isHighSurrogate();
+}
+
 /// A plain stretch that is still growing while ranges are walked.
-struct PlainStretch {
-    qsizetype begin = 0;
-    qsizetype length = 0;
+class PlainStretch {
+  public:
+    /// The range must lie behind those added before.
+    void add(const QString& text, qsizetype begin, qsizetype length) {
+        if (length == 0) return;
+        if (length_ > 0 && begin != begin_ + length_) {
+            before_ += text.sliced(begin_, length_);
+            length_ = 0;
+        }
+        if (length_ == 0) begin_ = begin;
+        length_ += length;
+    }
+    [[nodiscard]] QString cut(const QString& text) const {
+        const QString last = slice(text, begin_, length_);
+        return before_.isEmpty() ? last : before_ + last;
+    }
+
+  private:
+    QString before_;  // what came before a gap
+    qsizetype begin_ = 0;
+    qsizetype length_ = 0;
 };
 
 /// The run of an attachment; nothing when it has neither wrapper nor contents.
@@ -53,17 +76,18 @@ std::optional<Run> attachmentRun(const foundation::Attributes& attributes,
 
 }  // namespace
 
-std::vector<Run> extractRuns(const AttributedString& string) {
-    std::vector<Run> result;
+Extraction extractRuns(const AttributedString& string) {
+    Extraction result;
     extractRuns(string, result);
     return result;
 }
 
-void extractRuns(const AttributedString& string, std::vector<Run>& result) {
+void extractRuns(const AttributedString& string, Extraction& extraction) {
     const QString& text = string.text();
+    std::vector<Run>& result = extraction.runs;
     std::optional<PlainStretch> plain;  // the last run so far, not yet cut
     const auto finishPlain = [&] {
-        if (plain) result.emplace_back(PlainRun{slice(text, plain->begin, plain->length)});
+        if (plain) result.emplace_back(PlainRun{plain->cut(text)});
         plain.reset();
     };
 
@@ -71,11 +95,14 @@ void extractRuns(const AttributedString& string, std::vector<Run>& result) {
     for (const AttributedString::Run& range : string.runs()) {
         const qsizetype begin = position;
         position += range.length;
+        // A range that ends inside a character has no text of its own.
+        const bool isWhole = !splitsCharacter(text, begin) && !splitsCharacter(text, position);
+        const qsizetype length = isWhole ? range.length : 0;
         if (range.attributes) {
             if (auto url = range.attributes->link.object<foundation::URL>()) {
                 finishPlain();
                 result.emplace_back(
-                    TesselChatLog::Link{std::move(url), slice(text, begin, range.length)});
+                    TesselChatLog::Link{std::move(url), slice(text, begin, length)});
                 continue;
             }
             if (const auto attachment = range.attributes->attachment.object<TextAttachment>()) {
@@ -83,15 +110,15 @@ void extractRuns(const AttributedString& string, std::vector<Run>& result) {
                 if (auto run = attachmentRun(*range.attributes, *attachment)) {
                     result.push_back(*std::move(run));
                 } else {
-                    foundation::print(u"ERROR: unexpected attachment run: "_s +
-                                      attachment->description());
-                    plain = {begin, range.length};
+                    extraction.errors.append(u"ERROR: unexpected attachment run: "_s +
+                                             attachment->description());
+                    plain.emplace().add(text, begin, length);
                 }
                 continue;
             }
         }
-        if (!plain) plain = {begin, 0};
-        plain->length += range.length;
+        if (!plain) plain.emplace();
+        plain->add(text, begin, length);
     }
     finishPlain();
 }

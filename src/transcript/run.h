@@ -5,6 +5,7 @@
 // neighbouring plain stretches become one run, links and attachments stand for themselves.
 
 #include <QString>
+#include <QStringList>
 #include <memory>
 #include <optional>
 #include <variant>
@@ -25,11 +26,16 @@ struct FileRun {
 /// A link's and a picture's payloads are those of their events.
 using Run = std::variant<PlainRun, TesselChatLog::Link, TesselChatLog::Image, FileRun>;
 
+struct Extraction {
+    std::vector<Run> runs;
+    QStringList errors;  ///< lines to print, one for each attachment that holds nothing
+};
 /// The runs of the whole string; none when it is empty. A run that covers the whole text shares its
-/// QString. An attachment that holds nothing is printed as an error and stays text.
-[[nodiscard]] std::vector<Run> extractRuns(const foundation::AttributedString& string);
+/// QString. The text of a range with half a character at its edge is empty; an attachment that
+/// holds nothing is an error and stays text.
+[[nodiscard]] Extraction extractRuns(const foundation::AttributedString& string);
 /// Appends them instead, so that one vector can serve many strings.
-void extractRuns(const foundation::AttributedString& string, std::vector<Run>& result);
+void extractRuns(const foundation::AttributedString& string, Extraction& result);
 
 /// What extractRuns would make of the string, at most.
 struct RunCensus {

@@ -257,6 +257,16 @@ TEST(Conversion, MessagesThatShareTheirTextShareTheEventsText) {
     EXPECT_EQ(characters(0), characters(1));
     EXPECT_EQ(characters(0), characters(2));
     EXPECT_EQ(characters(3), shared->text().constData());
+
+    // What is wrong with it is told for each of them.
+    const auto attachment = std::make_shared<const foundation::TextAttachment>();
+    const auto broken = std::make_shared<const foundation::AttributedString>(
+        u"\ufffc"_s, std::make_shared<const foundation::Attributes>(
+                         foundation::Attributes{{}, foundation::Value(attachment), {}}));
+    const PrintedLines printed;
+    const auto first = message(nullptr, std::nullopt, std::nullopt, broken);
+    convert(root(u"AIM"_s, {first, first, message(nullptr, std::nullopt, std::nullopt, broken)}));
+    EXPECT_EQ(printed.lines.size(), 3U);
 }
 
 }  // namespace
