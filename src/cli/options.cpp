@@ -87,6 +87,10 @@ const Format* chosenFormat(const Arguments& given) {
 foundation::Calendar chosenCalendar(const Arguments& given) {
     if (!given.parser.isSet(given.timeZone)) return foundation::Calendar::current();
     const QString zone = given.parser.value(given.timeZone);
+    if (foundation::Calendar::isRule(zone.toUtf8())) {
+        qputenv("TZ", zone.toUtf8());
+        return foundation::Calendar::current();
+    }
     auto calendar = foundation::Calendar::named(zone.toUtf8());
     if (!calendar || !isKnownTimeZone(calendar->timeZone().id()))
         throw UsageError{u"unknown time zone: "_s + zone};

@@ -3,10 +3,12 @@
 
 #include <QDateTime>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdio>
+#include <ctime>
 #include <limits>
 #include <utility>
 
@@ -22,7 +24,7 @@ qint64 floorDivide(qint64 value, qint64 divisor) {
 }
 
 /// The bare zone name of a TZ value: no ":" in front, no path of the zone database.
-QByteArray zoneName(QByteArray zone) {
+QByteArray bareName(QByteArray zone) {
     if (zone.startsWith(':')) zone.remove(0, 1);
     if (!zone.startsWith('/')) return zone;
     constexpr QByteArrayView directory("/zoneinfo/");
@@ -34,16 +36,29 @@ QByteArray zoneName(QByteArray zone) {
     return at < 0 ? zone : zone.mid(at + directory.size());
 }
 
-/// The offset of "UTC+2", "UTC-5:30" and the like. In TZ such a text is a rule that counts
-/// westwards; Qt takes it for a name, counted eastwards.
-std::optional<int> offsetOfUtcRule(const QByteArray& zone) {
-    int sign = 0;
-    int parts[3] = {};
-    if (std::sscanf(zone.constData(), "UTC%n%3d:%2d:%2d", &sign, &parts[0], &parts[1], &parts[2]) <
-        1)
-        return std::nullopt;
-    const int size = parts[1] * 60 + parts[2];
-    return -(parts[0] * 3600 + (zone.at(sign) == '-' ? -size : size));
+/// What the C library, which reads TZ, has at that second; null when it can't tell.
+const std::tm* localTime(qint64 second, std::tm& buffer) {
+    const auto time = static_cast<std::time_t>(second);
+    return localtime_r(&time, &buffer);
+}
+
+/// A second at which every zone has the same offset and the same name. The calendar repeats itself
+/// after 400 years, so what is far away is asked for in the first of these that only rules govern:
+/// who walks the rules year by year needs no time worth mentioning.
+qint64 equivalentSecond(qint64 second) {
+    constexpr qint64 kCycle = 146097 * kDay;
+    constexpr qint64 kFirstYear = -62135596800;   // 0001-01-01 from 1970
+    constexpr qint64 kFirstOfCycle = 4102444800;  // 2100-01-01
+    if (second < kFirstYear) return kFirstYear;
+    return second < kFirstOfCycle ? second : kFirstOfCycle + (second - kFirstOfCycle) % kCycle;
+}
+
+std::optional<qint64> secondSinceEpoch(Date date) {
+    constexpr qint64 kReference = 978307200;  // 2001-01-01 from 1970
+    constexpr double kLimit = 1.8e14;         // what ICU's dates can express
+    const double seconds = std::floor(date.secondsSinceReferenceDate);
+    if (!(std::abs(seconds) < kLimit)) return std::nullopt;
+    return static_cast<qint64>(seconds) + kReference;
 }
 
 /// NaN is the same instant as itself here: a message that inherits it opens nothing new.
@@ -58,7 +73,8 @@ bool isSameInstant(Date a, Date b) {
 Calendar::Calendar(QTimeZone zone) : zone_(std::move(zone)) {}
 
 std::optional<Calendar> Calendar::named(const QByteArray& zone) {
-    const QByteArray name = zoneName(zone);
+    if (isRule(zone)) return std::nullopt;
+    const QByteArray name = bareName(zone);
     if (name.isEmpty()) return Calendar(QTimeZone::utc());
     const QTimeZone found(name);
     if (!found.isValid()) return std::nullopt;
@@ -71,17 +87,46 @@ Calendar Calendar::current() {
         return Calendar(zone.isValid() ? zone : QTimeZone::utc());
     }
     const QByteArray name = qgetenv("TZ");
-    if (const QTimeZone fixed(offsetOfUtcRule(name).value_or(std::numeric_limits<int>::max()));
-        fixed.isValid())
-        return Calendar(fixed);
+    if (isRule(name)) {
+        tzset();
+        Calendar calendar(QTimeZone::utc());
+        calendar.rule_ = name;
+        return calendar;
+    }
     if (auto calendar = named(name)) return *std::move(calendar);
     [[maybe_unused]] static const int reported =
         std::fprintf(stderr, "Unknown time zone in TZ, taking UTC: %s\n", name.constData());
     return Calendar(QTimeZone::utc());
 }
 
+bool Calendar::isRule(const QByteArray& zone) {
+    static const QRegularExpression start(
+        QStringLiteral("^:?([A-Za-z]{3,}|<[A-Za-z0-9+-]{3,}>)[+-]?[0-9]"));
+    return start.match(QString::fromLatin1(zone)).hasMatch();
+}
+
+Calendar Calendar::forgetful() const {
+    Calendar result(zone_);
+    result.rule_ = rule_;
+    return result;
+}
+
+QString Calendar::zoneName(Date date) const {
+    const auto second = secondSinceEpoch(date);
+    if (!second) return {};
+    const qint64 asked = equivalentSecond(*second);
+    if (rule_.isEmpty())
+        return zone_.abbreviation(QDateTime::fromSecsSinceEpoch(asked, QTimeZone::utc()));
+    std::tm buffer;
+    const std::tm* local = localTime(asked, buffer);
+    return local ? QString::fromLocal8Bit(local->tm_zone) : QString();
+}
+
 bool Calendar::isSameDay(Date a, Date b) const {
     if (isSameInstant(a, b)) return true;
+    // No zone is needed to tell these, or what is no number, apart.
+    if (!(std::abs(a.secondsSinceReferenceDate - b.secondsSinceReferenceDate) <= 2 * kDay))
+        return false;
     const auto localA = localSecond(a);
     const auto localB = localSecond(b);
     return localA && localB && floorDivide(*localA, kDay) == floorDivide(*localB, kDay);
@@ -98,9 +143,16 @@ bool Calendar::isSameMinute(Date a, Date b) const {
 }
 
 std::optional<qint64> Calendar::localSecond(Date date) const {
-    const auto second = date.secondSinceEpoch();
+    const auto second = secondSinceEpoch(date);
     if (!second) return std::nullopt;
-    return *second + stretchAt(*second).offset;
+    return *second + offsetAt(equivalentSecond(*second));
+}
+
+int Calendar::offsetAt(qint64 second) const {
+    if (rule_.isEmpty()) return stretchAt(second).offset;
+    std::tm buffer;
+    const std::tm* local = localTime(second, buffer);
+    return local ? static_cast<int>(local->tm_gmtoff) : 0;
 }
 
 const Calendar::Stretch& Calendar::stretchAt(qint64 second) const {

@@ -18,20 +18,32 @@ class Calendar {
   public:
     explicit Calendar(QTimeZone zone);
 
-    /// In the zone named by TZ as the C library would read it, else the system's. A name that
-    /// nobody knows stands for UTC, as it does there, and is reported on standard error.
+    /// In the zone named by TZ as the C library would read it, else the system's. TZ may also be a
+    /// rule; such a calendar is right only as long as TZ stays. A name that nobody knows stands for
+    /// UTC, as it does there, and is reported on standard error.
     static Calendar current();
-    /// In the zone of this name: "Europe/Berlin", or a rule such as "CET-1CEST,M3.5.0,M10.5.0/3"; a
-    /// leading ":" and the path of the zone database are ignored. Nothing when it is unknown.
+    /// In the zone of this name, "Europe/Berlin"; a leading ":" and the path of the zone database
+    /// are ignored. Nothing when it is unknown.
     static std::optional<Calendar> named(const QByteArray& zone);
+    /// Whether this has the form of a rule, "CET-1CEST,M3.5.0,M10.5.0/3" or "UTC+2". Only the C
+    /// library understands rules, and only the one in TZ.
+    static bool isRule(const QByteArray& zone);
 
+    /// The same zone in a calendar that remembers nothing; another thread may ask for one.
+    [[nodiscard]] Calendar forgetful() const;
+    /// The zone; it means nothing where a rule is followed.
     [[nodiscard]] const QTimeZone& timeZone() const { return zone_; }
-    /// The same local day. Instants outside the years 1-9999 share a day only with themselves.
+    [[nodiscard]] bool hasZoneOf(const Calendar& other) const {
+        return zone_ == other.zone_ && rule_ == other.rule_;
+    }
+    /// The short name of the zone at that instant: "CEST".
+    [[nodiscard]] QString zoneName(Date date) const;
+    /// The same local day. Instants that no calendar can tell share a day only with themselves.
     [[nodiscard]] bool isSameDay(Date a, Date b) const;
     /// The same local minute; the second 02:30 of an autumn night is another minute than the first.
     [[nodiscard]] bool isSameMinute(Date a, Date b) const;
-    /// Seconds since 1970 as a local clock counts them, rounded down; nothing outside the years
-    /// 1-9999.
+    /// Seconds since 1970 as a local clock counts them, rounded down; nothing for what is no number
+    /// or millions of years away.
     [[nodiscard]] std::optional<qint64> localSecond(Date date) const;
 
   private:
@@ -43,9 +55,11 @@ class Calendar {
     };
 
     QTimeZone zone_;
+    QByteArray rule_;  // what TZ held when it was a rule; the zone then means nothing
     mutable std::vector<Stretch> stretches_;  // in order of time, never overlapping
     mutable std::size_t last_ = 0;            // where the last instant lay
 
+    [[nodiscard]] int offsetAt(qint64 second) const;
     [[nodiscard]] const Stretch& stretchAt(qint64 second) const;
     [[nodiscard]] Stretch askZone(qint64 second) const;
 };

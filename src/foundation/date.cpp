@@ -72,6 +72,11 @@ QString formatted(qint64 milliseconds, QChar separator, bool fraction, QLatin1St
 
 const Date Date::distantPast{-63113904000.0};
 
+bool Date::isDistantPast() const {
+    constexpr double kJulian = -63114076800.0;
+    return *this == distantPast || secondsSinceReferenceDate == kJulian;
+}
+
 Date Date::now() {
     return fromMillisecondsSinceEpoch(QDateTime::currentMSecsSinceEpoch());
 }
@@ -96,15 +101,6 @@ std::optional<qint64> Date::millisecondsSinceEpoch() const {
     return result;
 }
 
-std::optional<qint64> Date::secondSinceEpoch() const {
-    if (!(std::abs(secondsSinceReferenceDate) < 1e12)) return std::nullopt;
-    auto result = static_cast<qint64>(secondsSinceReferenceDate);
-    if (static_cast<double>(result) > secondsSinceReferenceDate) --result;
-    result += kReferenceFromEpoch;
-    if (result < kFirstMillisecond / 1000 || result >= kEndMillisecond / 1000) return std::nullopt;
-    return result;
-}
-
 std::optional<QString> Date::iso8601() const {
     const auto milliseconds = millisecondsSinceEpoch();
     if (!milliseconds) return std::nullopt;
@@ -112,7 +108,7 @@ std::optional<QString> Date::iso8601() const {
 }
 
 QString Date::description() const {
-    const auto milliseconds = millisecondsSinceEpoch();
+    const auto milliseconds = (isDistantPast() ? distantPast : *this).millisecondsSinceEpoch();
     if (!milliseconds)
         return QString::number(secondsSinceReferenceDate, 'g', QLocale::FloatingPointShortest);
     return formatted(*milliseconds, u' ', false, QLatin1StringView(" +0000"));

@@ -17,6 +17,9 @@ struct Date {
     /// 0001-01-01 00:00:00 UTC, earlier than any message.
     static const Date distantPast;
 
+    /// Also the same date of the Julian calendar, which is what some writers store for it.
+    [[nodiscard]] bool isDistantPast() const;
+
     /// The current time.
     static Date now();
     /// From milliseconds since 1970, the platform's file times.
@@ -24,8 +27,6 @@ struct Date {
 
     /// Milliseconds since 1970, rounded down; nothing when outside the years 1-9999.
     [[nodiscard]] std::optional<qint64> millisecondsSinceEpoch() const;
-    /// Seconds since 1970, rounded down; nothing when outside the years 1-9999.
-    [[nodiscard]] std::optional<qint64> secondSinceEpoch() const;
     /// "2009-07-04T13:04:05.250Z" (milliseconds rounded down); nothing outside the years 1-9999.
     [[nodiscard]] std::optional<QString> iso8601() const;
     /// "2009-07-04 13:04:05 +0000", or the number of seconds outside the years 1-9999.

@@ -6,8 +6,6 @@
 #include <unicode/uloc.h>
 #include <unicode/ures.h>
 
-#include <QDateTime>
-#include <QTimeZone>
 #include <algorithm>
 #include <atomic>
 #include <iterator>
@@ -21,6 +19,11 @@ namespace {
 
 constexpr qint64 kMinutesPerDay = 1440;
 constexpr qint64 kSecondsPerDay = kMinutesPerDay * 60;
+constexpr qint64 kFirstYear = -62135596800;  // 0001-01-01 from 1970, seconds
+
+const UChar* asUtf16(const QString& text) {
+    return reinterpret_cast<const UChar*>(text.utf16());
+}
 
 /// ICU's name of a locale written as the C library or as language tags have it.
 QByteArray icuLocale(QByteArray name) {
@@ -68,6 +71,18 @@ struct DateFormatter::Format {
         UErrorCode status = U_ZERO_ERROR;
         if (other.handle) handle = udat_clone(other.handle, &status);
     }
+    /// Tells years before the year 1 from those after it.
+    void addEra() {
+        char16_t buffer[128];
+        UErrorCode status = U_ZERO_ERROR;
+        const auto length = udat_toPattern(handle, 0, buffer, std::size(buffer), &status);
+        if (U_FAILURE(status)) return;
+        QString pattern = QString::fromUtf16(buffer, length);
+        const auto year = pattern.lastIndexOf(u'y');
+        if (year < 0 || pattern.contains(u'G')) return;
+        pattern.insert(year + 1, QStringLiteral(" G"));
+        udat_applyPattern(handle, 0, asUtf16(pattern), static_cast<int>(pattern.size()));
+    }
     Format& operator=(const Format&) = delete;
     ~Format() {
         if (handle) udat_close(handle);
@@ -97,18 +112,15 @@ DateFormatter::DateFormatter(const DateFormatter& other)
     : style_(other.style_),
       prototype_(other.prototype_),
       format_(std::make_unique<Format>(*prototype_)),
-      calendar_(other.calendar_.timeZone()) {}
+      calendar_(other.calendar_.forgetful()) {}
 
 DateFormatter::~DateFormatter() = default;
 
 QString DateFormatter::string(foundation::Date date) const {
     const std::optional<qint64> localSecond = calendar_.localSecond(date);
     if (!localSecond || !format_->handle) return date.description();
-    if (style_ == Style::fullDateTime) {
-        const QDateTime instant =
-            QDateTime::fromSecsSinceEpoch(*date.secondSinceEpoch(), QTimeZone::utc());
-        return formatted(*localSecond) + u' ' + calendar_.timeZone().abbreviation(instant);
-    }
+    if (style_ == Style::fullDateTime)
+        return formatted(*localSecond) + u' ' + calendar_.zoneName(date);
     if (style_ != Style::shortTime) return formatted(*localSecond);
     // A short time depends on nothing but the minute of the local day, whatever the offset was.
     qint64 secondOfDay = *localSecond % kSecondsPerDay;
@@ -120,10 +132,18 @@ QString DateFormatter::string(foundation::Date date) const {
 }
 
 QString DateFormatter::formatted(qint64 localSecond) const {
+    UDateFormat* format = format_->handle;
+    if (localSecond < kFirstYear && style_ != Style::shortTime) {
+        if (!formatWithEra_) {
+            formatWithEra_ = std::make_unique<Format>(*prototype_);
+            if (formatWithEra_->handle) formatWithEra_->addEra();
+        }
+        if (formatWithEra_->handle) format = formatWithEra_->handle;
+    }
     char16_t buffer[128];
     UErrorCode status = U_ZERO_ERROR;
-    const auto length = udat_format(format_->handle, static_cast<double>(localSecond) * 1000,
-                                    buffer, std::size(buffer), nullptr, &status);
+    const auto length = udat_format(format, static_cast<double>(localSecond) * 1000, buffer,
+                                    std::size(buffer), nullptr, &status);
     return QString::fromUtf16(buffer, std::min<int>(length, std::size(buffer)));
 }
 
@@ -191,7 +211,7 @@ const DateFormatter& fullDateFormatter() {
 void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& calendar) {
     Prototypes& all = prototypes();
     const std::lock_guard lock(all.lock);
-    if (locale == all.locale && calendar.timeZone() == all.calendar.timeZone()) return;
+    if (locale == all.locale && calendar.hasZoneOf(all.calendar)) return;
     all.locale = locale;
     all.calendar = calendar;
     all.day.reset();

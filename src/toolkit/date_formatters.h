@@ -30,7 +30,8 @@ class DateFormatter {
     DateFormatter& operator=(const DateFormatter&) = delete;
     ~DateFormatter();
 
-    /// The local date or time at that instant; what no calendar expresses is the number of seconds.
+    /// The local date or time at that instant, with the era before the year 1; what no calendar
+    /// expresses is the number of seconds.
     [[nodiscard]] QString string(foundation::Date date) const;
 
   private:
@@ -39,6 +40,7 @@ class DateFormatter {
     Style style_;
     std::shared_ptr<const Format> prototype_;  // never formats, so that anybody may clone it
     std::unique_ptr<Format> format_;
+    mutable std::unique_ptr<Format> formatWithEra_;  // made on demand
     foundation::Calendar calendar_;
     mutable std::vector<QString> shortTimes_;  // by local minute of the day, made on demand
 

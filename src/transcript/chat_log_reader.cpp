@@ -204,7 +204,8 @@ void Conversion::append(Date timestamp, const SharedUserID& sender, Payload payl
 }
 
 void Conversion::convert(const std::shared_ptr<const InstantMessage>& message) {
-    const Date date = message->date.value_or(date_);
+    Date date = message->date.value_or(date_);
+    if (date.isDistantPast()) date = Date::distantPast;
     takeSender(message->sender, date);
     appendTimeMarker(date);
     date_ = date;

@@ -29,6 +29,8 @@ TEST(Date, TextOfAnyDouble) {
          "1900-03-01 00:00:00 +0000"},
         {"distant past", Date::distantPast.secondsSinceReferenceDate, "0001-01-01T00:00:00.000Z",
          "0001-01-01 00:00:00 +0000"},
+        {"distant past of the Julian calendar", -63114076800.0, nullptr,
+         "0001-01-01 00:00:00 +0000"},
         {"before year 1", Date::distantPast.secondsSinceReferenceDate - 1, nullptr, "-63113904001"},
         {"last second", 252423993599.0, "9999-12-31T23:59:59.000Z", "9999-12-31 23:59:59 +0000"},
         {"year 10000", 252423993600.0, nullptr, "252423993600"},

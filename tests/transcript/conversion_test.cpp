@@ -74,6 +74,15 @@ TEST(Conversion, MarkersBetweenMessages) {
          "America/New_York",
          {say(alice, nullptr), say(alice, "2009-07-04T13:04:05Z"), say(alice, nullptr)},
          {"alice: text x", "day", "alice: text x", "alice: text x"}},
+        {"the beginning of time as it is archived is no day either",
+         "America/New_York",
+         {message(alice, Date{-63114076800.0}, u"x"_s), say(alice, nullptr)},
+         {"alice: text x", "alice: text x"}},
+        {"beyond the year 9999 days and minutes go on",
+         "Europe/Berlin",
+         {message(alice, Date{3e11}, u"x"_s), message(alice, Date{3e11 + 60}, u"x"_s),
+          message(alice, Date{3e11 + 86400}, u"x"_s)},
+         {"day", "alice: text x", "minute", "alice: text x", "day", "alice: text x"}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
