@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+//
+// Whatever a file holds, a file of twice the size costs about twice as much: loaded, and written in
+// each format. A refusal is a cheap answer, and a right one where a format would write what the
+// file stores once many times over.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <array>
+#include <functional>
+
+#include "foundation/error.h"
+#include "growth/hostile_files.h"
+#include "transcript/chat_log.h"
+
+namespace vell::test {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr qsizetype kSize = 200'000;
+constexpr double kMiB = 1 << 20;
+
+struct Cost {
+    double seconds = 0;  ///< of the processor
+    double peak = 0;     ///< bytes
+    bool isRefused = false;
+};
+
+/// What a process of its own needs for the task, which answers whether it was refused.
+Cost costOf(const std::function<bool()>& task) {
+    const pid_t child = fork();
+    if (child == 0) {
+        const int nowhere = open("/dev/null", O_WRONLY);
+        dup2(nowhere, STDOUT_FILENO);
+        dup2(nowhere, STDERR_FILENO);
+        _exit(task() ? 1 : 0);
+    }
+    int status = 0;
+    rusage used{};
+    EXPECT_EQ(wait4(child, &status, 0, &used), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) < 2) << status;
+    const auto seconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+    };
+    return {seconds(used.ru_utime) + seconds(used.ru_stime),
+            static_cast<double>(used.ru_maxrss) * 1024, WEXITSTATUS(status) == 1};
+}
+
+bool load(const QByteArray& path) {
+    try {
+        (void)TesselChatLog::fromFile(QString::fromUtf8(path), *foundation::Calendar::named("UTC"));
+        return false;
+    } catch (const foundation::Error&) {
+        return true;
+    }
+}
+
+bool exportAs(const char* format, const QByteArray& path) {
+    execl(VELL_EXPORT, VELL_EXPORT, "--format", format, path.constData(), nullptr);
+    return _exit(127), true;
+}
+
+TEST(Growth, CostsTwiceForTwiceTheSize) {
+    const std::pair<const char*, std::function<bool(const QByteArray&)>> tasks[] = {
+        {"load", load},
+        {"json", [](const QByteArray& path) { return exportAs("json", path); }},
+        {"markdown", [](const QByteArray& path) { return exportAs("markdown", path); }},
+        {"text", [](const QByteArray& path) { return exportAs("text", path); }},
+    };
+    const QTemporaryDir folder;
+    for (const HostileFile& hostile : hostileFiles()) {
+        std::array<QByteArray, 2> paths;
+        for (const std::size_t i : {0, 1}) {
+            paths[i] = folder.filePath(QString::number(i)).toUtf8();
+            QFile file(QString::fromUtf8(paths[i]));
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write(hostile.make(kSize << i));
+        }
+        for (const auto& [name, task] : tasks) {
+            SCOPED_TRACE(testing::Message() << hostile.name << ", " << name);
+            Cost once{1e9};
+            Cost twice{1e9};
+            // Whatever else the machine does only ever adds: the least of three tries counts.
+            const auto isTooMuch = [&] { return twice.seconds > 3 * once.seconds + 0.05; };
+            for (int i = 0; i < 3 && (i == 0 || isTooMuch()); ++i) {
+                const auto cost = [&, run = &task](std::size_t n) {
+                    return costOf([&] { return (*run)(paths[n]); });
+                };
+                once.seconds = std::min(once.seconds, cost(0).seconds);
+                const Cost latest = cost(1);
+                twice = {std::min(twice.seconds, latest.seconds), latest.peak, latest.isRefused};
+            }
+            EXPECT_FALSE(isTooMuch()) << once.seconds << " s, then " << twice.seconds;
+#if !defined(__SANITIZE_ADDRESS__)
+            EXPECT_LT(twice.peak, 2 * kSize * 32 + 160 * kMiB);
+#endif
+            if (qEnvironmentVariableIsSet("VELL_SHOW_COSTS"))
+                printf("%-42s %-9s %6.2f s %6.2f s %5.0f MB%s\n", hostile.name, name, once.seconds,
+                       twice.seconds, twice.peak / 1e6, twice.isRefused ? ", refused" : "");
+        }
+    }
+}
+
+}  // namespace
+}  // namespace vell::test

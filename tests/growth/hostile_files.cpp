@@ -1,0 +1,265 @@
+// SPDX-License-Identifier: MIT
+#include "growth/hostile_files.h"
+
+#include <QtEndian>
+#include <vector>
+
+#include "support/keyed_archive_writer.h"
+#include "support/non_keyed_archive_writer.h"
+
+namespace vell::test {
+namespace {
+
+using namespace Qt::StringLiterals;
+using support::KeyedArchiveWriter;
+using support::NonKeyedArchiveWriter;
+using support::Uid;
+using Members = KeyedArchiveWriter::Members;
+
+/// Half of a file is what is shared, the other half names it: so many times at so many bytes each.
+int timesIn(qsizetype size, int bytes) {
+    return static_cast<int>(size / 2 / bytes);
+}
+
+QString longText(qsizetype size) {
+    return QString(size / 2, u'a');
+}
+
+class KeyedFile {
+  public:
+    Uid person(Uid id, Uid service = KeyedArchiveWriter::nil) {
+        return archive.object({u"Presentity"_s, u"NSObject"_s},
+                              {{u"ID"_s, id}, {u"ServiceName"_s, service}});
+    }
+    void message(const Members& members) {
+        messages.push_back(archive.object({u"InstantMessage"_s, u"NSObject"_s}, members));
+    }
+    /// A message of one unit for each of these attribute dictionaries.
+    void messageWith(const std::vector<Uid>& attributes) {
+        std::vector<KeyedArchiveWriter::Run> runs;
+        for (const Uid each : attributes)
+            runs.push_back({1, each});
+        const Uid text = archive.string(QString(static_cast<qsizetype>(runs.size()), u'x'));
+        message({{u"Sender"_s, person(archive.string(u"ann"_s))},
+                 {u"MessageText"_s, archive.attributedString(text, runs)}});
+    }
+    QByteArray bytes() {
+        const Uid service = archive.string(u"AIM"_s);
+        archive.setTop(u"root"_s, archive.array({service, service, archive.array(messages),
+                                                 archive.array(people)}));
+        return archive.binary();
+    }
+
+    KeyedArchiveWriter archive;
+    std::vector<Uid> messages;
+    std::vector<Uid> people;
+};
+
+QByteArray keyedPeople(qsizetype size, const QString& prefix, const QString& service) {
+    KeyedFile file;
+    const Uid id = file.archive.string(prefix + longText(size));
+    for (int i = 0; i < timesIn(size, 24); ++i)
+        file.people.push_back(file.person(id, file.archive.string(service)));
+    file.message({{u"Sender"_s, file.people.front()}, {u"OriginalMessage"_s, id}});
+    return file.bytes();
+}
+
+QByteArray peopleOfOneLongName(qsizetype size) {
+    return keyedPeople(size, {}, u"AIM"_s);
+}
+
+QByteArray prefixedPeople(qsizetype size) {
+    return keyedPeople(size, u"e:"_s, u"iMessage"_s);
+}
+
+QByteArray peopleOnOneLongService(qsizetype size) {
+    KeyedFile file;
+    const Uid service = file.archive.string(longText(size));
+    for (int i = 0; i < timesIn(size, 40); ++i)
+        file.people.push_back(file.person(file.archive.string(QString::number(i)), service));
+    return file.bytes();
+}
+
+QByteArray nonKeyedPrefixedPeople(qsizetype size) {
+    NonKeyedArchiveWriter archive;
+    archive.array(4, [&] {
+        archive.string(u"AIM"_s);
+        archive.string({});
+        archive.array(0, [] {});
+        const int count = timesIn(size, 7);
+        archive.array(count, [&] {
+            std::pair<int, int> texts;
+            for (int i = 0; i < count; ++i)
+                archive.object("Presentity", [&] {
+                    if (i == 0) texts.first = archive.string(u"iMessage"_s);
+                    if (i == 0) texts.second = archive.string(u"e:"_s + longText(size));
+                    if (i > 0) archive.reference(texts.first);
+                    if (i > 0) archive.reference(texts.second);
+                });
+        });
+    });
+    return archive.bytes();
+}
+
+/// Strings that are archived as references to one long C string.
+QByteArray nonKeyedSharedCStrings(qsizetype size) {
+    NonKeyedArchiveWriter archive;
+    const QByteArray text(size / 2, 'a');
+    archive.array(4, [&] {
+        archive.string(u"AIM"_s);
+        archive.string({});
+        archive.array(0, [] {});
+        const int count = timesIn(size, 10);
+        archive.array(count, [&] {
+            for (int i = 0; i < count; ++i)
+                archive.object("Presentity", [&] {
+                    archive.nil();
+                    archive.object("NSString", [&] {
+                        archive.group("*");
+                        archive.cString(text);
+                    });
+                });
+        });
+    });
+    return archive.bytes();
+}
+
+QByteArray word(quint32 value) {
+    QByteArray bytes(4, '\0');
+    qToLittleEndian(value, bytes.data());
+    return bytes;
+}
+
+/// Attachments whose wrappers all name the same bytes: a folder of these entries.
+QByteArray attachments(qsizetype size, int count, const QByteArray& name, const QByteArray& block,
+                       const QByteArray& lastBlock) {
+    QByteArray names;
+    QByteArray sizes;
+    QByteArray blocks;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray& each = i + 1 < count ? block : lastBlock;
+        names += word(static_cast<quint32>(name.size())) + name;
+        sizes += word(static_cast<quint32>(each.size()));
+        blocks += each;
+    }
+    KeyedFile file;
+    KeyedArchiveWriter& archive = file.archive;
+    const Uid bytes = archive.direct("rtfd" + word(0) + word(3) +
+                                     word(static_cast<quint32>(count)) + names + sizes + blocks);
+    std::vector<Uid> attributes;
+    for (int i = 0; i < timesIn(size, 90); ++i) {
+        const Uid wrapper = archive.object({u"NSFileWrapper"_s}, {{u"NSFileWrapperData"_s, bytes}});
+        const Uid attachment =
+            archive.object({u"NSTextAttachment"_s}, {{u"NSFileWrapper"_s, wrapper}});
+        attributes.push_back(archive.dictionary({{archive.string(u"NSAttachment"_s), attachment}}));
+    }
+    file.messageWith(attributes);
+    return file.bytes();
+}
+
+QByteArray wrappersThatFailAtTheirEnd(qsizetype size) {
+    const QByteArray empty = word(1) + word(0);
+    return attachments(size, timesIn(size, 16), {}, empty, {});
+}
+
+QByteArray wrappersOfUnknownRecords(qsizetype size) {
+    return attachments(size, timesIn(size, 12), {}, word(9), word(9));
+}
+
+QByteArray wrappersOfOneLongName(qsizetype size) {
+    const QByteArray name(size / 2, 'n');
+    const QByteArray block = word(1) + word(static_cast<quint32>(name.size())) + name;
+    return attachments(size, 1, "__@UTF8PreferredName@__", block, block);
+}
+
+QByteArray messagesOfOneLongText(qsizetype size) {
+    KeyedFile file;
+    const Uid text = file.archive.string(longText(size));
+    const Uid sender = file.person(file.archive.string(u"bob"_s));
+    for (int i = 0; i < timesIn(size, 30); ++i)
+        file.message({{u"Sender"_s, sender}, {u"OriginalMessage"_s, text}});
+    return file.bytes();
+}
+
+QByteArray messagesWithoutContent(qsizetype size) {
+    KeyedFile file;
+    const Uid sender = file.person(file.archive.string(longText(size)));
+    for (int i = 0; i < timesIn(size, 24); ++i)
+        file.message({{u"Sender"_s, sender}});
+    return file.bytes();
+}
+
+/// Two who speak in turn; only the last letter tells their names apart.
+QByteArray talkOfLongNames(qsizetype size) {
+    KeyedFile file;
+    const Uid hi = file.archive.string(u"hi"_s);
+    const Uid speakers[] = {file.person(file.archive.string(longText(size / 2) + u'a')),
+                            file.person(file.archive.string(longText(size / 2) + u'b'))};
+    for (int i = 0; i < timesIn(size, 30); ++i)
+        file.message({{u"Sender"_s, speakers[i % 2]}, {u"OriginalMessage"_s, hi}});
+    return file.bytes();
+}
+
+QByteArray links(qsizetype size, bool areDifferent) {
+    KeyedFile file;
+    KeyedArchiveWriter& archive = file.archive;
+    const Uid base = archive.url(u"http://h/"_s + longText(size) + u'/');
+    std::vector<Uid> attributes;
+    for (int i = 0; i < timesIn(size, 90); ++i) {
+        const Uid url = archive.url(areDifferent ? QString::number(i) : u"x"_s, base);
+        attributes.push_back(archive.dictionary({{archive.string(u"NSLink"_s), url}}));
+    }
+    file.messageWith(attributes);
+    return file.bytes();
+}
+
+QByteArray equalLinksOnOneLongBase(qsizetype size) {
+    return links(size, false);
+}
+
+QByteArray differentLinksOnOneLongBase(qsizetype size) {
+    return links(size, true);
+}
+
+/// Many texts, all cut by the same long table of runs.
+QByteArray textsOfOneRunTable(qsizetype size) {
+    KeyedFile file;
+    KeyedArchiveWriter& archive = file.archive;
+    const int runs = timesIn(size, 4);
+    const Uid text = archive.string(QString(runs, u'x'));
+    const Uid info = archive.direct(QByteArray("\1\0", 2).repeated(runs));
+    const Uid dictionaries = archive.array({archive.dictionary({})});
+    for (int i = 0; i < timesIn(size, 60); ++i) {
+        const Uid body = archive.object({u"NSAttributedString"_s, u"NSObject"_s},
+                                        {{u"NSString"_s, text},
+                                         {u"NSAttributes"_s, dictionaries},
+                                         {u"NSAttributeInfo"_s, info}});
+        file.message({{u"MessageText"_s, body}});
+    }
+    return file.bytes();
+}
+
+constexpr HostileFile kFiles[] = {
+    {"people of one long name", peopleOfOneLongName},
+    {"people of one long name with a prefix", prefixedPeople},
+    {"the same, non-keyed", nonKeyedPrefixedPeople},
+    {"strings that name one long C string", nonKeyedSharedCStrings},
+    {"people on one long service", peopleOnOneLongService},
+    {"wrappers that fail at their end", wrappersThatFailAtTheirEnd},
+    {"wrappers of unknown records", wrappersOfUnknownRecords},
+    {"wrappers of one long name", wrappersOfOneLongName},
+    {"messages of one long text", messagesOfOneLongText},
+    {"messages without content by a long name", messagesWithoutContent},
+    {"a talk of two long names", talkOfLongNames},
+    {"equal links on one long base", equalLinksOnOneLongBase},
+    {"different links on one long base", differentLinksOnOneLongBase},
+    {"texts of one table of runs", textsOfOneRunTable},
+};
+
+}  // namespace
+
+std::span<const HostileFile> hostileFiles() {
+    return kFiles;
+}
+
+}  // namespace vell::test
