@@ -2,7 +2,6 @@
 #include "export/expansion.h"
 
 #include <algorithm>
-#include <limits>
 #include <set>
 #include <unordered_map>
 #include <utility>
@@ -28,9 +27,6 @@ constexpr quint64 kPerUnit = 7;
 /// An address is escaped in other ways than a text, and may be written twice.
 constexpr quint64 kPerAddressUnit = 16;
 
-/// More than any limit: only trying tells.
-constexpr quint64 kUnknown = std::numeric_limits<quint64>::max() / 2;
-
 quint64 units(const std::optional<QString>& text) {
     return text ? static_cast<quint64>(text->size()) : 0;
 }
@@ -50,8 +46,7 @@ struct MostOfEvent {
                std::max(units(wrapper.filename), units(wrapper.preferredFilename)) * kPerUnit;
     }
     quint64 operator()(const TesselChatLog::Link& value) const {
-        if (value.url->base()) return kUnknown;
-        return kAroundText + units(value.url->relative()) * kPerAddressUnit +
+        return kAroundText + units(value.url->absoluteString()) * kPerAddressUnit +
                units(value.title) * kPerUnit;
     }
     template <class Marker>
