@@ -16,14 +16,6 @@ namespace {
 
 using std::string_view_literals::operator""sv;
 
-/// Structures that point from one to the next are followed this often at most.
-constexpr int maximumSteps = 4096;
-
-template <class T, std::size_t n>
-bool isOneOf(T value, const T (&values)[n]) {
-    return std::find(std::begin(values), std::end(values), value) != std::end(values);
-}
-
 std::optional<Header> recognisePng(const Bytes& bytes) {
     if (!bytes.is(0, "\x89PNG\r\n\x1a\n\0\0\0\rIHDR"sv) || !bytes.has(16, 13)) return {};
     const quint8 depth = bytes.u8(24);
@@ -34,74 +26,9 @@ std::optional<Header> recognisePng(const Bytes& bytes) {
     return sized(PictureFormat::png, bytes.be32(16), bytes.be32(20));
 }
 
-std::optional<Header> recogniseJpeg(const Bytes& bytes) {
-    if (!bytes.is(0, "\xff\xd8\xff"sv)) return {};
-    qint64 at = 2;
-    for (int step = 0; step < maximumSteps && bytes.u8(at) == 0xff; ++step) {
-        const quint8 marker = bytes.u8(at + 1);
-        if (marker == 0xff) {  // a fill byte
-            ++at;
-            continue;
-        }
-        const bool isFrame =
-            marker >= 0xc0 && marker <= 0xcf && !isOneOf<quint8>(marker, {0xc4, 0xc8, 0xcc});
-        if (isFrame) return sized(PictureFormat::jpeg, bytes.be16(at + 7), bytes.be16(at + 5));
-        const bool isBare = marker == 0x01 || (marker >= 0xd0 && marker <= 0xd8);
-        const quint16 length = isBare ? 0 : bytes.be16(at + 2);
-        // Pixels (or the end) before any frame header: nobody can tell what they are.
-        if (marker == 0xda || marker == 0xd9 || (!isBare && length < 2)) return {};
-        at += 2 + length;
-    }
-    return {};
-}
-
 std::optional<Header> recogniseGif(const Bytes& bytes) {
     if (!bytes.is(0, "GIF87a") && !bytes.is(0, "GIF89a")) return {};
     return sized(PictureFormat::gif, bytes.le16(6), bytes.le16(8));
-}
-
-/// One number of a TIFF directory entry of type BYTE, SHORT, LONG or LONG8, held in place.
-quint64 tiffNumber(const Bytes& bytes, qint64 type, qint64 at, bool bigEndian) {
-    switch (type) {
-        case 1:
-            return bytes.u8(at);
-        case 3:
-            return bigEndian ? bytes.be16(at) : bytes.le16(at);
-        case 4:
-            return bigEndian ? bytes.be32(at) : bytes.le32(at);
-        case 16:
-            return bigEndian ? bytes.be64(at) : bytes.le64(at);
-        default:
-            return 0;
-    }
-}
-
-std::optional<Header> recogniseTiff(const Bytes& bytes) {
-    const bool bigEndian = bytes.is(0, "MM");
-    if (!bigEndian && !bytes.is(0, "II")) return {};
-    const auto number = [&](qint64 at, int length) -> quint64 {
-        if (length == 2) return bigEndian ? bytes.be16(at) : bytes.le16(at);
-        if (length == 4) return bigEndian ? bytes.be32(at) : bytes.le32(at);
-        return bigEndian ? bytes.be64(at) : bytes.le64(at);
-    };
-    const bool big = number(2, 2) == 43;  // 64-bit offsets
-    if (!big && number(2, 2) != 42) return {};
-    if (big && (number(4, 2) != 8 || number(6, 2) != 0)) return {};
-    const quint64 directory = big ? number(8, 8) : number(4, 4);
-    if (directory < 8 || directory > static_cast<quint64>(bytes.size())) return {};
-    const auto start = static_cast<qint64>(directory);
-    const auto count = static_cast<qint64>(qMin<quint64>(number(start, big ? 8 : 2), maximumSteps));
-    qint64 width = 0;
-    qint64 height = 0;
-    for (qint64 i = 0; i < count; ++i) {
-        const qint64 entry = start + (big ? 8 + 20 * i : 2 + 12 * i);
-        const quint64 tag = number(entry, 2);
-        if (tag != 256 && tag != 257) continue;  // ImageWidth, ImageLength
-        const quint64 value = tiffNumber(bytes, static_cast<qint64>(number(entry + 2, 2)),
-                                         entry + (big ? 12 : 8), bigEndian);
-        (tag == 256 ? width : height) = static_cast<qint64>(qMin<quint64>(value, maximumSide + 1));
-    }
-    return sized(PictureFormat::tiff, width, height);
 }
 
 std::optional<Header> recogniseBmp(const Bytes& bytes) {

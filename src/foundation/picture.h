@@ -50,4 +50,7 @@ struct Picture {
 /// the pixels.
 [[nodiscard]] std::optional<Picture> recognisePicture(const Data& data);
 
+/// Whether the picture lies on its side in the file, as cameras store it that were held upright.
+[[nodiscard]] bool isTurned(const Picture& picture);
+
 }  // namespace foundation

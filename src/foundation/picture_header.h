@@ -7,6 +7,8 @@
 #include <QByteArrayView>
 #include <QSize>
 #include <QtEndian>
+#include <algorithm>
+#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -22,6 +24,14 @@ struct Header {
 
 /// No honest picture has a longer side; a header that says so is broken.
 constexpr qint64 maximumSide = 1'000'000;
+
+/// Structures that point from one to the next are followed this often at most.
+constexpr int maximumSteps = 4096;
+
+template <class T, std::size_t n>
+bool isOneOf(T value, const T (&values)[n]) {
+    return std::find(std::begin(values), std::end(values), value) != std::end(values);
+}
 
 /// The answer for a format whose header always tells the size: nothing when the size is empty or
 /// absurd, for then the header is broken and the bytes are no picture.
@@ -73,6 +83,8 @@ class Bytes {
 
 using Recogniser = std::optional<Header> (*)(const Bytes&);
 
+std::optional<Header> recogniseJpeg(const Bytes& bytes);
+std::optional<Header> recogniseTiff(const Bytes& bytes);
 /// "ftyp" files: HEIC and AVIF.
 std::optional<Header> recogniseHeif(const Bytes& bytes);
 /// JPEG 2000 in its box format and as a bare codestream.

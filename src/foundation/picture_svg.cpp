@@ -9,6 +9,7 @@
 #include <cmath>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "foundation/picture_header.h"
 
@@ -104,20 +105,50 @@ std::optional<Attribute> takeAttribute(Text& text) {
     return attribute;
 }
 
-/// A length in pixels, rounded; nothing in any other unit.
-std::optional<int> pixels(Text length) {
-    skipSpace(length);
-    const auto end = std::find_if_not(length.begin(), length.end(), [](char c) {
+/// The number that a text begins with, which it is then without.
+std::optional<double> takeNumber(Text& text) {
+    skipSpace(text);
+    const auto end = std::find_if_not(text.begin(), text.end(), [](char c) {
         return (c >= '0' && c <= '9') || c == '.' || c == '+' || c == '-' || c == 'e' || c == 'E';
     });
-    const auto digits = static_cast<qsizetype>(end - length.begin());
-    Text unit = length.substr(static_cast<std::size_t>(digits));
-    skipSpace(unit);
-    if (!unit.empty() && !unit.starts_with("px")) return {};
+    const auto digits = static_cast<qsizetype>(end - text.begin());
     bool isNumber = false;
-    const double number = QByteArray(length.data(), digits).toDouble(&isNumber);
-    if (!isNumber || !(number > 0) || number > maximumSide) return {};
-    return std::max(1, static_cast<int>(std::lround(number)));
+    const double number = QByteArray(text.data(), digits).toDouble(&isNumber);
+    text.remove_prefix(static_cast<std::size_t>(digits));
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
+std::optional<int> side(double pixels) {
+    if (!(pixels > 0) || pixels > maximumSide) return {};
+    return std::max(1, static_cast<int>(std::lround(pixels)));
+}
+
+/// A length in pixels, rounded; nothing in units that aren't lengths of their own.
+std::optional<int> pixels(Text length) {
+    constexpr std::pair<Text, double> units[] = {{"px", 1},         {"pt", 96 / 72.0}, {"pc", 16},
+                                                 {"mm", 96 / 25.4}, {"cm", 96 / 2.54}, {"in", 96}};
+    const auto number = takeNumber(length);
+    skipSpace(length);
+    if (!number) return {};
+    if (length.empty()) return side(*number);
+    for (const auto& [unit, factor] : units)
+        if (length.starts_with(unit)) return side(*number * factor);
+    return {};
+}
+
+/// Width and height of "x y width height", with blanks or commas between.
+std::optional<QSize> viewBoxSize(Text box) {
+    double numbers[4] = {};
+    for (double& number : numbers) {
+        const auto taken = takeNumber(box);
+        if (!taken) return {};
+        number = *taken;
+        skipSpace(box);
+        if (box.starts_with(',')) box.remove_prefix(1);
+    }
+    const auto width = side(numbers[2]);
+    const auto height = side(numbers[3]);
+    return width && height ? std::optional(QSize(*width, *height)) : std::nullopt;
 }
 
 std::optional<Header> readRoot(Text text) {
@@ -130,15 +161,17 @@ std::optional<Header> readRoot(Text text) {
     std::optional<Text> space;
     std::optional<int> width;
     std::optional<int> height;
+    std::optional<QSize> box;
     while (const auto attribute = takeAttribute(text)) {
         if (attribute->name == declaration) space = attribute->value;
         if (attribute->name == "width") width = pixels(attribute->value);
         if (attribute->name == "height") height = pixels(attribute->value);
+        if (attribute->name == "viewBox") box = viewBoxSize(attribute->value);
     }
     // Some writers name the namespace through an entity; very old ones not at all.
     if (space && *space != svgNamespace && !space->starts_with('&')) return {};
     if (!space && !prefix.empty()) return {};
-    if (!width || !height) return Header{PictureFormat::svg, {}};
+    if (!width || !height) return Header{PictureFormat::svg, box};
     return Header{PictureFormat::svg, QSize(*width, *height)};
 }
 

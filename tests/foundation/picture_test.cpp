@@ -113,6 +113,9 @@ std::vector<Known> knownPictures() {
          "width=\"10cm\">"},
         {"svg with a prefix", svg, 0, 0,
          "<s:svg xmlns:s=\"http://www.w3.org/2000/svg\" width=\"100%\" height=\"5\">"},
+        {"svg in inches", svg, 192, 96, "<svg width='2in' height='72pt'/>"},
+        {"svg with a view box", svg, 21, 9, "<svg width='100%' viewBox='-1, 0 20.6 9'/>"},
+        {"svg with half a view box", svg, 0, 0, "<svg viewBox='0 0 20'/>"},
         {"svg in UTF-16", svg, 0, 0, bytes("fffe 3c00 7300 7600 6700 3e00")},
     };
 }
