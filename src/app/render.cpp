@@ -20,7 +20,7 @@ namespace vell {
 namespace {
 
 constexpr QSize windowSize(520, 720);
-constexpr int patience = 3000;  // milliseconds for pictures to be decoded
+constexpr int patience = 10'000;  // milliseconds for pictures to be decoded
 
 QPalette darkPalette() {
     QPalette palette(QColor(53, 53, 56), QColor(44, 44, 47));
@@ -49,16 +49,13 @@ int render(const QString& path, const QString& target, bool isDark) {
         TimelineView view(document.sharedChatlog(), contacts, pictures);
         view.resize(windowSize);
         view.show();
-        // The first painting asks for pictures; they are there when nothing has come for a while.
-        QElapsedTimer sinceChange;
-        sinceChange.start();
-        QObject::connect(&pictures, &PictureCache::changed, &view, [&] { sinceChange.restart(); });
+        // Painting asks for pictures, and another row may come into view when one can't be drawn.
         QElapsedTimer total;
         total.start();
-        while (!sinceChange.hasExpired(300) && !total.hasExpired(patience)) {
-            view.grab();
+        do {
             QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
-        }
+            view.grab();
+        } while (pictures.isBusy() && !total.hasExpired(patience));
         if (view.grab().save(target, "PNG")) return 0;
         std::fprintf(stderr, "vell: %s can't be written\n", qUtf8Printable(target));
     } catch (const foundation::Error& error) {

@@ -1,74 +1,61 @@
 // SPDX-License-Identifier: MIT
 #include "timeline/gif_player.h"
 
-#include <QBuffer>
-#include <QImageReader>
 #include <QThreadPool>
 #include <QTimerEvent>
+#include <mutex>
+#include <optional>
 #include <utility>
 
 #include "identity/mailbox.h"
+#include "toolkit/picture_process.h"
 
 namespace vell {
-namespace {
 
-// Milliseconds. Pictures that ask for no delay or next to none mean the usual one.
-constexpr int shortestDelay = 20;
-constexpr int usualDelay = 100;
-
-}  // namespace
-
-/// Reads frame after frame, from the start again after the last one. One thread at a time.
+/// Asks a process of its own for frame after frame. One thread at a time.
 class GifPlayer::Reader {
   public:
     Reader(foundation::Picture picture, QSize pixels)
-        : picture_(std::move(picture)), pixels_(pixels) {
-        rewind();
-    }
+        : picture_(std::move(picture)), pixels_(pixels) {}
 
     Frame next() {
-        if (!reader_->canRead()) {
-            // As many rounds as the picture asks for; -1 are rounds without end.
-            const bool isEnd = count_ < 2 || (loops_ >= 0 && round_ >= loops_);
-            if (isEnd) return {};
-            ++round_;
-            rewind();
+        std::optional<PictureProcess::Answer> answer;
+        if (process_) {
+            answer = process_->nextFrame();
+        } else if (start()) {
+            answer = process_->firstFrame(picture_.data, pixels_);
         }
-        QImage image = reader_->read();
-        if (image.isNull()) return {};
-        if (round_ == 0) {
-            ++count_;
-            loops_ = reader_->loopCount();
-        }
-        const int delay = reader_->nextImageDelay();
-        if (image.width() > pixels_.width() || image.height() > pixels_.height())
-            image = image.scaled(pixels_, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-        return {std::move(image).convertToFormat(QImage::Format_ARGB32_Premultiplied),
-                delay < shortestDelay ? usualDelay : delay};
+        if (!answer) return {};
+        return {std::move(answer->image), answer->delay};
+    }
+
+    /// Nobody waits for a frame any more. Any thread.
+    void cancel() {
+        const std::lock_guard lock(mutex_);
+        isCancelled_ = true;
+        if (process_) process_->interrupt();
     }
 
   private:
-    void rewind() {
-        reader_.reset();
-        buffer_ = std::make_unique<QBuffer>();
-        buffer_->setData(QByteArray::fromRawData(picture_.data.begin(), picture_.data.size()));
-        buffer_->open(QIODevice::ReadOnly);
-        reader_ = std::make_unique<QImageReader>(buffer_.get(), "gif");
+    bool start() {
+        auto process = PictureProcess::start(PictureProcess::program());
+        const std::lock_guard lock(mutex_);
+        if (!isCancelled_) process_ = std::move(process);
+        return process_ != nullptr;
     }
 
     foundation::Picture picture_;
     QSize pixels_;
-    std::unique_ptr<QBuffer> buffer_;
-    std::unique_ptr<QImageReader> reader_;
-    int count_ = 0;
-    int round_ = 0;
-    int loops_ = 0;
+    std::mutex mutex_;
+    bool isCancelled_ = false;
+    std::unique_ptr<PictureProcess> process_;
 };
 
 GifPlayer::GifPlayer(QObject* parent)
     : QObject(parent), mailbox_(std::make_shared<Mailbox>(this)) {}
 
 GifPlayer::~GifPlayer() {
+    if (reader_) reader_->cancel();
     mailbox_->close();
 }
 
@@ -88,6 +75,7 @@ void GifPlayer::stop() {
     if (row_ < 0) return;
     const qsizetype row = std::exchange(row_, -1);
     timer_.stop();
+    reader_->cancel();
     reader_.reset();
     shown_ = {};
     next_ = {};

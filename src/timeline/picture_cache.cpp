@@ -35,9 +35,11 @@ PictureCache::~PictureCache() {
 }
 
 QSize PictureCache::size(const foundation::Picture& picture) {
+    if (!picture.pixelSize) return {};
     const char* bytes = picture.data.begin();
     if (const auto known = sizes_.constFind(bytes); known != sizes_.cend()) return *known;
-    const QSize size = drawnSize(picture);
+    const QSize stored = *picture.pixelSize;
+    const QSize size = foundation::isTurned(picture) ? stored.transposed() : stored;
     sizes_.insert(bytes, size);
     return size;
 }
@@ -86,6 +88,10 @@ void PictureCache::forget(const TesselChatLog& chatlog) {
     });
     // What is being decoded just now comes back for bytes that nobody asks for.
     pending_.removeIf([&](const auto& key) { return gone.contains(key.bytes); });
+}
+
+bool PictureCache::isBusy() const {
+    return running_ > 0 || !requests_.empty();
 }
 
 void PictureCache::decodeNext() {

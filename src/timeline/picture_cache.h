@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// PictureCache: pictures as pixels, decoded on threads of its own at the size they are shown in.
-// One serves all windows. GUI thread only; decoding itself touches nothing but the picture's bytes.
+// PictureCache: pictures as pixels, at the size they are shown in. Threads of its own wait for the
+// processes that decode them. One serves all windows. GUI thread only.
 //
 //     if (const QImage* image = pictures.image(picture, size)) painter.drawImage(rect, *image);
 
@@ -32,13 +32,16 @@ class PictureCache final : public QObject {
     explicit PictureCache(qsizetype maxBytes = defaultBytes, QObject* parent = nullptr);
     ~PictureCache() override;
 
-    /// Width and height as drawn, one pixel a point; empty while nobody can tell.
+    /// Width and height as drawn, one pixel a point; empty where the header doesn't tell.
     [[nodiscard]] QSize size(const foundation::Picture& picture);
     /// The picture at this many pixels, or at another size while that one is being decoded; null
     /// while there is none. Valid until control returns to the event loop.
     [[nodiscard]] const QImage* image(const foundation::Picture& picture, QSize pixels);
     /// Why the picture can't be drawn, in words; empty when it can, or nobody has tried yet.
     [[nodiscard]] QString problem(const foundation::Picture& picture) const;
+
+    /// Whether pictures that were asked for are still to come.
+    [[nodiscard]] bool isBusy() const;
 
     /// Drops all pictures of a log, whose bytes are about to go.
     void forget(const TesselChatLog& chatlog);

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/picture_decoder.h"
 
-#include <QBuffer>
-#include <QByteArrayList>
-#include <QColorSpace>
 #include <QCoreApplication>
-#include <QGuiApplication>
-#include <QImageReader>
-#include <QRegularExpression>
-#include <optional>
+#include <QCryptographicHash>
+#include <QTimer>
+#include <atomic>
+#include <utility>
+
+#include "toolkit/picture_messages.h"
+#include "toolkit/picture_process.h"
 
 namespace vell {
 
@@ -16,147 +16,122 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using foundation::Picture;
-using foundation::PictureFormat;
+constexpr int mostProcesses = 2;
+constexpr int idleTime = 30'000;  // milliseconds
 
-/// The largest camera pictures have a third of it.
-constexpr qint64 kMostPixels = 400'000'000;
-/// What that many take at four bytes each.
-constexpr int kAllocationLimitInMebibytes = 1600;
-
-bool isDrawing(PictureFormat format) {
-    return format == PictureFormat::svg || format == PictureFormat::pdf;
-}
-
-/// Drawings set text, for which there must be fonts.
-bool canDrawText() {
-    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-}
-
-/// Whether drawing it would read other files: nothing in a transcript may make us do so. Entities
-/// could spell a reference in many ways, and other encodings too.
-bool refersToFiles(const foundation::Data& svg) {
-    const QByteArray bytes = QByteArray::fromRawData(svg.begin(), svg.size());
-    if (bytes.contains('\0') || bytes.contains("<!ENTITY")) return true;
-    static const QRegularExpression reference(uR"(href\s*=\s*["']\s*(?!#|data:|["']))"_s);
-    return reference.match(QString::fromUtf8(bytes)).hasMatch();
-}
-
-/// A reader over the picture's own bytes, placed at the image to show.
-class Source {
-  public:
-    explicit Source(const Picture& picture)
-        : picture_(picture),
-          bytes_(QByteArray::fromRawData(picture.data.begin(), picture.data.size())),
-          buffer_(&bytes_) {
-        [[maybe_unused]] static const bool limited = [] {
-            QImageReader::setAllocationLimit(kAllocationLimitInMebibytes);
-            return true;
-        }();
-        buffer_.open(QIODevice::ReadOnly);
-        // The format is known: nothing else gets to try the bytes.
-        reader_.setAutoDetectImageFormat(false);
-        reader_.setFormat(formatName());
-        reader_.setDevice(&buffer_);
-        reader_.setAutoTransform(true);
-    }
-
-    /// Why the bytes can't be given to the reader at all; empty when they can.
-    [[nodiscard]] QString obstacle() {
-        if (!QImageReader::supportedImageFormats().contains(formatName()))
-            return words(u"can't be drawn on this system"_s);
-        if (!isDrawing(picture_.format)) return {};
-        if (!canDrawText()) return words(u"can't be drawn without a window"_s);
-        if (picture_.format == PictureFormat::svg && refersToFiles(picture_.data))
-            return words(u"that refer to other files are not drawn"_s);
-        return {};
-    }
-
-    [[nodiscard]] QImageReader& reader() { return reader_; }
-
-    /// Width and height as stored; chooses the largest image of an icon.
-    [[nodiscard]] QSize storedSize() {
-        const bool isIcon =
-            picture_.format == PictureFormat::ico || picture_.format == PictureFormat::icns;
-        if (!isIcon || !picture_.pixelSize) return reader_.size();
-        for (int i = 0; i < reader_.imageCount(); ++i) {
-            if (reader_.jumpToImage(i) && reader_.size() == *picture_.pixelSize) break;
-        }
-        return reader_.size();
-    }
-
-    /// Whether the picture lies on its side in the file.
-    [[nodiscard]] bool isTurned() const {
-        return reader_.transformation().testFlag(QImageIOHandler::TransformationRotate90);
-    }
-
-    /// "JPEG pictures …".
-    [[nodiscard]] QString words(const QString& what) const {
-        return QString::fromLatin1(name(picture_.format)) + u" pictures "_s + what;
-    }
-
-  private:
-    const Picture& picture_;
-    QByteArray bytes_;
-    QBuffer buffer_;
-    QImageReader reader_;
-
-    /// As the reader calls it.
-    [[nodiscard]] QByteArray formatName() const {
-        return foundation::fileExtension(picture_.format);
-    }
-};
-
-bool isTooLarge(QSize size) {
-    return static_cast<qint64>(size.width()) * size.height() > kMostPixels;
-}
-
-QString sizeInWords(QSize size) {
-    return u"%1 × %2 pixels"_s.arg(size.width()).arg(size.height());
-}
-
-/// The size to decode at, as stored; nothing when that is its own.
-std::optional<QSize> scaledSize(QSize own, QSize wanted, Qt::AspectRatioMode mode, bool enlarges) {
-    if (wanted.isEmpty() || own.isEmpty()) return std::nullopt;
-    const QSize scaled = own.scaled(wanted, mode).expandedTo(QSize(1, 1));
-    if (enlarges) return scaled;
-    if (mode == Qt::IgnoreAspectRatio) return scaled.boundedTo(own);
-    const bool fits = scaled.width() <= own.width() && scaled.height() <= own.height();
-    return fits ? std::optional(scaled) : std::nullopt;
-}
-
-/// In the one colour space and layout that painting is fast with.
-QImage readyToPaint(QImage image) {
-    const QColorSpace srgb(QColorSpace::SRgb);
-    if (image.colorSpace().isValid() && image.colorSpace() != srgb) image.convertToColorSpace(srgb);
-    return std::move(image).convertToFormat(
-        image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
+QByteArray digest(const foundation::Data& picture) {
+    return QCryptographicHash::hash(picture.view(), QCryptographicHash::Sha256);
 }
 
 }  // namespace
 
-DecodedPicture decodePicture(const Picture& picture, QSize wanted, Qt::AspectRatioMode mode) {
-    Source source(picture);
-    if (const QString obstacle = source.obstacle(); !obstacle.isEmpty()) return {{}, obstacle};
-    const QSize own = source.storedSize();
-    const auto scaled = scaledSize(own, source.isTurned() ? wanted.transposed() : wanted, mode,
-                                   isDrawing(picture.format));
-    // A drawing has no pixels before it is drawn; all others are at least looked at whole.
-    const QSize drawn = isDrawing(picture.format) ? scaled.value_or(own)
-                                                  : own.expandedTo(picture.pixelSize.value_or(own));
-    if (isTooLarge(drawn))
-        return {{}, u"The picture is too large to be drawn: "_s + sizeInWords(drawn)};
-    if (scaled) source.reader().setScaledSize(*scaled);
-    QImage image = source.reader().read();
-    if (image.isNull()) return {{}, u"The picture is damaged: "_s + source.reader().errorString()};
-    return {{readyToPaint(std::move(image)), false}, {}};
+PictureDecoder::PictureDecoder(QString program) : program_(std::move(program)) {}
+
+PictureDecoder::~PictureDecoder() = default;
+
+DecodedPicture PictureDecoder::decode(const foundation::Picture& picture, QSize wanted,
+                                      Qt::AspectRatioMode mode) {
+    if (picture.data.size() > picture_messages::mostBytes)
+        return {{}, u"The picture is too large to be drawn"_s};
+    if (QString problem = knownProblem(picture.data); !problem.isEmpty()) return {{}, problem};
+    std::optional<PictureProcess::Answer> answer;
+    PictureProcess::End end = PictureProcess::End::between;
+    // Those that have ended since they were used last are no reason to go without the picture.
+    for (int i = 0; i <= mostProcesses && end == PictureProcess::End::between; ++i) {
+        std::unique_ptr<PictureProcess> process = take();
+        if (process) {
+            answer = process->still(picture.data, wanted, mode);
+            end = process->end();
+        }
+        giveBack(std::move(process));
+    }
+    if (answer) return {{std::move(answer->image), false}, answer->problem};
+    if (end == PictureProcess::End::between)
+        return {{}, u"Pictures can't be drawn: vell-picture doesn't start"_s};
+    const QString problem = end == PictureProcess::End::late
+                                ? u"The picture takes too long to be drawn"_s
+                                : u"The picture is damaged: drawing it broke off"_s;
+    giveUp(picture.data, problem);
+    return {{}, problem};
 }
 
-QSize drawnSize(const Picture& picture) {
-    Source source(picture);
-    if (!source.obstacle().isEmpty()) return picture.pixelSize.value_or(QSize());
-    const QSize own = picture.pixelSize ? *picture.pixelSize : source.storedSize();
-    return source.isTurned() ? own.transposed() : own;
+bool PictureDecoder::endIdle() {
+    const std::lock_guard lock(mutex_);
+    if (busy_ == 0 && sinceUse_.hasExpired(idleTime)) idle_.clear();
+    return busy_ == 0 && idle_.empty();
+}
+
+/// One that nobody else uses; null when none can be started.
+std::unique_ptr<PictureProcess> PictureDecoder::take() {
+    {
+        std::unique_lock lock(mutex_);
+        isFree_.wait(lock, [&] { return busy_ < mostProcesses; });
+        ++busy_;
+        if (!idle_.empty()) {
+            auto process = std::move(idle_.back());
+            idle_.pop_back();
+            return process;
+        }
+    }
+    return PictureProcess::start(program_);
+}
+
+void PictureDecoder::giveBack(std::unique_ptr<PictureProcess> process) {
+    {
+        const std::lock_guard lock(mutex_);
+        --busy_;
+        sinceUse_.start();
+        if (process && process->end() == PictureProcess::End::none)
+            idle_.push_back(std::move(process));
+    }
+    isFree_.notify_one();
+}
+
+QString PictureDecoder::knownProblem(const foundation::Data& picture) {
+    const std::lock_guard lock(mutex_);
+    const auto [begin, end] = std::as_const(givenUp_).equal_range(picture.size());
+    if (begin == end) return {};
+    const QByteArray own = digest(picture);
+    for (auto known = begin; known != end; ++known)
+        if (known->digest == own) return known->problem;
+    return {};
+}
+
+void PictureDecoder::giveUp(const foundation::Data& picture, const QString& problem) {
+    const QByteArray own = digest(picture);
+    const std::lock_guard lock(mutex_);
+    givenUp_.insert(picture.size(), {own, problem});
+}
+
+namespace {
+
+PictureDecoder& sharedDecoder() {
+    static PictureDecoder decoder(PictureProcess::program());
+    return decoder;
+}
+
+/// Ends the processes once they idle; a program without an event loop keeps them to its end.
+void lookLater() {
+    static std::atomic<bool> isPlanned = false;
+    QCoreApplication* application = QCoreApplication::instance();
+    if (!application || isPlanned.exchange(true)) return;
+    const auto look = [] {
+        isPlanned = false;
+        if (!sharedDecoder().endIdle()) lookLater();
+    };
+    // Timers are started by the thread they belong to.
+    QMetaObject::invokeMethod(
+        application, [=] { QTimer::singleShot(idleTime, application, look); },
+        Qt::QueuedConnection);
+}
+
+}  // namespace
+
+DecodedPicture decodePicture(const foundation::Picture& picture, QSize wanted,
+                             Qt::AspectRatioMode mode) {
+    DecodedPicture decoded = sharedDecoder().decode(picture, wanted, mode);
+    lookLater();
+    return decoded;
 }
 
 }  // namespace vell

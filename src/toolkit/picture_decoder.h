@@ -2,19 +2,28 @@
 // SPDX-License-Identifier: MIT
 //
 // Makes pixels of pictures: upright, the first one of those that hold several, and not larger than
-// they are needed. All functions may be called on any thread at the same time; a picture that
-// can't be drawn comes back with the reason in words, never as an exception. Drawings (SVG, PDF)
-// need a program with fonts, so one without a QGuiApplication gets the reason instead.
+// they are needed. Processes of their own do it (toolkit/picture_process.h), started when the first
+// picture is asked for, replaced when they break off and ended when they have had nothing to do.
+// Any thread, several at a time, but not the window's, as all wait for their picture. One that
+// can't be drawn comes back with the reason in words, never as an exception.
 //
 //     const DecodedPicture decoded = decodePicture(picture, bubble.size() * ratio);
 
+#include <QElapsedTimer>
+#include <QMultiHash>
 #include <QSize>
 #include <QString>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <vector>
 
 #include "foundation/picture.h"
 #include "toolkit/drawn_picture.h"
 
 namespace vell {
+
+class PictureProcess;
 
 struct DecodedPicture {
     DrawnPicture picture;
@@ -24,13 +33,43 @@ struct DecodedPicture {
     explicit operator bool() const { return problem.isEmpty(); }
 };
 
-/// Decodes the picture at the size in pixels that it is wanted in, or at its own when that is
-/// smaller or none is given. The mode says how the wanted size is meant; drawings are enlarged.
-[[nodiscard]] DecodedPicture decodePicture(const foundation::Picture& picture, QSize wanted = {},
-                                           Qt::AspectRatioMode mode = Qt::KeepAspectRatio);
+class PictureDecoder {
+  public:
+    /// The program that the processes run.
+    explicit PictureDecoder(QString program);
+    ~PictureDecoder();
+    PictureDecoder(const PictureDecoder&) = delete;
+    PictureDecoder& operator=(const PictureDecoder&) = delete;
 
-/// Width and height in pixels as it will be drawn, cameras held upright again; empty when nobody
-/// can tell. Reads headers only.
-[[nodiscard]] QSize drawnSize(const foundation::Picture& picture);
+    /// At the size in pixels that it is wanted in, or at its own when that is smaller; drawings
+    /// are enlarged. What a process broke off over is never tried again.
+    [[nodiscard]] DecodedPicture decode(const foundation::Picture& picture, QSize wanted,
+                                        Qt::AspectRatioMode mode = Qt::KeepAspectRatio);
+    /// Ends the processes that nobody has needed for some time; whether none is left.
+    bool endIdle();
+
+  private:
+    struct GivenUp {
+        QByteArray digest;
+        QString problem;
+    };
+
+    [[nodiscard]] std::unique_ptr<PictureProcess> take();
+    void giveBack(std::unique_ptr<PictureProcess> process);
+    [[nodiscard]] QString knownProblem(const foundation::Data& picture);
+    void giveUp(const foundation::Data& picture, const QString& problem);
+
+    const QString program_;
+    std::mutex mutex_;
+    std::condition_variable isFree_;
+    std::vector<std::unique_ptr<PictureProcess>> idle_;
+    int busy_ = 0;
+    QElapsedTimer sinceUse_;
+    QMultiHash<qsizetype, GivenUp> givenUp_;  ///< by length in bytes
+};
+
+/// By the processes that the whole program shares.
+[[nodiscard]] DecodedPicture decodePicture(const foundation::Picture& picture, QSize wanted,
+                                           Qt::AspectRatioMode mode = Qt::KeepAspectRatio);
 
 }  // namespace vell

@@ -4,6 +4,7 @@
 // is the program that a picture is dragged to.
 //
 //     partner make TRANSCRIPT PICTURE    writes a chat with one picture, and the picture's bytes
+//     partner wrap TRANSCRIPT FILE…    writes a chat with these files in one message each
 //     partner find                       prints the picture's place on the screen
 //     partner take FILE                  a window for pictures in PNG and for files; writes what is
 //                                        dropped on it, the first file to FILE.file
@@ -12,6 +13,7 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QMimeData>
 #include <QScreen>
@@ -47,6 +49,19 @@ int make(const QString& transcriptPath, const QString& picturePath) {
     const bool isWritten = write(transcriptPath, support::keyedTranscript(transcript)) &&
                            write(picturePath, picture.data());
     return isWritten ? 0 : 1;
+}
+
+int wrap(const QString& transcriptPath, const QStringList& paths) {
+    support::Transcript transcript{u"AIM"_s, {{u"ann"_s}, {u"bob"_s}}, {0, 1}, {}};
+    for (const QString& path : paths) {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly)) return 1;
+        transcript.messages.push_back(
+            {.sender = 1,
+             .date = 1e8,
+             .body = {support::attached(QFileInfo(path).fileName(), file.readAll())}});
+    }
+    return write(transcriptPath, support::keyedTranscript(transcript)) ? 0 : 1;
 }
 
 int find() {
@@ -105,6 +120,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     const QStringList words = QCoreApplication::arguments();
     if (words.value(1) == u"make" && words.size() == 4) return make(words[2], words[3]);
+    if (words.value(1) == u"wrap" && words.size() > 3) return wrap(words[2], words.mid(3));
     if (words.value(1) == u"find") return find();
     if (words.value(1) != u"take" || words.size() != 3) return 2;
     Taker taker(words[2]);

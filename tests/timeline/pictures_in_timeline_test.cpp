@@ -1,8 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <signal.h>
+#include <unistd.h>
+
 #include <QBuffer>
+#include <QDir>
+#include <QFile>
 #include <QTest>
+#include <initializer_list>
+#include <vector>
 
 #include "identity/waiting.h"
 #include "timeline/gif.h"
@@ -36,21 +43,29 @@ QByteArray png(QSize size, const QColor& color) {
 /// A timeline with one picture in its first row and many lines below.
 class PictureWindow : public test::Window {
   public:
-    explicit PictureWindow(const TesselChatLog::Image& image) : Window(log(image)) {}
+    template <class... Images>
+    explicit PictureWindow(const Images&... images) : Window(log({images...})) {}
 
-    QColor middle() {
-        const auto& row = view.timeline().row(0);
-        return view.viewport()->grab().toImage().pixelColor(row.layout.content.center() +
-                                                            QPoint(view.timeline().rowLeft(), 0));
+    QColor middle(qsizetype row = 0) {
+        const QImage seen = view.viewport()->grab().toImage();
+        TimelineLayout& timeline = view.timeline();
+        const QPoint corner(timeline.rowLeft(), static_cast<int>(timeline.rowTop(row)));
+        return seen.pixelColor(timeline.row(row).layout.content.center() + corner);
     }
-    bool shows(const QColor& color) {
-        return waitFor([&] { return middle() == color; });
+    bool shows(const QColor& color, qsizetype row = 0) {
+        return waitFor([&] { return middle(row) == color; });
+    }
+    /// What stands in a picture's place.
+    QString text(qsizetype row) {
+        const LaidOutText* text = view.timeline().row(row).layout.text.get();
+        return text ? text->text() : QString();
     }
 
   private:
-    static TesselChatLog log(const TesselChatLog::Image& image) {
+    static TesselChatLog log(std::initializer_list<TesselChatLog::Image> images) {
         LogBuilder log;
-        log.add(bob, image);
+        for (const TesselChatLog::Image& image : images)
+            log.add(bob, image);
         for (int i = 0; i < 200; ++i)
             log.text(bob, QStringLiteral("below"));
         return log.log();
@@ -109,26 +124,71 @@ TEST(PictureInTimeline, WhatCannotBeDrawnTellsItsNameTypeAndWhy) {
     } rows[] = {
         {"cut off", whole.first(60), QStringLiteral("cat.png\nPNG\nThe picture is damaged: ")},
         {"900 megapixels", huge, QStringLiteral("cat.png\nPNG\nThe picture is too large")},
-        {"no decoder", QByteArray(),
+        {"no decoder", QByteArray::fromHex("3842505300010000000000000003000000090000000900080003"),
          QStringLiteral("cat.png\nPhotoshop\nPhotoshop pictures can't be drawn")},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.fault);
-        const TesselChatLog::Image unknown = test::picture(QSize(90, 60));
-        PictureWindow window(row.bytes.isEmpty()
-                                 ? TesselChatLog::Image(unknown.image(), unknown.data(),
-                                                        unknown.type(), QStringLiteral("cat.png"))
-                                 : shownPicture(row.bytes, "photos/cat.png"));
-        const auto text = [&] {
-            const LaidOutText* text = window.view.timeline().row(0).layout.text.get();
-            return text ? text->text() : QString();
-        };
+        PictureWindow window(shownPicture(row.bytes, "photos/cat.png"));
         waitFor([&] {
-            window.view.viewport()->grab();
-            return !text().isEmpty();
+            window.middle();
+            return !window.text(0).isEmpty();
         });
-        EXPECT_TRUE(text().startsWith(row.text)) << text().toStdString();
+        EXPECT_TRUE(window.text(0).startsWith(row.text)) << window.text(0).toStdString();
     }
+}
+
+/// A drawing that takes its time.
+QByteArray longDrawing() {
+    return "<svg xmlns='http://www.w3.org/2000/svg' width='90' height='60'>" +
+           QByteArray("<path d='M0 0L1 1'/>").repeated(500'000) + "</svg>";
+}
+
+QByteArray processFile(pid_t process, const char* name) {
+    QFile file(QStringLiteral("/proc/%1/%2").arg(process).arg(QLatin1String(name)));
+    return file.open(QIODevice::ReadOnly) ? file.readAll().simplified() : QByteArray();
+}
+
+/// Those that draw pictures for this one.
+std::vector<pid_t> pictureProcesses() {
+    std::vector<pid_t> found;
+    const QByteArray ours = "(vell-picture) ? " + QByteArray::number(getpid()) + ' ';
+    for (const QString& id : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        QByteArray stat = processFile(id.toInt(), "stat");
+        if (stat.isEmpty()) continue;
+        stat[stat.lastIndexOf(')') + 2] = '?';  // what it is doing
+        if (stat.contains(ours)) found.push_back(id.toInt());
+    }
+    return found;
+}
+
+TEST(PictureInTimeline, AProcessThatIsKilledCostsOneRow) {
+    const auto slow = shownPicture(longDrawing());
+    const auto blue = shownPicture(png(QSize(90, 60), Qt::blue));
+    PictureWindow window(slow, blue);
+    // The window goes on while a picture takes its time.
+    ASSERT_TRUE(window.shows(Qt::blue, 1));
+    ASSERT_EQ(window.text(0), QString());
+    const std::vector<pid_t> processes = pictureProcesses();
+    ASSERT_FALSE(processes.empty());
+    for (const pid_t process : processes) {
+        const QByteArray status = processFile(process, "status");
+        EXPECT_TRUE(status.contains("NoNewPrivs: 1 ")) << status.toStdString();
+        EXPECT_TRUE(status.contains("Seccomp: 2 ")) << status.toStdString();
+        EXPECT_TRUE(processFile(process, "limits").contains("Max open files 0 0 "));
+        kill(process, SIGKILL);
+    }
+    EXPECT_TRUE(waitFor([&] {
+        window.middle();
+        return !window.text(0).isEmpty();
+    }));
+    EXPECT_EQ(window.text(0), QStringLiteral("SVG\nThe picture is damaged: drawing it broke off"));
+    EXPECT_EQ(window.middle(1), QColor(Qt::blue));
+
+    // Others go to another process, this one to none.
+    PictureWindow next(shownPicture(png(QSize(90, 60), Qt::red)), slow);
+    EXPECT_TRUE(next.shows(Qt::red));
+    EXPECT_TRUE(waitFor([&] { return !next.text(1).isEmpty(); }, 3000)) << "tried again";
 }
 
 TEST(PictureCache, KeepsItsBoundAndForgetsWhatIsGone) {
