@@ -39,7 +39,8 @@ completes() {
 }
 
 check 'install' "$cmake" --install "$build" --prefix "$stage"
-for file in bin/vell share/vell/Finder-Find-iChat-Files.savedSearch share/man/man1/vell.1.gz; do
+for file in bin/vell bin/vell-picture share/vell/Finder-Find-iChat-Files.savedSearch \
+            share/man/man1/vell.1.gz; do
     check "$file is installed" test -s "$stage/$file"
 done
 
@@ -49,7 +50,7 @@ check 'metainfo' appstreamcli validate --no-net --pedantic "$share/metainfo/$id.
 check 'desktop entry runs what is installed' \
     test -x "$stage/bin/$(sed -n 's/^TryExec=//p' "$share/applications/$id.desktop")"
 check 'icon of the desktop entry' test -s "$share/icons/hicolor/scalable/apps/$id.svg"
-for section in vell vell-export; do
+for section in vell vell-export vell-picture; do
     check "manual page $section" page "$share/man/man1/$section.1.gz"
 done
 
