@@ -141,6 +141,10 @@ TEST(Calendar, ZoneNamesAsTheCLibraryReadsThem) {
         for (const int years : {400, 8000, 120000})
             EXPECT_EQ(offsetAt(calendar, july2009 + years * year), row.offsetInJuly) << row.tz;
         EXPECT_LT(offsetAt(calendar, july2009 - 3000 * year), 86400) << row.tz;
+        constexpr qint64 cycle = qint64(146097) * 86400;
+        for (qint64 second = 4102444800; second < 4102444800 + year; second += 86400)
+            ASSERT_EQ(offsetAt(calendar, second), offsetAt(calendar, second + 20 * cycle))
+                << second;
     }
     qputenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
     EXPECT_EQ(Calendar::current().zoneName(at("2009-07-04T13:04:05Z")), QStringLiteral("CEST"));
