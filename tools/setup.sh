@@ -66,12 +66,15 @@ apt() {
     done
 }
 
-# extent DEPENDENCIES: how much apt would install for them, as far as it can tell.
+# extent DEPENDENCIES: how much apt would install for them, as far as it can tell. Its temporary files
+# outlive a refusal.
 extent() {
-    LC_ALL=C.UTF-8 apt-get --assume-no -o Debug::NoLocking=1 --no-install-recommends satisfy "$1" \
-        </dev/null 2>/dev/null | sed -nE 's/.* ([0-9]+) newly installed.*/\1 packages/p
+    mkdir -p "$log.apt"
+    TMPDIR=$log.apt LC_ALL=C.UTF-8 apt-get --assume-no -o Debug::NoLocking=1 \
+        --no-install-recommends satisfy "$1" </dev/null 2>/dev/null | sed -nE 's/.* ([0-9]+) newly installed.*/\1 packages/p
             s/^Need to get ([0-9.,]+ .?B).*/, \1 to download/p
             s/^After this operation, ([0-9.,]+ .?B) of additional.*/, \1 on the disk/p' | tr -d '\n'
+    rm -rf "$log.apt"
 }
 
 # need REASON PURPOSE…: installs what is missing for these purposes; silent when nothing is.
@@ -145,4 +148,4 @@ if ! mkdir -p "$build" 2>/dev/null || [ ! -w "$build" ]; then
     say "$root/build can't be written to: building in $build."
 fi
 log=$(mktemp "${TMPDIR:-/tmp}/vell-setup.XXXXXX")
-trap 'rm -rf "$log" "$log.runtime"' EXIT
+trap 'rm -rf "$log" "$log".*' EXIT
