@@ -244,7 +244,7 @@ constexpr HostileFile kFiles[] = {
     {"people of one long name with a prefix", prefixedPeople},
     {"the same, non-keyed", nonKeyedPrefixedPeople},
     {"strings that name one long C string", nonKeyedSharedCStrings},
-    {"people on one long service", peopleOnOneLongService},
+    {"people on one long service", peopleOnOneLongService, true},
     {"wrappers that fail at their end", wrappersThatFailAtTheirEnd},
     {"wrappers of unknown records", wrappersOfUnknownRecords},
     {"wrappers of one long name", wrappersOfOneLongName},
@@ -252,8 +252,8 @@ constexpr HostileFile kFiles[] = {
     {"messages without content by a long name", messagesWithoutContent},
     {"a talk of two long names", talkOfLongNames},
     {"equal links on one long base", equalLinksOnOneLongBase},
-    {"different links on one long base", differentLinksOnOneLongBase},
-    {"texts of one table of runs", textsOfOneRunTable},
+    {"different links on one long base", differentLinksOnOneLongBase, true},
+    {"texts of one table of runs", textsOfOneRunTable, true},
 };
 
 }  // namespace

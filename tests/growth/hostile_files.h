@@ -13,6 +13,8 @@ struct HostileFile {
     const char* name;
     /// A transcript of about this many bytes.
     QByteArray (*make)(qsizetype size);
+    /// What it describes is larger than it may be: no program reads it.
+    bool isRefused = false;
 };
 
 [[nodiscard]] std::span<const HostileFile> hostileFiles();
