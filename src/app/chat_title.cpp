@@ -4,10 +4,10 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QLocale>
-#include <QStringList>
 
 #include "identity/contacts_store.h"
 #include "identity/sender_name.h"
+#include "toolkit/shown_text.h"
 #include "transcript/chat_log.h"
 
 namespace vell {
@@ -21,11 +21,10 @@ QString day(const foundation::Date& date) {
 }
 
 QString names(const TesselChatLog& log, const ContactsStore& contacts) {
-    QStringList names;
-    for (const TesselUserID& user : sorted(log.otherUserIDs()))
-        names.append(senderName(user, contacts).simplified());
-    names.removeDuplicates();
-    return names.isEmpty() ? log.serviceID().rawValue : names.join(QStringLiteral(", "));
+    const QString names = shownList(sorted(log.otherUserIDs()), [&](const TesselUserID& user) {
+        return shownText(senderName(user, contacts)).simplified();
+    });
+    return names.isEmpty() ? shownText(log.serviceID().rawValue) : names;
 }
 
 }  // namespace

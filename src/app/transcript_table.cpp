@@ -10,6 +10,7 @@
 #include <variant>
 
 #include "foundation/guarded.h"
+#include "toolkit/shown_text.h"
 
 namespace vell {
 namespace {
@@ -23,10 +24,8 @@ qint64 messageCount(const TesselChatLog& log) {
 }
 
 QString participants(const TesselChatLog& log) {
-    QStringList names;
-    for (const TesselUserID& user : sorted(log.otherUserIDs()))
-        names.append(user.userID);
-    return names.join(QStringLiteral(", "));
+    return shownList(sorted(log.otherUserIDs()),
+                     [](const TesselUserID& user) { return user.userID; });
 }
 
 }  // namespace

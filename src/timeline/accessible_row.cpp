@@ -10,6 +10,7 @@
 #include "timeline/picture_cache.h"
 #include "timeline/timeline_view.h"
 #include "toolkit/date_formatters.h"
+#include "toolkit/shown_text.h"
 
 namespace vell {
 namespace {
@@ -49,7 +50,8 @@ QString accessibleRowName(TimelineView& view, qsizetype row) {
     const QString time = timeSeparatorFormatter().string(event.timestamp);
     if (std::holds_alternative<TesselChatLog::NewMinute>(event.value)) return time;
 
-    const QString sender = event.sender ? senderName(*event.sender, view.contacts()) : QString();
+    const QString sender =
+        event.sender ? shownText(senderName(*event.sender, view.contacts())) : QString();
     if (std::holds_alternative<TesselChatLog::User>(event.value))
         return tr("End of messages by %1").arg(sender);
     QString text = std::visit(Spoken{view.pictures()}, TimelineRowView(event, false).content());

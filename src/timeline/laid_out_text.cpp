@@ -226,7 +226,7 @@ std::vector<QRect> LaidOutText::region(qsizetype from, qsizetype to, int top, in
             const QTextLine line = lines.lineAt(n);
             const auto y = static_cast<int>(blockTop(i) + std::lround(line.y() * format_.ratio));
             const int height = lineHeight(line);
-            if (y >= bottom) break;
+            if (y >= bottom || line.textStart() >= end) break;
             if (y + height < top) continue;
             for (const auto& [left, right] : stretches(line, first, end)) {
                 const auto x = static_cast<int>(std::floor(left * format_.ratio));
@@ -236,6 +236,13 @@ std::vector<QRect> LaidOutText::region(qsizetype from, qsizetype to, int top, in
         }
     }
     return rects;
+}
+
+std::pair<qsizetype, qsizetype> LaidOutText::offsetsBetween(int top, int bottom) const {
+    if (blockCount() == 0) return {0, 0};
+    const TextBlock& first = blocks_[static_cast<size_t>(blockAt(top))];
+    const auto last = static_cast<size_t>(blockAt(bottom) + 1);
+    return {first.start, last < blocks_.size() ? blocks_[last].start : text_.size()};
 }
 
 QTextLine LaidOutText::lineAt(const QTextLayout& layout, int y) const {

@@ -13,6 +13,7 @@
 #include <QTextLayout>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "timeline/height_tree.h"
@@ -70,6 +71,8 @@ class LaidOutText {
     /// spacing between lines. A line break that is among them shows on empty lines.
     [[nodiscard]] std::vector<QRect> region(qsizetype from, qsizetype to, int top,
                                             int bottom) const;
+    /// The offsets whose lines may touch [top, bottom), as [first, second).
+    [[nodiscard]] std::pair<qsizetype, qsizetype> offsetsBetween(int top, int bottom) const;
     /// Between lines.
     [[nodiscard]] int spacing() const { return spacing_; }
 

@@ -6,8 +6,11 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QUrlQuery>
 #include <algorithm>
 #include <array>
+
+#include "toolkit/look_alikes.h"
 
 namespace vell {
 namespace {
@@ -15,6 +18,7 @@ namespace {
 constexpr std::array plainSchemes{"http", "https", "mailto",   "ftp",
                                   "aim",  "xmpp",  "facetime", "tel"};
 constexpr qsizetype longestShown = 1000;
+constexpr qsizetype longestRead = 10'000;  // nobody reads to the end of a longer text
 
 bool isUnseen(char32_t c) {
     const QChar::Category category = QChar::category(c);
@@ -22,15 +26,42 @@ bool isUnseen(char32_t c) {
            category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
 }
 
-/// The words of a text as a reader takes them: letters that look like others because they are only
-/// wider, and the full stops of other scripts, are their plain forms.
-QStringList seenWords(const QString& text) {
+/// Marks, overrides and isolates turn around what stands beside them.
+bool changesDirection(char32_t c) {
+    switch (QChar::direction(c)) {
+        case QChar::DirLRE:
+        case QChar::DirLRO:
+        case QChar::DirRLE:
+        case QChar::DirRLO:
+        case QChar::DirPDF:
+        case QChar::DirLRI:
+        case QChar::DirRLI:
+        case QChar::DirFSI:
+        case QChar::DirPDI:
+            return true;
+        default:
+            return c == 0x200e || c == 0x200f || c == 0x061c;
+    }
+}
+
+bool anyOf(const QString& text, bool (*is)(char32_t)) {
+    const auto characters = text.toUcs4();
+    return std::any_of(characters.begin(), characters.end(), is);
+}
+
+/// The text as a reader takes it: letters that look like others because they are only wider, and
+/// the full stops of other scripts, are their plain forms; a backslash is a slash.
+QString seenText(const QString& text) {
     QString seen;
     for (const char32_t c : text.normalized(QString::NormalizationForm_KC).toUcs4()) {
-        const char32_t plain = QChar::isSpace(c) ? U' ' : c == U'。' ? U'.' : c;
+        const char32_t plain = QChar::isSpace(c) ? U' ' : c == U'。' ? U'.' : c == U'\\' ? U'/' : c;
         if (!isUnseen(plain)) seen += QString::fromUcs4(&plain, 1);
     }
-    return seen.simplified().split(u' ', Qt::SkipEmptyParts);
+    return seen;
+}
+
+QStringList words(const QString& text) {
+    return text.simplified().split(u' ', Qt::SkipEmptyParts);
 }
 
 /// The host as the network knows it; "www." in front of it makes no difference.
@@ -57,8 +88,7 @@ QString apparentHost(const QString& word) {
     static const QRegularExpression withScheme(QStringLiteral("^[A-Za-z][A-Za-z0-9+.-]*:"));
     static const QRegularExpression domain(
         QStringLiteral("^(?:[^@/\\s]*@)?((?:\\d{1,3}\\.){3}\\d{1,3}|"
-                       "(?:[\\w-]+\\.)+(?:\\p{L}{2,}|xn--[\\w-]+))"
-                       "\\.?(?::\\d*)?(?:[/?#].*)?$"),
+                       "(?:[\\w-]+\\.)+(?:xn--[\\w-]+|\\p{L}{2,}))(?![\\w@-])"),
         QRegularExpression::UseUnicodePropertiesOption);
     if (withScheme.match(word).hasMatch()) {
         const QString host = hostOf(QUrl(word));
@@ -68,23 +98,67 @@ QString apparentHost(const QString& word) {
     return match.hasMatch() ? comparable(match.captured(1)) : QString();
 }
 
+/// A host that is written with other letters than it seems to be, to the eye or by its code.
+bool isDisguised(const QString& host) {
+    const QString shown = QUrl::fromAce(host.toLatin1());
+    const QString name = shown.isEmpty() ? host : shown;
+    const auto isAscii = [](QChar c) { return c.unicode() < 0x80; };
+    if (std::all_of(name.begin(), name.end(), isAscii)) return false;
+    const QString seen = withPlainLookAlikes(name);
+    return std::all_of(seen.begin(), seen.end(), isAscii);
+}
+
+/// Whether programs agree on where the address leads: those that aren't written out, with a name
+/// before the host or with a backslash, lead elsewhere than they seem to.
+bool isWrittenOut(const QUrl& url, const QString& address) {
+    static const QRegularExpression pattern(QStringLiteral("^[a-z]+://[^/\\\\?#@|]+([/?#]|$)"),
+                                            QRegularExpression::CaseInsensitiveOption);
+    return pattern.match(address).hasMatch() && url.userInfo().isEmpty() && !url.host().isEmpty();
+}
+
+/// A mail that is only begun: a file of the reader's, or somebody unseen, must not go with it.
+bool isPlainMail(const QUrl& url) {
+    static const QStringList plainFields{QStringLiteral("subject"), QStringLiteral("body"),
+                                         QStringLiteral("to"), QStringLiteral("cc")};
+    QString query = url.query(QUrl::FullyEncoded);
+    const auto fields = QUrlQuery(query.replace(u';', u'&')).queryItems(QUrl::FullyDecoded);
+    return std::all_of(fields.begin(), fields.end(), [](const auto& field) {
+        return plainFields.contains(field.first.toLower());
+    });
+}
+
+/// Whether no word of the text, as it is or as it looks, names another host.
+bool namesNoOtherHost(const QString& text, const QString& host, bool isMail) {
+    static const QRegularExpression brackets(QStringLiteral("^[\\p{P}\\p{S}]+|[\\p{P}\\p{S}]+$"));
+    const auto isOther = [&](const QString& word) {
+        const QString apparent = apparentHost(word);
+        // What stands before "@" is read first.
+        const QString name = isMail ? QString() : apparentHost(word.section(u'@', 0, 0));
+        return (!apparent.isEmpty() && apparent != host) || (!name.isEmpty() && name != host);
+    };
+    const QString seen = seenText(text);
+    for (const QString& read : {seen, withPlainLookAlikes(seen)})
+        for (QString word : words(read))
+            if (isOther(word.remove(brackets))) return false;
+    return true;
+}
+
 }  // namespace
 
 bool isPlainLink(const QString& address, const QString& text) {
     const QUrl url(address);
     const QByteArray scheme = url.scheme().toLatin1().toLower();
-    if (!url.isValid() ||
+    if (!url.isValid() || text.size() > longestRead || address.contains(u'\\') ||
         std::find(plainSchemes.begin(), plainSchemes.end(), scheme) == plainSchemes.end()) {
         return false;
     }
-    if (text == address) return true;
-    static const QRegularExpression brackets(QStringLiteral("^[\\p{P}\\p{S}]+|[\\p{P}\\p{S}]+$"));
+    if (anyOf(address, isUnseen) || anyOf(text, changesDirection)) return false;
+    const bool isOfTheWeb = scheme == "http" || scheme == "https" || scheme == "ftp";
+    if (isOfTheWeb && !isWrittenOut(url, address)) return false;
+    if (scheme == "mailto" && !isPlainMail(url)) return false;
     const QString host = hostOf(url);
-    const QStringList words = seenWords(text);
-    return std::all_of(words.begin(), words.end(), [&](QString word) {
-        const QString apparent = apparentHost(word.remove(brackets));
-        return apparent.isEmpty() || apparent == host;
-    });
+    if (isDisguised(host)) return false;
+    return text == address || namesNoOtherHost(text, host, !isOfTheWeb);
 }
 
 QString shownAddress(const QString& address) {

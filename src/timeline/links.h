@@ -14,8 +14,9 @@ class QWidget;
 
 namespace vell {
 
-/// Whether an address may be opened without asking: its kind is a common one, and the text that
-/// stands for it, where that is an address itself, is on the same host.
+/// Whether an address may be opened without asking: its kind is a common one, it leads where it
+/// seems to, and the text that stands for it, where that looks like an address, is on the same
+/// host.
 [[nodiscard]] bool isPlainLink(const QString& address, const QString& text);
 
 /// The address as one line for people; controls and marks of direction are percent-encoded, and a

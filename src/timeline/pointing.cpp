@@ -19,6 +19,7 @@
 #include "timeline/selecting.h"
 #include "timeline/timeline_view.h"
 #include "toolkit/date_formatters.h"
+#include "toolkit/shown_text.h"
 
 namespace vell {
 namespace {
@@ -183,7 +184,7 @@ void Pointing::showToolTip(const QHelpEvent& event) {
     QStringList lines;
     if (const TesselChatLog::Link* link = linkAt(*place))
         lines += shownAddress(link->url->absoluteString());
-    if (shown.sender) lines += senderName(*shown.sender, view_.contacts());
+    if (shown.sender) lines += shownText(senderName(*shown.sender, view_.contacts()));
     lines += fullDateFormatter().string(shown.timestamp);
     QToolTip::showText(event.globalPos(), toolTip(lines), view_.viewport());
 }

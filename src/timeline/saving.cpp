@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHash>
 #include <QMessageBox>
 #include <functional>
 #include <utility>
@@ -73,10 +74,14 @@ QString writeWrapper(const QString& path, const FileWrapper& wrapper) {
     if (wrapper.isRegularFile()) return writeFile(path, *wrapper.contents);
     // Nothing that is there already is mixed with the folder's entries.
     if (!QDir().mkdir(path)) return Saving::tr("The folder could not be made");
+    QHash<QString, int> copies;  // of a name; many may have the same
     for (const auto& child : wrapper.children) {
-        QString name = fileName(*child);
-        for (int copy = 2; QFileInfo::exists(path + u'/' + name); ++copy)
-            name = safeFileName(QStringLiteral("%1 ").arg(copy) + fileName(*child), {});
+        const QString own = fileName(*child);
+        QString name;
+        do {
+            const int copy = ++copies[own];
+            name = copy == 1 ? own : safeFileName(QString::number(copy) + u' ' + own, {});
+        } while (QFileInfo::exists(path + u'/' + name));
         const QString problem = writeWrapper(path + u'/' + name, *child);
         if (!problem.isEmpty()) return problem;
     }

@@ -52,11 +52,13 @@ void Selecting::setFindMatches(std::vector<TextRange> matches, qsizetype current
     view_.viewport()->update();
 }
 
-std::span<const TextHighlight> Selecting::highlights(qsizetype row) {
+std::span<const TextHighlight> Selecting::highlights(qsizetype row, qsizetype from, qsizetype to) {
     highlights_.clear();
-    auto match = std::lower_bound(matches_.begin(), matches_.end(), row,
-                                  [](const TextRange& m, qsizetype r) { return m.row < r; });
-    for (; match != matches_.end() && match->row == row; ++match) {
+    auto match = std::lower_bound(matches_.begin(), matches_.end(), std::pair(row, from),
+                                  [](const TextRange& m, auto place) {
+                                      return std::pair(m.row, m.start + m.length) <= place;
+                                  });
+    for (; match != matches_.end() && match->row == row && match->start < to; ++match) {
         const bool isCurrent = match - matches_.begin() == currentMatch_;
         highlights_.push_back({match->start, match->start + match->length,
                                isCurrent ? HighlightKind::currentMatch : HighlightKind::match});

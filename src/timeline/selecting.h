@@ -38,8 +38,9 @@ class Selecting final : public QObject {
 
     /// Sorted by row and start; `current` is an index, -1 for none.
     void setFindMatches(std::vector<TextRange> matches, qsizetype current);
-    /// What of a row is highlighted; holds until the next call.
-    [[nodiscard]] std::span<const TextHighlight> highlights(qsizetype row);
+    /// What is highlighted of the offsets [from, to) of a row; holds until the next call.
+    [[nodiscard]] std::span<const TextHighlight> highlights(qsizetype row, qsizetype from,
+                                                            qsizetype to);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

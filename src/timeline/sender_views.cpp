@@ -8,11 +8,12 @@
 #include "identity/sender_name.h"
 #include "identity/style.h"
 #include "timeline/line_layout.h"
+#include "toolkit/shown_text.h"
 
 namespace vell {
 
 RowLayout SenderInfoView::measure(const RowContext& context, int width) const {
-    return measureLine(senderName(sender, context.contacts), context.fonts.footnote,
+    return measureLine(shownText(senderName(sender, context.contacts)), context.fonts.footnote,
                        isOwn ? LineSide::right : LineSide::left, context, width);
 }
 

@@ -303,11 +303,17 @@ void TimelineView::paintRows(QPainter& painter, const QRect& exposed) {
     for (const TimelineLayout::VisibleRow& visible : layout_.visibleRows()) {
         const QRect part = exposed.translated(-left, -visible.top);
         if (part.top() > visible.row->layout.height + around || part.bottom() < -around) continue;
+        const RowLayout& layout = visible.row->layout;
+        const int above = layout.content.top();
+        const auto [from, to] =
+            layout.text ? layout.text->offsetsBetween(part.top() - above, part.bottom() + 1 - above)
+                        : std::pair<qsizetype, qsizetype>(0, 1);
         painter.save();
         painter.translate(left, visible.top);
-        visible.row->view.paint(painter, visible.row->layout, context_,
-                                {visible.index, part, selecting_->highlights(visible.index),
-                                 gifPlayer_->frame(visible.index)});
+        visible.row->view.paint(
+            painter, layout, context_,
+            {visible.index, part, selecting_->highlights(visible.index, from, to),
+             gifPlayer_->frame(visible.index)});
         painter.restore();
     }
     currentRow_->paint(painter);

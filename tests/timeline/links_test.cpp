@@ -20,6 +20,7 @@ using test::LogBuilder;
 using test::Window;
 
 TEST(Links, OnlyWhatLeadsWhereItSeemsToIsOpenedWithoutAQuestion) {
+    const std::string endless(20'000, 'x');
     const struct {
         const char* why;
         const char* address;
@@ -35,6 +36,7 @@ TEST(Links, OnlyWhatLeadsWhereItSeemsToIsOpenedWithoutAQuestion) {
         {"a chat", "aim:goim?screenname=bob", "write to bob", true},
         {"a number", "tel:+4930123456", "+49 30 123456", true},
         {"an ordinary sentence", "http://example.com", "It costs 1.20, e.g. now.", true},
+        {"a sentence of another script", "http://example.com", "Смотри, т.е. читай: сор.", true},
         {"letters of another script", "http://bücher.example/", "http://xn--bcher-kva.example",
          true},
 
@@ -49,6 +51,26 @@ TEST(Links, OnlyWhatLeadsWhereItSeemsToIsOpenedWithoutAQuestion) {
         {"hidden characters", "http://evil.example/", "bank\u200b.exam\u202eple", false},
         {"joined by nothing", "http://evil.example/", "ba\u200dnk.exam\u2060ple", false},
         {"wider letters", "http://evil.example/", "ｂａｎｋ。ｅｘａｍｐｌｅ", false},
+        {"letters that look like others, in the text", "http://evil.example/", "рaypаl.com", false},
+        {"… in the address", "http://раураl.com/", "my page", false},
+        {"… in both", "http://раураl.com/", "http://раураl.com/", false},
+        {"… in the address as the network writes it", "http://xn--80aa0cbo65f.com/", "my page",
+         false},
+        {"a slash that is none", "http://evil.example/", "bank.example⁄login.evil.example", false},
+        {"a bar for a slash", "http://evil.example/", "bank.example|login", false},
+        {"a backslash in the text", "http://evil.example/", "http:\\\\bank.example", false},
+        {"a backslash in the address", "http://bank.example\\@evil.example/", "my page", false},
+        {"no slashes", "http:evil.example", "my page", false},
+        {"one slash", "https:/evil.example/", "my page", false},
+        {"somebody's name", "http://me@example.com/", "my page", false},
+        {"somebody's name that is a host", "http://evil.example/", "bank.example@evil.example",
+         false},
+        {"turned around, in both", "http://evil.example/\u202emoc", "http://evil.example/\u202emoc",
+         false},
+        {"a mark of direction", "http://example.com/", "\u200fexample.com", false},
+        {"a mail with a file", "mailto:a@b.example?subject=x&ATTACH=/etc/passwd", "write", false},
+        {"a mail with somebody unseen", "mailto:a@b.example?bcc=c@d.example", "write", false},
+        {"a text without end", "http://example.com", endless.c_str(), false},
         {"no host at all", "aim:goim", "http://bank.example", false},
         {"a file", "file:///etc/passwd", "click", false},
         {"a program", "javascript:alert(1)", "click", false},

@@ -7,6 +7,7 @@
 #include <QMimeData>
 #include <QScrollBar>
 #include <QTest>
+#include <ctime>
 
 #include "timeline/row_place.h"
 #include "timeline/selection.h"
@@ -169,6 +170,25 @@ TEST(Selecting, MatchesFarAwayInLongTextsAreBroughtIntoView) {
         const QPoint place = window.place(1, start);
         EXPECT_TRUE(window.view.viewport()->rect().contains(place)) << line << " at " << place.y();
     }
+}
+
+TEST(Selecting, PaintingCostsTheMatchesThatAreSeenAndNotAll) {
+    constexpr qsizetype seen = 2'000, all = 250'000;
+    const LogBuilder log = LogBuilder().text(bob, QStringLiteral("a b ").repeated(all));
+    Window window(log.log());
+    const auto cost = [&](qsizetype count) {
+        std::vector<TextRange> matches;
+        for (qsizetype i = 0; i < count; ++i)
+            matches.push_back({0, 4 * i, 1});
+        window.view.setFindMatches(std::move(matches), 0);
+        const std::clock_t start = std::clock();
+        for (int i = 0; i < 5; ++i)
+            window.view.viewport()->grab();
+        return static_cast<double>(std::clock() - start);
+    };
+    (void)cost(seen);
+    const double few = cost(seen);
+    EXPECT_LT(cost(all), 3 * few);
 }
 
 TEST(TextUnits, FindWordsAndCharactersAsReadersSeeThem) {

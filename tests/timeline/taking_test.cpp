@@ -9,6 +9,7 @@
 #include <QMimeData>
 #include <QTemporaryDir>
 #include <QUrl>
+#include <ctime>
 
 #include "foundation/print.h"
 #include "timeline/data_item_provider.h"
@@ -179,6 +180,18 @@ TEST(Saving, FoldersAreWrittenInsideThemselvesAndNothingCanBeRun) {
                      QStringLiteral("outside")}));
     EXPECT_EQ(QDir(home.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size(), 1);
     EXPECT_NE(writeWrapper(path, folder), QString()) << "mixes two folders";
+
+    const auto cost = [&](int count) {
+        FileWrapper many(FileWrapper::Kind::directory);
+        many.children.assign(static_cast<size_t>(count), entry("x", ""));
+        const QString into = home.filePath(QString::number(count));
+        const std::clock_t start = std::clock();
+        EXPECT_EQ(writeWrapper(into, many), QString());
+        EXPECT_EQ(QDir(into).entryList(QDir::Files).size(), count);
+        return static_cast<double>(std::clock() - start);
+    };
+    const double some = cost(500);
+    EXPECT_LT(cost(2000), 8 * some) << "quadratic in what has one name";
 
     const QString program = home.filePath(QStringLiteral("program"));
     QFile old(program);
