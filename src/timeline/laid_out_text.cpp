@@ -226,7 +226,7 @@ std::vector<QRect> LaidOutText::region(qsizetype from, qsizetype to, int top, in
             const QTextLine line = lines.lineAt(n);
             const auto y = static_cast<int>(blockTop(i) + std::lround(line.y() * format_.ratio));
             const int height = lineHeight(line);
-            if (y >= bottom || line.textStart() >= end) break;
+            if (y >= bottom || line.textStart() > end) break;
             if (y + height < top) continue;
             for (const auto& [left, right] : stretches(line, first, end)) {
                 const auto x = static_cast<int>(std::floor(left * format_.ratio));
