@@ -113,7 +113,7 @@ QString Renderer::headingOf(const TesselUserID& sender) const {
 
 /// Few people write most of a transcript, and their names may be long.
 bool Renderer::isOwn(const SharedUserID& sender) {
-    if (sender.operator->() != latest_.operator->()) {
+    if (!latest_ || sender.operator->() != latest_.operator->()) {
         latest_ = sender;
         latestIsOwn_ = *sender == log_.ownUserID();
     }

@@ -7,10 +7,10 @@
 #include <condition_variable>
 #include <mutex>
 #include <stop_token>
-#include <thread>
 #include <vector>
 
 #include "foundation/checked.h"
+#include "foundation/guarded.h"
 #include "identity/contact_table.h"
 #include "identity/contacts_source.h"
 #include "identity/mailbox.h"
@@ -146,7 +146,7 @@ void ContactsStore::retrieveChangedContacts() {
 
 void ContactsStore::retrieveContacts() {
     log_->log("Loading contacts ...");
-    std::thread([this, log = log_, enumerate = source_->enumeration(), old = addressToContact_,
+    auto read = [this, log = log_, enumerate = source_->enumeration(), old = addressToContact_,
                  oldVersion = tableVersion_, running = Background::Running(background_)]() mutable {
         const auto reading = std::make_shared<Reading>();
         const std::stop_token stop = running->stop.get_token();
@@ -164,7 +164,10 @@ void ContactsStore::retrieveContacts() {
         reading->merge(std::exchange(old, {}));
         // The mailbox answers for `this`.
         running->mailbox.post([this, reading] { publish(*reading); });
-    }).detach();
+    };
+    foundation::runDetached(std::move(read), [log = log_] {
+        log->error("Error while retrieving contact data:", "Out of memory");
+    });
 }
 
 void ContactsStore::publish(Reading& reading) {

@@ -10,9 +10,9 @@
 #include <array>
 #include <mutex>
 #include <string_view>
-#include <thread>
 #include <utility>
 
+#include "foundation/guarded.h"
 #include "identity/mailbox.h"
 #include "identity/service_plugin.h"
 #include "identity/vcard_contact.h"
@@ -146,7 +146,7 @@ QStringList ServiceSource::customaryPluginFolders() {
 }
 
 void ServiceSource::requestAccess(Answer answer) {
-    std::thread([connection = connection_, answer = std::move(answer)] {
+    auto open = [connection = connection_, answer] {
         std::optional<foundation::Error> error;
         try {
             connection->open();
@@ -154,7 +154,10 @@ void ServiceSource::requestAccess(Answer answer) {
             error = thrown;
         }
         answer(true, error);
-    }).detach();
+    };
+    foundation::runDetached(std::move(open), [answer = std::move(answer)] {
+        answer(true, ContactsError(QStringLiteral("Out of memory")));
+    });
 }
 
 ContactsSource::Enumeration ServiceSource::enumeration() {

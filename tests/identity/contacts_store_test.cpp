@@ -119,6 +119,11 @@ TEST_F(ContactsStoreTest, TellsErrorsAndKeepsTheTableThatIsThere) {
     QStringList lines;
     ASSERT_TRUE(test::waitFor([&] { return (lines += log->take()).size() == 2; }));
     EXPECT_EQ(lines[1], "ERROR: Error while retrieving contact data: " + error.description());
+    source->failure.reset();
+    source->isOutOfMemory = true;
+    Q_EMIT source->contactsChanged();
+    ASSERT_TRUE(test::waitFor([&] { return (lines += log->take()).size() == 4; }));
+    EXPECT_EQ(lines[3], "ERROR: Error while retrieving contact data: Out of memory");
     EXPECT_EQ(store->addressToContact().size(), 1);
 
     store->requestAccess();

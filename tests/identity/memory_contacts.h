@@ -6,6 +6,7 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -37,6 +38,7 @@ class MemoryContacts final : public ContactsSource {
     std::vector<ContactRecord> contacts;
     std::vector<Answer> requests;  ///< not yet answered
     std::optional<foundation::Error> failure;
+    bool isOutOfMemory = false;
     bool isFree = false;
     int enumerations = 0;
     /// The next walk waits here at its end.
@@ -45,12 +47,13 @@ class MemoryContacts final : public ContactsSource {
     void requestAccess(Answer answer) override { requests.push_back(std::move(answer)); }
     Enumeration enumeration() override {
         enumerations++;
-        return [contacts = contacts, failure = failure, gate = gate](const ContactHandler& handle,
-                                                                     const std::stop_token&) {
+        return [contacts = contacts, failure = failure, isOutOfMemory = isOutOfMemory, gate = gate](
+                   const ContactHandler& handle, const std::stop_token&) {
             for (const ContactRecord& contact : contacts)
                 handle(contact);
             gate->pass();
             if (failure) throw *failure;
+            if (isOutOfMemory) throw std::bad_alloc();
         };
     }
     bool hasFreeContacts() const override { return isFree; }

@@ -174,8 +174,7 @@ TEST(Selecting, MatchesFarAwayInLongTextsAreBroughtIntoView) {
 
 TEST(Selecting, PaintingCostsTheMatchesThatAreSeenAndNotAll) {
     constexpr qsizetype seen = 2'000, all = 250'000;
-    const LogBuilder log = LogBuilder().text(bob, QStringLiteral("a b ").repeated(all));
-    Window window(log.log());
+    Window window(LogBuilder().text(bob, QStringLiteral("a b ").repeated(all)).log());
     const auto cost = [&](qsizetype count) {
         std::vector<TextRange> matches;
         for (qsizetype i = 0; i < count; ++i)
