@@ -175,7 +175,9 @@ TEST(PictureInTimeline, AProcessThatIsKilledCostsOneRow) {
         const QByteArray status = processFile(process, "status");
         EXPECT_TRUE(status.contains("NoNewPrivs: 1 ")) << status.toStdString();
         EXPECT_TRUE(status.contains("Seccomp: 2 ")) << status.toStdString();
+#if !defined(__SANITIZE_ADDRESS__)  // which opens pipes
         EXPECT_TRUE(processFile(process, "limits").contains("Max open files 0 0 "));
+#endif
         kill(process, SIGKILL);
     }
     EXPECT_TRUE(waitFor([&] {
