@@ -22,7 +22,7 @@
 #include <vector>
 
 #include "app/application.h"
-#include "app/document_window.h"
+#include "app/documents/document_window.h"
 #include "application_frames.h"
 #include "conversations.h"
 #include "timeline/timeline_view.h"

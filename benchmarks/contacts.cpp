@@ -22,10 +22,10 @@
 #include <memory>
 #include <vector>
 
-#include "identity/contact_table.h"
-#include "identity/contacts_store.h"
-#include "identity/vcard_contacts.h"
-#include "identity/vcard_source.h"
+#include "identity/contacts/contact_table.h"
+#include "identity/contacts/contacts_store.h"
+#include "identity/vcard/vcard_contacts.h"
+#include "identity/vcard/vcard_source.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <ctime>
 #include <exception>
 
-#include "identity/contacts_store.h"
+#include "identity/contacts/contacts_store.h"
 #include "transcript/chat_log.h"
 
 #ifdef VELL_HAVE_LIBPLIST

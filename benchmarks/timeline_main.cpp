@@ -23,8 +23,8 @@
 #include <memory>
 #include <vector>
 
-#include "identity/contacts_store.h"
-#include "timeline/picture_cache.h"
+#include "identity/contacts/contacts_store.h"
+#include "timeline/pictures/picture_cache.h"
 #include "timeline/timeline_view.h"
 #include "timeline_logs.h"
 

@@ -12,7 +12,7 @@
 #include "export/chat_log_text.h"
 #include "export/expansion.h"
 #include "foundation/print.h"
-#include "identity/contacts_store.h"
+#include "identity/contacts/contacts_store.h"
 #include "transcript/chat_log.h"
 #include "transcript/load_log.h"
 

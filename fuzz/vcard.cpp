@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "identity/vcard_contacts.h"
+#include "identity/vcard/vcard_contacts.h"
 #include "toolkit/logger.h"
 
 namespace {

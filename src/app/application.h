@@ -10,13 +10,13 @@
 #include <memory>
 #include <vector>
 
-#include "app/contacts_dialog.h"
-#include "app/document_loader.h"
-#include "app/file_drops.h"
-#include "app/recent_files.h"
-#include "app/settings.h"
-#include "app/single_instance.h"
-#include "timeline/picture_cache.h"
+#include "app/desktop/recent_files.h"
+#include "app/desktop/settings.h"
+#include "app/desktop/single_instance.h"
+#include "app/documents/document_loader.h"
+#include "app/documents/file_drops.h"
+#include "app/windows/contacts_dialog.h"
+#include "timeline/pictures/picture_cache.h"
 
 namespace vell {
 

@@ -6,7 +6,7 @@
 #include <QMenuBar>
 
 #include "app/application.h"
-#include "app/desktop.h"
+#include "app/desktop/desktop.h"
 #include "toolkit/application_info.h"
 
 namespace vell {

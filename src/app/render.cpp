@@ -9,11 +9,11 @@
 #include <cstdio>
 #include <new>
 
-#include "app/document.h"
-#include "app/file_reader.h"
+#include "app/documents/document.h"
+#include "app/documents/file_reader.h"
 #include "foundation/local_path.h"
-#include "identity/contacts_store.h"
-#include "timeline/picture_cache.h"
+#include "identity/contacts/contacts_store.h"
+#include "timeline/pictures/picture_cache.h"
 #include "timeline/timeline_view.h"
 
 namespace vell {

@@ -12,7 +12,7 @@
 #include "foundation/error.h"
 #include "foundation/local_path.h"
 #include "foundation/print.h"
-#include "identity/vcard_source.h"
+#include "identity/vcard/vcard_source.h"
 #include "toolkit/console.h"
 #include "transcript/load_log.h"
 

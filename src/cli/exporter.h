@@ -9,7 +9,7 @@
 
 #include "cli/options.h"
 #include "cli/output.h"
-#include "identity/contacts_store.h"
+#include "identity/contacts/contacts_store.h"
 
 namespace vell {
 

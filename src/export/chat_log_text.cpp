@@ -10,8 +10,8 @@
 #include "export/markdown.h"
 #include "export/message.h"
 #include "export/text_render_settings.h"
-#include "identity/contacts_store.h"
-#include "identity/sender_name.h"
+#include "identity/contacts/contacts_store.h"
+#include "identity/contacts/sender_name.h"
 
 namespace vell {
 namespace {

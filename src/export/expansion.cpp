@@ -7,8 +7,8 @@
 #include <utility>
 #include <variant>
 
-#include "identity/contacts_store.h"
-#include "identity/sender_name.h"
+#include "identity/contacts/contacts_store.h"
+#include "identity/contacts/sender_name.h"
 #include "transcript/chat_log.h"
 
 namespace vell {

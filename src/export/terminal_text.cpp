@@ -7,7 +7,7 @@
 
 #include "export/message.h"
 #include "export/text_sink.h"
-#include "identity/sender_name.h"
+#include "identity/contacts/sender_name.h"
 #include "toolkit/date_formatters.h"
 #include "transcript/chat_log.h"
 

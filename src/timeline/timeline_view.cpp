@@ -11,14 +11,14 @@
 #include <array>
 #include <utility>
 
-#include "identity/contacts_store.h"
-#include "timeline/accessible_timeline.h"
-#include "timeline/bubble_colors.h"
-#include "timeline/current_row.h"
-#include "timeline/gif_player.h"
-#include "timeline/picture_cache.h"
-#include "timeline/pointing.h"
-#include "timeline/selecting.h"
+#include "identity/contacts/contacts_store.h"
+#include "timeline/accessibility/accessible_timeline.h"
+#include "timeline/bubbles/bubble_colors.h"
+#include "timeline/input/current_row.h"
+#include "timeline/input/pointing.h"
+#include "timeline/input/selecting.h"
+#include "timeline/pictures/gif_player.h"
+#include "timeline/pictures/picture_cache.h"
 
 namespace vell {
 namespace {

@@ -13,13 +13,13 @@
 #include <memory>
 #include <vector>
 
-#include "timeline/background_cache.h"
-#include "timeline/row_context.h"
-#include "timeline/scroll_mapping.h"
-#include "timeline/smooth_scroll.h"
-#include "timeline/text_range.h"
-#include "timeline/text_tiles.h"
-#include "timeline/timeline_layout.h"
+#include "timeline/bubbles/background_cache.h"
+#include "timeline/layout/scroll_mapping.h"
+#include "timeline/layout/smooth_scroll.h"
+#include "timeline/layout/timeline_layout.h"
+#include "timeline/rows/row_context.h"
+#include "timeline/text/text_range.h"
+#include "timeline/text/text_tiles.h"
 #include "transcript/chat_log.h"
 
 namespace vell {

@@ -15,8 +15,8 @@
 #include <QToolBar>
 #include <QUrl>
 
-#include "app/find_bar.h"
-#include "app/load_log_window.h"
+#include "app/documents/find_bar.h"
+#include "app/documents/load_log_window.h"
 #include "timeline/timeline_view.h"
 #include "windows.h"
 

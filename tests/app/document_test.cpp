@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/document.h"
+#include "app/documents/document.h"
 
 #include <gtest/gtest.h>
 

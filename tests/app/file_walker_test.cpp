@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/file_walker.h"
+#include "app/search/file_walker.h"
 
 #include <gtest/gtest.h>
 

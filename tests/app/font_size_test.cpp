@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/font_size.h"
+#include "app/windows/font_size.h"
 
 #include <gtest/gtest.h>
 

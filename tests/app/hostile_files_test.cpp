@@ -10,8 +10,8 @@
 #include <mutex>
 #include <vector>
 
-#include "app/load_log_window.h"
-#include "app/open_failures.h"
+#include "app/documents/load_log_window.h"
+#include "app/documents/open_failures.h"
 #include "support/keyed_archive_writer.h"
 #include "support/non_keyed_archive_writer.h"
 #include "windows.h"

@@ -9,7 +9,7 @@
 #include <map>
 #include <mutex>
 
-#include "app/document_loader.h"
+#include "app/documents/document_loader.h"
 #include "foundation/print.h"
 #include "transcript/load_log.h"
 

@@ -8,8 +8,8 @@
 #include <functional>
 #include <new>
 
-#include "app/chat_search.h"
-#include "app/transcript_table.h"
+#include "app/documents/chat_search.h"
+#include "app/search/transcript_table.h"
 #include "windows.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/recently_used.h"
+#include "app/desktop/recently_used.h"
 
 #include <gtest/gtest.h>
 

@@ -14,8 +14,8 @@
 #include <QTest>
 #include <future>
 
-#include "app/contacts_bar.h"
-#include "app/single_instance.h"
+#include "app/desktop/single_instance.h"
+#include "app/documents/contacts_bar.h"
 #include "timeline/timeline_view.h"
 #include "windows.h"
 

@@ -9,7 +9,7 @@
 #include <QSet>
 #include <QTranslator>
 
-#include "app/load_log_window.h"
+#include "app/documents/load_log_window.h"
 #include "windows.h"
 
 namespace {

@@ -15,7 +15,7 @@
 #include <memory>
 
 #include "app/application.h"
-#include "app/document_window.h"
+#include "app/documents/document_window.h"
 #include "foundation/print.h"
 #include "support/transcript_writer.h"
 

@@ -9,7 +9,7 @@
 #include "export/chat_log_text.h"
 #include "export/log_builder.h"
 #include "export/terminal_text.h"
-#include "identity/contacts_store.h"
+#include "identity/contacts/contacts_store.h"
 
 using namespace Qt::StringLiterals;
 

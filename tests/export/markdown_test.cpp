@@ -4,7 +4,7 @@
 #include "export/commonmark.h"
 #include "export/log_builder.h"
 #include "export/text_render_settings.h"
-#include "identity/contacts_store.h"
+#include "identity/contacts/contacts_store.h"
 
 using namespace Qt::StringLiterals;
 

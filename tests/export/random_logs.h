@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "export/commonmark.h"
-#include "identity/contacts_store.h"
+#include "identity/contacts/contacts_store.h"
 #include "transcript/chat_log.h"
 
 namespace vell::test {

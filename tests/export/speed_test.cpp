@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "benchmarks/conversations.h"
-#include "identity/contacts_store.h"
+#include "identity/contacts/contacts_store.h"
 #include "transcript/chat_log.h"
 
 namespace vell {

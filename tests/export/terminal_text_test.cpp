@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "export/log_builder.h"
-#include "identity/contacts_store.h"
+#include "identity/contacts/contacts_store.h"
 #include "toolkit/date_formatters.h"
 
 using namespace Qt::StringLiterals;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "identity/contacts_store.h"
+#include "identity/contacts/contacts_store.h"
 
 #include <gtest/gtest.h>
 
@@ -12,9 +12,9 @@
 #include <functional>
 #include <thread>
 
+#include "identity/contacts/sender_name.h"
 #include "identity/log_lines.h"
 #include "identity/memory_contacts.h"
-#include "identity/sender_name.h"
 #include "identity/waiting.h"
 #include "transcript/user_id.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "identity/identicon.h"
+#include "identity/identicons/identicon.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +8,9 @@
 #include <cmath>
 #include <vector>
 
-#include "identity/github_identicon.h"
-#include "identity/identicons.h"
-#include "identity/style.h"
+#include "identity/identicons/github_identicon.h"
+#include "identity/identicons/identicons.h"
+#include "toolkit/style.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "identity/contacts_source.h"
+#include "identity/contacts/contacts_source.h"
 
 namespace vell::test {
 

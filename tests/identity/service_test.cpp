@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Against a real address-book service, in the session that with_address_book.sh makes.
-#include "identity/service_source.h"
+#include "identity/service/service_source.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@
 #include <cstdlib>
 #include <future>
 
-#include "identity/contacts_store.h"
+#include "identity/contacts/contacts_store.h"
 #include "identity/log_lines.h"
 #include "identity/waiting.h"
 

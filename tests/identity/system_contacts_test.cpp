@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "identity/system_contacts.h"
+#include "identity/contacts/system_contacts.h"
 
 #include <gtest/gtest.h>
 
 #include <QSettings>
 #include <QTemporaryDir>
 
-#include "identity/contacts_store.h"
+#include "identity/contacts/contacts_store.h"
 #include "identity/log_lines.h"
 #include "identity/memory_contacts.h"
 #include "identity/waiting.h"

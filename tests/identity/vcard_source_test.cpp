@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Real files on a real disk, as people and synchronisers leave them.
-#include "identity/vcard_source.h"
+#include "identity/vcard/vcard_source.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -12,8 +12,8 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
-#include "identity/contact_files.h"
 #include "identity/log_lines.h"
+#include "identity/vcard/contact_files.h"
 #include "identity/waiting.h"
 
 namespace {

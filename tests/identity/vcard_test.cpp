@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "identity/log_lines.h"
-#include "identity/vcard_contacts.h"
+#include "identity/vcard/vcard_contacts.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "timeline/accessible_timeline.h"
+#include "timeline/accessibility/accessible_timeline.h"
 
 #include <gtest/gtest.h>
 
 #include "foundation/calendar.h"
 #include "foundation/url.h"
 #include "timeline/fixture.h"
-#include "timeline/links.h"
+#include "timeline/input/links.h"
 #include "timeline/timeline_view.h"
 #include "toolkit/date_formatters.h"
 

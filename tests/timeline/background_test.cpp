@@ -3,7 +3,7 @@
 
 #include <QPainter>
 
-#include "timeline/background_cache.h"
+#include "timeline/bubbles/background_cache.h"
 
 namespace vell {
 namespace {

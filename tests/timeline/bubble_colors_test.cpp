@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "timeline/bubble_colors.h"
+#include "timeline/bubbles/bubble_colors.h"
 
 #include <gtest/gtest.h>
 

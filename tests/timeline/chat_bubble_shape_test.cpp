@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "timeline/chat_bubble_shape.h"
+#include "timeline/bubbles/chat_bubble_shape.h"
 
 #include <gtest/gtest.h>
 

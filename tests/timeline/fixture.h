@@ -9,12 +9,12 @@
 #include <utility>
 #include <vector>
 
-#include "identity/contacts_store.h"
-#include "timeline/background_cache.h"
-#include "timeline/bubble_colors.h"
-#include "timeline/picture_cache.h"
-#include "timeline/row_context.h"
-#include "timeline/text_tiles.h"
+#include "identity/contacts/contacts_store.h"
+#include "timeline/bubbles/background_cache.h"
+#include "timeline/bubbles/bubble_colors.h"
+#include "timeline/pictures/picture_cache.h"
+#include "timeline/rows/row_context.h"
+#include "timeline/text/text_tiles.h"
 #include "transcript/chat_log.h"
 
 namespace vell::test {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "timeline/links.h"
+#include "timeline/input/links.h"
 
 #include <gtest/gtest.h>
 

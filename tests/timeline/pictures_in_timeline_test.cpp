@@ -13,7 +13,7 @@
 
 #include "identity/waiting.h"
 #include "timeline/gif.h"
-#include "timeline/gif_player.h"
+#include "timeline/pictures/gif_player.h"
 #include "timeline/window.h"
 
 namespace vell {

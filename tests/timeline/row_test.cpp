@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "timeline/timeline_row_view.h"
+#include "timeline/rows/timeline_row_view.h"
 
 #include <gtest/gtest.h>
 

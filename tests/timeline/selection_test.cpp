@@ -9,9 +9,9 @@
 #include <QTest>
 #include <ctime>
 
-#include "timeline/row_place.h"
-#include "timeline/selection.h"
-#include "timeline/text_units.h"
+#include "timeline/input/row_place.h"
+#include "timeline/input/selection.h"
+#include "timeline/text/text_units.h"
 #include "timeline/window.h"
 
 namespace vell {

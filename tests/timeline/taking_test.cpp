@@ -12,11 +12,11 @@
 #include <ctime>
 
 #include "foundation/print.h"
-#include "timeline/data_item_provider.h"
 #include "timeline/fixture.h"
-#include "timeline/private_files.h"
-#include "timeline/safe_file_name.h"
-#include "timeline/saving.h"
+#include "timeline/saving/data_item_provider.h"
+#include "timeline/saving/private_files.h"
+#include "timeline/saving/safe_file_name.h"
+#include "timeline/saving/saving.h"
 
 namespace vell {
 namespace {

@@ -7,9 +7,9 @@
 #include <QTextBoundaryFinder>
 #include <random>
 
-#include "timeline/height_tree.h"
-#include "timeline/laid_out_text.h"
-#include "timeline/text_blocks.h"
+#include "timeline/text/height_tree.h"
+#include "timeline/text/laid_out_text.h"
+#include "timeline/text/text_blocks.h"
 #include "toolkit/emoji.h"
 
 namespace vell {

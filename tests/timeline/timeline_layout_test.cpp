@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "timeline/timeline_layout.h"
+#include "timeline/layout/timeline_layout.h"
 
 #include <gtest/gtest.h>
 
 #include <QRandomGenerator>
 
 #include "timeline/fixture.h"
+#include "timeline/layout/scroll_mapping.h"
 #include "timeline/random_log.h"
-#include "timeline/scroll_mapping.h"
 
 namespace vell {
 namespace {

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "app/desktop/settings.h"
+
+#include <QCryptographicHash>
+
+namespace vell {
+namespace {
+
+constexpr qint64 defaultTimelineFontSize = 16;
+constexpr int rememberedPlaces = 500;
+const QString fontSizeKey = QStringLiteral("TimelineFontSize");
+const QString restoresWindowsKey = QStringLiteral("RestoreWindows");
+const QString lastWindowsKey = QStringLiteral("LastWindows");
+const QString contactsFilesKey = QStringLiteral("ContactsFiles");
+const QString placesOrderKey = QStringLiteral("WindowPlaces/Order");
+
+/// Paths hold separators that a settings key can't.
+QString placeKey(const QString& path) {
+    const QByteArray digest =
+        QCryptographicHash::hash(path.toUtf8(), QCryptographicHash::Sha1).toHex();
+    return QStringLiteral("WindowPlaces/") + QString::fromLatin1(digest);
+}
+
+}  // namespace
+
+Settings::Settings(QObject* parent) : QObject(parent) {}
+
+qint64 Settings::timelineFontSize() const {
+    bool isNumber = false;
+    const qint64 points = store_.value(fontSizeKey).toLongLong(&isNumber);
+    return isNumber ? points : defaultTimelineFontSize;
+}
+
+void Settings::setTimelineFontSize(qint64 points) {
+    if (points == timelineFontSize()) return;
+    store_.setValue(fontSizeKey, points);
+    Q_EMIT timelineFontSizeChanged(points);
+}
+
+bool Settings::restoresWindows() const {
+    return store_.value(restoresWindowsKey, true).toBool();
+}
+
+void Settings::setRestoresWindows(bool restores) {
+    store_.setValue(restoresWindowsKey, restores);
+}
+
+QStringList Settings::lastWindows() const {
+    return store_.value(lastWindowsKey).toStringList();
+}
+
+void Settings::setLastWindows(const QStringList& paths) {
+    store_.setValue(lastWindowsKey, paths);
+    store_.sync();  // the program may be ended at any time
+}
+
+std::optional<Settings::WindowPlace> Settings::windowPlace(const QString& path) const {
+    const QVariantMap place = store_.value(placeKey(path)).toMap();
+    if (place.isEmpty()) return std::nullopt;
+    return WindowPlace{place.value(QStringLiteral("geometry")).toByteArray(),
+                       place.value(QStringLiteral("row")).toLongLong(),
+                       place.value(QStringLiteral("pointsAbove")).toDouble()};
+}
+
+void Settings::setWindowPlace(const QString& path, const WindowPlace& place) {
+    const QString key = placeKey(path);
+    QStringList order = store_.value(placesOrderKey).toStringList();
+    order.removeAll(key);
+    order.prepend(key);
+    while (order.size() > rememberedPlaces)
+        store_.remove(order.takeLast());
+    store_.setValue(placesOrderKey, order);
+    store_.setValue(key, QVariantMap{{QStringLiteral("geometry"), place.geometry},
+                                     {QStringLiteral("row"), place.topRow},
+                                     {QStringLiteral("pointsAbove"), place.pointsAbove}});
+}
+
+QStringList Settings::contactsFiles() const {
+    return store_.value(contactsFilesKey).toStringList();
+}
+
+void Settings::setContactsFiles(const QStringList& paths) {
+    if (paths == contactsFiles()) return;
+    store_.setValue(contactsFilesKey, paths);
+    Q_EMIT contactsFilesChanged(paths);
+}
+
+}  // namespace vell

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+//
+// What leaves a document window as a whole: the chat on the clipboard and in a file.
+#include <QClipboard>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QSaveFile>
+
+#include "app/application.h"
+#include "app/documents/document_window.h"
+#include "export/chat_log_text.h"
+#include "export/expansion.h"
+#include "transcript/content_types.h"
+
+namespace vell {
+namespace {
+
+/// The disk takes no more.
+struct SavingFailed {};
+
+QMessageBox* openBox(QWidget* window, const QString& title, const QString& text,
+                     const QString& details, QMessageBox::StandardButtons buttons) {
+    auto* box = new QMessageBox(QMessageBox::Warning, title, text, buttons, window);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setInformativeText(details);
+    box->open();
+    return box;
+}
+
+}  // namespace
+
+void DocumentWindow::writeMarkdown(const ByteSink& output) const {
+    vell::writeMarkdown(document_->chatlog(), application_.contacts(), output);
+}
+
+bool DocumentWindow::isOutOfProportion() const {
+    return expandsBeyond(exportLimit(document_->data().size()), document_->chatlog(),
+                         application_.contacts(), false,
+                         [this](const ByteSink& output) { writeMarkdown(output); });
+}
+
+QString DocumentWindow::sizeLimit() const {
+    return locale().formattedDataSize(static_cast<qint64>(exportLimit(document_->data().size())));
+}
+
+void DocumentWindow::copyWholeChat() {
+    if (isOutOfProportion()) {
+        openBox(this, tr("Copy Whole Chat"), tr("The chat is too long to be copied as a whole."),
+                tr("As text it takes more than %1, far more than its file. Save it as Markdown, or "
+                   "copy a part of it.")
+                    .arg(sizeLimit()),
+                QMessageBox::Ok);
+        return;
+    }
+    const QString text = document_->chatlog().generatePlainText(application_.contacts());
+    auto* item = new QMimeData;
+    item->setText(text);
+    item->setData(markdownType.mimeName.toString(), text.toUtf8());
+    QGuiApplication::clipboard()->setMimeData(item);
+}
+
+void DocumentWindow::saveAsMarkdown() {
+    if (!isOutOfProportion()) {
+        chooseMarkdownFile();
+        return;
+    }
+    const auto* box = openBox(this, tr("Save Chat as Markdown"),
+                              tr("Save a document that is far larger than the chat’s file?"),
+                              tr("As Markdown the chat takes more than %1.").arg(sizeLimit()),
+                              QMessageBox::Save | QMessageBox::Cancel);
+    connect(box, &QMessageBox::finished, this, [this](int answer) {
+        if (answer == QMessageBox::Save) chooseMarkdownFile();
+    });
+}
+
+void DocumentWindow::chooseMarkdownFile() {
+    const QString suggestion =
+        isStandardInput(path_) ? tr("Chat") : QFileInfo(path_).completeBaseName();
+    auto* dialog = new QFileDialog(this, tr("Save Chat as Markdown"), suggestion);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setMimeTypeFilters({markdownType.mimeName.toString()});
+    dialog->setDefaultSuffix(QStringLiteral("md"));
+    dialog->selectFile(suggestion + QStringLiteral(".md"));
+    connect(dialog, &QFileDialog::fileSelected, this, &DocumentWindow::saveMarkdown);
+    dialog->open();
+}
+
+void DocumentWindow::saveMarkdown(const QString& target) {
+    QSaveFile file(target);
+    try {
+        if (!file.open(QIODevice::WriteOnly)) throw SavingFailed();
+        writeMarkdown([&file](QByteArrayView bytes) {
+            if (file.write(bytes.data(), bytes.size()) < 0) throw SavingFailed();
+        });
+        if (!file.commit()) throw SavingFailed();
+    } catch (const SavingFailed&) {
+        openBox(this, tr("Save Chat as Markdown"),
+                tr("The chat could not be saved as “%1”.").arg(QFileInfo(target).fileName()),
+                tr("%1. Choose another folder or name.").arg(file.errorString()), QMessageBox::Ok);
+    }
+}
+
+}  // namespace vell

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+#include "app/documents/document_loader.h"
+
+#include <QCoreApplication>
+#include <QMetaObject>
+#include <new>
+#include <utility>
+
+#include "foundation/guarded.h"
+#include "foundation/whole_file.h"
+
+namespace vell {
+namespace {
+
+/// A file on its way to the lane.
+struct Read {
+    std::shared_ptr<const foundation::FileWrapper> file;
+    std::optional<foundation::Error> problem;  ///< why it has no contents, where that is known
+};
+
+Read read(FileReader& reader, const QString& path) {
+    std::optional<foundation::Error> problem;
+    try {
+        return {reader.read(path), std::nullopt};
+    } catch (const foundation::Error& error) {
+        problem = error;
+    } catch (const std::bad_alloc&) {
+        problem = foundation::Error(QStringLiteral("NSCocoaErrorDomain"),
+                                    static_cast<qint64>(foundation::ReadErrorCode::tooLarge));
+    }
+    auto unread =
+        std::make_shared<foundation::FileWrapper>(foundation::FileWrapper::Kind::regularFile);
+    unread->filename = path.section(u'/', -1);
+    return {std::move(unread), std::move(problem)};
+}
+
+DocumentLoader::Result convert(const Read& read,
+                               const std::function<void()>& presentLoadLogWindow) {
+    try {
+        return {std::make_shared<const VellDocument>(
+                    VellDocument::read(*read.file, presentLoadLogWindow)),
+                std::nullopt};
+    } catch (const foundation::Error& error) {
+        return {nullptr, read.problem ? read.problem : error};
+    }
+}
+
+}  // namespace
+
+DocumentLoader::DocumentLoader(std::shared_ptr<FileReader> reader,
+                               std::shared_ptr<LoadLane::Entrance> lane,
+                               std::function<void()> presentLoadLogWindow)
+    : reader_(std::move(reader)),
+      lane_(std::move(lane)),
+      presentLoadLogWindow_(std::move(presentLoadLogWindow)) {}
+
+DocumentLoader::Ticket DocumentLoader::load(const QString& path, Completion completion) {
+    const auto wanted = std::make_shared<Completion>(std::move(completion));
+    const std::weak_ptr<Completion> stillWanted = wanted;
+
+    // Posted from the lane only, which ends before the application object does.
+    const auto finish = [stillWanted](Result result) {
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [stillWanted, result = std::move(result)] {
+                if (const auto tell = stillWanted.lock()) (*tell)(result);
+            },
+            Qt::QueuedConnection);
+    };
+
+    const auto fail = [finish] { finish({nullptr, fileReadCorruptFileError()}); };
+    foundation::runDetached(
+        [reader = reader_, lane = lane_, present = presentLoadLogWindow_, path, stillWanted, finish,
+         fail] {
+            const auto convertIt = [file = read(*reader, path), present, stillWanted, finish] {
+                if (!stillWanted.expired()) finish(convert(file, present));
+            };
+            lane->post(LoadLane::Priority::document, foundation::guarded(convertIt, fail));
+        },
+        [lane = lane_, fail] { lane->post(LoadLane::Priority::document, fail); });
+    return wanted;
+}
+
+}  // namespace vell

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+//
+// The menus and the toolbar of a document window.
+
+#include <QAction>
+#include <QFontDialog>
+#include <QKeySequence>
+#include <QMenu>
+#include <QMenuBar>
+#include <QToolBar>
+
+#include "app/application.h"
+#include "app/common_commands.h"
+#include "app/desktop/desktop.h"
+#include "app/documents/document_window.h"
+#include "app/documents/find_bar.h"
+#include "app/windows/font_size.h"
+#include "timeline/timeline_view.h"
+
+namespace vell {
+namespace {
+
+constexpr qint64 actualFontSize = 16;
+
+}  // namespace
+
+void DocumentWindow::buildMenus() {
+    buildFileMenu();
+    buildEditMenu();
+    buildFormatMenu();
+    buildViewMenu();
+    buildWindowMenu();
+    addHelpMenu(*menuBar(), application_);
+
+    QToolBar* toolBar = addToolBar(tr("Toolbar"));
+    toolBar->setObjectName(QStringLiteral("toolBar"));
+    toolBar->setMovable(false);
+    toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    toolBar->addAction(copyAction_);
+    for (QAction* action : documentActions_)
+        action->setEnabled(false);
+}
+
+void DocumentWindow::buildFileMenu() {
+    QMenu& menu = *menuBar()->addMenu(tr("&File"));
+    addOpeningCommands(menu, application_, *this);
+    menu.addSeparator();
+    documentActions_.append(addCommand(menu, tr("&Save Chat as Markdown …"),
+                                       keysFor(QKeySequence::Save), [this] { saveAsMarkdown(); }));
+    menu.addSeparator();
+    addClosingCommands(menu, application_, *this);
+}
+
+void DocumentWindow::buildEditMenu() {
+    QMenu& menu = *menuBar()->addMenu(tr("&Edit"));
+    copyAction_ = addCommand(menu, tr("Copy"), keysFor(QKeySequence::Copy), [this] { copy(); });
+    copyAction_->setObjectName(QStringLiteral("copy"));
+    copyAction_->setIcon(QIcon::fromTheme(QStringLiteral("edit-copy")));
+    documentActions_.append(copyAction_);
+    documentActions_.append(addCommand(menu, tr("Copy &Whole Chat"),
+                                       {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C)},
+                                       [this] { copyWholeChat(); }));
+    documentActions_.append(addCommand(menu, tr("Select &All"), keysFor(QKeySequence::SelectAll),
+                                       [this] { timeline_->selectAll(); }));
+    menu.addSeparator();
+    documentActions_.append(
+        addCommand(menu, tr("&Find …"), keysFor(QKeySequence::Find), [this] { openFindBar(); }));
+    documentActions_.append(addCommand(menu, tr("Find &Next"), keysFor(QKeySequence::FindNext),
+                                       [this] { goToMatch(1); }));
+    documentActions_.append(addCommand(menu, tr("Find &Previous"),
+                                       keysFor(QKeySequence::FindPrevious),
+                                       [this] { goToMatch(-1); }));
+}
+
+void DocumentWindow::buildFormatMenu() {
+    QMenu& font = *menuBar()->addMenu(tr("F&ormat"))->addMenu(tr("&Font"));
+    addCommand(font, tr("&Show Fonts"), {QKeySequence(Qt::CTRL | Qt::Key_T)},
+               [this] { showFontPanel(); });
+    font.addSeparator();
+    addCommand(font, tr("&Bigger"), keysFor(QKeySequence::ZoomIn), [this] {
+        changeFontSize(int(FontAction::sizeUp));
+    })->setObjectName(QStringLiteral("fontBigger"));
+    addCommand(font, tr("S&maller"), keysFor(QKeySequence::ZoomOut), [this] {
+        changeFontSize(int(FontAction::sizeDown));
+    })->setObjectName(QStringLiteral("fontSmaller"));
+}
+
+void DocumentWindow::buildViewMenu() {
+    QMenu& menu = *menuBar()->addMenu(tr("&View"));
+    addCommand(menu, tr("&Actual Size"), {QKeySequence(Qt::CTRL | Qt::Key_0)},
+               [this] { application_.settings().setTimelineFontSize(actualFontSize); });
+    menu.addSeparator();
+    QAction* fullScreen =
+        addCommand(menu, tr("&Full Screen"), keysFor(QKeySequence::FullScreen),
+                   [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
+    fullScreen->setCheckable(true);
+    connect(&menu, &QMenu::aboutToShow, this,
+            [this, fullScreen] { fullScreen->setChecked(isFullScreen()); });
+}
+
+void DocumentWindow::buildWindowMenu() {
+    QMenu* windows = menuBar()->addMenu(tr("&Window"));
+    connect(windows, &QMenu::aboutToShow, this, [this, windows] {
+        windows->clear();
+        for (DocumentWindow* window : application_.documentWindows()) {
+            QAction* action = windows->addAction(menuText(window->windowTitle()));
+            action->setCheckable(true);
+            action->setChecked(window == this);
+            connect(action, &QAction::triggered, window, [window] { bringToFront(*window); });
+        }
+    });
+}
+
+void DocumentWindow::changeFontSize(int action) {
+    Settings& settings = application_.settings();
+    settings.setTimelineFontSize(
+        fontSizeAfter(static_cast<FontAction>(action), settings.timelineFontSize(), 0));
+}
+
+void DocumentWindow::showFontPanel() {
+    if (!fontPanel_) {
+        fontPanel_ = new QFontDialog(this);
+        fontPanel_->setOption(QFontDialog::NoButtons);
+        connect(fontPanel_, &QFontDialog::currentFontChanged, this, [this](const QFont& font) {
+            Settings& settings = application_.settings();
+            const FontAction action = panelAction(panelFont_, font);
+            panelFont_ = font;
+            settings.setTimelineFontSize(
+                fontSizeAfter(action, settings.timelineFontSize(), font.pointSizeF()));
+        });
+    }
+    panelFont_ = font();
+    panelFont_.setPointSizeF(paintableFontSize(application_.settings().timelineFontSize()));
+    {
+        const QSignalBlocker quiet(fontPanel_);
+        fontPanel_->setCurrentFont(panelFont_);
+    }
+    fontPanel_->show();
+    fontPanel_->raise();
+}
+
+}  // namespace vell

@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: MIT
+#include "app/documents/document_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFileInfo>
+#include <QLabel>
+#include <QProgressBar>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "app/application.h"
+#include "app/documents/chat_title.h"
+#include "app/documents/contacts_bar.h"
+#include "app/documents/find_bar.h"
+#include "app/windows/font_size.h"
+#include "app/windows/window_geometry.h"
+#include "identity/contacts/contacts_store.h"
+#include "timeline/timeline_view.h"
+
+namespace vell {
+namespace {
+
+constexpr QSize minimumContent(272, 320);
+constexpr QSize idealContent(520, 720);
+constexpr int spinnerDelay = 200;  // milliseconds; most transcripts are there sooner
+
+/// Shown while a transcript is read: nothing at first, then a bar that moves.
+QWidget* loadingPage() {
+    auto* page = new QWidget;
+    page->setAutoFillBackground(true);
+    page->setBackgroundRole(QPalette::Base);
+    auto* spinner = new QProgressBar;
+    spinner->setRange(0, 0);
+    spinner->setTextVisible(false);
+    spinner->setMaximumWidth(160);
+    spinner->setAccessibleName(DocumentWindow::tr("Opening …"));
+    spinner->hide();
+    QTimer::singleShot(spinnerDelay, spinner, &QWidget::show);
+    auto* layout = new QVBoxLayout(page);
+    layout->addWidget(spinner, 0, Qt::AlignCenter);
+    return page;
+}
+
+}  // namespace
+
+DocumentWindow::DocumentWindow(Application& application, DocumentLoader& loader,
+                               const QString& path)
+    : application_(application), path_(path) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    setObjectName(QStringLiteral("documentWindow"));
+    showTitle();
+    setWindowFilePath(isStandardInput(path) ? QString() : path);
+    buildContent();
+    buildMenus();
+    restorePlace();
+
+    connect(&application_.settings(), &Settings::timelineFontSizeChanged, this,
+            [this](qint64 points) {
+                if (timeline_) timeline_->setFontSize(points);
+            });
+    connect(&application_.contacts(), &ContactsStore::addressToContactChanged, this,
+            &DocumentWindow::showTitle);
+    load_ = loader.load(path, [this](const DocumentLoader::Result& result) { loaded(result); });
+}
+
+DocumentWindow::~DocumentWindow() = default;
+
+void DocumentWindow::buildContent() {
+    pages_ = new QStackedWidget;
+    pages_->addWidget(loadingPage());
+    contactsBar_ = new ContactsBar(application_.contacts());
+
+    auto* content = new QWidget;
+    content->setAutoFillBackground(true);
+    content->setBackgroundRole(QPalette::Base);
+    content->setMinimumSize(minimumContent);
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(pages_, 1);
+    layout->addWidget(contactsBar_);
+    setCentralWidget(content);
+    resize(idealContent);
+    statusBar()->setSizeGripEnabled(true);
+}
+
+void DocumentWindow::loaded(const DocumentLoader::Result& result) {
+    load_.reset();
+    if (!result.document) {
+        Q_EMIT failed(*result.error);
+        close();
+        return;
+    }
+    document_ = result.document;
+    showTitle();
+    search_ = std::make_unique<ChatSearch>(document_->sharedChatlog());
+    connect(search_.get(), &ChatSearch::changed, this, &DocumentWindow::showMatches);
+    timeline_ = new TimelineView(document_->sharedChatlog(), application_.contacts(),
+                                 application_.pictures());
+    connect(timeline_, &TimelineView::linkHovered, statusBar(),
+            [this](const QString& address) { statusBar()->showMessage(address); });
+    timeline_->setFontSize(application_.settings().timelineFontSize());
+    timeline_->viewport()->installEventFilter(this);
+    pages_->setCurrentIndex(pages_->addWidget(timeline_));
+    delete pages_->widget(0);
+    if (const auto place = application_.settings().windowPlace(path_))
+        timeline_->scrollToRow(place->topRow, place->pointsAbove);
+    timeline_->setFocus();
+    for (QAction* action : documentActions_)
+        action->setEnabled(true);
+    if (!isStandardInput(path_)) application_.recentFiles().add(path_);
+}
+
+bool DocumentWindow::eventFilter(QObject* object, QEvent* event) {
+    if (event->type() == QEvent::Paint) {
+        object->removeEventFilter(this);
+        QMetaObject::invokeMethod(this, &DocumentWindow::shown, Qt::QueuedConnection);
+    }
+    return QMainWindow::eventFilter(object, event);
+}
+
+void DocumentWindow::showTitle() {
+    QString title;
+    if (document_) {
+        title = chatTitle(document_->chatlog(), application_.contacts());
+    } else {
+        title = isStandardInput(path_) ? tr("Standard Input") : QFileInfo(path_).completeBaseName();
+    }
+    // To Qt the mark "[*]" is a place for its own star.
+    setWindowTitle(title.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
+}
+
+void DocumentWindow::restorePlace() {
+    if (const auto place = application_.settings().windowPlace(path_))
+        restoreWindow(*this, place->geometry);
+}
+
+void DocumentWindow::savePlace() const {
+    if (!document_ || isStandardInput(path_)) return;
+    application_.settings().setWindowPlace(
+        path_, {saveGeometry(), timeline_->topRow(), timeline_->pointsAbove()});
+}
+
+void DocumentWindow::closeEvent(QCloseEvent* event) {
+    load_.reset();
+    savePlace();
+    QMainWindow::closeEvent(event);
+    Q_EMIT closed(this);
+}
+
+void DocumentWindow::copy() {
+    if (timeline_->hasSelection()) {
+        timeline_->copySelection();
+    } else {
+        copyWholeChat();
+    }
+}
+
+// Made when it is first wanted: the window itself is there sooner.
+void DocumentWindow::makeFindBar() {
+    findBar_ = new FindBar;
+    auto* layout = static_cast<QVBoxLayout*>(centralWidget()->layout());
+    layout->insertWidget(layout->indexOf(contactsBar_), findBar_);
+    connect(findBar_, &FindBar::textChanged, this, &DocumentWindow::find);
+    connect(findBar_, &FindBar::nextRequested, this, [this] { goToMatch(1); });
+    connect(findBar_, &FindBar::previousRequested, this, [this] { goToMatch(-1); });
+    connect(findBar_, &FindBar::closed, this, &DocumentWindow::closeFindBar);
+}
+
+void DocumentWindow::openFindBar() {
+    if (!findBar_) makeFindBar();
+    const bool wasOpen = findBar_->isVisible();
+    findBar_->open();
+    if (!wasOpen) find(findBar_->text());
+}
+
+void DocumentWindow::closeFindBar() {
+    findBar_->hide();
+    find({});
+    timeline_->setFocus();
+}
+
+void DocumentWindow::find(const QString& text) {
+    currentMatch_ = -1;
+    search_->start(text);
+}
+
+void DocumentWindow::showMatches() {
+    const auto& matches = search_->matches();
+    const bool isNew = currentMatch_ < 0;
+    if (isNew) {
+        // The first match at or below what is on screen, so that typing does not jump about.
+        const auto next = std::partition_point(
+            matches.begin(), matches.end(),
+            [top = timeline_->topRow()](const TextRange& match) { return match.row < top; });
+        if (next != matches.end()) {
+            currentMatch_ = next - matches.begin();
+        } else if (!search_->isRunning() && !matches.empty()) {
+            currentMatch_ = 0;
+        }
+    }
+    timeline_->setFindMatches(matches, currentMatch_);
+    if (isNew && currentMatch_ >= 0)
+        timeline_->revealText(matches[static_cast<size_t>(currentMatch_)]);
+    findBar_->setCount(currentMatch_ + 1, std::ssize(matches), search_->isRunning());
+}
+
+void DocumentWindow::goToMatch(int step) {
+    if (!findBar_ || !findBar_->isVisible()) {
+        openFindBar();
+        return;
+    }
+    if (currentMatch_ < 0) return;
+    const qsizetype count = std::ssize(search_->matches());
+    currentMatch_ = (currentMatch_ + step + count) % count;
+    showMatches();
+    timeline_->revealText(search_->matches()[static_cast<size_t>(currentMatch_)]);
+}
+
+}  // namespace vell

@@ -1,0 +1,98 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// DocumentWindow: one transcript on screen. It shows at once, fills when the transcript has been
+// read, and deletes itself on closing, which also cancels a load under way.
+
+#include <QMainWindow>
+#include <memory>
+
+#include "app/documents/chat_search.h"
+#include "app/documents/document_loader.h"
+#include "export/text_sink.h"
+
+class QFontDialog;
+class QLabel;
+class QStackedWidget;
+
+namespace vell {
+
+class Application;
+class ContactsBar;
+class FindBar;
+class TimelineView;
+
+class DocumentWindow final : public QMainWindow {
+    Q_OBJECT
+
+  public:
+    /// Starts loading the path ("-": standard input) with the loader.
+    DocumentWindow(Application& application, DocumentLoader& loader, const QString& path);
+    ~DocumentWindow() override;
+
+    [[nodiscard]] const QString& path() const { return path_; }
+    [[nodiscard]] bool isLoaded() const { return document_ != nullptr; }
+    /// Remembers where the window stands and how far it is scrolled.
+    void savePlace() const;
+
+  Q_SIGNALS:
+    /// The transcript has been painted for the first time.
+    void shown();
+    /// The transcript could not be read; the window closes.
+    void failed(const foundation::Error& error);
+    void closed(vell::DocumentWindow* window);
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+  private:
+    void buildContent();
+    void buildMenus();
+    void buildFileMenu();
+    void buildEditMenu();
+    void buildFormatMenu();
+    void buildViewMenu();
+    void buildWindowMenu();
+    void loaded(const DocumentLoader::Result& result);
+    void showTitle();
+    void restorePlace();
+
+    /// The selection, without one the whole chat.
+    void copy();
+    void copyWholeChat();
+    void saveAsMarkdown();
+    void chooseMarkdownFile();
+    void saveMarkdown(const QString& target);
+    /// Whether the chat as Markdown is far larger than its file.
+    [[nodiscard]] bool isOutOfProportion() const;
+    [[nodiscard]] QString sizeLimit() const;
+    void writeMarkdown(const ByteSink& output) const;
+    void changeFontSize(int action);
+    void showFontPanel();
+
+    void makeFindBar();
+    void openFindBar();
+    void closeFindBar();
+    void find(const QString& text);
+    void showMatches();
+    void goToMatch(int step);
+
+    Application& application_;
+    QString path_;
+    DocumentLoader::Ticket load_;
+    std::shared_ptr<const VellDocument> document_;
+    std::unique_ptr<ChatSearch> search_;
+    qsizetype currentMatch_ = -1;
+
+    QStackedWidget* pages_ = nullptr;
+    TimelineView* timeline_ = nullptr;  // null until the transcript is there
+    FindBar* findBar_ = nullptr;        // null until it is first opened
+    ContactsBar* contactsBar_ = nullptr;
+    QAction* copyAction_ = nullptr;
+    QFontDialog* fontPanel_ = nullptr;
+    QFont panelFont_;                  // as the panel showed it last
+    QList<QAction*> documentActions_;  // enabled once the transcript is there
+};
+
+}  // namespace vell

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#include "app/documents/file_drops.h"
+
+#include <QCoreApplication>
+#include <QDropEvent>
+#include <QWidget>
+
+#include "app/documents/dropped_files.h"
+
+namespace vell {
+
+FileDrops::FileDrops(QObject* parent) : QObject(parent) {
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool FileDrops::eventFilter(QObject* object, QEvent* event) {
+    switch (event->type()) {
+        case QEvent::Show: {
+            auto* widget = qobject_cast<QWidget*>(object);
+            if (widget &&
+                (widget->windowType() == Qt::Window || widget->windowType() == Qt::Dialog))
+                widget->setAcceptDrops(true);
+            return false;
+        }
+        case QEvent::DragEnter:
+        case QEvent::DragMove:
+            return object->isWidgetType() && take(*static_cast<QDropEvent*>(event), false);
+        case QEvent::Drop:
+            return object->isWidgetType() && take(*static_cast<QDropEvent*>(event), true);
+        default:
+            return false;
+    }
+}
+
+bool FileDrops::take(QDropEvent& event, bool isDropped) {
+    // A picture of ours would be written to a file for who asks for its address.
+    if (event.source()) return false;
+    const QStringList files = droppedFiles(*event.mimeData());
+    if (files.isEmpty()) return false;
+    event.acceptProposedAction();
+    if (isDropped) Q_EMIT dropped(files);
+    return true;
+}
+
+}  // namespace vell

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "app/documents/file_reader.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <cstdio>
+#include <utility>
+
+#include "foundation/local_path.h"
+#include "foundation/whole_file.h"
+
+namespace vell {
+namespace {
+
+using foundation::FileWrapper;
+
+std::shared_ptr<FileWrapper> readStandardInput() {
+    auto wrapper = std::make_shared<FileWrapper>(FileWrapper::Kind::regularFile);
+    QFile input;
+    if (input.open(stdin, QIODevice::ReadOnly))
+        wrapper->contents = foundation::Data(foundation::readWhole(input));
+    return wrapper;
+}
+
+std::optional<foundation::Data> readBytes(const QString& path) {
+    QFile file;
+    if (!foundation::openForReading(file, path) || file.isSequential()) return std::nullopt;
+    return foundation::Data(foundation::readWhole(file));
+}
+
+}  // namespace
+
+bool isStandardInput(const QString& path) {
+    return path == QLatin1String("-");
+}
+
+std::shared_ptr<const FileWrapper> DiskFileReader::read(const QString& path) {
+    if (isStandardInput(path)) return readStandardInput();
+
+    const QFileInfo info(foundation::localPath(path));  // follows links
+    auto wrapper = std::make_shared<FileWrapper>(FileWrapper::Kind::regularFile);
+    wrapper->filename = info.fileName();
+    wrapper->preferredFilename = wrapper->filename;
+    if (!info.exists()) {
+        // A name in no known encoding can be opened, but nothing else is told of it.
+        wrapper->contents = readBytes(path);
+        if (info.isSymLink()) wrapper->kind = FileWrapper::Kind::symbolicLink;
+        return wrapper;
+    }
+    wrapper->modificationDate =
+        foundation::Date::fromMillisecondsSinceEpoch(info.lastModified().toMSecsSinceEpoch());
+    if (info.isDir()) {
+        wrapper->kind = FileWrapper::Kind::directory;
+    } else if (info.isFile()) {  // never a device or a pipe, which might have no end
+        wrapper->contents = readBytes(path);
+    }
+    return wrapper;
+}
+
+}  // namespace vell

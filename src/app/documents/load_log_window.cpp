@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+#include "app/documents/load_log_window.h"
+
+#include <QApplication>
+#include <QEventLoopLocker>
+#include <QFontDatabase>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <memory>
+
+#include "app/desktop/desktop.h"
+#include "app/windows/panel_window.h"
+#include "foundation/date.h"
+#include "toolkit/application_info.h"
+#include "transcript/load_log.h"
+
+namespace vell {
+namespace {
+
+constexpr int presentationDelay = 800;  // milliseconds, so that the error dialog comes first
+constexpr int defaultPadding = 16;
+constexpr QSize iconSize(64, 64);
+
+std::vector<QWidget*>& openWindows() {
+    static std::vector<QWidget*> windows;
+    return windows;
+}
+
+void showWindow(const QString& log) {
+    auto* window = new PanelWindow(QStringLiteral("Load Log Window"), {720, 640},
+                                   PanelWindow::Sizing::resizable);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->setObjectName(QStringLiteral("loadLogWindow"));
+    window->setWindowTitle(LoadLogView::tr("Vell Load Log"));
+    auto* layout = new QVBoxLayout(window);
+    layout->setContentsMargins({});
+    layout->addWidget(new LoadLogView(applicationInfo(), log));
+
+    openWindows().push_back(window);
+    QObject::connect(window, &QObject::destroyed, window,
+                     [window] { std::erase(openWindows(), window); });
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
+QFrame* divider() {
+    auto* line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Sunken);
+    return line;
+}
+
+QWidget* padded(QWidget* content, QPalette::ColorRole background = QPalette::Window) {
+    auto* box = new QWidget;
+    box->setAutoFillBackground(true);
+    box->setBackgroundRole(background);
+    auto* layout = new QHBoxLayout(box);
+    layout->setContentsMargins(defaultPadding, defaultPadding, defaultPadding, defaultPadding);
+    layout->addWidget(content);
+    return box;
+}
+
+QWidget* titleRow(const ApplicationInfo& info) {
+    auto* row = new QWidget;
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins({});
+    auto* icon = new QLabel;
+    icon->setPixmap(ApplicationInfo::icon().pixmap(iconSize));
+    auto* column = new QVBoxLayout;
+    column->addWidget(new QLabel(info.appName), 0, Qt::AlignRight);
+    column->addWidget(secondaryLabel(versionLine(info)), 0, Qt::AlignRight);
+    layout->addWidget(icon);
+    layout->addStretch();
+    layout->addLayout(column);
+    return row;
+}
+
+QLabel* explanation() {
+    auto* label = new QLabel(introText());
+    label->setWordWrap(true);
+    label->setTextFormat(Qt::PlainText);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
+}
+
+QWidget* linksRow() {
+    auto* row = new QWidget;
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins({});
+    layout->addStretch();
+    layout->addWidget(
+        linkLabel(LoadLogView::tr("Open Brindle Support Page"), address(InfoAddress::support)));
+    layout->addSpacing(defaultPadding);
+    layout->addWidget(linkLabel(
+        LoadLogView::tr("Open Email Panel"),
+        address(InfoAddress::supportMail) + QStringLiteral("?subject=Vell%20Failed%20to%20open")));
+    return row;
+}
+
+QWidget* output(const QString& text) {
+    if (text.isEmpty()) {
+        auto* label = new QLabel(LoadLogView::tr("No log could be found 😔"));
+        label->setAlignment(Qt::AlignCenter);
+        return label;
+    }
+    auto* editor = new QPlainTextEdit(text);
+    editor->setObjectName(QStringLiteral("loadLogText"));
+    editor->setAccessibleName(LoadLogView::tr("Load log"));
+    editor->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    editor->setFrameShape(QFrame::NoFrame);
+    editor->setLineWrapMode(QPlainTextEdit::NoWrap);
+    return editor;
+}
+
+}  // namespace
+
+void presentLoadLogWindowIfNecessary() {
+    const auto log = tesselLoadLog();
+    if (!log) return;
+    // Taken now: by the time the window opens, the log may speak of another file.
+    QMetaObject::invokeMethod(qApp, [text = log->grabLog()] {
+        // Whoever closes the last window meanwhile has not seen this one yet.
+        const auto running = std::make_shared<QEventLoopLocker>();
+        QTimer::singleShot(presentationDelay, qApp, [text, running] { showWindow(text); });
+    });
+}
+
+const QString& introText() {
+    static const QString text =
+        LoadLogView::tr(
+            "It looks like loading the .ichat chatscript failed for some reason 😔. We'd love to "
+            "debug this and collected some information while loading the file.\nWe would be very "
+            "thankful if you could send us the file load information below. It does NOT contain "
+            "the full file but only the first %1 bytes. Those should not contain any private "
+            "information.\n\nIf you could send us a complete sample file which fails to load, that "
+            "would also be very helpful. We understand that you might not want to share personal "
+            "information. If you do, we promise to delete it immediatly after analysis and confirm "
+            "the deletion to you by email.")
+            .arg(tesselDataPrefixLogLength.load());
+    return text;
+}
+
+const std::vector<QWidget*>& logWindows() {
+    return openWindows();
+}
+
+QString LoadLogView::header(const ApplicationInfo& info) {
+    return QStringLiteral("#  App Version: ") + info.version + QStringLiteral(" Build ") +
+           info.build + QStringLiteral("\n## Date:        ") +
+           foundation::Date::now().description() + QStringLiteral("\n---\n\n");
+}
+
+LoadLogView::LoadLogView(const ApplicationInfo& info, const QString& log, QWidget* parent)
+    : LoadLogView(info, Complete{header(info) + log}, parent) {}
+
+LoadLogView* LoadLogView::showing(const ApplicationInfo& info, const QString& text,
+                                  QWidget* parent) {
+    return new LoadLogView(info, Complete{text}, parent);
+}
+
+LoadLogView::LoadLogView(const ApplicationInfo& info, Complete text, QWidget* parent)
+    : QWidget(parent) {
+    setMinimumSize(640, 480);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(padded(titleRow(info)));
+    layout->addWidget(divider());
+    layout->addWidget(padded(explanation(), QPalette::Base));
+    layout->addWidget(divider());
+    layout->addWidget(padded(linksRow()));
+    layout->addWidget(divider());
+    layout->addWidget(padded(output(text.text), QPalette::Base), 1);
+}
+
+}  // namespace vell

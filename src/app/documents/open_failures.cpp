@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include "app/documents/open_failures.h"
+
+#include <QDialogButtonBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QStyle>
+
+#include "app/desktop/desktop.h"
+#include "toolkit/application_info.h"
+
+namespace vell {
+namespace {
+
+constexpr int defaultPadding = 16;
+
+QString sentence(const QString& name, OpenFailures::Cause cause) {
+    switch (cause) {
+        case OpenFailures::Cause::damaged:
+            return OpenFailures::tr(
+                       "The document “%1” could not be opened. The file is damaged or "
+                       "not a transcript.")
+                .arg(name);
+        case OpenFailures::Cause::missing:
+            return OpenFailures::tr("The document “%1” could not be opened. There is no such file.")
+                .arg(name);
+        case OpenFailures::Cause::unreadable:
+            return OpenFailures::tr("The document “%1” could not be opened. You may not read it.")
+                .arg(name);
+        case OpenFailures::Cause::tooLarge:
+            return OpenFailures::tr(
+                       "The document “%1” could not be opened. It is larger than Vell can read.")
+                .arg(name);
+    }
+    Q_UNREACHABLE();
+}
+
+QString wayOn(OpenFailures::Cause cause) {
+    switch (cause) {
+        case OpenFailures::Cause::damaged:
+            return OpenFailures::tr(
+                "What was found in it follows in a window, from which you can send it to us.");
+        case OpenFailures::Cause::missing:
+            return OpenFailures::tr(
+                "It may have been moved, renamed or deleted. “Find iChat Files "
+                "…” in the File menu looks for it on your disks.");
+        case OpenFailures::Cause::unreadable:
+            return OpenFailures::tr("Ask whoever owns it for access, or for a copy of your own.");
+        case OpenFailures::Cause::tooLarge:
+            return OpenFailures::tr(
+                "Transcripts hardly ever have more than some megabytes: it is probably another "
+                "kind "
+                "of file.");
+    }
+    Q_UNREACHABLE();
+}
+
+QLabel* plainLabel() {
+    auto* label = new QLabel;
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
+}
+
+}  // namespace
+
+OpenFailures::OpenFailures()
+    : text_(plainLabel()), wayOn_(plainLabel()), list_(new QPlainTextEdit) {
+    setObjectName(QStringLiteral("openFailed"));
+    setWindowTitle(applicationInfo().appName);
+    setAttribute(Qt::WA_DeleteOnClose);
+    setMinimumWidth(420);
+    QFont bold = font();
+    bold.setBold(true);
+    text_->setFont(bold);
+    list_->setReadOnly(true);
+    list_->setAccessibleName(tr("Documents that could not be opened"));
+    list_->hide();
+    auto* icon = new QLabel;
+    const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
+    icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::close);
+
+    auto* layout = new QGridLayout(this);
+    layout->setHorizontalSpacing(defaultPadding);
+    layout->addWidget(icon, 0, 0, 3, 1, Qt::AlignTop);
+    layout->addWidget(text_, 0, 1);
+    layout->addWidget(wayOn_, 1, 1);
+    layout->addWidget(list_, 2, 1);
+    layout->addWidget(buttons, 3, 0, 1, 2);
+    layout->setColumnStretch(1, 1);
+}
+
+void OpenFailures::add(const QString& name, Cause cause) {
+    sentences_.append(sentence(name, cause));
+    if (sentences_.size() == 1) {
+        text_->setText(sentences_.front());
+        setAccessibleDescription(sentences_.front());
+        wayOn_->setText(wayOn(cause));
+        list_->setPlainText(sentences_.front());
+        return;
+    }
+    text_->setText(tr("%n documents could not be opened.", nullptr, int(sentences_.size())));
+    wayOn_->setText(
+        tr("What was found in damaged ones follows in a window each, from which you "
+           "can send it to us."));
+    list_->appendPlainText(sentences_.back());
+    list_->show();
+}
+
+}  // namespace vell

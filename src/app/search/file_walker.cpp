@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+#include "app/search/file_walker.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QStorageInfo>
+#include <filesystem>
+#include <set>
+#include <utility>
+
+#include "app/search/transcript_probe.h"
+#include "foundation/guarded.h"
+#include "toolkit/mailbox.h"
+#include "toolkit/module_logger.h"
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
+namespace vell {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int reportInterval = 100;  // milliseconds
+
+/// Kinds of file system that hold no documents and may have no end.
+bool isVirtual(const QByteArray& fileSystemType) {
+    static const std::set<QByteArray> types{
+        "proc",    "sysfs",    "devtmpfs", "devpts",     "cgroup", "cgroup2",    "securityfs",
+        "debugfs", "tracefs",  "configfs", "pstore",     "mqueue", "hugetlbfs",  "bpf",
+        "autofs",  "efivarfs", "fusectl",  "rpc_pipefs", "nsfs",   "binfmt_misc"};
+    return types.contains(fileSystemType);
+}
+
+/// Kinds that are no disks of the user's, but may be searched when asked for by name.
+bool isTransient(const QByteArray& fileSystemType) {
+    static const std::set<QByteArray> types{"tmpfs", "ramfs", "squashfs", "overlay"};
+    return types.contains(fileSystemType);
+}
+
+/// The user's home and the mounted disks; may stall with a disk.
+QStringList homeAndDisks() {
+    QStringList folders{QDir::homePath()};
+    for (const QStorageInfo& storage : QStorageInfo::mountedVolumes()) {
+        const QByteArray type = storage.fileSystemType();
+        if (storage.isReady() && !storage.isRoot() && !isVirtual(type) && !isTransient(type))
+            folders.append(storage.rootPath());
+    }
+    return folders;
+}
+
+#ifdef Q_OS_UNIX
+using FolderIdentity = std::pair<dev_t, ino_t>;
+
+std::optional<FolderIdentity> identity(const fs::path& folder) {
+    struct stat status {};
+    if (::stat(folder.c_str(), &status) != 0) return std::nullopt;
+    return FolderIdentity(status.st_dev, status.st_ino);
+}
+#else
+using FolderIdentity = fs::path;
+
+std::optional<FolderIdentity> identity(const fs::path& folder) {
+    std::error_code error;
+    auto canonical = fs::canonical(folder, error);
+    if (error) return std::nullopt;
+    return canonical;
+}
+#endif
+
+bool isTranscript(const QString& path, const QString& name) {
+    if (hasTranscriptExtension(name)) return true;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) return false;
+    QByteArray head = file.read(archiveMagicSize);
+    if (!beginsLikeArchive(head)) return false;
+    head += file.read(transcriptProbeSize - head.size());
+    return looksLikeTranscript(head);
+}
+
+}  // namespace
+
+/// What the walking thread owns; it speaks to the walker through the window thread only.
+struct FileWalker::Walk : std::enable_shared_from_this<FileWalker::Walk> {
+    explicit Walk(FileWalker& owner) : walker(owner), mailbox(&owner) {}
+    std::atomic<bool> cancelled = false;
+    FileWalker& walker;  // alive until the walk is cancelled
+    Mailbox mailbox;
+    const std::shared_ptr<Logger> log = ModuleLogger::defaultLogger(QStringLiteral("Search"));
+    bool hiddenFolders = false;
+    std::set<FolderIdentity> entered;
+    std::set<fs::path> virtualRoots;
+    QList<Found> batch;
+    qint64 fileCount = 0;
+    QElapsedTimer sinceReport;
+
+    void run(QStringList folders);
+    void end();
+    void enter(const fs::path& folder, std::vector<fs::path>& pending);
+    void visit(const fs::directory_entry& entry, std::vector<fs::path>& pending);
+    void report(const fs::path& folder);
+    template <class Function>
+    void tell(Function function);
+};
+
+template <class Function>
+void FileWalker::Walk::tell(Function function) {
+    mailbox.post([walk = shared_from_this(), function = std::move(function)] {
+        if (!walk->cancelled) function(walk->walker);
+    });
+}
+
+void FileWalker::Walk::run(QStringList folders) {
+    if (folders.isEmpty()) folders = homeAndDisks();
+    for (const QStorageInfo& storage : QStorageInfo::mountedVolumes()) {
+        if (isVirtual(storage.fileSystemType()))
+            virtualRoots.insert(storage.rootPath().toStdString());
+    }
+    sinceReport.start();
+    std::vector<fs::path> pending;
+    for (auto folder = folders.crbegin(); folder != folders.crend(); ++folder)
+        pending.push_back(QFile::encodeName(*folder).toStdString());
+    while (!pending.empty() && !cancelled) {
+        const fs::path folder = std::move(pending.back());
+        pending.pop_back();
+        enter(folder, pending);
+    }
+    report({});
+    end();
+}
+
+void FileWalker::Walk::end() {
+    tell([](FileWalker& to) {
+        to.walk_.reset();
+        Q_EMIT to.finished();
+    });
+}
+
+void FileWalker::Walk::enter(const fs::path& folder, std::vector<fs::path>& pending) {
+    const auto self = identity(folder);
+    if (!self || !entered.insert(*self).second || virtualRoots.contains(folder)) return;
+    std::error_code error;
+    fs::directory_iterator entries(folder, fs::directory_options::skip_permission_denied, error);
+    for (; !error && entries != fs::directory_iterator() && !cancelled; entries.increment(error)) {
+        try {
+            visit(*entries, pending);
+        } catch (const std::exception&) {
+            continue;  // one file that can't be looked at hides no other
+        }
+        if (sinceReport.elapsed() >= reportInterval) report(folder);
+    }
+    if (error) log->warn("Could not read a folder:", folder.c_str(), error.message());
+}
+
+void FileWalker::Walk::visit(const fs::directory_entry& entry, std::vector<fs::path>& pending) {
+    std::error_code error;
+    const fs::file_status status = entry.symlink_status(error);
+    if (error) return;
+    const std::string fileName = entry.path().filename().string();
+    if (fs::is_directory(status)) {
+        if (hiddenFolders || !fileName.starts_with('.')) pending.push_back(entry.path());
+        return;
+    }
+    if (!fs::is_regular_file(status)) return;
+    ++fileCount;
+    const QString path = QFile::decodeName(entry.path().c_str());
+    if (!isTranscript(path, QFile::decodeName(fileName.c_str()))) return;
+    const QFileInfo info(path);
+    batch.append({path, info.lastModified(), info.size()});
+}
+
+void FileWalker::Walk::report(const fs::path& folder) {
+    sinceReport.restart();
+    tell([files = std::exchange(batch, {}), count = fileCount,
+          where = QFile::decodeName(folder.c_str())](FileWalker& to) {
+        if (!files.isEmpty()) Q_EMIT to.found(files);
+        Q_EMIT to.progressed(count, where);
+    });
+}
+
+FileWalker::FileWalker(QObject* parent) : QObject(parent) {}
+
+FileWalker::~FileWalker() {
+    cancel();
+}
+
+void FileWalker::start(const QStringList& folders, bool hiddenFolders) {
+    cancel();
+    walk_ = std::make_shared<Walk>(*this);
+    walk_->hiddenFolders = hiddenFolders;
+    // Detached, as reading a folder may stall; the walk owns all that the thread touches.
+    foundation::runDetached([walk = walk_, folders] { walk->run(folders); },
+                            [walk = walk_] { walk->end(); });
+}
+
+void FileWalker::cancel() {
+    if (!walk_) return;
+    walk_->cancelled = true;
+    walk_->mailbox.close();
+    walk_.reset();
+}
+
+}  // namespace vell

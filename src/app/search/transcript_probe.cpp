@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#include "app/search/transcript_probe.h"
+
+namespace vell {
+
+bool hasTranscriptExtension(const QString& fileName) {
+    return fileName.endsWith(QLatin1String(".ichat"), Qt::CaseInsensitive);
+}
+
+bool beginsLikeArchive(QByteArrayView head) {
+    if (head.startsWith("bplist00") || head.startsWith("<?xml")) return true;
+    if (head.size() < archiveMagicSize || head[0] != '\x04' || head[1] != '\x0b') return false;
+    const QByteArrayView name = head.sliced(2);
+    return name.startsWith("streamtyped") || name.startsWith("typedstream");
+}
+
+bool looksLikeTranscript(QByteArrayView head) {
+    // A chat in which nobody said anything has participants all the same.
+    return beginsLikeArchive(head) &&
+           (head.contains(QByteArrayView("InstantMessage")) ||
+            head.contains(QByteArrayView("Presentity"))) &&
+           (!head.startsWith("<?xml") || head.contains(QByteArrayView("NSKeyedArchiver")));
+}
+
+}  // namespace vell

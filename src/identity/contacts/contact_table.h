@@ -1,0 +1,41 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// ContactTable: files contacts under their addresses. Whoever comes first keeps an address; the
+// cleaned form of a phone number, the written one without blanks and hyphens, is the exception:
+// there the last one wins, silently.
+
+#include <utility>
+
+#include "identity/contacts/contact_picture.h"
+#include "identity/contacts/contact_record.h"
+#include "identity/contacts/contacts_store.h"
+#include "toolkit/logger.h"
+
+namespace vell {
+
+class ContactTable {
+  public:
+    /// Logger and pictures must outlive this; without pictures nobody gets one.
+    explicit ContactTable(Logger& log, ContactPictureCache* pictures = nullptr);
+
+    /// Files a contact; one without a name is skipped. Tells the logger of skipped contacts and of
+    /// addresses that somebody else has.
+    void file(const ContactRecord& contact);
+
+    [[nodiscard]] ContactsStore::Table take() { return std::move(table_); }
+
+  private:
+    /// Whether the address was free and is this contact's now.
+    template <class... Values>
+    bool fileUnder(const QString& address, const ContactsStore::Info& info,
+                   const char* duplicateMessage, const Values&... values);
+
+    [[nodiscard]] ContactsStore::Info infoOf(const ContactRecord& contact) const;
+
+    Logger& log_;
+    ContactPictureCache* const pictures_;
+    ContactsStore::Table table_;
+};
+
+}  // namespace vell

@@ -1,0 +1,35 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// FileWatch: notices when contact files are edited, added, removed or replaced. It looks at disks
+// on a thread of its own, which nobody waits for long. May be used from any thread.
+
+#include <QStringList>
+#include <functional>
+#include <memory>
+
+#include "identity/vcard/contact_files.h"
+
+class QThread;
+
+namespace vell {
+
+class FileWatch {
+  public:
+    /// The function is called on the watch's thread, once for changes that come together. It must
+    /// be callable for a moment longer than the watch lives.
+    explicit FileWatch(std::function<void()> changed);
+    ~FileWatch();
+    FileWatch(const FileWatch&) = delete;
+    FileWatch& operator=(const FileWatch&) = delete;
+
+    /// Watches what was found for these paths from now on. A change since it was found counts.
+    void watch(const QStringList& paths, const ContactFiles& found);
+
+  private:
+    class Worker;
+    QThread* thread_;
+    Worker* worker_;  ///< lives in the thread and dies with it
+};
+
+}  // namespace vell

@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: MIT
+#include "timeline/accessibility/accessible_timeline.h"
+
+#include <QCoreApplication>
+#include <QScrollBar>
+#include <algorithm>
+#include <limits>
+
+#include "timeline/accessibility/accessible_row.h"
+#include "timeline/timeline_view.h"
+
+namespace vell {
+namespace {
+
+QAccessibleInterface* make(const QString& className, QObject* object) {
+    if (className != QLatin1String(TimelineView::staticMetaObject.className())) return nullptr;
+    return new AccessibleTimeline(*static_cast<TimelineView*>(object));
+}
+
+/// The view's interface while somebody listens.
+AccessibleTimeline* listened(TimelineView& view) {
+    if (!QAccessible::isActive()) return nullptr;
+    return static_cast<AccessibleTimeline*>(QAccessible::queryAccessibleInterface(&view));
+}
+
+}  // namespace
+
+void AccessibleTimeline::install() {
+    static const bool isInstalled = [] {
+        QAccessible::installFactory(make);
+        return true;
+    }();
+    static_cast<void>(isInstalled);
+}
+
+AccessibleTimeline::AccessibleTimeline(TimelineView& view)
+    : QAccessibleWidget(&view, QAccessible::List) {}
+
+AccessibleTimeline::~AccessibleTimeline() {
+    for (const auto& [row, id] : items_)
+        QAccessible::deleteAccessibleInterface(id);
+}
+
+// A widget that is being destroyed is asked, too, when nothing is left of it but a QWidget.
+bool AccessibleTimeline::isValid() const {
+    return QAccessibleWidget::isValid() && qobject_cast<TimelineView*>(object());
+}
+
+TimelineView& AccessibleTimeline::view() const {
+    return *static_cast<TimelineView*>(object());
+}
+
+// ---- children ----------------------------------------------------------------------------------
+
+const std::vector<qsizetype>& AccessibleTimeline::emptyRows() const {
+    if (!emptyRows_) {
+        emptyRows_.emplace();
+        const TimelineLayout& layout = view().timeline();
+        const auto count = static_cast<qsizetype>(view().chatlog().events().size());
+        for (qsizetype row = 0; row < count; ++row) {
+            if (layout.isEmpty(row)) emptyRows_->push_back(row);
+        }
+    }
+    return *emptyRows_;
+}
+
+int AccessibleTimeline::childCount() const {
+    const size_t count = view().chatlog().events().size() - emptyRows().size();
+    return static_cast<int>(std::min<size_t>(count, std::numeric_limits<int>::max()));
+}
+
+qsizetype AccessibleTimeline::rowOfChild(int index) const {
+    // The empty row number i lies behind the children that come before it: row - i of them.
+    const auto& empty = emptyRows();
+    qsizetype before = 0;
+    for (auto count = static_cast<qsizetype>(empty.size()); count > 0;) {
+        const qsizetype step = count / 2;
+        const qsizetype middle = before + step;
+        if (empty[static_cast<size_t>(middle)] - middle <= index) {
+            before = middle + 1;
+            count -= step + 1;
+        } else {
+            count = step;
+        }
+    }
+    return index + before;
+}
+
+QAccessibleInterface* AccessibleTimeline::child(int index) const {
+    return index >= 0 && index < childCount() ? item(rowOfChild(index)) : nullptr;
+}
+
+int AccessibleTimeline::indexOfChild(const QAccessibleInterface* child) const {
+    const auto* item = dynamic_cast<const AccessibleRow*>(child);
+    if (!item) return -1;
+    const auto& empty = emptyRows();
+    const auto before = std::lower_bound(empty.begin(), empty.end(), item->row()) - empty.begin();
+    return static_cast<int>(item->row() - before);
+}
+
+QAccessibleInterface* AccessibleTimeline::item(qsizetype row) const {
+    if (const auto known = items_.find(row); known != items_.end())
+        return QAccessible::accessibleInterface(known->second);
+    if (made_.size() >= mostItems) {
+        const auto oldest = items_.find(made_.front());
+        QAccessible::deleteAccessibleInterface(oldest->second);
+        items_.erase(oldest);
+        made_.pop_front();
+    }
+    auto* made = new AccessibleRow(*this, row);
+    items_.emplace(row, QAccessible::registerAccessibleInterface(made));
+    made_.push_back(row);
+    return made;
+}
+
+QAccessibleInterface* AccessibleTimeline::childAt(int x, int y) const {
+    if (!rect().contains(x, y)) return nullptr;
+    const QPoint point = view().viewport()->mapFromGlobal(QPoint(x, y));
+    const qsizetype row = view().timeline().rowAt(view().toDevice(point).y());
+    return row >= 0 && rowRect(row).contains(x, y) ? item(row) : nullptr;
+}
+
+QAccessibleInterface* AccessibleTimeline::focusChild() const {
+    if (!view().hasFocus()) return nullptr;
+    const qsizetype row = view().currentRow();
+    return row < 0 ? QAccessible::queryAccessibleInterface(&view()) : item(row);
+}
+
+// ---- what it tells -----------------------------------------------------------------------------
+
+QString AccessibleTimeline::text(QAccessible::Text kind) const {
+    const QString text = QAccessibleWidget::text(kind);
+    if (kind != QAccessible::Name || !text.isEmpty()) return text;
+    return QCoreApplication::translate("Timeline", "Conversation");
+}
+
+QRect AccessibleTimeline::rowRect(qsizetype row) const {
+    const TimelineLayout& layout = view().timeline();
+    if (layout.rowCount() == 0) return {};  // never shown
+    const qreal ratio = view().viewport()->devicePixelRatioF();
+    const auto place = [&](qint64 pixels) {
+        constexpr qint64 far = 1 << 29;
+        return static_cast<int>(std::clamp<qint64>(
+            static_cast<qint64>(static_cast<double>(pixels) / ratio), -far, far));
+    };
+    const int top = place(layout.rowTop(row));
+    const int bottom = place(layout.rowTop(row + 1)) - static_cast<int>(standardSpacing);
+    const QPoint corner(place(layout.rowLeft()), top);
+    return {view().viewport()->mapToGlobal(corner), QSize(place(layout.rowWidth()), bottom - top)};
+}
+
+void AccessibleTimeline::tellNameChanged(qsizetype row) const {
+    const auto known = items_.find(row);
+    if (known == items_.end()) return;
+    QAccessibleEvent event(QAccessible::accessibleInterface(known->second),
+                           QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&event);
+}
+
+void AccessibleTimeline::namesChanged(TimelineView& view) {
+    const AccessibleTimeline* timeline = listened(view);
+    if (!timeline) return;
+    for (const qsizetype row : timeline->made_) {
+        if (view.chatlog().events()[static_cast<size_t>(row)].sender)
+            timeline->tellNameChanged(row);
+    }
+}
+
+void AccessibleTimeline::nameChanged(TimelineView& view, qsizetype row) {
+    if (const AccessibleTimeline* timeline = listened(view)) timeline->tellNameChanged(row);
+}
+
+void AccessibleTimeline::focusChanged(TimelineView& view, qsizetype row) {
+    const AccessibleTimeline* timeline = listened(view);
+    if (!timeline || row < 0 || !view.hasFocus()) return;
+    QAccessibleEvent event(timeline->item(row), QAccessible::Focus);
+    QAccessible::updateAccessibility(&event);
+}
+
+}  // namespace vell

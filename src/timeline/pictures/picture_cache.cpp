@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+#include "timeline/pictures/picture_cache.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "toolkit/mailbox.h"
+#include "toolkit/picture_decoder.h"
+#include "transcript/chat_log.h"
+
+namespace vell {
+namespace {
+
+constexpr int decoders = 2;
+// Requests that have scrolled away long ago are dropped; whoever shows the picture asks again.
+constexpr size_t mostRequests = 64;
+// A decoder that is busy when the program ends gets so long, in milliseconds.
+constexpr int patience = 2000;
+
+}  // namespace
+
+PictureCache::PictureCache(qsizetype maxBytes, QObject* parent)
+    : QObject(parent),
+      images_(maxBytes),
+      threads_(std::make_unique<QThreadPool>()),
+      mailbox_(std::make_shared<Mailbox>(this)) {
+    threads_->setMaxThreadCount(decoders);
+}
+
+PictureCache::~PictureCache() {
+    mailbox_->close();
+    threads_->clear();
+    // The threads own all they touch: one that doesn't end is left to itself.
+    if (!threads_->waitForDone(patience)) static_cast<void>(threads_.release());
+}
+
+QSize PictureCache::size(const foundation::Picture& picture) {
+    if (!picture.pixelSize) return {};
+    const char* bytes = picture.data.begin();
+    if (const auto known = sizes_.constFind(bytes); known != sizes_.cend()) return *known;
+    const QSize stored = *picture.pixelSize;
+    const QSize size = foundation::isTurned(picture) ? stored.transposed() : stored;
+    sizes_.insert(bytes, size);
+    return size;
+}
+
+const QImage* PictureCache::image(const foundation::Picture& picture, QSize pixels) {
+    const Key key{picture.data.begin(), pixels};
+    if (const QImage* known = images_.object(key)) return known;
+    if (problems_.contains(key.bytes)) return nullptr;
+    if (!pending_.contains(key)) {
+        pending_.insert(key);
+        requests_.push_back({key, picture});
+        if (requests_.size() > mostRequests) {
+            pending_.remove(requests_.front().key);
+            requests_.erase(requests_.begin());
+        }
+        decodeNext();
+    }
+    const auto other = latest_.constFind(key.bytes);
+    return other == latest_.cend() ? nullptr : images_.object({key.bytes, *other});
+}
+
+QString PictureCache::problem(const foundation::Picture& picture) const {
+    return problems_.value(picture.data.begin());
+}
+
+void PictureCache::forget(const TesselChatLog& chatlog) {
+    QSet<const char*> gone;
+    for (const TesselChatLog::Event& event : chatlog.events()) {
+        if (const auto* image = std::get_if<TesselChatLog::Image>(&event.value)) {
+            gone.insert(image->image().data.begin());
+        }
+    }
+    if (gone.isEmpty()) return;
+    for (const Key& key : images_.keys()) {
+        if (gone.contains(key.bytes)) images_.remove(key);
+    }
+    for (const char* bytes : gone) {
+        latest_.remove(bytes);
+        sizes_.remove(bytes);
+        problems_.remove(bytes);
+    }
+    std::erase_if(requests_, [&](const Request& request) {
+        if (!gone.contains(request.key.bytes)) return false;
+        pending_.remove(request.key);
+        return true;
+    });
+    // What is being decoded just now comes back for bytes that nobody asks for.
+    pending_.removeIf([&](const auto& key) { return gone.contains(key.bytes); });
+}
+
+bool PictureCache::isBusy() const {
+    return running_ > 0 || !requests_.empty();
+}
+
+void PictureCache::decodeNext() {
+    while (running_ < decoders && !requests_.empty()) {
+        ++running_;
+        Request request = std::move(requests_.back());
+        requests_.pop_back();
+        // Where nobody knows the size, the frame it is shown in has other proportions.
+        const auto mode =
+            size(request.picture).isEmpty() ? Qt::KeepAspectRatio : Qt::IgnoreAspectRatio;
+        threads_->start([this, request = std::move(request), mode, mailbox = mailbox_] {
+            DecodedPicture decoded = decodePicture(request.picture, request.key.pixels, mode);
+            mailbox->post([this, key = request.key, decoded = std::move(decoded)]() mutable {
+                take(key, std::move(decoded));
+            });
+        });
+    }
+}
+
+void PictureCache::take(const Key& key, DecodedPicture decoded) {
+    --running_;
+    decodeNext();
+    if (!pending_.remove(key)) return;
+    if (!decoded) {
+        problems_.insert(key.bytes, decoded.problem);
+    } else {
+        const QImage& image = decoded.picture.image;
+        images_.insert(key, new QImage(image), image.sizeInBytes());
+        latest_.insert(key.bytes, key.pixels);
+    }
+    Q_EMIT changed(key.bytes);
+}
+
+}  // namespace vell

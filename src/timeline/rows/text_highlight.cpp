@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include "timeline/rows/text_highlight.h"
+
+#include <QPainter>
+#include <algorithm>
+
+#include "timeline/rows/row_layout.h"
+
+namespace vell {
+namespace {
+
+constexpr float opacity = 0.88f;
+constexpr float pictureOpacity = 0.45f;
+constexpr float amber = 48 / 360.0f;
+constexpr float orange = 28 / 360.0f;
+constexpr qreal matchCorner = 3;  // points
+constexpr qreal outlineWidth = 1.5;
+
+bool isLight(const QColor& color) {
+    return qGray(color.rgb()) > 127;
+}
+
+// Pale behind dark letters, deep behind light ones.
+QColor behind(const QColor& text, float hue, float saturation, float pale) {
+    return QColor::fromHslF(hue, saturation, isLight(text) ? 0.27f : pale, opacity);
+}
+
+QColor highlightColor(HighlightKind kind, const QColor& text, const RowContext& context) {
+    switch (kind) {
+        case HighlightKind::match:
+            return behind(text, amber, 1.0f, 0.7f);
+        case HighlightKind::currentMatch:
+            return QColor::fromHslF(orange, 1.0f, isLight(text) ? 0.35f : 0.62f);
+        case HighlightKind::selection:
+            break;
+    }
+    const QColor hue = context.colors.highlight;
+    return behind(text, std::max(hue.hslHueF(), 0.0f), hue.hslSaturationF(), 0.9f);
+}
+
+}  // namespace
+
+void paintHighlights(QPainter& painter, const RowLayout& layout, const QColor& textColor,
+                     const RowContext& context, const RowPaint& what) {
+    if (what.highlights.empty()) return;
+    const QPoint origin = layout.content.topLeft();
+    const int top = what.visible.top() - origin.y();
+    const int bottom = what.visible.bottom() + 1 - origin.y();
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (const TextHighlight& highlight : what.highlights) {
+        const bool isSelection = highlight.kind == HighlightKind::selection;
+        const bool isCurrent = highlight.kind == HighlightKind::currentMatch;
+        const QColor color = highlightColor(highlight.kind, textColor, context);
+        const qreal corner = matchCorner * context.ratio;
+        painter.setBrush(color);
+        painter.setPen(isCurrent ? QPen(textColor, outlineWidth * context.ratio) : Qt::NoPen);
+        // The lines of a selection touch each other.
+        const int gap = isSelection ? layout.text->spacing() : 0;
+        for (const QRect& line : layout.text->region(highlight.from, highlight.to, top, bottom)) {
+            const QRect rect = line.translated(origin).adjusted(0, -gap / 2, 0, gap - gap / 2);
+            if (isSelection) {
+                painter.fillRect(rect, color);  // many large ones: several times faster
+            } else {
+                painter.drawRoundedRect(rect, corner, corner);
+            }
+        }
+    }
+    painter.restore();
+}
+
+QColor selectedPictureColor(const RowContext& context) {
+    QColor color = context.colors.highlight;
+    color.setAlphaF(pictureOpacity);
+    return color;
+}
+
+}  // namespace vell

@@ -1,0 +1,39 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// What lies behind stretches of a text that stand out: the selection and the matches of a search.
+// Their colours suit the text in front of them, whatever bubble or palette is below. The text
+// itself is painted as always, so that its kept pictures go on serving.
+
+#include <QColor>
+#include <limits>
+#include <span>
+
+#include "timeline/rows/row_context.h"
+
+class QPainter;
+
+namespace vell {
+
+struct RowLayout;
+struct RowPaint;
+
+enum class HighlightKind { match, selection, currentMatch };
+
+/// Offsets [from, to) of a row's text, in UTF-16 units. A picture is one unit.
+struct TextHighlight {
+    static constexpr qsizetype textEnd = std::numeric_limits<qsizetype>::max();
+    qsizetype from = 0;
+    qsizetype to = 0;  ///< textEnd takes in the line break behind the text
+    HighlightKind kind = HighlightKind::selection;
+};
+
+/// Paints what lies behind a row's text of this colour; the painter counts device pixels from the
+/// row's top left corner.
+void paintHighlights(QPainter& painter, const RowLayout& layout, const QColor& textColor,
+                     const RowContext& context, const RowPaint& what);
+
+/// What lies over a selected picture.
+[[nodiscard]] QColor selectedPictureColor(const RowContext& context);
+
+}  // namespace vell

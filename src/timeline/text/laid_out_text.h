@@ -1,0 +1,115 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// LaidOutText: a text broken into lines for a width. Short texts are laid out whole and are as wide
+// as their longest line. Of long ones only the blocks that somebody looks at are laid out, the
+// heights of the others are estimates, and the width is all there is. All lengths are device pixels
+// unless they are said to be points; offsets into the text count UTF-16 units. GUI thread only.
+
+#include <QCache>
+#include <QFont>
+#include <QRect>
+#include <QString>
+#include <QTextLayout>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "timeline/text/height_tree.h"
+#include "timeline/text/text_blocks.h"
+
+class QPainter;
+
+namespace vell {
+
+struct TextFormat {
+    QFont font;
+    qreal lineSpacing = 0;  ///< between lines, in points
+    bool isCentered = false;
+    bool isUnderlined = false;
+    Qt::LayoutDirection direction = Qt::LeftToRight;  ///< of paragraphs without a strong letter
+    qreal ratio = 1;                                  ///< device pixels a point
+};
+
+class LaidOutText {
+  public:
+    /// The most text that is laid out whole.
+    static constexpr qsizetype longestShort = 8192;
+    static constexpr qsizetype mostBlocksOfShort = 128;
+
+    LaidOutText(QString text, TextFormat format, int maxWidth);
+
+    [[nodiscard]] const QString& text() const { return text_; }
+    [[nodiscard]] int width() const { return width_; }
+    /// Without spacing below the last line.
+    [[nodiscard]] int height() const;
+
+    [[nodiscard]] bool isLong() const { return isLong_; }
+    [[nodiscard]] qsizetype blockCount() const { return heights_.count(); }
+    /// Where a block starts; block blockCount() is the text's end.
+    [[nodiscard]] qint64 blockTop(qsizetype block) const { return heights_.top(block); }
+    [[nodiscard]] qsizetype blockAt(qint64 y) const { return heights_.indexAt(y); }
+    [[nodiscard]] qsizetype blockOf(qsizetype offset) const;
+    /// Lays out a block, so that its height is no estimate any more; answers whether it changed.
+    bool measureBlock(qsizetype block);
+    /// The first block at or after `from` whose height is an estimate; nothing when there is none.
+    [[nodiscard]] std::optional<qsizetype> firstEstimated(qsizetype from = 0) const;
+
+    struct Line {
+        qsizetype start;  ///< the offset of its first character
+        qint64 top;
+    };
+    /// The line at a place, or the nearest one.
+    [[nodiscard]] Line line(qint64 y) const;
+
+    /// Draws the lines that touch [top, bottom) in the painter's pen, the text's top left corner at
+    /// `origin`. The painter counts device pixels.
+    void paint(QPainter& painter, QPoint origin, int top, int bottom) const;
+
+    /// The places of the offsets [from, to) on the lines that touch [top, bottom), without the
+    /// spacing between lines. A line break that is among them shows on empty lines.
+    [[nodiscard]] std::vector<QRect> region(qsizetype from, qsizetype to, int top,
+                                            int bottom) const;
+    /// The offsets whose lines may touch [top, bottom), as [first, second).
+    [[nodiscard]] std::pair<qsizetype, qsizetype> offsetsBetween(int top, int bottom) const;
+    /// Between lines.
+    [[nodiscard]] int spacing() const { return spacing_; }
+
+    /// The offset between two characters that is nearest to a point.
+    [[nodiscard]] qsizetype offsetAt(QPoint point) const;
+    /// The offset of the character below a point, or of the nearest one on its line.
+    [[nodiscard]] qsizetype characterAt(QPoint point) const;
+    /// Whether the paragraph around an offset runs from right to left.
+    [[nodiscard]] bool isRightToLeft(qsizetype offset) const;
+    /// Whether a point lies on a line's characters, not beside or below them.
+    [[nodiscard]] bool isOnText(QPoint point) const;
+    /// Where a caret before `offset` stands, one pixel wide.
+    [[nodiscard]] QRect caret(qsizetype offset) const;
+
+  private:
+    [[nodiscard]] qsizetype hit(QPoint point, QTextLine::CursorPosition where) const;
+    QTextLayout& layout(qsizetype block) const;
+    std::unique_ptr<QTextLayout> makeLayout(const TextBlock& block) const;
+    void placeLines(const TextBlock& block, QTextLayout& layout) const;
+    [[nodiscard]] int layoutHeight(const QTextLayout& layout) const;
+    [[nodiscard]] int estimatedHeight(const TextBlock& block) const;
+    [[nodiscard]] QTextLine lineAt(const QTextLayout& layout, int y) const;
+    [[nodiscard]] int lineHeight(const QTextLine& line) const;
+
+    QString text_;
+    TextFormat format_;
+    int maxWidth_;
+    int width_ = 0;
+    int spacing_;
+    bool isLong_;
+    std::vector<TextBlock> blocks_;
+    std::vector<bool> isMeasured_;
+    HeightTree heights_;  // each with the spacing below its last line
+    int estimatedLine_ = 0;
+    qreal estimatedCharacter_ = 0;
+    mutable std::vector<std::unique_ptr<QTextLayout>> shortLayouts_;
+    mutable QCache<qsizetype, QTextLayout> longLayouts_{128 * 1024};  // in characters
+};
+
+}  // namespace vell

@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: MIT
+#include "timeline/text/text_tiles.h"
+
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <numeric>
+#include <utility>
+#include <vector>
+
+#include "timeline/bubbles/coverage_mask.h"
+
+namespace vell {
+namespace {
+
+// A shadow's radius is twice its Gaussian's sigma.
+double shadowSigma(const Style::TextShadow& shadow, qreal ratio) {
+    return shadow.radius / 2 * ratio;
+}
+
+// What glyphs and their shadow may touch around the lines of a text.
+int overhang(const Style::TextShadow& shadow, qreal ratio) {
+    return blurReach(shadowSigma(shadow, ratio)) +
+           static_cast<int>(std::ceil((std::abs(shadow.offset.y()) + 3) * ratio));
+}
+
+// Eight bits each, 256 in all, so that sums of weighted bytes fit 16 bits. Text shadows are so soft
+// that a few pixels hold them.
+std::vector<uint16_t> shadowWeights(double sigma) {
+    const int reach = blurReach(sigma);
+    std::vector<double> exact;
+    for (int i = -reach; i <= reach; ++i)
+        exact.push_back(std::exp(-i * i / (2 * sigma * sigma)));
+    const double sum = std::accumulate(exact.begin(), exact.end(), 0.0);
+    std::vector<uint16_t> weights;
+    for (const double weight : exact) {
+        weights.push_back(static_cast<uint16_t>(std::lround(weight / sum * 256)));
+    }
+    weights[static_cast<size_t>(reach)] += 256 - std::accumulate(weights.begin(), weights.end(), 0);
+    return weights;
+}
+
+/// The blurred coverage of a picture's rows, asked for from the top down.
+class ShadowRows {
+  public:
+    ShadowRows(const QImage& image, double sigma)
+        : image_(image),
+          weights_(shadowWeights(sigma)),
+          reach_(static_cast<int>(weights_.size()) / 2),
+          width_(image.width()),
+          height_(image.height()),
+          padded_(static_cast<size_t>(width_ + 2 * reach_)),
+          sums_(static_cast<size_t>(width_)),
+          row_(static_cast<size_t>(width_)) {
+        across_.resize(weights_.size());
+        isEmpty_.assign(weights_.size(), true);
+    }
+
+    /// Null when there is nothing.
+    const uint8_t* row(int y) {
+        for (; next_ <= std::min(y + reach_, height_ - 1); ++next_)
+            blurAcross(next_);
+        std::fill(sums_.begin(), sums_.end(), 128);
+        bool isEmpty = true;
+        for (int other = std::max(y - reach_, 0); other <= std::min(y + reach_, height_ - 1);
+             ++other) {
+            const size_t slot = slotOf(other);
+            if (isEmpty_[slot]) continue;
+            isEmpty = false;
+            add(across_[slot].data(), weights_[static_cast<size_t>(other - y + reach_)]);
+        }
+        if (isEmpty) return nullptr;
+        for (size_t x = 0; x < row_.size(); ++x)
+            row_[x] = static_cast<uint8_t>(sums_[x] >> 8);
+        return row_.data();
+    }
+
+  private:
+    [[nodiscard]] size_t slotOf(int y) const { return static_cast<size_t>(y) % weights_.size(); }
+
+    void add(const uint8_t* row, uint16_t weight) {
+        uint16_t* sums = sums_.data();
+        const int width = width_;
+        for (int x = 0; x < width; ++x)
+            sums[x] = static_cast<uint16_t>(sums[x] + weight * row[x]);
+    }
+
+    void blurAcross(int y) {
+        const auto* line = reinterpret_cast<const QRgb*>(image_.constScanLine(y));
+        uint8_t* alpha = padded_.data() + reach_;
+        uint32_t any = 0;
+        for (int x = 0; x < width_; ++x) {
+            alpha[x] = static_cast<uint8_t>(line[x] >> 24);
+            any |= line[x];
+        }
+        const size_t slot = slotOf(y);
+        isEmpty_[slot] = any == 0;
+        if (any == 0) return;
+        std::fill(sums_.begin(), sums_.end(), 128);
+        for (size_t tap = 0; tap < weights_.size(); ++tap)
+            add(padded_.data() + tap, weights_[tap]);
+        across_[slot].resize(sums_.size());
+        for (size_t x = 0; x < sums_.size(); ++x) {
+            across_[slot][x] = static_cast<uint8_t>(sums_[x] >> 8);
+        }
+    }
+
+    const QImage& image_;
+    std::vector<uint16_t> weights_;
+    int reach_;
+    int width_;
+    int height_;
+    int next_ = 0;
+    std::vector<uint8_t> padded_;
+    std::vector<uint16_t> sums_;
+    std::vector<uint8_t> row_;
+    std::vector<std::vector<uint8_t>> across_;  // the rows around the one asked for
+    std::vector<bool> isEmpty_;
+};
+
+// Rows [top, bottom) of the picture, with the black or white shadow of what is drawn in it below.
+QImage withShadow(const QImage& image, int top, int bottom, const Style::TextShadow& shadow,
+                  qreal ratio) {
+    QImage result = image.copy(0, top, image.width(), bottom - top);
+    ShadowRows rows(image, shadowSigma(shadow, ratio));
+    const auto down = static_cast<int>(std::lround(shadow.offset.y() * ratio));
+    const auto opacity = static_cast<uint32_t>(shadow.color.alpha());
+    const uint32_t white = shadow.color.lightness() > 127 ? 0xff : 0;
+    const int width = result.width();
+    for (int y = std::max(top, down); y < bottom; ++y) {
+        const uint8_t* cover = rows.row(y - down);
+        if (!cover) continue;
+        auto* out = reinterpret_cast<QRgb*>(result.scanLine(y - top));
+        for (int x = 0; x < width; ++x) {
+            const uint32_t below = cover[x] * opacity * (255 - (out[x] >> 24)) / (255 * 255);
+            const uint32_t tint = below & white;
+            out[x] += below << 24 | tint << 16 | tint << 8 | tint;
+        }
+    }
+    return result;
+}
+
+// Rows [top, bottom) of the text, as wide as it is and its overhang on both sides.
+QImage render(const LaidOutText& text, int top, int bottom, const TextColors& colors, qreal ratio) {
+    const int margin = overhang(colors.shadow, ratio);
+    const int height = bottom - top + 2 * margin;
+    QImage image(text.width() + 2 * margin, height, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setPen(colors.text);
+    text.paint(painter, QPoint(margin, margin - top), top - margin, bottom + margin);
+    painter.end();
+    return withShadow(image, margin, margin + bottom - top, colors.shadow, ratio);
+}
+
+}  // namespace
+
+void paintShadowedText(QPainter& painter, const LaidOutText& text, QPoint origin,
+                       const QRect& visible, const TextColors& colors, qreal ratio) {
+    const int margin = overhang(colors.shadow, ratio);
+    const int top = std::max(-margin, visible.top() - origin.y());
+    const int bottom = std::min(text.height() + margin, visible.bottom() + 1 - origin.y());
+    if (top >= bottom) return;
+    const QImage image = render(text, top, bottom, colors, ratio);
+    painter.drawImage(origin + QPoint(-margin, top), image);
+}
+
+TextTiles::Tile::Tile(QImage picture) : image(std::move(picture)) {
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        if (std::all_of(line, line + image.width(), [](QRgb pixel) { return pixel == 0; }))
+            continue;
+        if (!rows.empty() && rows.back().top + rows.back().height == y) {
+            ++rows.back().height;
+        } else {
+            rows.push_back({y, 1});
+        }
+    }
+}
+
+void TextTiles::paint(QPainter& painter, qint64 id, const LaidOutText& text, QPoint origin,
+                      const QRect& visible, const TextColors& colors, qreal ratio) {
+    const int margin = overhang(colors.shadow, ratio);
+    const int visibleTop = visible.top() - origin.y();
+    const int visibleBottom = visible.bottom() + 1 - origin.y();
+    // The pieces that keep their place: all of a short text, each block of a long one.
+    const qsizetype first = text.isLong() ? text.blockAt(visibleTop - margin) : 0;
+    const qsizetype end = text.isLong() ? text.blockCount() : 1;
+    for (qsizetype block = first; block < end; ++block) {
+        const auto top = static_cast<int>(text.isLong() ? text.blockTop(block) : 0) - margin;
+        const auto bottom = block + 1 < end ? static_cast<int>(text.blockTop(block + 1)) - margin
+                                            : text.height() + margin;
+        if (top >= visibleBottom) break;
+        const int firstBand = std::max(0, visibleTop - top) / tileHeight;
+        for (int band = firstBand; top + band * tileHeight < std::min(bottom, visibleBottom);
+             ++band) {
+            const int bandTop = top + band * tileHeight;
+            const int bandBottom = std::min(bandTop + tileHeight, bottom);
+            const Key key{id, block, band};
+            if (!tiles_.contains(key)) {
+                auto* made = new Tile(render(text, bandTop, bandBottom, colors, ratio));
+                tiles_.insert(key, made, made->image.sizeInBytes());
+            }
+            const Tile* tile = tiles_.object(key);
+            if (!tile) continue;  // too large for the whole cache
+            const QPoint corner = origin + QPoint(-margin, bandTop);
+            for (const auto& [rowTop, rowHeight] : tile->rows) {
+                painter.drawImage(corner + QPoint(0, rowTop), tile->image,
+                                  QRect(0, rowTop, tile->image.width(), rowHeight));
+            }
+        }
+    }
+}
+
+}  // namespace vell
