@@ -21,6 +21,7 @@ set(app ${export} export timeline)
 
 # The order inside a folder that has folders of its own, from the top; "." are the files beside them.
 set(identity_rooms service vcard contacts identicons)
+set(app_rooms . search documents windows desktop)
 
 set(foundation_qt Core)
 set(transcript_qt Core)

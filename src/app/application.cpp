@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/common_commands.h"
 #include "app/desktop/desktop.h"
 #include "app/documents/document_window.h"
 #include "app/documents/load_log_window.h"
@@ -17,6 +16,7 @@
 #include "app/search/find_files_window.h"
 #include "app/search/saved_search.h"
 #include "app/windows/about_window.h"
+#include "app/windows/common_commands.h"
 #include "app/windows/panel_window.h"
 #include "app/windows/preferences_window.h"
 #include "app/windows/welcome_window.h"
@@ -30,7 +30,7 @@
 namespace vell {
 
 Application::Application(std::shared_ptr<FileReader> reader)
-    : loader_(reader ? std::move(reader) : std::make_shared<DiskFileReader>(), lane_.entrance(),
+    : loader_(reader ? std::move(reader) : std::make_shared<DiskFileReader>(), loadThread_.queue(),
               presentLoadLogWindowIfNecessary) {
     openContacts();
     connect(&instance_, &SingleInstance::received, this, [this](const QStringList& paths) {
@@ -90,7 +90,8 @@ void Application::openTranscript(const QString& path, const QString& canonicalPa
         bringToFront(*window);
         return;
     }
-    auto* window = new DocumentWindow(*this, loader_, path);
+    const Services services{settings_, recentFiles_, *contacts_, pictures_};
+    auto* window = new DocumentWindow(*this, services, loader_, path);
     windows_.push_back({window, canonicalPath});
     connect(window, &DocumentWindow::shown, this, &Application::rememberWindows);
     connect(window, &DocumentWindow::failed, this,
@@ -115,10 +116,10 @@ void Application::remove(DocumentWindow* window) {
     rememberWindows();
 }
 
-std::vector<DocumentWindow*> Application::documentWindows() const {
-    std::vector<DocumentWindow*> windows;
+QWidgetList Application::documentWindows() const {
+    QWidgetList windows;
     for (const OpenWindow& open : windows_)
-        windows.push_back(open.window);
+        windows.append(open.window);
     return windows;
 }
 
@@ -178,13 +179,13 @@ void Application::showOpenDialog(QWidget* parent) {
 
 void Application::showWelcome() {
     if (!welcome_) {
-        welcome_ = new WelcomeWindow(*this);
+        welcome_ = new WelcomeWindow(*this, recentFiles_);
         welcome_->setAttribute(Qt::WA_DeleteOnClose);
     }
     bringToFront(*welcome_);
 }
 
-bool Application::offersFindFiles() {
+bool Application::offersFindFiles() const {
     return searchQueryPath().has_value();
 }
 
@@ -212,10 +213,6 @@ void Application::showPreferences() {
         addClosingShortcuts(*preferences_);
     }
     bringToFront(*preferences_);
-}
-
-void Application::openBugReport() {
-    openWithDesktop(reportBug());
 }
 
 // Closing the last window ends the program: what it showed is what the next visit begins with. A

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Application: owns what all windows share and carries out the commands that belong to none of
-// them. Lives on the window thread for the whole run.
+// Application: owns what all windows share, and carries out the commands of the program as a whole.
+// Lives on the window thread for the whole run.
 
 #include <QObject>
 #include <QPointer>
@@ -10,11 +10,12 @@
 #include <memory>
 #include <vector>
 
+#include "app/desktop/file_drops.h"
 #include "app/desktop/recent_files.h"
 #include "app/desktop/settings.h"
 #include "app/desktop/single_instance.h"
 #include "app/documents/document_loader.h"
-#include "app/documents/file_drops.h"
+#include "app/windows/commands.h"
 #include "app/windows/contacts_dialog.h"
 #include "timeline/pictures/picture_cache.h"
 
@@ -29,7 +30,7 @@ class SystemContacts;
 class VCardSource;
 class WelcomeWindow;
 
-class Application final : public QObject {
+class Application final : public QObject, public Commands {
     Q_OBJECT
 
   public:
@@ -37,32 +38,20 @@ class Application final : public QObject {
     explicit Application(std::shared_ptr<FileReader> reader = nullptr);
     ~Application() override;
 
-    /// Opens transcripts in windows of their own, folders in the search window; a file that is open
-    /// already has its window raised. Absolute paths, or "-" for standard input.
-    void open(const QStringList& paths);
     /// What a start without files shows: the windows of the last visit, else the welcome.
     void openWithoutFiles();
     /// Takes over the files of later starts of the program, unless another instance does already.
     bool listenForOtherStarts();
 
-    [[nodiscard]] Settings& settings() { return settings_; }
-    [[nodiscard]] RecentFiles& recentFiles() { return recentFiles_; }
-    [[nodiscard]] ContactsStore& contacts() { return *contacts_; }
-    [[nodiscard]] PictureCache& pictures() { return pictures_; }
-    [[nodiscard]] std::vector<DocumentWindow*> documentWindows() const;
-
-    // Commands.
-    void showOpenDialog(QWidget* parent);
-    void showWelcome();
-    /// Whether the saved search is among the program's resources.
-    [[nodiscard]] static bool offersFindFiles();
+    void open(const QStringList& paths) override;
+    void showOpenDialog(QWidget* parent) override;
+    [[nodiscard]] bool offersFindFiles() const override;
     /// Opens the saved search with the desktop, or a search window of ours where none can.
-    void findFiles();
-    void showFindWindow(const QStringList& folders);
-    void showAbout();
-    void showPreferences();
-    static void openBugReport();
-    void quit();
+    void findFiles() override;
+    void showAbout() override;
+    void showPreferences() override;
+    void quit() override;
+    [[nodiscard]] QWidgetList documentWindows() const override;
 
     bool eventFilter(QObject* object, QEvent* event) override;
 
@@ -73,6 +62,8 @@ class Application final : public QObject {
     };
 
     void openContacts();
+    void showWelcome();
+    void showFindWindow(const QStringList& folders);
     void openTranscript(const QString& path, const QString& canonicalPath);
     void remove(DocumentWindow* window);
     void rememberWindows();
@@ -87,7 +78,7 @@ class Application final : public QObject {
     RecentFiles recentFiles_;
     SingleInstance instance_;
     FileDrops drops_;
-    LoadLane lane_;
+    LoadThread loadThread_;
     DocumentLoader loader_;
     ContactsDialog contactsDialog_;
     VCardSource* chosenCards_ = nullptr;  // owned by systemContacts_, that by contacts_

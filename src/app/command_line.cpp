@@ -2,7 +2,10 @@
 #include "app/command_line.h"
 
 #include <QCommandLineParser>
+#include <QDir>
+#include <QUrl>
 
+#include "app/documents/file_reader.h"
 #include "toolkit/application_info.h"
 
 namespace vell {
@@ -47,6 +50,15 @@ CommandLine CommandLine::parse(const QStringList& arguments) {
     result.isDark = parser.isSet(dark);
     if (parser.isSet(render)) result.renderTarget = parser.value(render);
     return result;
+}
+
+QString argumentPath(const QString& argument, const QString& folder) {
+    if (isStandardInput(argument)) return argument;
+    if (argument.startsWith(QLatin1String("file:"), Qt::CaseInsensitive)) {
+        const QUrl url(argument);
+        if (url.isLocalFile()) return QDir::cleanPath(url.toLocalFile());
+    }
+    return QDir::cleanPath(QDir(folder).absoluteFilePath(argument));
 }
 
 }  // namespace vell

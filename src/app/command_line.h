@@ -26,4 +26,8 @@ struct CommandLine {
     static CommandLine parse(const QStringList& arguments);
 };
 
+/// The absolute path that an argument means: a path, relative to the given folder, or a "file:"
+/// address; "-" stays what it is.
+[[nodiscard]] QString argumentPath(const QString& argument, const QString& folder);
+
 }  // namespace vell

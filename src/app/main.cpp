@@ -16,7 +16,6 @@
 #include "app/application.h"
 #include "app/command_line.h"
 #include "app/desktop/quit_signals.h"
-#include "app/documents/dropped_files.h"
 #include "app/render.h"
 #include "foundation/local_path.h"
 

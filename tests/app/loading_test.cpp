@@ -18,7 +18,7 @@ namespace {
 using foundation::Data;
 using foundation::FileWrapper;
 using vell::DocumentLoader;
-using vell::LoadLane;
+using vell::LoadThread;
 
 /// Answers the bytes it was given; paths that begin with "stall" block until the end.
 class FakeReader final : public vell::FileReader {
@@ -69,8 +69,8 @@ class Loading : public testing::Test {
 TEST_F(Loading, EveryFailureCapturesTheLogOfItsOwnFile) {
     std::mutex mutex;
     QStringList logs;
-    LoadLane lane;
-    DocumentLoader loader(reader, lane.entrance(), [&] {
+    LoadThread thread;
+    DocumentLoader loader(reader, thread.queue(), [&] {
         const std::lock_guard lock(mutex);
         logs.append(vell::tesselLoadLog()->grabLog());
     });
@@ -99,8 +99,8 @@ TEST_F(Loading, EveryFailureCapturesTheLogOfItsOwnFile) {
 TEST_F(Loading, AStalledFileHoldsBackNothingButItself) {
     QElapsedTimer timer;
     {
-        LoadLane lane;
-        DocumentLoader loader(reader, lane.entrance(), [] {});
+        LoadThread thread;
+        DocumentLoader loader(reader, thread.queue(), [] {});
         bool stalledDone = false;
         bool otherDone = false;
         const auto stalled = loader.load(
@@ -115,8 +115,8 @@ TEST_F(Loading, AStalledFileHoldsBackNothingButItself) {
 }
 
 TEST_F(Loading, NobodyHearsOfACancelledLoad) {
-    LoadLane lane;
-    DocumentLoader loader(reader, lane.entrance(), [] {});
+    LoadThread thread;
+    DocumentLoader loader(reader, thread.queue(), [] {});
     auto ticket = loader.load(QStringLiteral("stall then gone"),
                               [](const auto&) { ADD_FAILURE() << "a cancelled load was told"; });
     ticket.reset();
@@ -130,23 +130,24 @@ TEST_F(Loading, NobodyHearsOfACancelledLoad) {
 TEST_F(Loading, OpenedDocumentsGoBeforeSummaries) {
     std::mutex gate;
     std::vector<std::string> order;
-    LoadLane lane;
+    LoadThread thread;
     gate.lock();
     std::atomic<int> finished = 0;
-    lane.entrance()->post(LoadLane::Priority::summary, [&] {
+    thread.queue()->post(LoadThread::Priority::summary, [&] {
         const std::lock_guard lock(gate);
         ++finished;
     });
     for (const char* name : {"summary", "document"}) {
-        lane.entrance()->post(
-            *name == 's' ? LoadLane::Priority::summary : LoadLane::Priority::document, [&, name] {
+        thread.queue()->post(
+            *name == 's' ? LoadThread::Priority::summary : LoadThread::Priority::document,
+            [&, name] {
                 order.emplace_back(name);
                 ++finished;
             });
     }
     gate.unlock();
     ASSERT_TRUE(waitUntil([&] { return finished == 3; }));
-    // The lane may have begun with the document before it met the first summary.
+    // The thread may have begun with the document before it met the first summary.
     EXPECT_EQ(order, (std::vector<std::string>{"document", "summary"}));
 }
 

@@ -65,8 +65,8 @@ TEST_F(OutOfMemory, IsTheFailureOfOneFile) {
     const QString path = file(u"a.ichat"_s, chat(3000));
     const auto log = std::make_shared<const vell::TesselChatLog>(
         vell::TesselChatLog::fromFile(path, foundation::Calendar::current()));
-    vell::LoadLane lane;
-    DocumentLoader loader(std::make_shared<vell::DiskFileReader>(), lane.entrance(), [] {});
+    vell::LoadThread thread;
+    DocumentLoader loader(std::make_shared<vell::DiskFileReader>(), thread.queue(), [] {});
 
     failEverywhere("document", [&] {
         int told = 0;

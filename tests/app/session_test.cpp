@@ -52,7 +52,7 @@ TEST_F(Session, TheNextVisitBeginsWhereTheLastOneEnded) {
     start();
     program->openWithoutFiles();
     EXPECT_FALSE(openWindow("welcomeWindow"));
-    const auto windows = program->documentWindows();
+    const auto windows = documentWindows();
     ASSERT_EQ(windows.size(), 2u) << "what has gone meanwhile is no error";
     for (const size_t i : {0u, 1u}) {
         const Place& place = places[i * 2];
@@ -71,20 +71,20 @@ TEST_F(Session, TheNextVisitBeginsWhereTheLastOneEnded) {
     end();
     start();
     program->openWithoutFiles();
-    ASSERT_EQ(program->documentWindows().size(), 1u);
-    EXPECT_EQ(program->documentWindows().front()->path(), places[2].path);
+    ASSERT_EQ(documentWindows().size(), 1u);
+    EXPECT_EQ(documentWindows().front()->path(), places[2].path);
 
-    program->settings().setRestoresWindows(false);
+    QSettings().setValue(u"RestoreWindows"_s, false);
     end();
     start();
     program->openWithoutFiles();
-    EXPECT_TRUE(program->documentWindows().empty());
+    EXPECT_TRUE(documentWindows().empty());
     EXPECT_TRUE(openWindow("welcomeWindow"));
 }
 
 TEST_F(Session, AQuestionThatGoesAwayIsAskedAgain) {
     const auto ask = [&] {
-        DocumentWindow* window = program->documentWindows().front();
+        DocumentWindow* window = documentWindows().front();
         window->activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(window));
         window->findChild<QPushButton*>(u"grantOrDeny"_s)->click();
@@ -119,7 +119,7 @@ TEST_F(Session, AQuestionThatGoesAwayIsAskedAgain) {
     for (QAbstractButton* button : question->buttons()) {
         if (button->text() == u"Don’t Allow"_s) button->click();
     }
-    const auto* bar = program->documentWindows().front()->findChild<vell::ContactsBar*>();
+    const auto* bar = documentWindows().front()->findChild<vell::ContactsBar*>();
     EXPECT_TRUE(waitUntil([&] { return !bar->isVisible(); }));
     EXPECT_FALSE(QSettings().value(u"ContactsAccess"_s, true).toBool());
 }

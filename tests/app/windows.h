@@ -13,6 +13,7 @@
 #include <QSettings>
 #include <QTemporaryDir>
 #include <memory>
+#include <vector>
 
 #include "app/application.h"
 #include "app/documents/document_window.h"
@@ -91,8 +92,15 @@ class Windows : public testing::Test {
         return path;
     }
 
+    [[nodiscard]] std::vector<DocumentWindow*> documentWindows() const {
+        std::vector<DocumentWindow*> windows;
+        for (QWidget* window : program->documentWindows())
+            windows.push_back(qobject_cast<DocumentWindow*>(window));
+        return windows;
+    }
+
     [[nodiscard]] DocumentWindow* windowOf(const QString& path) const {
-        for (DocumentWindow* window : program->documentWindows()) {
+        for (DocumentWindow* window : documentWindows()) {
             if (window->path() == path) return window;
         }
         return nullptr;

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/desktop/desktop.h"
 
-#include <QCoreApplication>
 #include <QDesktopServices>
-#include <QEvent>
-#include <QPalette>
+#include <QWidget>
 #include <optional>
 
 #include "toolkit/application_info.h"
@@ -38,22 +36,6 @@ bool isAddress(const QString& text) {
     return url.isValid() && !url.scheme().isEmpty();
 }
 
-/// Keeps its text in the placeholder colour of whatever palette it stands in.
-class SecondaryLabel final : public QLabel {
-  public:
-    explicit SecondaryLabel(const QString& text) : QLabel(text) { setTextFormat(Qt::PlainText); }
-
-  protected:
-    void changeEvent(QEvent* event) override {
-        QLabel::changeEvent(event);
-        if (event->type() == QEvent::PaletteChange) update();
-    }
-    void showEvent(QShowEvent* event) override {
-        setForegroundRole(QPalette::PlaceholderText);
-        QLabel::showEvent(event);
-    }
-};
-
 }  // namespace
 
 QString address(InfoAddress which) {
@@ -64,27 +46,6 @@ QString address(InfoAddress which) {
 
 QUrl reportBug() {
     return QUrl(address(InfoAddress::bugReporter));
-}
-
-QString versionLine(const ApplicationInfo& info) {
-    return QCoreApplication::translate("Version", "Version: %1 (%2)").arg(info.version, info.build);
-}
-
-QLabel* secondaryLabel(const QString& text) {
-    return new SecondaryLabel(text);
-}
-
-QLabel* linkLabel(const QString& text, const QString& address) {
-    auto* label = new QLabel(
-        QStringLiteral("<a href=\"%1\">%2</a>").arg(address.toHtmlEscaped(), text.toHtmlEscaped()));
-    label->setTextFormat(Qt::RichText);
-    label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
-    label->setAlignment(Qt::AlignCenter);
-    label->setToolTip(address);
-    label->setAccessibleName(text);
-    QObject::connect(label, &QLabel::linkActivated, label,
-                     [](const QString& link) { openWithDesktop(QUrl(link)); });
-    return label;
 }
 
 void bringToFront(QWidget& window) {

@@ -1,16 +1,15 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Small pieces that several windows share: addresses from the information dictionary, links, the
-// secondary label colour, opening things through the desktop.
+// What windows ask of the desktop around them, and the addresses that the information dictionary
+// names.
 
-#include <QLabel>
 #include <QString>
 #include <QUrl>
 
-namespace vell {
+class QWidget;
 
-struct ApplicationInfo;
+namespace vell {
 
 /// Addresses that the information dictionary names.
 enum class InfoAddress { support, supportMail, publisher, bugReporter, identiconProject };
@@ -22,22 +21,13 @@ enum class InfoAddress { support, supportMail, publisher, bugReporter, identicon
 /// Where "Report Bug …" leads.
 [[nodiscard]] QUrl reportBug();
 
-/// "Version: 1.0 (17)".
-[[nodiscard]] QString versionLine(const ApplicationInfo& info);
-
-/// A label in the palette's secondary label colour, following palette changes.
-[[nodiscard]] QLabel* secondaryLabel(const QString& text);
-
-/// A label that opens the address when clicked or pressed.
-[[nodiscard]] QLabel* linkLabel(const QString& text, const QString& address);
-
 /// Shows the window in front of all others, with the keyboard in it.
 void bringToFront(QWidget& window);
 
 /// The text as a menu shows it to the letter, without mnemonics and shortcuts.
 [[nodiscard]] QString menuText(QString text);
 
-/// Opens the address with the desktop's own program; answers whether one took it.
+/// Opens the address with the desktop's own program; returns whether one took it.
 bool openWithDesktop(const QUrl& url);
 
 }  // namespace vell

@@ -1,20 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "app/documents/contacts_bar.h"
 
-#include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/windows/widgets.h"
 #include "identity/contacts/contacts_store.h"
 
 namespace vell {
-namespace {
-
-constexpr int defaultPadding = 16;
-
-}  // namespace
 
 ContactsBar::ContactsBar(ContactsStore& contacts, QWidget* parent)
     : QWidget(parent), contacts_(contacts) {
@@ -22,9 +17,6 @@ ContactsBar::ContactsBar(ContactsStore& contacts, QWidget* parent)
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Window);
 
-    auto* divider = new QFrame;
-    divider->setFrameShape(QFrame::HLine);
-    divider->setFrameShadow(QFrame::Sunken);
     auto* text = new QLabel(
         tr("This app can show participant names and icons if you grant it access to your "
            "addressbook."));
@@ -40,7 +32,7 @@ ContactsBar::ContactsBar(ContactsStore& contacts, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSpacing(0);
-    layout->addWidget(divider);
+    layout->addWidget(divider());
     layout->addLayout(row);
 
     const auto update = [this] { setVisible(contacts_.shouldRequestABAccess()); };

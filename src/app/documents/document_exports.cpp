@@ -9,7 +9,6 @@
 #include <QMimeData>
 #include <QSaveFile>
 
-#include "app/application.h"
 #include "app/documents/document_window.h"
 #include "export/chat_log_text.h"
 #include "export/expansion.h"
@@ -33,12 +32,12 @@ QMessageBox* openBox(QWidget* window, const QString& title, const QString& text,
 }  // namespace
 
 void DocumentWindow::writeMarkdown(const ByteSink& output) const {
-    vell::writeMarkdown(document_->chatlog(), application_.contacts(), output);
+    vell::writeMarkdown(document_->chatlog(), services_.contacts, output);
 }
 
 bool DocumentWindow::isOutOfProportion() const {
     return expandsBeyond(exportLimit(document_->data().size()), document_->chatlog(),
-                         application_.contacts(), false,
+                         services_.contacts, false,
                          [this](const ByteSink& output) { writeMarkdown(output); });
 }
 
@@ -55,7 +54,7 @@ void DocumentWindow::copyWholeChat() {
                 QMessageBox::Ok);
         return;
     }
-    const QString text = document_->chatlog().generatePlainText(application_.contacts());
+    const QString text = document_->chatlog().generatePlainText(services_.contacts);
     auto* item = new QMimeData;
     item->setText(text);
     item->setData(markdownType.mimeName.toString(), text.toUtf8());

@@ -12,7 +12,7 @@
 namespace vell {
 namespace {
 
-/// A file on its way to the lane.
+/// A file on its way to the load thread.
 struct Read {
     std::shared_ptr<const foundation::FileWrapper> file;
     std::optional<foundation::Error> problem;  ///< why it has no contents, where that is known
@@ -48,17 +48,17 @@ DocumentLoader::Result convert(const Read& read,
 }  // namespace
 
 DocumentLoader::DocumentLoader(std::shared_ptr<FileReader> reader,
-                               std::shared_ptr<LoadLane::Entrance> lane,
+                               std::shared_ptr<LoadThread::Queue> queue,
                                std::function<void()> presentLoadLogWindow)
     : reader_(std::move(reader)),
-      lane_(std::move(lane)),
+      queue_(std::move(queue)),
       presentLoadLogWindow_(std::move(presentLoadLogWindow)) {}
 
 DocumentLoader::Ticket DocumentLoader::load(const QString& path, Completion completion) {
     const auto wanted = std::make_shared<Completion>(std::move(completion));
     const std::weak_ptr<Completion> stillWanted = wanted;
 
-    // Posted from the lane only, which ends before the application object does.
+    // Posted from the load thread only, which ends before the application object does.
     const auto finish = [stillWanted](Result result) {
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
@@ -70,14 +70,14 @@ DocumentLoader::Ticket DocumentLoader::load(const QString& path, Completion comp
 
     const auto fail = [finish] { finish({nullptr, fileReadCorruptFileError()}); };
     foundation::runDetached(
-        [reader = reader_, lane = lane_, present = presentLoadLogWindow_, path, stillWanted, finish,
-         fail] {
+        [reader = reader_, queue = queue_, present = presentLoadLogWindow_, path, stillWanted,
+         finish, fail] {
             const auto convertIt = [file = read(*reader, path), present, stillWanted, finish] {
                 if (!stillWanted.expired()) finish(convert(file, present));
             };
-            lane->post(LoadLane::Priority::document, foundation::guarded(convertIt, fail));
+            queue->post(LoadThread::Priority::document, foundation::guarded(convertIt, fail));
         },
-        [lane = lane_, fail] { lane->post(LoadLane::Priority::document, fail); });
+        [queue = queue_, fail] { queue->post(LoadThread::Priority::document, fail); });
     return wanted;
 }
 

@@ -3,7 +3,7 @@
 //
 // DocumentLoader: opens transcripts without ever keeping the window thread waiting. Bytes are read
 // on a detached thread each, which owns all it touches, so that a file on a stalled mount holds
-// back nothing but itself; conversions run on the load lane. Lives on the window thread.
+// back nothing but itself; conversions run on the load thread. Lives on the window thread.
 
 #include <QString>
 #include <functional>
@@ -12,7 +12,7 @@
 
 #include "app/documents/document.h"
 #include "app/documents/file_reader.h"
-#include "app/documents/load_lane.h"
+#include "app/documents/load_thread.h"
 
 namespace vell {
 
@@ -27,19 +27,19 @@ class DocumentLoader {
     /// Keeps a load wanted; without its ticket nobody hears of its end any more.
     using Ticket = std::shared_ptr<void>;
 
-    /// `presentLoadLogWindow` is called on the lane when a load has failed.
-    DocumentLoader(std::shared_ptr<FileReader> reader, std::shared_ptr<LoadLane::Entrance> lane,
+    /// `presentLoadLogWindow` is called on the load thread when a load has failed.
+    DocumentLoader(std::shared_ptr<FileReader> reader, std::shared_ptr<LoadThread::Queue> queue,
                    std::function<void()> presentLoadLogWindow);
 
     /// Starts a load; the completion is called on the window thread while the ticket lives.
     [[nodiscard]] Ticket load(const QString& path, Completion completion);
 
     [[nodiscard]] const std::shared_ptr<FileReader>& reader() const { return reader_; }
-    [[nodiscard]] const std::shared_ptr<LoadLane::Entrance>& lane() const { return lane_; }
+    [[nodiscard]] const std::shared_ptr<LoadThread::Queue>& queue() const { return queue_; }
 
   private:
     std::shared_ptr<FileReader> reader_;
-    std::shared_ptr<LoadLane::Entrance> lane_;
+    std::shared_ptr<LoadThread::Queue> queue_;
     std::function<void()> presentLoadLogWindow_;
 };
 

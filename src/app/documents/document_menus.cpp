@@ -9,11 +9,12 @@
 #include <QMenuBar>
 #include <QToolBar>
 
-#include "app/application.h"
-#include "app/common_commands.h"
 #include "app/desktop/desktop.h"
+#include "app/desktop/settings.h"
 #include "app/documents/document_window.h"
 #include "app/documents/find_bar.h"
+#include "app/windows/commands.h"
+#include "app/windows/common_commands.h"
 #include "app/windows/font_size.h"
 #include "timeline/timeline_view.h"
 
@@ -30,7 +31,7 @@ void DocumentWindow::buildMenus() {
     buildFormatMenu();
     buildViewMenu();
     buildWindowMenu();
-    addHelpMenu(*menuBar(), application_);
+    addHelpMenu(*menuBar(), commands_);
 
     QToolBar* toolBar = addToolBar(tr("Toolbar"));
     toolBar->setObjectName(QStringLiteral("toolBar"));
@@ -43,12 +44,12 @@ void DocumentWindow::buildMenus() {
 
 void DocumentWindow::buildFileMenu() {
     QMenu& menu = *menuBar()->addMenu(tr("&File"));
-    addOpeningCommands(menu, application_, *this);
+    addOpeningCommands(menu, commands_, services_.recentFiles, *this);
     menu.addSeparator();
     documentActions_.append(addCommand(menu, tr("&Save Chat as Markdown …"),
                                        keysFor(QKeySequence::Save), [this] { saveAsMarkdown(); }));
     menu.addSeparator();
-    addClosingCommands(menu, application_, *this);
+    addClosingCommands(menu, commands_, *this);
 }
 
 void DocumentWindow::buildEditMenu() {
@@ -88,7 +89,7 @@ void DocumentWindow::buildFormatMenu() {
 void DocumentWindow::buildViewMenu() {
     QMenu& menu = *menuBar()->addMenu(tr("&View"));
     addCommand(menu, tr("&Actual Size"), {QKeySequence(Qt::CTRL | Qt::Key_0)},
-               [this] { application_.settings().setTimelineFontSize(actualFontSize); });
+               [this] { services_.settings.setTimelineFontSize(actualFontSize); });
     menu.addSeparator();
     QAction* fullScreen =
         addCommand(menu, tr("&Full Screen"), keysFor(QKeySequence::FullScreen),
@@ -102,7 +103,7 @@ void DocumentWindow::buildWindowMenu() {
     QMenu* windows = menuBar()->addMenu(tr("&Window"));
     connect(windows, &QMenu::aboutToShow, this, [this, windows] {
         windows->clear();
-        for (DocumentWindow* window : application_.documentWindows()) {
+        for (QWidget* window : commands_.documentWindows()) {
             QAction* action = windows->addAction(menuText(window->windowTitle()));
             action->setCheckable(true);
             action->setChecked(window == this);
@@ -112,7 +113,7 @@ void DocumentWindow::buildWindowMenu() {
 }
 
 void DocumentWindow::changeFontSize(int action) {
-    Settings& settings = application_.settings();
+    Settings& settings = services_.settings;
     settings.setTimelineFontSize(
         fontSizeAfter(static_cast<FontAction>(action), settings.timelineFontSize(), 0));
 }
@@ -122,7 +123,7 @@ void DocumentWindow::showFontPanel() {
         fontPanel_ = new QFontDialog(this);
         fontPanel_->setOption(QFontDialog::NoButtons);
         connect(fontPanel_, &QFontDialog::currentFontChanged, this, [this](const QFont& font) {
-            Settings& settings = application_.settings();
+            Settings& settings = services_.settings;
             const FontAction action = panelAction(panelFont_, font);
             panelFont_ = font;
             settings.setTimelineFontSize(
@@ -130,7 +131,7 @@ void DocumentWindow::showFontPanel() {
         });
     }
     panelFont_ = font();
-    panelFont_.setPointSizeF(paintableFontSize(application_.settings().timelineFontSize()));
+    panelFont_.setPointSizeF(paintableFontSize(services_.settings.timelineFontSize()));
     {
         const QSignalBlocker quiet(fontPanel_);
         fontPanel_->setCurrentFont(panelFont_);

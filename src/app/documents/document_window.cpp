@@ -11,7 +11,8 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "app/application.h"
+#include "app/desktop/recent_files.h"
+#include "app/desktop/settings.h"
 #include "app/documents/chat_title.h"
 #include "app/documents/contacts_bar.h"
 #include "app/documents/find_bar.h"
@@ -46,9 +47,9 @@ QWidget* loadingPage() {
 
 }  // namespace
 
-DocumentWindow::DocumentWindow(Application& application, DocumentLoader& loader,
+DocumentWindow::DocumentWindow(Commands& commands, const Services& services, DocumentLoader& loader,
                                const QString& path)
-    : application_(application), path_(path) {
+    : commands_(commands), services_(services), path_(path) {
     setAttribute(Qt::WA_DeleteOnClose);
     setObjectName(QStringLiteral("documentWindow"));
     showTitle();
@@ -57,11 +58,10 @@ DocumentWindow::DocumentWindow(Application& application, DocumentLoader& loader,
     buildMenus();
     restorePlace();
 
-    connect(&application_.settings(), &Settings::timelineFontSizeChanged, this,
-            [this](qint64 points) {
-                if (timeline_) timeline_->setFontSize(points);
-            });
-    connect(&application_.contacts(), &ContactsStore::addressToContactChanged, this,
+    connect(&services_.settings, &Settings::timelineFontSizeChanged, this, [this](qint64 points) {
+        if (timeline_) timeline_->setFontSize(points);
+    });
+    connect(&services_.contacts, &ContactsStore::addressToContactChanged, this,
             &DocumentWindow::showTitle);
     load_ = loader.load(path, [this](const DocumentLoader::Result& result) { loaded(result); });
 }
@@ -71,7 +71,7 @@ DocumentWindow::~DocumentWindow() = default;
 void DocumentWindow::buildContent() {
     pages_ = new QStackedWidget;
     pages_->addWidget(loadingPage());
-    contactsBar_ = new ContactsBar(application_.contacts());
+    contactsBar_ = new ContactsBar(services_.contacts);
 
     auto* content = new QWidget;
     content->setAutoFillBackground(true);
@@ -98,20 +98,20 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     showTitle();
     search_ = std::make_unique<ChatSearch>(document_->sharedChatlog());
     connect(search_.get(), &ChatSearch::changed, this, &DocumentWindow::showMatches);
-    timeline_ = new TimelineView(document_->sharedChatlog(), application_.contacts(),
-                                 application_.pictures());
+    timeline_ =
+        new TimelineView(document_->sharedChatlog(), services_.contacts, services_.pictures);
     connect(timeline_, &TimelineView::linkHovered, statusBar(),
             [this](const QString& address) { statusBar()->showMessage(address); });
-    timeline_->setFontSize(application_.settings().timelineFontSize());
+    timeline_->setFontSize(services_.settings.timelineFontSize());
     timeline_->viewport()->installEventFilter(this);
     pages_->setCurrentIndex(pages_->addWidget(timeline_));
     delete pages_->widget(0);
-    if (const auto place = application_.settings().windowPlace(path_))
+    if (const auto place = services_.settings.windowPlace(path_))
         timeline_->scrollToRow(place->topRow, place->pointsAbove);
     timeline_->setFocus();
     for (QAction* action : documentActions_)
         action->setEnabled(true);
-    if (!isStandardInput(path_)) application_.recentFiles().add(path_);
+    if (!isStandardInput(path_)) services_.recentFiles.add(path_);
 }
 
 bool DocumentWindow::eventFilter(QObject* object, QEvent* event) {
@@ -125,7 +125,7 @@ bool DocumentWindow::eventFilter(QObject* object, QEvent* event) {
 void DocumentWindow::showTitle() {
     QString title;
     if (document_) {
-        title = chatTitle(document_->chatlog(), application_.contacts());
+        title = chatTitle(document_->chatlog(), services_.contacts);
     } else {
         title = isStandardInput(path_) ? tr("Standard Input") : QFileInfo(path_).completeBaseName();
     }
@@ -134,13 +134,13 @@ void DocumentWindow::showTitle() {
 }
 
 void DocumentWindow::restorePlace() {
-    if (const auto place = application_.settings().windowPlace(path_))
+    if (const auto place = services_.settings.windowPlace(path_))
         restoreWindow(*this, place->geometry);
 }
 
 void DocumentWindow::savePlace() const {
     if (!document_ || isStandardInput(path_)) return;
-    application_.settings().setWindowPlace(
+    services_.settings.setWindowPlace(
         path_, {saveGeometry(), timeline_->topRow(), timeline_->pointsAbove()});
 }
 

@@ -9,6 +9,7 @@
 
 #include "app/documents/chat_search.h"
 #include "app/documents/document_loader.h"
+#include "app/documents/services.h"
 #include "export/text_sink.h"
 
 class QFontDialog;
@@ -17,7 +18,7 @@ class QStackedWidget;
 
 namespace vell {
 
-class Application;
+class Commands;
 class ContactsBar;
 class FindBar;
 class TimelineView;
@@ -27,7 +28,8 @@ class DocumentWindow final : public QMainWindow {
 
   public:
     /// Starts loading the path ("-": standard input) with the loader.
-    DocumentWindow(Application& application, DocumentLoader& loader, const QString& path);
+    DocumentWindow(Commands& commands, const Services& services, DocumentLoader& loader,
+                   const QString& path);
     ~DocumentWindow() override;
 
     [[nodiscard]] const QString& path() const { return path_; }
@@ -78,7 +80,8 @@ class DocumentWindow final : public QMainWindow {
     void showMatches();
     void goToMatch(int step);
 
-    Application& application_;
+    Commands& commands_;
+    Services services_;
     QString path_;
     DocumentLoader::Ticket load_;
     std::shared_ptr<const VellDocument> document_;

@@ -48,9 +48,8 @@ FindBar::FindBar(QWidget* parent)
     hide();
 }
 
-void FindBar::open(const QString& text) {
+void FindBar::open() {
     show();
-    if (!text.isEmpty()) edit_->setText(text);
     edit_->selectAll();
     edit_->setFocus(Qt::ShortcutFocusReason);
 }

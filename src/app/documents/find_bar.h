@@ -17,8 +17,8 @@ class FindBar final : public QWidget {
   public:
     explicit FindBar(QWidget* parent = nullptr);
 
-    /// Shows the bar with the keyboard in it; a text replaces what was typed last.
-    void open(const QString& text = {});
+    /// Shows the bar with the keyboard in it and what was typed last selected.
+    void open();
     [[nodiscard]] QString text() const { return edit_->text(); }
     /// Shows "3 of 120"; current counts from 1, 0 for none. `counting` while more may come.
     void setCount(qsizetype current, qsizetype total, bool counting);

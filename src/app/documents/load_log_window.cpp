@@ -4,10 +4,10 @@
 #include <QApplication>
 #include <QEventLoopLocker>
 #include <QFontDatabase>
-#include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -15,6 +15,7 @@
 
 #include "app/desktop/desktop.h"
 #include "app/windows/panel_window.h"
+#include "app/windows/widgets.h"
 #include "foundation/date.h"
 #include "toolkit/application_info.h"
 #include "transcript/load_log.h"
@@ -23,7 +24,6 @@ namespace vell {
 namespace {
 
 constexpr int presentationDelay = 800;  // milliseconds, so that the error dialog comes first
-constexpr int defaultPadding = 16;
 constexpr QSize iconSize(64, 64);
 
 std::vector<QWidget*>& openWindows() {
@@ -47,13 +47,6 @@ void showWindow(const QString& log) {
     window->show();
     window->raise();
     window->activateWindow();
-}
-
-QFrame* divider() {
-    auto* line = new QFrame;
-    line->setFrameShape(QFrame::HLine);
-    line->setFrameShadow(QFrame::Sunken);
-    return line;
 }
 
 QWidget* padded(QWidget* content, QPalette::ColorRole background = QPalette::Window) {
@@ -81,6 +74,21 @@ QWidget* titleRow(const ApplicationInfo& info) {
     return row;
 }
 
+const QString& introText() {
+    static const QString text =
+        LoadLogView::tr(
+            "It looks like loading the .ichat chatscript failed for some reason 😔. We'd love to "
+            "debug this and collected some information while loading the file.\nWe would be very "
+            "thankful if you could send us the file load information below. It does NOT contain "
+            "the full file but only the first %1 bytes. Those should not contain any private "
+            "information.\n\nIf you could send us a complete sample file which fails to load, that "
+            "would also be very helpful. We understand that you might not want to share personal "
+            "information. If you do, we promise to delete it immediatly after analysis and confirm "
+            "the deletion to you by email.")
+            .arg(tesselDataPrefixLogLength.load());
+    return text;
+}
+
 QLabel* explanation() {
     auto* label = new QLabel(introText());
     label->setWordWrap(true);
@@ -103,19 +111,30 @@ QWidget* linksRow() {
     return row;
 }
 
+/// What stands above every log.
+QString header(const ApplicationInfo& info) {
+    return QStringLiteral("#  App Version: ") + info.version + QStringLiteral(" Build ") +
+           info.build + QStringLiteral("\n## Date:        ") +
+           foundation::Date::now().description() + QStringLiteral("\n---\n\n");
+}
+
+/// An editor, which gives way to a sentence once everything in it has been deleted.
 QWidget* output(const QString& text) {
-    if (text.isEmpty()) {
-        auto* label = new QLabel(LoadLogView::tr("No log could be found 😔"));
-        label->setAlignment(Qt::AlignCenter);
-        return label;
-    }
     auto* editor = new QPlainTextEdit(text);
     editor->setObjectName(QStringLiteral("loadLogText"));
     editor->setAccessibleName(LoadLogView::tr("Load log"));
     editor->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     editor->setFrameShape(QFrame::NoFrame);
     editor->setLineWrapMode(QPlainTextEdit::NoWrap);
-    return editor;
+    auto* none = new QLabel(LoadLogView::tr("No log could be found 😔"));
+    none->setAlignment(Qt::AlignCenter);
+    auto* pages = new QStackedWidget;
+    pages->addWidget(editor);
+    pages->addWidget(none);
+    QObject::connect(editor, &QPlainTextEdit::textChanged, pages, [pages, editor, none] {
+        if (editor->document()->isEmpty()) pages->setCurrentWidget(none);
+    });
+    return pages;
 }
 
 }  // namespace
@@ -131,41 +150,11 @@ void presentLoadLogWindowIfNecessary() {
     });
 }
 
-const QString& introText() {
-    static const QString text =
-        LoadLogView::tr(
-            "It looks like loading the .ichat chatscript failed for some reason 😔. We'd love to "
-            "debug this and collected some information while loading the file.\nWe would be very "
-            "thankful if you could send us the file load information below. It does NOT contain "
-            "the full file but only the first %1 bytes. Those should not contain any private "
-            "information.\n\nIf you could send us a complete sample file which fails to load, that "
-            "would also be very helpful. We understand that you might not want to share personal "
-            "information. If you do, we promise to delete it immediatly after analysis and confirm "
-            "the deletion to you by email.")
-            .arg(tesselDataPrefixLogLength.load());
-    return text;
-}
-
 const std::vector<QWidget*>& logWindows() {
     return openWindows();
 }
 
-QString LoadLogView::header(const ApplicationInfo& info) {
-    return QStringLiteral("#  App Version: ") + info.version + QStringLiteral(" Build ") +
-           info.build + QStringLiteral("\n## Date:        ") +
-           foundation::Date::now().description() + QStringLiteral("\n---\n\n");
-}
-
-LoadLogView::LoadLogView(const ApplicationInfo& info, const QString& log, QWidget* parent)
-    : LoadLogView(info, Complete{header(info) + log}, parent) {}
-
-LoadLogView* LoadLogView::showing(const ApplicationInfo& info, const QString& text,
-                                  QWidget* parent) {
-    return new LoadLogView(info, Complete{text}, parent);
-}
-
-LoadLogView::LoadLogView(const ApplicationInfo& info, Complete text, QWidget* parent)
-    : QWidget(parent) {
+LoadLogView::LoadLogView(const ApplicationInfo& info, const QString& log) {
     setMinimumSize(640, 480);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
@@ -176,7 +165,7 @@ LoadLogView::LoadLogView(const ApplicationInfo& info, Complete text, QWidget* pa
     layout->addWidget(divider());
     layout->addWidget(padded(linksRow()));
     layout->addWidget(divider());
-    layout->addWidget(padded(output(text.text), QPalette::Base), 1);
+    layout->addWidget(padded(output(header(info) + log), QPalette::Base), 1);
 }
 
 }  // namespace vell

@@ -4,7 +4,6 @@
 // The window that shows the load log of a transcript that could not be opened, with the program's
 // version, so that a person can send it in. Every failure gets a window of its own.
 
-#include <QString>
 #include <QWidget>
 #include <vector>
 
@@ -16,9 +15,6 @@ struct ApplicationInfo;
 /// the window thread. Does nothing when there is no load log.
 void presentLoadLogWindowIfNecessary();
 
-/// The explanation above the log.
-[[nodiscard]] const QString& introText();
-
 /// The open load-log windows, oldest first; window thread only.
 [[nodiscard]] const std::vector<QWidget*>& logWindows();
 
@@ -27,21 +23,9 @@ class LoadLogView final : public QWidget {
 
   public:
     /// Shows the log below a header with the version and the current time.
-    LoadLogView(const ApplicationInfo& info, const QString& log, QWidget* parent = nullptr);
-    /// The same for a text that is complete as it is; an empty one says that there is none.
-    static LoadLogView* showing(const ApplicationInfo& info, const QString& text,
-                                QWidget* parent = nullptr);
-
-    /// What stands above every log: version, build and the time in UTC.
-    static QString header(const ApplicationInfo& info);
+    LoadLogView(const ApplicationInfo& info, const QString& log);
 
     [[nodiscard]] QSize sizeHint() const override { return {720, 720}; }
-
-  private:
-    struct Complete {
-        QString text;
-    };
-    LoadLogView(const ApplicationInfo& info, Complete text, QWidget* parent);
 };
 
 }  // namespace vell

@@ -7,13 +7,11 @@
 #include <QPlainTextEdit>
 #include <QStyle>
 
-#include "app/desktop/desktop.h"
+#include "app/windows/widgets.h"
 #include "toolkit/application_info.h"
 
 namespace vell {
 namespace {
-
-constexpr int defaultPadding = 16;
 
 QString sentence(const QString& name, OpenFailures::Cause cause) {
     switch (cause) {

@@ -22,8 +22,6 @@ class OpenFailures final : public QDialog {
 
     /// Adds a document; `name` is what the user knows the file by.
     void add(const QString& name, Cause cause);
-    /// One sentence for each document, in the order in which they failed.
-    [[nodiscard]] const QStringList& sentences() const { return sentences_; }
 
   private:
     QStringList sentences_;

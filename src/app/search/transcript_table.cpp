@@ -33,7 +33,7 @@ QString participants(const TesselChatLog& log) {
 TranscriptTable::TranscriptTable(const DocumentLoader& loader, QObject* parent)
     : QAbstractTableModel(parent),
       reader_(loader.reader()),
-      lane_(loader.lane()),
+      queue_(loader.queue()),
       self_(std::make_shared<TranscriptTable*>(this)) {}
 
 void TranscriptTable::add(const QList<FileWalker::Found>& files) {
@@ -71,15 +71,15 @@ void TranscriptTable::summarise() {
     };
     const auto fail = [finish] { finish(std::nullopt); };
     foundation::runDetached(
-        [reader = reader_, lane = lane_, path = rows_[row].file.path, self, finish, fail] {
+        [reader = reader_, queue = queue_, path = rows_[row].file.path, self, finish, fail] {
             const auto summariseIt = [file = reader->read(path), self, finish] {
                 if (self.expired()) return;
                 const VellDocument document = VellDocument::read(*file, [] {});
                 finish(Summary{participants(document.chatlog()), messageCount(document.chatlog())});
             };
-            lane->post(LoadLane::Priority::summary, foundation::guarded(summariseIt, fail));
+            queue->post(LoadThread::Priority::summary, foundation::guarded(summariseIt, fail));
         },
-        [lane = lane_, fail] { lane->post(LoadLane::Priority::summary, fail); });
+        [queue = queue_, fail] { queue->post(LoadThread::Priority::summary, fail); });
 }
 
 void TranscriptTable::setSummary(int row, std::optional<Summary> summary) {

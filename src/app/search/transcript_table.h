@@ -30,7 +30,7 @@ class TranscriptTable final : public QAbstractTableModel {
     static constexpr int sortRole = Qt::UserRole;
     static constexpr int pathRole = Qt::UserRole + 1;
 
-    /// Reads files with the loader's reader, on the loader's lane.
+    /// Reads files with the loader's reader, on the loader's thread.
     explicit TranscriptTable(const DocumentLoader& loader, QObject* parent = nullptr);
 
     void add(const QList<FileWalker::Found>& files);
@@ -59,7 +59,7 @@ class TranscriptTable final : public QAbstractTableModel {
     [[nodiscard]] static QVariant sortKey(const Row& row, int column);
 
     std::shared_ptr<FileReader> reader_;
-    std::shared_ptr<LoadLane::Entrance> lane_;
+    std::shared_ptr<LoadThread::Queue> queue_;
     QList<Row> rows_;
     int nextSummary_ = 0;
     bool summarising_ = false;

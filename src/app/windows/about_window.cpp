@@ -2,25 +2,17 @@
 #include "app/windows/about_window.h"
 
 #include <QApplication>
-#include <QFrame>
 #include <QLabel>
 #include <QVBoxLayout>
 
 #include "app/desktop/desktop.h"
+#include "app/windows/widgets.h"
 #include "toolkit/application_info.h"
 
 namespace vell {
 namespace {
 
-constexpr int defaultPadding = 16;
 constexpr QSize iconSize(128, 128);
-
-void addDivider(QVBoxLayout& layout) {
-    auto* line = new QFrame;
-    line->setFrameShape(QFrame::HLine);
-    line->setFrameShadow(QFrame::Sunken);
-    layout.addWidget(line);
-}
 
 }  // namespace
 
@@ -48,12 +40,12 @@ PanelWindow* makeAboutWindow(const ApplicationInfo& info) {
     layout->addWidget(icon);
     layout->addWidget(name);
     layout->addWidget(version);
-    addDivider(*layout);
+    layout->addWidget(divider());
     if (info.credits) layout->addWidget(linkLabel(*info.credits, address(InfoAddress::publisher)));
     layout->addWidget(
         linkLabel(PanelWindow::tr("Uses IGIdenticon."), address(InfoAddress::identiconProject)));
     if (info.copyright) {
-        addDivider(*layout);
+        layout->addWidget(divider());
         layout->addWidget(linkLabel(*info.copyright, address(InfoAddress::publisher)));
     }
     layout->addStretch();

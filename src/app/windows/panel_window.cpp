@@ -9,7 +9,7 @@
 #include <QWindow>
 #include <utility>
 
-#include "app/common_commands.h"
+#include "app/windows/common_commands.h"
 #include "app/windows/window_geometry.h"
 
 namespace vell {

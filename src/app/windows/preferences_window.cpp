@@ -12,8 +12,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "app/desktop/desktop.h"
 #include "app/desktop/settings.h"
+#include "app/windows/widgets.h"
 #include "identity/contacts/contacts_store.h"
 #include "identity/contacts/system_contacts.h"
 

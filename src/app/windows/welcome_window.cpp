@@ -10,9 +10,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "app/application.h"
-#include "app/common_commands.h"
-#include "app/desktop/desktop.h"
+#include "app/desktop/recent_files.h"
+#include "app/windows/commands.h"
+#include "app/windows/common_commands.h"
+#include "app/windows/widgets.h"
 
 namespace vell {
 namespace {
@@ -22,18 +23,18 @@ constexpr QSize iconSize(96, 96);
 
 }  // namespace
 
-WelcomeWindow::WelcomeWindow(Application& application)
-    : QWidget(nullptr, Qt::Window), application_(application) {
+WelcomeWindow::WelcomeWindow(Commands& commands, RecentFiles& recentFiles)
+    : QWidget(nullptr, Qt::Window), commands_(commands), recentFiles_(recentFiles) {
     setObjectName(QStringLiteral("welcomeWindow"));
     setWindowTitle(tr("Welcome to Vell"));
     resize(620, 400);
 
     auto* menuBar = new QMenuBar;
     QMenu& file = *menuBar->addMenu(tr("&File"));
-    addOpeningCommands(file, application_, *this);
+    addOpeningCommands(file, commands_, recentFiles_, *this);
     file.addSeparator();
-    addClosingCommands(file, application_, *this);
-    addHelpMenu(*menuBar, application_);
+    addClosingCommands(file, commands_, *this);
+    addHelpMenu(*menuBar, commands_);
 
     auto* layout = new QHBoxLayout(this);
     layout->setMenuBar(menuBar);
@@ -41,7 +42,7 @@ WelcomeWindow::WelcomeWindow(Application& application)
     layout->setSpacing(padding);
     layout->addWidget(commandColumn(), 2);
     layout->addWidget(recentColumn(), 3);
-    connect(&application_.recentFiles(), &RecentFiles::changed, this, &WelcomeWindow::fill);
+    connect(&recentFiles_, &RecentFiles::changed, this, &WelcomeWindow::fill);
     fill();
 }
 
@@ -59,9 +60,9 @@ QWidget* WelcomeWindow::commandColumn() {
     auto* open = new QPushButton(tr("&Open …"));
     open->setDefault(true);
     auto* find = new QPushButton(tr("F&ind iChat Files …"));
-    find->setVisible(Application::offersFindFiles());
-    connect(open, &QPushButton::clicked, this, [this] { application_.showOpenDialog(this); });
-    connect(find, &QPushButton::clicked, this, [this] { application_.findFiles(); });
+    find->setVisible(commands_.offersFindFiles());
+    connect(open, &QPushButton::clicked, this, [this] { commands_.showOpenDialog(this); });
+    connect(find, &QPushButton::clicked, this, [this] { commands_.findFiles(); });
 
     auto* column = new QWidget;
     auto* layout = new QVBoxLayout(column);
@@ -80,7 +81,7 @@ QWidget* WelcomeWindow::recentColumn() {
     list_->setAccessibleName(tr("Recent transcripts"));
     list_->setFrameShape(QFrame::NoFrame);
     connect(list_, &QListWidget::itemActivated, this, [this](const QListWidgetItem* item) {
-        application_.open({item->data(Qt::UserRole).toString()});
+        commands_.open({item->data(Qt::UserRole).toString()});
     });
     auto* column = new QWidget;
     auto* layout = new QVBoxLayout(column);
@@ -92,7 +93,7 @@ QWidget* WelcomeWindow::recentColumn() {
 
 void WelcomeWindow::fill() {
     list_->clear();
-    for (const QString& path : application_.recentFiles().paths()) {
+    for (const QString& path : recentFiles_.paths()) {
         const QFileInfo file(path);
         auto* item = new QListWidgetItem(file.completeBaseName(), list_);
         item->setToolTip(QDir::toNativeSeparators(path));

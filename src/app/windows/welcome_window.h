@@ -9,20 +9,22 @@
 
 namespace vell {
 
-class Application;
+class Commands;
+class RecentFiles;
 
 class WelcomeWindow final : public QWidget {
     Q_OBJECT
 
   public:
-    explicit WelcomeWindow(Application& application);
+    WelcomeWindow(Commands& commands, RecentFiles& recentFiles);
 
   private:
     void fill();
     [[nodiscard]] QWidget* commandColumn();
     [[nodiscard]] QWidget* recentColumn();
 
-    Application& application_;
+    Commands& commands_;
+    RecentFiles& recentFiles_;
     QListWidget* list_ = nullptr;
 };
 

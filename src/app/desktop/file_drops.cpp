@@ -1,13 +1,24 @@
 // SPDX-License-Identifier: MIT
-#include "app/documents/file_drops.h"
+#include "app/desktop/file_drops.h"
 
 #include <QCoreApplication>
 #include <QDropEvent>
+#include <QMimeData>
+#include <QUrl>
 #include <QWidget>
 
-#include "app/documents/dropped_files.h"
-
 namespace vell {
+namespace {
+
+QStringList localFiles(const QMimeData& data) {
+    QStringList paths;
+    for (const QUrl& url : data.urls()) {
+        if (url.isLocalFile()) paths.append(url.toLocalFile());
+    }
+    return paths;
+}
+
+}  // namespace
 
 FileDrops::FileDrops(QObject* parent) : QObject(parent) {
     QCoreApplication::instance()->installEventFilter(this);
@@ -35,7 +46,7 @@ bool FileDrops::eventFilter(QObject* object, QEvent* event) {
 bool FileDrops::take(QDropEvent& event, bool isDropped) {
     // A picture of ours would be written to a file for who asks for its address.
     if (event.source()) return false;
-    const QStringList files = droppedFiles(*event.mimeData());
+    const QStringList files = localFiles(*event.mimeData());
     if (files.isEmpty()) return false;
     event.acceptProposedAction();
     if (isDropped) Q_EMIT dropped(files);

@@ -1,33 +1,30 @@
 // SPDX-License-Identifier: MIT
-#include "app/common_commands.h"
+#include "app/windows/common_commands.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QMenuBar>
 
-#include "app/application.h"
 #include "app/desktop/desktop.h"
+#include "app/desktop/recent_files.h"
+#include "app/windows/commands.h"
 #include "toolkit/application_info.h"
 
 namespace vell {
 namespace {
 
-struct Commands {
-    Q_DECLARE_TR_FUNCTIONS(Commands)
-};
-
-void fillRecent(QMenu& menu, Application& application) {
+void fillRecent(QMenu& menu, Commands& commands, RecentFiles& recentFiles) {
     menu.clear();
-    for (const QString& path : application.recentFiles().paths()) {
+    const QStringList paths = recentFiles.paths();
+    for (const QString& path : paths) {
         QAction* action = addCommand(menu, menuText(QFileInfo(path).fileName()), {},
-                                     [&application, path] { application.open({path}); });
+                                     [&commands, path] { commands.open({path}); });
         action->setToolTip(path);
     }
     menu.addSeparator();
-    const bool isEmpty = application.recentFiles().paths().isEmpty();
-    addCommand(menu, Commands::tr("&Clear Menu"), {}, [&application] {
-        application.recentFiles().clear();
-    })->setEnabled(!isEmpty);
+    addCommand(menu, Commands::tr("&Clear Menu"), {}, [&recentFiles] {
+        recentFiles.clear();
+    })->setEnabled(!paths.isEmpty());
 }
 
 }  // namespace
@@ -54,41 +51,43 @@ QList<QKeySequence> keysFor(QKeySequence::StandardKey command) {
     return keys;
 }
 
-void addOpeningCommands(QMenu& menu, Application& application, QWidget& window) {
-    if (Application::offersFindFiles()) {
+void addOpeningCommands(QMenu& menu, Commands& commands, RecentFiles& recentFiles,
+                        QWidget& window) {
+    if (commands.offersFindFiles()) {
         addCommand(menu, Commands::tr("Find iChat Files …"), {},
-                   [&application] { application.findFiles(); });
+                   [&commands] { commands.findFiles(); });
         menu.addSeparator();
     }
     addCommand(menu, Commands::tr("&Open …"), keysFor(QKeySequence::Open),
-               [&application, &window] { application.showOpenDialog(&window); });
+               [&commands, &window] { commands.showOpenDialog(&window); });
     QMenu* recent = menu.addMenu(Commands::tr("Open &Recent"));
     recent->setToolTipsVisible(true);
-    QObject::connect(recent, &QMenu::aboutToShow, &application,
-                     [recent, &application] { fillRecent(*recent, application); });
+    QObject::connect(recent, &QMenu::aboutToShow, recent, [recent, &commands, &recentFiles] {
+        fillRecent(*recent, commands, recentFiles);
+    });
 }
 
-void addClosingCommands(QMenu& menu, Application& application, QWidget& window) {
+void addClosingCommands(QMenu& menu, Commands& commands, QWidget& window) {
     addCommand(menu, Commands::tr("Pre&ferences …"), keysFor(QKeySequence::Preferences),
-               [&application] { application.showPreferences(); })
+               [&commands] { commands.showPreferences(); })
         ->setMenuRole(QAction::PreferencesRole);
     addCommand(menu, Commands::tr("&Close"), keysFor(QKeySequence::Close),
                [&window] { window.close(); });
-    addCommand(menu, Commands::tr("&Quit"), keysFor(QKeySequence::Quit), [&application] {
-        application.quit();
+    addCommand(menu, Commands::tr("&Quit"), keysFor(QKeySequence::Quit), [&commands] {
+        commands.quit();
     })->setMenuRole(QAction::QuitRole);
 }
 
-void addHelpMenu(QMenuBar& menuBar, Application& application) {
+void addHelpMenu(QMenuBar& menuBar, Commands& commands) {
     QMenu& help = *menuBar.addMenu(Commands::tr("&Help"));
     const QString name = applicationInfo().appName;
     addCommand(help, Commands::tr("%1 &Help").arg(name), keysFor(QKeySequence::HelpContents),
                [] { openWithDesktop(QUrl(address(InfoAddress::support))); });
     help.addSeparator();
-    addCommand(help, Commands::tr("About %1 …").arg(name), {}, [&application] {
-        application.showAbout();
+    addCommand(help, Commands::tr("About %1 …").arg(name), {}, [&commands] {
+        commands.showAbout();
     })->setMenuRole(QAction::AboutRole);
-    addCommand(help, Commands::tr("Report Bug …"), {}, [] { Application::openBugReport(); });
+    addCommand(help, Commands::tr("Report Bug …"), {}, [] { openWithDesktop(reportBug()); });
 }
 
 void addClosingShortcuts(QWidget& window) {

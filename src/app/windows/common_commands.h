@@ -11,7 +11,8 @@ class QMenuBar;
 
 namespace vell {
 
-class Application;
+class Commands;
+class RecentFiles;
 
 /// The desktop's keys for a command; the customary ones where it has none.
 [[nodiscard]] QList<QKeySequence> keysFor(QKeySequence::StandardKey command);
@@ -27,13 +28,13 @@ QAction* addCommand(QMenu& menu, const QString& text, const QList<QKeySequence>&
 }
 
 /// "Find iChat Files …" where the program has its saved search, "Open …", "Open Recent".
-void addOpeningCommands(QMenu& menu, Application& application, QWidget& window);
+void addOpeningCommands(QMenu& menu, Commands& commands, RecentFiles& recentFiles, QWidget& window);
 
 /// "Preferences …", "Close", "Quit".
-void addClosingCommands(QMenu& menu, Application& application, QWidget& window);
+void addClosingCommands(QMenu& menu, Commands& commands, QWidget& window);
 
 /// The Help menu: help, About, "Report Bug …".
-void addHelpMenu(QMenuBar& menuBar, Application& application);
+void addHelpMenu(QMenuBar& menuBar, Commands& commands);
 
 /// Lets a window without menus be closed, and the program be quit from it, with the usual keys.
 void addClosingShortcuts(QWidget& window);
