@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "application_frames.h"
 
-#include <time.h>
-
 #include <QAbstractScrollArea>
 #include <QCoreApplication>
 #include <QEvent>
-#include <QFile>
 #include <QTimer>
 #include <QWidget>
 #include <cstdio>
 #include <cstdlib>
+
+#include "figures.h"
 
 namespace benchmarks {
 namespace {
@@ -50,7 +49,7 @@ class FrameWatch final : public QObject {
         });
     }
     void report() const {
-        std::printf("frames %.3f %.3f %lld\n", window_, timeline_, peakKilobytes());
+        std::printf("frames %.3f %.3f %.0f\n", window_, timeline_, peakBytes() / 1024);
         std::fflush(stdout);
         std::_Exit(0);
     }
@@ -71,20 +70,5 @@ void watch() {
 Q_COREAPP_STARTUP_FUNCTION(watch)
 
 }  // namespace
-
-double processorMilliseconds(int clock) {
-    timespec time{};
-    clock_gettime(clock, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
-long long peakKilobytes() {
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly)) return 0;
-    for (const QByteArray& line : status.readAll().split('\n')) {
-        if (line.startsWith("VmHWM:")) return line.mid(6).replace("kB", "").trimmed().toLongLong();
-    }
-    return 0;
-}
 
 }  // namespace benchmarks

@@ -14,9 +14,4 @@ namespace benchmarks {
 /// "window" or "timeline": what to wait for.
 inline constexpr char watchVariable[] = "VELL_BENCHMARK_WATCH";
 
-/// Of CLOCK_THREAD_CPUTIME_ID or CLOCK_PROCESS_CPUTIME_ID.
-[[nodiscard]] double processorMilliseconds(int clock);
-/// The most memory this process has had.
-[[nodiscard]] long long peakKilobytes();
-
 }  // namespace benchmarks

@@ -2,7 +2,7 @@
 //
 // Measures how an address book of 20,000 vCards is read and filed, in ratios to reading the same
 // bytes and computing their SHA-256, and what it costs the window thread and in memory. Prints each
-// figure beside its limit and exits with 1 when one is passed. Each half runs in a process of its
+// figure beside its limit and exits with 1 when one is exceeded. Each half runs in a process of its
 // own.
 //
 //     vell-contacts-benchmark
@@ -15,13 +15,12 @@
 #include <QRandomGenerator>
 #include <QSettings>
 #include <QTemporaryDir>
-#include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <ctime>
 #include <memory>
 #include <vector>
 
+#include "figures.h"
 #include "identity/contacts/contact_table.h"
 #include "identity/contacts/contacts_store.h"
 #include "identity/vcard/vcard_contacts.h"
@@ -30,13 +29,16 @@
 namespace {
 
 using namespace vell;
+using benchmarks::peakBytes;
+using benchmarks::processorMilliseconds;
+using benchmarks::report;
 
 constexpr int cards = 20'000;
 constexpr int photos = 2'000;
 constexpr int repetitions = 15;
 constexpr double largestTimeRatio = 4;
-constexpr double largestGrowth = 200e6;
-constexpr double longestMerge = 0.050;
+constexpr double largestGrowth = 200;  // megabytes
+constexpr double longestMerge = 50;    // milliseconds
 
 /// A snapshot of a camera, hard to compress: some 25 kB.
 QByteArray photo(QRandomGenerator& random) {
@@ -93,39 +95,16 @@ QByteArray addressBook(int withPhotos) {
     return file;
 }
 
-double seconds(clockid_t clock) {
-    timespec now{};
-    clock_gettime(clock, &now);
-    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-}
-
-double peakMemory() {
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly)) return 0;
-    for (const QByteArray& line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return 1024 * line.mid(6).replace("kB", "").trimmed().toDouble();
-    return 0;
-}
-
-/// The median processor time of a function; freeing what it answers isn't part of it.
+/// The median processor time of a function in milliseconds, without freeing what it returns.
 template <class Function>
 double median(Function function) {
     std::vector<double> times;
     for (int i = 0; i < repetitions; i++) {
-        const double start = seconds(CLOCK_THREAD_CPUTIME_ID);
+        const double start = processorMilliseconds();
         const auto result = function();
-        times.push_back(seconds(CLOCK_THREAD_CPUTIME_ID) - start);
+        times.push_back(processorMilliseconds() - start);
     }
-    std::nth_element(times.begin(), times.begin() + repetitions / 2, times.end());
-    return times[repetitions / 2];
-}
-
-bool tell(const char* what, double figure, double limit, const char* unit) {
-    const bool isMet = figure <= limit;
-    std::printf("%-58s %7.2f %-5s limit %6.2f  %s\n", what, figure, unit, limit,
-                isMet ? "met" : "PASSED");
-    return isMet;
+    return benchmarks::quantile(times, 0.5);
 }
 
 bool measureReading(const QString& path) {
@@ -145,22 +124,23 @@ bool measureReading(const QString& path) {
         return result;
     });
     std::printf("reading and SHA-256: %.1f ms; parsing and filing %lld addresses: %.1f ms\n",
-                1e3 * baseline, static_cast<long long>(filed), 1e3 * reading);
-    return tell("20,000 cards: parsing and filing / reading and SHA-256", reading / baseline,
-                largestTimeRatio, "");
+                baseline, static_cast<long long>(filed), reading);
+    return report("20,000 cards: parsing and filing / reading and SHA-256", reading / baseline,
+                  largestTimeRatio, "");
 }
 
-/// Runs the event loop until the store publishes; answers the processor time this thread took.
+/// Runs the event loop until the store publishes; returns the milliseconds of processor time this
+/// thread took.
 double publishing(ContactsStore& store, const std::function<void()>& start) {
     bool isPublished = false;
     const auto connection = QObject::connect(&store, &ContactsStore::addressToContactChanged,
                                              [&] { isPublished = true; });
-    const double before = seconds(CLOCK_THREAD_CPUTIME_ID);
+    const double before = processorMilliseconds();
     start();
     while (!isPublished)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     QObject::disconnect(connection);
-    return seconds(CLOCK_THREAD_CPUTIME_ID) - before;
+    return processorMilliseconds() - before;
 }
 
 bool measureStore(const QString& path, const char* what) {
@@ -169,15 +149,15 @@ bool measureStore(const QString& path, const char* what) {
     auto owned = std::make_unique<VCardSource>(QStringList(), VCardSource::Chosen::byUser);
     VCardSource& source = *owned;
     ContactsStore store(std::move(owned), settings);
-    const double before = peakMemory();
+    const double before = peakBytes();
     const double first = publishing(store, [&] { source.setPaths({path}); });
     const double again = publishing(store, [&] { Q_EMIT source.contactsChanged(); });
-    const double growth = peakMemory() - before;
+    const double growth = peakBytes() - before;
     std::printf("%s: %lld addresses\n", what,
                 static_cast<long long>(store.addressToContact().size()));
-    bool isMet = tell("  window thread, first reading", 1e3 * first, 1e3 * longestMerge, "ms");
-    isMet &= tell("  window thread, merging the second one", 1e3 * again, 1e3 * longestMerge, "ms");
-    isMet &= tell("  growth of peak memory over both", growth / 1e6, largestGrowth / 1e6, "MB");
+    bool isMet = report("  window thread, first reading", first, longestMerge, "ms");
+    isMet &= report("  window thread, merging the second one", again, longestMerge, "ms");
+    isMet &= report("  growth of peak memory over both", growth / 1e6, largestGrowth, "MB");
     return isMet;
 }
 

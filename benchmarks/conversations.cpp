@@ -12,7 +12,7 @@ namespace {
 using support::Message;
 using support::Transcript;
 
-constexpr qsizetype kTextLength = 50;
+constexpr qsizetype textLength = 50;
 
 class Conversation {
   public:
@@ -38,9 +38,9 @@ class Conversation {
                                           "train", "tea",  "never",  "found",    "it",
                                           "at",    "last", "sorry",  "weekend",  "you"};
         QString text;
-        while (text.size() < kTextLength)
+        while (text.size() < textLength)
             text += QLatin1StringView(oneOf(words)) + ' ';
-        text.resize(kTextLength);
+        text.resize(textLength);
         return text;
     }
 

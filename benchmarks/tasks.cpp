@@ -9,6 +9,7 @@
 #include <ctime>
 #include <exception>
 
+#include "figures.h"
 #include "identity/contacts/contacts_store.h"
 #include "transcript/chat_log.h"
 
@@ -21,7 +22,7 @@ namespace {
 
 using vell::TesselChatLog;
 
-constexpr char kOption[] = "--task";
+constexpr char taskOption[] = "--task";
 
 class Stopwatch {
   public:
@@ -92,19 +93,10 @@ double run(Task task, const QString& path) {
     return -1;
 }
 
-double peakBytes() {
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly)) return 0;
-    for (const QByteArray& line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).replace("kB", "").trimmed().toDouble() * 1024;
-    return 0;
-}
-
 }  // namespace
 
 bool isTask(int argc, char** argv) {
-    return argc == 4 && std::strcmp(argv[1], kOption) == 0;
+    return argc == 4 && std::strcmp(argv[1], taskOption) == 0;
 }
 
 int runTask(int, char** argv) {
@@ -123,7 +115,7 @@ std::optional<Cost> measure(Task task, const QString& path) {
     QProcess child;
     child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     child.start(QStringLiteral("/proc/self/exe"),
-                {QString::fromLatin1(kOption), QString::number(static_cast<int>(task)), path});
+                {QString::fromLatin1(taskOption), QString::number(static_cast<int>(task)), path});
     if (!child.waitForFinished(-1) || child.exitStatus() != QProcess::NormalExit ||
         child.exitCode() != 0)
         return {};

@@ -2,9 +2,8 @@
 #include "stories.h"
 
 #include <QDateTime>
+#include <QFile>
 #include <QTimeZone>
-
-#include "pictures.h"
 
 namespace samples {
 namespace {
@@ -15,6 +14,13 @@ using support::Message;
 using support::Piece;
 using support::Transcript;
 using support::words;
+
+/// The bytes of a file in attachments/.
+QByteArray contents(const char* name) {
+    QFile file(QStringLiteral(VELL_SAMPLE_ATTACHMENTS "/") + name);
+    if (!file.open(QIODevice::ReadOnly)) qFatal("make-samples: %s can't be read", name);
+    return file.readAll();
+}
 
 /// Tells a conversation message by message.
 class Storyteller {
@@ -53,7 +59,7 @@ void tellTheFirstDays(Storyteller& story) {
     story.says(nora, "Is one of you in our bathroom?");
     story.says(jonas, "No. Why?", 9);
     story.says(nora, "Because something is.", 40);
-    story.says(nora, {attached("bathroom, 8 o'clock.jpg", catInBathtub())}, 6);
+    story.says(nora, {attached("bathroom, 8 o'clock.jpg", contents("cat-in-bathtub.jpg"))}, 6);
     story.says(nora, "It looked at me as if I should have knocked.", 31);
     story.says(jonas, "That isn't a cat, that's a landlord.", 12);
     story.system("%@ has joined the chat.");
@@ -81,10 +87,12 @@ void tellTheFirstDays(Storyteller& story) {
                70);
     story.says(nora, "He's asleep on my thesis. All of it. I've asked him twice.", 22);
     story.says(nora,
-               {words("Look. Only the tail is awake:\n"), attached("tail.gif", sleepingCat())}, 45);
+               {words("Look. Only the tail is awake:\n"),
+                attached("tail.gif", contents("sleeping-cat.gif"))},
+               45);
     story.says(jonas,
                "Somebody must be missing him. I've made a poster, please hang it everywhere:", 12);
-    story.says(jonas, {attached("found-cat.pdf", foundCatPoster())}, 33);
+    story.says(jonas, {attached("found-cat.pdf", contents("found-cat-poster.pdf"))}, 33);
     story.says(yael, "\"Dislikes: the laptop's owner using it\" 😂", 6);
     story.says(nora, "I didn't dictate that so that you'd print it.", 90);
 }
@@ -95,7 +103,7 @@ void tellTheLastDays(Storyteller& story) {
                "Thirty posters. On the way back the Admiral walked ahead of us to the lake, as if "
                "he'd booked the jetty.",
                15);
-    story.says(nora, {attached("the jetty.png", eveningByTheLake())}, 21);
+    story.says(nora, {attached("the jetty.png", contents("evening-by-the-lake.png"))}, 21);
     story.says(yael, "You look happy, all three of you.", 12);
     story.says(nora, "If anybody calls, I won't pick up.", 160);
     story.says(jonas, "Somebody called.", 5);
@@ -113,7 +121,7 @@ void tellTheLastDays(Storyteller& story) {
         "She says we may keep the bathtub days: Friday to Sunday. In return we learn to bake. "
         "This is the contract:",
         11);
-    story.says(nora, {attached("cinnamon rolls.txt", cinnamonRolls())}, 26);
+    story.says(nora, {attached("cinnamon rolls.txt", contents("cinnamon-rolls.txt"))}, 26);
 
     story.at(2009, 6, 19, 17, 58);
     story.says(jonas, "It's Friday.", 8);
@@ -158,7 +166,7 @@ Transcript twoUmbrellas() {
     story.says(oskar, "It will rain.", 6);
     story.says(marta, "I have an umbrella. I have yours.");
     story.at(2004, 10, 23, 0, 51);
-    story.says(oskar, {attached("lamp.png", lighthouse())}, 12);
+    story.says(oskar, {attached("lamp.png", contents("lighthouse.png"))}, 12);
     story.says(oskar, "Home and dry. Thank you for the lamp, and for sharing the duck.", 40);
     story.says(marta, "We had two umbrellas and stood under one.", 15);
     story.says(oskar, "I noticed.");
@@ -179,7 +187,7 @@ Transcript lampInTheWindow() {
     story.says(gil, "הוא ביקש יפה: “meow”, פעמיים.", 35);
     story.says(dafna, "ומתי הוא מחזיר?", 12);
     story.says(gil, "אחרי 20:00, כשהמגדלור נדלק.");
-    story.says(gil, {attached("lamp.png", lighthouse())}, 8);
+    story.says(gil, {attached("lamp.png", contents("lighthouse.png"))}, 8);
     story.says(dafna, "השארתי מנורה בחלון. שיבוא.", 30);
     story.says(dafna, {words(QString::fromUtf8("ותקרא את זה: ")),
                        linked(QString::fromUtf8("למה חתולים אוהבים מטריות"),

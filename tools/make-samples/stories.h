@@ -11,9 +11,9 @@ namespace samples {
 [[nodiscard]] support::Transcript catInTheBathtub();
 /// Two people and two umbrellas, years earlier.
 [[nodiscard]] support::Transcript twoUmbrellas();
-/// Two people who said nothing.
 /// In Hebrew, with numbers and Latin words between.
 [[nodiscard]] support::Transcript lampInTheWindow();
+/// Two people who said nothing.
 [[nodiscard]] support::Transcript nobodySaidAnything();
 
 }  // namespace samples

@@ -1,0 +1,24 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// What all benchmarks share: the processor's clocks, quantiles, and figures printed beside their
+// limits.
+
+#include <ctime>
+#include <vector>
+
+namespace benchmarks {
+
+/// Milliseconds of processor time so far: of this thread, or with CLOCK_PROCESS_CPUTIME_ID of all.
+[[nodiscard]] double processorMilliseconds(clockid_t clock = CLOCK_THREAD_CPUTIME_ID);
+/// The most memory this process has had; 0 where the system doesn't say.
+[[nodiscard]] double peakBytes();
+/// Of values in any order, not empty: 0.5 is the median.
+[[nodiscard]] double quantile(std::vector<double> values, double part);
+
+/// Prints a figure beside its limit. Returns whether it is within.
+bool report(const char* what, double figure, double limit, const char* unit = "");
+/// 1 once a reported figure has exceeded its limit, else 0.
+[[nodiscard]] int exitCode();
+
+}  // namespace benchmarks
