@@ -41,6 +41,31 @@ if(VELL_FUZZ)
     add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
+# Without a compiler cache, headers that most files include are compiled once for each kind of target.
+# GCC only: clang wants the definitions of all its users to be the same.
+set(VELL_PRECOMPILE OFF)
+if(NOT VELL_CCACHE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    set(VELL_PRECOMPILE ON)
+endif()
+
+# vell_precompiled(NAME [LINK …] [HEADERS …]): headers that other targets then share.
+function(vell_precompiled name)
+    cmake_parse_arguments(arg "" "" "LINK;HEADERS" ${ARGN})
+    set(source "${CMAKE_BINARY_DIR}/${name}.cpp")
+    file(GENERATE OUTPUT "${source}" CONTENT "")
+    add_library(${name} OBJECT EXCLUDE_FROM_ALL "${source}")
+    set_target_properties(${name} PROPERTIES AUTOMOC OFF AUTORCC OFF)
+    target_link_libraries(${name} PRIVATE ${arg_LINK})
+    target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
+endfunction()
+
+# vell_use_precompiled(TARGET NAME)
+function(vell_use_precompiled target name)
+    if(VELL_PRECOMPILE)
+        target_precompile_headers(${target} REUSE_FROM ${name})
+    endif()
+endfunction()
+
 # vell_library(NAME [SOURCES …] [LINK …]): one static library per folder of src/. What it links is
 # what it may include; the generated link lists are the layering.
 function(vell_library name)
@@ -48,6 +73,11 @@ function(vell_library name)
     add_library(vell_${name} STATIC ${arg_SOURCES})
     target_include_directories(vell_${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
     target_link_libraries(vell_${name} PUBLIC ${arg_LINK})
+    if("Qt6::Widgets" IN_LIST arg_LINK)
+        vell_use_precompiled(vell_${name} vell_widget_headers)
+    else()
+        vell_use_precompiled(vell_${name} vell_core_headers)
+    endif()
 endfunction()
 
 # vell_test(NAME [SOURCES …] [LINK …]): a GoogleTest program that ctest runs as one test.
@@ -56,6 +86,7 @@ function(vell_test name)
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE ${arg_LINK} vell_test_support GTest::gmock
                                           GTest::gtest_main)
+    vell_use_precompiled(${name} vell_test_headers)
     add_test(NAME ${name} COMMAND ${name})
     # Without a runtime folder Qt makes one below /tmp and leaves it there.
     set(runtime "${CMAKE_BINARY_DIR}/runtime")

@@ -20,7 +20,7 @@ case ${1-} in
         ;;
 esac
 
-# A bare system has no locale: file names would lose everything beyond ASCII.
+# A bare system has no locale; programs would mangle file names beyond ASCII.
 use_utf8() {
     [ "$(locale charmap 2>/dev/null)" = UTF-8 ] && return
     if [ -n "${LC_ALL-}" ]; then export LC_ALL=C.UTF-8; else export LC_CTYPE=C.UTF-8; fi
@@ -34,7 +34,7 @@ listed() {
     done <"$root/tools/packages"
 }
 
-# missing ENTRY…: the entries of which no alternative is installed.
+# missing ENTRY…: the entries without an installed alternative.
 missing() {
     local installed entry alternative found
     # shellcheck disable=SC2048,SC2086
@@ -48,8 +48,8 @@ missing() {
     done
 }
 
-# apt ARGUMENT…: apt-get, with its progress on a terminal. Its messages end up in $log. Waits while
-# another program holds a lock: apt-get has an option for that, but not for its lock of the lists.
+# apt ARGUMENT…: apt-get, with its progress on a terminal. Its messages go to $log. Waits while
+# another program holds a lock: apt-get's own option doesn't cover the lock of the package lists.
 apt() {
     local command=(env LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive apt-get -y "$@")
     local patience=300 holder
@@ -66,8 +66,8 @@ apt() {
     done
 }
 
-# extent DEPENDENCIES: how much apt would install for them, as far as it can tell. Its temporary files
-# outlive a refusal.
+# extent DEPENDENCIES: how much apt would install for them, as far as it can tell. apt-get leaves
+# temporary files behind when it stops early, hence the folder.
 extent() {
     mkdir -p "$log.apt"
     TMPDIR=$log.apt LC_ALL=C.UTF-8 apt-get --assume-no -o Debug::NoLocking=1 \
@@ -82,7 +82,7 @@ need() {
     local reason=$1 lacking sudo=() dependencies extent
     shift
     if ! command -v dpkg-query >/dev/null; then
-        say "This is neither Debian nor Ubuntu: taking it that the counterparts of tools/packages" \
+        say "This is neither Debian nor Ubuntu: assuming that the counterparts of tools/packages" \
             "($*) are installed."
         return
     fi
@@ -101,7 +101,7 @@ need() {
     say "Refreshing the package lists …"
     if ! apt update -o APT::Update::Error-Mode=any; then
         grep '^[EW][a-z]*:' "$log" >&2 || true
-        say "The package lists could not be refreshed, for the reason above: trying those that are here."
+        say "The package lists could not be refreshed, for the reason above: using the old ones."
     fi
     extent=$(extent "$dependencies")
     say "Installing ${extent:-them} …"
@@ -110,8 +110,8 @@ need() {
     fail "Installing failed: the lines above say why."
 }
 
-# configured PRESET: configures where that was never done, and where the presets, the packages of the
-# system or the place of the checkout have changed since.
+# configured PRESET: configures the first time, and after the presets, the system's packages or the
+# place of the checkout have changed.
 configured() {
     local folder=$build/$1 fresh=()
     local made=$folder/build.ninja cache=$folder/CMakeCache.txt
@@ -144,8 +144,8 @@ build=$root/build
 if ! mkdir -p "$build" 2>/dev/null || [ ! -w "$build" ]; then
     build=${XDG_CACHE_HOME:-${HOME-}/.cache}/vell/build
     mkdir -p "$build" 2>/dev/null && [ -w "$build" ] ||
-        fail "Neither $root/build nor $build can be written to: there is no place to build in."
-    say "$root/build can't be written to: building in $build."
+        fail "Neither $root/build nor $build is writable: there is no place to build in."
+    say "$root/build isn't writable: building in $build."
 fi
 log=$(mktemp "${TMPDIR:-/tmp}/vell-setup.XXXXXX")
 trap 'rm -rf "$log" "$log".*' EXIT
