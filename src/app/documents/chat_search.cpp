@@ -43,7 +43,7 @@ void ChatSearch::start(const QString& text) {
 void ChatSearch::cancel() {
     if (!running_) return;
     running_->cancelled = true;
-    running_->mailbox.close();
+    running_->callbacks.close();
     running_.reset();
 }
 
@@ -54,7 +54,7 @@ void ChatSearch::append(const std::vector<TextRange>& found, bool isLast) {
 }
 
 void ChatSearch::tell(const std::shared_ptr<Run>& run, std::vector<TextRange> found, bool isLast) {
-    run->mailbox.post([run, found = std::move(found), isLast] {
+    run->callbacks.post([run, found = std::move(found), isLast] {
         if (!run->cancelled) run->search.append(found, isLast);
     });
 }

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "timeline/text/text_range.h"
-#include "toolkit/mailbox.h"
+#include "toolkit/callback_guard.h"
 #include "toolkit/text_search.h"
 #include "transcript/chat_log.h"
 
@@ -35,10 +35,10 @@ class ChatSearch final : public QObject {
 
   private:
     struct Run {
-        explicit Run(ChatSearch& owner) : search(owner), mailbox(&owner) {}
+        explicit Run(ChatSearch& owner) : search(owner), callbacks(&owner) {}
         std::atomic<bool> cancelled = false;
         ChatSearch& search;  // alive until the run is cancelled
-        Mailbox mailbox;
+        CallbackGuard callbacks;
     };
     void cancel();
     void append(const std::vector<TextRange>& found, bool isLast);

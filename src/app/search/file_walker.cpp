@@ -11,7 +11,7 @@
 
 #include "app/search/transcript_probe.h"
 #include "foundation/guarded.h"
-#include "toolkit/mailbox.h"
+#include "toolkit/callback_guard.h"
 #include "toolkit/module_logger.h"
 
 #ifdef Q_OS_UNIX
@@ -84,10 +84,10 @@ bool isTranscript(const QString& path, const QString& name) {
 
 /// What the walking thread owns; it speaks to the walker through the window thread only.
 struct FileWalker::Walk : std::enable_shared_from_this<FileWalker::Walk> {
-    explicit Walk(FileWalker& owner) : walker(owner), mailbox(&owner) {}
+    explicit Walk(FileWalker& owner) : walker(owner), callbacks(&owner) {}
     std::atomic<bool> cancelled = false;
     FileWalker& walker;  // alive until the walk is cancelled
-    Mailbox mailbox;
+    CallbackGuard callbacks;
     const std::shared_ptr<Logger> log = ModuleLogger::defaultLogger(QStringLiteral("Search"));
     bool hiddenFolders = false;
     std::set<FolderIdentity> entered;
@@ -107,7 +107,7 @@ struct FileWalker::Walk : std::enable_shared_from_this<FileWalker::Walk> {
 
 template <class Function>
 void FileWalker::Walk::tell(Function function) {
-    mailbox.post([walk = shared_from_this(), function = std::move(function)] {
+    callbacks.post([walk = shared_from_this(), function = std::move(function)] {
         if (!walk->cancelled) function(walk->walker);
     });
 }
@@ -198,7 +198,7 @@ void FileWalker::start(const QStringList& folders, bool hiddenFolders) {
 void FileWalker::cancel() {
     if (!walk_) return;
     walk_->cancelled = true;
-    walk_->mailbox.close();
+    walk_->callbacks.close();
     walk_.reset();
 }
 

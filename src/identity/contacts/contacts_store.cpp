@@ -13,7 +13,7 @@
 #include "foundation/guarded.h"
 #include "identity/contacts/contact_table.h"
 #include "identity/contacts/contacts_source.h"
-#include "toolkit/mailbox.h"
+#include "toolkit/callback_guard.h"
 
 namespace vell {
 namespace {
@@ -29,9 +29,9 @@ ContactsStore* sharedStore = nullptr;
 /// What the store and its reading threads share. The threads are detached and may outlive the
 /// store.
 struct ContactsStore::Background {
-    explicit Background(ContactsStore* store) : mailbox(store) {}
+    explicit Background(ContactsStore* store) : callbacks(store) {}
 
-    Mailbox mailbox;
+    CallbackGuard callbacks;
     std::stop_source stop;
     ContactPictureCache pictures;
 
@@ -108,7 +108,7 @@ ContactsStore::ContactsStore(std::unique_ptr<ContactsSource> source, QSettings& 
 ContactsStore::~ContactsStore() {
     if (sharedStore == this) sharedStore = nullptr;
     if (!background_) return;
-    background_->mailbox.close();
+    background_->callbacks.close();
     background_->stop.request_stop();
     background_->waitAMoment();
 }
@@ -122,8 +122,8 @@ void ContactsStore::requestAccess() {
     if (!source_) return;
     source_->requestAccess([this, background = background_](
                                bool granted, const std::optional<foundation::Error>& error) {
-        // The mailbox answers for `this`.
-        background->mailbox.post([this, granted, error] { completeRequest(granted, error); });
+        // Runs only while `this` exists.
+        background->callbacks.post([this, granted, error] { completeRequest(granted, error); });
     });
 }
 
@@ -162,8 +162,8 @@ void ContactsStore::retrieveContacts() {
         if (stop.stop_requested()) return;
         reading->oldVersion = oldVersion;
         reading->merge(std::exchange(old, {}));
-        // The mailbox answers for `this`.
-        running->mailbox.post([this, reading] { publish(*reading); });
+        // Runs only while `this` exists.
+        running->callbacks.post([this, reading] { publish(*reading); });
     };
     foundation::runDetached(std::move(read), [log = log_] {
         log->error("Error while retrieving contact data:", "Out of memory");

@@ -15,8 +15,8 @@
 #include "foundation/guarded.h"
 #include "identity/service/service_plugin.h"
 #include "identity/vcard/vcard_contact.h"
+#include "toolkit/callback_guard.h"
 #include "toolkit/logger.h"
-#include "toolkit/mailbox.h"
 
 namespace vell {
 namespace {
@@ -82,14 +82,14 @@ struct Walk {
 class ServiceSource::Connection {
   public:
     Connection(QStringList folders, std::shared_ptr<Logger> log, ServiceSource* source)
-        : folders_(std::move(folders)), log_(std::move(log)), mailbox_(source), source_(source) {}
+        : folders_(std::move(folders)), log_(std::move(log)), callbacks_(source), source_(source) {}
     ~Connection() {
         if (service_) plugin_->close(service_);
     }
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    void closeMailbox() { mailbox_.close(); }
+    void closeCallbacks() { callbacks_.close(); }
 
     /// Any thread; does nothing when it is open. Throws what is wrong with the service.
     void open() {
@@ -118,14 +118,14 @@ class ServiceSource::Connection {
   private:
     static void noteChange(void* context) {
         auto* connection = static_cast<Connection*>(context);
-        // The mailbox answers for the source.
-        connection->mailbox_.post(
+        // Runs only while the source exists.
+        connection->callbacks_.post(
             [source = connection->source_] { Q_EMIT source->contactsChanged(); });
     }
 
     const QStringList folders_;
     const std::shared_ptr<Logger> log_;
-    Mailbox mailbox_;
+    CallbackGuard callbacks_;
     ServiceSource* const source_;
     std::mutex mutex_;
     const VellContactsService* plugin_ = nullptr;
@@ -136,7 +136,7 @@ ServiceSource::ServiceSource(QStringList pluginFolders, std::shared_ptr<Logger> 
     : connection_(std::make_shared<Connection>(std::move(pluginFolders), std::move(log), this)) {}
 
 ServiceSource::~ServiceSource() {
-    connection_->closeMailbox();
+    connection_->closeCallbacks();
 }
 
 QStringList ServiceSource::customaryPluginFolders() {

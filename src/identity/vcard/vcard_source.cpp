@@ -9,7 +9,7 @@
 #include "identity/vcard/contact_files.h"
 #include "identity/vcard/file_watch.h"
 #include "identity/vcard/vcard_contacts.h"
-#include "toolkit/mailbox.h"
+#include "toolkit/callback_guard.h"
 #include "toolkit/module_logger.h"
 
 namespace vell {
@@ -26,10 +26,10 @@ VCardSource::VCardSource(QStringList paths, Chosen chosen, std::shared_ptr<Logge
       chosen_(chosen),
       log_(std::move(log)),
       cardLog_(cardLogger(log_)),
-      mailbox_(std::make_shared<Mailbox>(this)) {}
+      callbacks_(std::make_shared<CallbackGuard>(this)) {}
 
 VCardSource::~VCardSource() {
-    mailbox_->close();
+    callbacks_->close();
 }
 
 QStringList VCardSource::customaryFolders() {
@@ -46,9 +46,9 @@ void VCardSource::setPaths(const QStringList& paths) {
 
 ContactsSource::Enumeration VCardSource::enumeration() {
     if (!watch_)
-        watch_ = std::make_shared<FileWatch>([this, mailbox = mailbox_] {
-            // The mailbox answers for `this`.
-            mailbox->post([this] { Q_EMIT contactsChanged(); });
+        watch_ = std::make_shared<FileWatch>([this, callbacks = callbacks_] {
+            // Runs only while `this` exists.
+            callbacks->post([this] { Q_EMIT contactsChanged(); });
         });
     return [paths = paths_, log = log_, cardLog = cardLog_, watch = watch_](
                const ContactHandler& handle, const std::stop_token& stop) {

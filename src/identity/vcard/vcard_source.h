@@ -15,7 +15,7 @@
 namespace vell {
 
 class FileWatch;
-class Mailbox;
+class CallbackGuard;
 
 class VCardSource final : public ContactsSource {
     Q_OBJECT
@@ -46,7 +46,7 @@ class VCardSource final : public ContactsSource {
     const Chosen chosen_;
     const std::shared_ptr<Logger> log_;
     const std::shared_ptr<Logger> cardLog_;
-    const std::shared_ptr<Mailbox> mailbox_;
+    const std::shared_ptr<CallbackGuard> callbacks_;
     std::shared_ptr<FileWatch> watch_;  ///< from the first enumeration on
 };
 

@@ -7,7 +7,7 @@
 #include <optional>
 #include <utility>
 
-#include "toolkit/mailbox.h"
+#include "toolkit/callback_guard.h"
 #include "toolkit/picture_process.h"
 
 namespace vell {
@@ -52,11 +52,11 @@ class GifPlayer::Reader {
 };
 
 GifPlayer::GifPlayer(QObject* parent)
-    : QObject(parent), mailbox_(std::make_shared<Mailbox>(this)) {}
+    : QObject(parent), callbacks_(std::make_shared<CallbackGuard>(this)) {}
 
 GifPlayer::~GifPlayer() {
     if (reader_) reader_->cancel();
-    mailbox_->close();
+    callbacks_->close();
 }
 
 void GifPlayer::toggle(qsizetype row, const foundation::Picture& picture, QSize pixels) {
@@ -88,9 +88,9 @@ const QImage* GifPlayer::frame(qsizetype row) const {
 }
 
 void GifPlayer::decodeNext() {
-    QThreadPool::globalInstance()->start([this, reader = reader_, mailbox = mailbox_] {
+    QThreadPool::globalInstance()->start([this, reader = reader_, callbacks = callbacks_] {
         Frame frame = reader->next();
-        mailbox->post(
+        callbacks->post(
             [this, reader, frame = std::move(frame)]() mutable { take(reader, std::move(frame)); });
     });
 }

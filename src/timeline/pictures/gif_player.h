@@ -16,7 +16,7 @@
 
 namespace vell {
 
-class Mailbox;
+class CallbackGuard;
 
 class GifPlayer final : public QObject {
     Q_OBJECT
@@ -62,7 +62,7 @@ class GifPlayer final : public QObject {
     bool isNextReady_ = false;
     bool isDue_ = false;
     QBasicTimer timer_;
-    std::shared_ptr<Mailbox> mailbox_;
+    std::shared_ptr<CallbackGuard> callbacks_;
 };
 
 }  // namespace vell

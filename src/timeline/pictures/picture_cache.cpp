@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "toolkit/mailbox.h"
+#include "toolkit/callback_guard.h"
 #include "toolkit/picture_decoder.h"
 #include "transcript/chat_log.h"
 
@@ -23,12 +23,12 @@ PictureCache::PictureCache(qsizetype maxBytes, QObject* parent)
     : QObject(parent),
       images_(maxBytes),
       threads_(std::make_unique<QThreadPool>()),
-      mailbox_(std::make_shared<Mailbox>(this)) {
+      callbacks_(std::make_shared<CallbackGuard>(this)) {
     threads_->setMaxThreadCount(decoders);
 }
 
 PictureCache::~PictureCache() {
-    mailbox_->close();
+    callbacks_->close();
     threads_->clear();
     // The threads own all they touch: one that doesn't end is left to itself.
     if (!threads_->waitForDone(patience)) static_cast<void>(threads_.release());
@@ -102,9 +102,9 @@ void PictureCache::decodeNext() {
         // Where nobody knows the size, the frame it is shown in has other proportions.
         const auto mode =
             size(request.picture).isEmpty() ? Qt::KeepAspectRatio : Qt::IgnoreAspectRatio;
-        threads_->start([this, request = std::move(request), mode, mailbox = mailbox_] {
+        threads_->start([this, request = std::move(request), mode, callbacks = callbacks_] {
             DecodedPicture decoded = decodePicture(request.picture, request.key.pixels, mode);
-            mailbox->post([this, key = request.key, decoded = std::move(decoded)]() mutable {
+            callbacks->post([this, key = request.key, decoded = std::move(decoded)]() mutable {
                 take(key, std::move(decoded));
             });
         });

@@ -20,7 +20,7 @@
 namespace vell {
 
 struct DecodedPicture;
-class Mailbox;
+class CallbackGuard;
 class TesselChatLog;
 
 class PictureCache final : public QObject {
@@ -76,7 +76,7 @@ class PictureCache final : public QObject {
     std::vector<Request> requests_;  // the last one comes first: it is on the screen
     int running_ = 0;
     std::unique_ptr<QThreadPool> threads_;
-    std::shared_ptr<Mailbox> mailbox_;
+    std::shared_ptr<CallbackGuard> callbacks_;
 };
 
 }  // namespace vell

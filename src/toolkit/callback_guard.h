@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Mailbox: lets threads that nobody waits for post to an object of the window thread for as long as
-// it lives. The object closes its mailbox first thing when it is destroyed.
+// CallbackGuard: lets background threads post callbacks to an object of the window thread, which
+// may be destroyed before they finish. The object calls close() first in its destructor.
 
 #include <QMetaObject>
 #include <QObject>
@@ -12,13 +12,13 @@
 
 namespace vell {
 
-class Mailbox {
+class CallbackGuard {
   public:
-    explicit Mailbox(QObject* owner) : owner_(owner) {}
-    Mailbox(const Mailbox&) = delete;
-    Mailbox& operator=(const Mailbox&) = delete;
+    explicit CallbackGuard(QObject* owner) : owner_(owner) {}
+    CallbackGuard(const CallbackGuard&) = delete;
+    CallbackGuard& operator=(const CallbackGuard&) = delete;
 
-    /// Runs the function in the owner's thread, later; never once the mailbox is closed.
+    /// Queues the function on the owner's thread; does nothing once closed.
     template <class Function>
     void post(Function&& function) {
         const std::lock_guard lock(mutex_);
