@@ -45,8 +45,8 @@ Count read(std::string_view file) {
         count.addresses += contact.instantMessageAddresses.size() + contact.phoneNumbers.size() +
                            contact.emailAddresses.size();
     };
-    readVCards(QByteArrayView(file.data(), static_cast<qsizetype>(file.size())),
-               QStringLiteral("f"), ContactPictures::wanted, log, handle);
+    readVCards(QByteArray(file.data(), static_cast<qsizetype>(file.size())), QStringLiteral("f"),
+               ContactPictures::wanted, log, handle);
     return count;
 }
 

@@ -41,8 +41,8 @@ std::string summary(const ContactRecord& contact) {
 Reading read(std::string_view file) {
     test::LogLines log;
     Reading result;
-    readVCards(QByteArrayView(file.data(), static_cast<qsizetype>(file.size())),
-               QStringLiteral("file"), ContactPictures::wanted, log,
+    readVCards(QByteArray(file.data(), static_cast<qsizetype>(file.size())), QStringLiteral("file"),
+               ContactPictures::wanted, log,
                [&](const ContactRecord& contact) { result.contacts += summary(contact) + '\n'; });
     result.log = log.take().join(u'\n').toStdString();
     return result;

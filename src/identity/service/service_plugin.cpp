@@ -14,7 +14,6 @@
 // is told of a change and connects anew by reading.
 #include "identity/service/service_plugin.h"
 
-#include <gio/gio.h>
 #include <libebook/libebook.h>
 
 #include <algorithm>
@@ -31,7 +30,12 @@
 #include <utility>
 #include <vector>
 
+#include "identity/service/glib.h"
+
 namespace {
+
+using vell::glib::Failure;
+using vell::glib::Ref;
 
 /// Matches everything. The shorter forms that the service documents are refused or break views.
 constexpr const char* everyContact = R"((contains "x-evolution-any-field" ""))";
@@ -39,34 +43,6 @@ constexpr const char* busNames = "org.gnome.evolution.dataserver";
 constexpr const char* addressBookName = "org.gnome.evolution.dataserver.AddressBook";
 constexpr guint burstMilliseconds = 200;
 constexpr std::chrono::seconds patience{10};
-
-template <class T>
-struct Unref {
-    void operator()(T* object) const { g_object_unref(object); }
-};
-template <class T>
-using Ref = std::unique_ptr<T, Unref<T>>;
-
-/// A GError that cleans up after itself.
-class Failure {
-  public:
-    Failure() = default;
-    ~Failure() { g_clear_error(&error_); }
-    Failure(const Failure&) = delete;
-    Failure& operator=(const Failure&) = delete;
-    GError** out() {
-        g_clear_error(&error_);
-        return &error_;
-    }
-    [[nodiscard]] std::string text() const { return error_ ? error_->message : "unknown error"; }
-    [[nodiscard]] bool isAbsence() const {
-        return g_error_matches(error_, G_DBUS_ERROR, G_DBUS_ERROR_SERVICE_UNKNOWN) ||
-               g_error_matches(error_, G_DBUS_ERROR, G_DBUS_ERROR_SPAWN_SERVICE_NOT_FOUND);
-    }
-
-  private:
-    GError* error_ = nullptr;
-};
 
 struct Card {
     std::string book;

@@ -9,12 +9,11 @@
 #include <QUrl>
 #include <array>
 #include <mutex>
-#include <string_view>
 #include <utility>
 
 #include "foundation/guarded.h"
 #include "identity/service/service_plugin.h"
-#include "identity/vcard/vcard_contact.h"
+#include "identity/vcard/vcard_contacts.h"
 #include "toolkit/callback_guard.h"
 #include "toolkit/logger.h"
 
@@ -64,8 +63,7 @@ struct Walk {
     static int take(void* context, const VellServiceContact* contact) {
         const auto& walk = *static_cast<const Walk*>(context);
         if (walk.stop.stop_requested()) return 0;
-        std::optional<VCardContact> person =
-            contactFromVCard(contact->card, ContactPictures::wanted);
+        std::optional<VCardContact> person = contactFromVCard(contact->card);
         if (!person) return 1;
         person->record.identifier =
             QString::fromUtf8(contact->book) + u'/' + QString::fromUtf8(contact->uid);

@@ -3,32 +3,31 @@
 
 #include <QStringConverter>
 #include <algorithm>
+#include <charconv>
+#include <cstring>
 #include <optional>
+#include <utility>
 
 namespace vell {
 namespace {
 
-constexpr size_t longestCharsetName = 40;
-constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
+constexpr qsizetype longestCharsetName = 40;
+constexpr QByteArrayView byteOrderMark = "\xef\xbb\xbf";
 
 bool isBlank(char byte) {
     return byte == ' ' || byte == '\t';
 }
 
-char upper(char byte) {
-    return byte >= 'a' && byte <= 'z' ? static_cast<char>(byte - 'a' + 'A') : byte;
+bool equals(QByteArrayView a, QByteArrayView b) {
+    // Lengths first: most properties of a card are of no interest.
+    return a.size() == b.size() && a.compare(b, Qt::CaseInsensitive) == 0;
 }
 
-bool equals(std::string_view text, std::string_view upperCase) {
-    return std::equal(text.begin(), text.end(), upperCase.begin(), upperCase.end(),
-                      [](char a, char b) { return upper(a) == b; });
-}
-
-std::string_view trimmed(std::string_view text) {
+QByteArrayView trimmed(QByteArrayView text) {
     while (!text.empty() && isBlank(text.front()))
-        text.remove_prefix(1);
+        text = text.sliced(1);
     while (!text.empty() && isBlank(text.back()))
-        text.remove_suffix(1);
+        text.chop(1);
     return text;
 }
 
@@ -38,20 +37,15 @@ bool isBase64(char byte) {
            isBlank(byte);
 }
 
-int hexDigit(char byte) {
-    if (byte >= '0' && byte <= '9') return byte - '0';
-    if (upper(byte) >= 'A' && upper(byte) <= 'F') return upper(byte) - 'A' + 10;
-    return -1;
-}
-
-QByteArray fromQuotedPrintable(std::string_view text) {
+QByteArray fromQuotedPrintable(QByteArrayView text) {
     QByteArray bytes;
-    bytes.reserve(static_cast<qsizetype>(text.size()));
-    for (size_t i = 0; i < text.size(); i++) {
-        const int high = text[i] == '=' && i + 2 < text.size() ? hexDigit(text[i + 1]) : -1;
-        const int low = high >= 0 ? hexDigit(text[i + 2]) : -1;
-        if (low >= 0) {
-            bytes.append(static_cast<char>(high * 16 + low));
+    bytes.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); i++) {
+        unsigned code = 0;
+        const char* const digits = text.data() + i + 1;
+        if (text[i] == '=' && i + 2 < text.size() &&
+            std::from_chars(digits, digits + 2, code, 16).ptr == digits + 2) {
+            bytes.append(static_cast<char>(code));
             i += 2;
         } else {
             bytes.append(text[i]);
@@ -60,43 +54,37 @@ QByteArray fromQuotedPrintable(std::string_view text) {
     return bytes;
 }
 
-/// Calls visit(name, value) for each parameter until it answers true. Version 2.1 may leave the
-/// name out, which is then empty.
-template <class Visit>
-void visitParameters(std::string_view text, Visit visit) {
-    while (!text.empty()) {
-        text.remove_prefix(1);  // the semicolon
-        size_t end = 0, equalSign = std::string_view::npos;
-        for (bool quoted = false; end < text.size() && (quoted || text[end] != ';'); end++) {
-            if (text[end] == '"') quoted = !quoted;
-            if (text[end] == '=' && equalSign == std::string_view::npos) equalSign = end;
-        }
-        const std::string_view whole = text.substr(0, end);
-        text.remove_prefix(end);
-        const bool isNamed = equalSign != std::string_view::npos;
-        const std::string_view name = isNamed ? whole.substr(0, equalSign) : std::string_view();
-        const std::string_view value = isNamed ? whole.substr(equalSign + 1) : whole;
-        if (visit(trimmed(name), trimmed(value))) return;
+struct Parameter {
+    QByteArrayView name;  ///< empty where version 2.1 leaves it out
+    QByteArrayView value;
+};
+
+/// Cuts the first parameter, which starts with a semicolon, off a text that isn't empty.
+Parameter takeParameter(QByteArrayView& text) {
+    qsizetype end = 1, nameSize = -1;
+    for (bool quoted = false; end < text.size() && (quoted || text[end] != ';'); end++) {
+        if (text[end] == '"') quoted = !quoted;
+        if (text[end] == '=' && nameSize < 0) nameSize = end - 1;
     }
+    const QByteArrayView whole = text.sliced(1, end - 1);
+    text = text.sliced(end);
+    return {trimmed(whole.first(std::max<qsizetype>(nameSize, 0))),
+            trimmed(whole.sliced(nameSize + 1))};
 }
 
-VCardProperty::Encoding transferEncoding(std::string_view parameters) {
-    auto result = VCardProperty::Encoding::none;
-    visitParameters(parameters, [&](std::string_view name, std::string_view value) {
-        if (!name.empty() && !equals(name, "ENCODING")) return false;
-        if (equals(value, "QUOTED-PRINTABLE")) {
-            result = VCardProperty::Encoding::quotedPrintable;
-        } else if (equals(value, "BASE64") || equals(value, "B")) {
-            result = VCardProperty::Encoding::base64;
-        }
-        return result != VCardProperty::Encoding::none;
-    });
-    return result;
+VCardProperty::Encoding transferEncoding(QByteArrayView parameters) {
+    while (!parameters.empty()) {
+        const auto [name, value] = takeParameter(parameters);
+        if (!name.empty() && !equals(name, "ENCODING")) continue;
+        if (equals(value, "QUOTED-PRINTABLE")) return VCardProperty::Encoding::quotedPrintable;
+        if (equals(value, "BASE64") || equals(value, "B")) return VCardProperty::Encoding::base64;
+    }
+    return VCardProperty::Encoding::none;
 }
 
-QString decoded(QByteArrayView bytes, std::string_view charset) {
+QString decoded(QByteArrayView bytes, QByteArrayView charset) {
     if (!charset.empty() && charset.size() <= longestCharsetName && !equals(charset, "UTF-8")) {
-        QStringDecoder decoder(std::string(charset).c_str());
+        QStringDecoder decoder(charset.toByteArray().constData());
         QString text = decoder(bytes);
         if (decoder.isValid() && !decoder.hasError()) return text;
     }
@@ -106,31 +94,87 @@ QString decoded(QByteArrayView bytes, std::string_view charset) {
     return western(bytes);
 }
 
-QString withoutNul(QString text) {
-    return text.contains(QChar(u'\0')) ? text.remove(QChar(u'\0')) : text;
+/// The value as characters, escapes still in place.
+QString escapedText(const VCardProperty& property) {
+    QString text;
+    QByteArrayView charset = property.parameter("CHARSET");
+    if (property.encoding == VCardProperty::Encoding::none) {
+        // A text that came through lines of bytes isn't in units of two or four, whatever it says.
+        const QByteArrayView family = charset.first(std::min<qsizetype>(charset.size(), 6));
+        if (equals(family, "UTF-16") || equals(family, "UTF-32")) charset = {};
+        text = decoded(property.value, charset);
+    } else {
+        text = decoded(property.bytes(), charset);
+    }
+    if (text.contains(QChar(u'\0'))) text.remove(QChar(u'\0'));
+    return text;
+}
+
+enum class Mark { none, begin, end };
+
+Mark mark(QByteArrayView line) {
+    // Exports that were joined have a byte-order mark before each first card.
+    if (line.startsWith(byteOrderMark)) line = line.sliced(byteOrderMark.size());
+    // Most lines are none, and one that starts with a blank continues another.
+    if (line.empty() || !QByteArrayView("BbEe").contains(line.front())) return Mark::none;
+    const qsizetype colon = line.indexOf(':');
+    if (colon < 0 || !equals(trimmed(line.sliced(colon + 1)), "VCARD")) return Mark::none;
+    const QByteArrayView name = trimmed(line.first(colon));
+    if (equals(name, "BEGIN")) return Mark::begin;
+    return equals(name, "END") ? Mark::end : Mark::none;
+}
+
+struct Header {
+    qsizetype nameStart = 0;
+    qsizetype nameEnd = 0;
+    qsizetype colon = 0;
+};
+
+enum class Quotes { respected, ignored };
+
+std::optional<Header> findHeader(QByteArrayView line, Quotes quotes) {
+    Header header;
+    qsizetype i = 0;
+    for (; i < line.size() && line[i] != ':' && line[i] != ';'; i++)
+        if (line[i] == '.') header.nameStart = i + 1;
+    header.nameEnd = i;
+    for (bool quoted = false; i < line.size() && (quoted || line[i] != ':'); i++)
+        if (line[i] == '"' && quotes == Quotes::respected) quoted = !quoted;
+    header.colon = i;
+    if (i == line.size() || header.nameEnd == header.nameStart) return std::nullopt;
+    return header;
+}
+
+/// UTF-8 or another 8-bit character set, each line ended by a line feed or by CR LF.
+QByteArray normalized(QByteArray file) {
+    const auto isAscii = [](char byte) { return byte > 0; };
+    std::optional<QStringConverter::Encoding> wide;
+    if (file.startsWith("\xfe\xff") || (file.size() > 1 && file[0] == 0 && isAscii(file[1])))
+        wide = QStringConverter::Utf16BE;
+    if (file.startsWith("\xff\xfe") || (file.size() > 1 && isAscii(file[0]) && file[1] == 0))
+        wide = QStringConverter::Utf16LE;
+    if (wide) file = QString(QStringDecoder(*wide)(file)).toUtf8();
+    for (qsizetype i = file.indexOf('\r'); i >= 0; i = file.indexOf('\r', i + 1))
+        if (i + 1 == file.size() || std::as_const(file)[i + 1] != '\n') file[i] = '\n';
+    return file;
 }
 
 }  // namespace
 
-bool VCardProperty::is(std::string_view upperCaseName) const {
-    return equals(name, upperCaseName);
+bool VCardProperty::is(QByteArrayView otherName) const {
+    return equals(name, otherName);
 }
 
-bool VCardProperty::nameStartsWith(std::string_view upperCase) const {
-    return equals(name.substr(0, upperCase.size()), upperCase);
-}
-
-std::string_view VCardProperty::parameter(std::string_view upperCaseName) const {
-    std::string_view result;
-    visitParameters(
-        parameters, [&](std::string_view parameterName, std::string_view parameterValue) {
-            if (!equals(parameterName, upperCaseName)) return false;
-            const bool quoted = !parameterValue.empty() && parameterValue.front() == '"';
-            if (quoted) parameterValue.remove_prefix(1);
-            result = parameterValue.substr(0, parameterValue.find(quoted ? '"' : ','));
-            return true;
-        });
-    return result;
+QByteArrayView VCardProperty::parameter(QByteArrayView parameterName) const {
+    for (QByteArrayView rest = parameters; !rest.empty();) {
+        auto [candidate, found] = takeParameter(rest);
+        if (!equals(candidate, parameterName)) continue;
+        const bool isQuoted = found.startsWith('"');
+        if (isQuoted) found = found.sliced(1);
+        const qsizetype end = found.indexOf(isQuoted ? '"' : ',');
+        return end < 0 ? found : found.first(end);
+    }
+    return {};
 }
 
 QByteArray VCardProperty::bytes() const {
@@ -138,198 +182,124 @@ QByteArray VCardProperty::bytes() const {
         case Encoding::quotedPrintable:
             return fromQuotedPrintable(value);
         case Encoding::base64:
-            return QByteArray::fromBase64(
-                QByteArray::fromRawData(value.data(), static_cast<qsizetype>(value.size())));
+            return QByteArray::fromBase64(QByteArray::fromRawData(value.data(), value.size()));
         case Encoding::none:
             break;
     }
-    return QByteArray(value.data(), static_cast<qsizetype>(value.size()));
-}
-
-QString VCardProperty::rawText() const {
-    std::string_view charset = parameters.empty() ? std::string_view() : parameter("CHARSET");
-    if (encoding == Encoding::none) {
-        // A text that came through lines of bytes isn't in units of two or four, whatever it says.
-        if (charset.size() >= 6 &&
-            (equals(charset.substr(0, 6), "UTF-16") || equals(charset.substr(0, 6), "UTF-32")))
-            charset = {};
-        return withoutNul(decoded(value, charset));
-    }
-    return withoutNul(decoded(bytes(), charset));
+    return value.toByteArray();
 }
 
 QString VCardProperty::text() const {
-    const QString raw = rawText();
-    return raw.contains(u'\\') ? unescaped(raw, version) : raw;
+    return parts({}).constFirst();
 }
 
-QStringList VCardProperty::parts(QChar separator, Lists lists) const {
-    QString raw = rawText();
+QStringList VCardProperty::parts(QChar separator, QChar listSeparator) const {
+    const QString escaped = escapedText(*this);  // without NUL: what isn't given separates nothing
+    if (separator.isNull() && !escaped.contains(u'\\')) return {escaped};
     QStringList result;
-    qsizetype start = 0;
-    for (qsizetype i = 0; i <= raw.size(); i++) {
-        if (i + 1 < raw.size() && raw[i] == u'\\') {
+    QString part;
+    for (qsizetype i = 0; i < escaped.size(); i++) {
+        const QChar next = i + 1 < escaped.size() ? escaped[i + 1] : QChar();
+        if (escaped[i] == u'\\' &&
+            (next == u';' || next == u',' || next == u':' || next == u'\\')) {
+            part.append(next);
             i++;
-        } else if (i == raw.size() || raw[i] == separator) {
-            result.append(unescaped(QStringView(raw).mid(start, i - start), version));
-            start = i + 1;
-        } else if (lists == Lists::joinedByBlanks && raw[i] == u',') {
-            raw[i] = u' ';
-        }
-    }
-    return result;
-}
-
-QString unescaped(QStringView rawText, VCardVersion version) {
-    QString text;
-    text.reserve(rawText.size());
-    for (qsizetype i = 0; i < rawText.size(); i++) {
-        const QChar next = i + 1 < rawText.size() ? rawText[i + 1] : QChar();
-        if (rawText[i] != u'\\') {
-            text.append(rawText[i]);
-        } else if (next == u';' || next == u',' || next == u':' || next == u'\\') {
-            text.append(next);
+        } else if (escaped[i] == u'\\' && (next == u'n' || next == u'N') &&
+                   version != VCardVersion::v2_1) {
+            part.append(u'\n');
             i++;
-        } else if ((next == u'n' || next == u'N') && version != VCardVersion::v2_1) {
-            text.append(u'\n');
-            i++;
+        } else if (escaped[i] == separator) {
+            result.append(std::exchange(part, {}));
         } else {
-            text.append(u'\\');
+            part.append(escaped[i] == listSeparator ? QChar(u' ') : escaped[i]);
         }
     }
-    return text;
+    result.append(part);
+    return result;
 }
 
 int VCardProperty::preference() const {
     constexpr int least = 100;
     if (version != VCardVersion::v4_0) return least + 1;
-    const std::string_view value = parameter("PREF");
     bool isNumber = false;
-    const int rank =
-        QByteArrayView(value.data(), static_cast<qsizetype>(value.size())).toInt(&isNumber);
+    const int rank = parameter("PREF").toInt(&isNumber);
     return isNumber && rank >= 1 && rank <= least ? rank : least + 1;
 }
 
-std::string vcardText(QByteArrayView file) {
-    const auto isAscii = [](char byte) { return byte > 0; };
-    std::optional<QStringConverter::Encoding> wide;
-    if (file.startsWith("\xfe\xff") || (file.size() > 1 && file[0] == 0 && isAscii(file[1])))
-        wide = QStringConverter::Utf16BE;
-    if (file.startsWith("\xff\xfe") || (file.size() > 1 && isAscii(file[0]) && file[1] == 0))
-        wide = QStringConverter::Utf16LE;
-    if (!wide) return std::string(file.data(), static_cast<size_t>(file.size()));
-    QStringDecoder decoder(*wide);
-    return QString(decoder(file)).toStdString();
+VCardReader::VCardReader(QByteArray file) : text_(normalized(std::move(file))) {
+    text_.detach();  // continuation lines are moved within it
 }
 
-VCardScanner::Mark VCardScanner::mark(std::string_view line) {
-    // Exports that were joined have a byte-order mark before each first card.
-    if (line.starts_with(byteOrderMark)) line.remove_prefix(byteOrderMark.size());
-    if (line.size() < 3) return Mark::none;
-    const char first = upper(line[0]), second = upper(line[1]);
-    if ((first != 'B' || second != 'E') && (first != 'E' || second != 'N')) return Mark::none;
-    const size_t colon = line.find(':');
-    if (colon == std::string_view::npos || !equals(trimmed(line.substr(colon + 1)), "VCARD"))
-        return Mark::none;
-    const std::string_view name = trimmed(line.substr(0, colon));
-    if (equals(name, "BEGIN")) return Mark::begin;
-    if (equals(name, "END")) return Mark::end;
-    return Mark::none;
+QByteArrayView VCardReader::peekLine() const {
+    const QByteArrayView rest = QByteArrayView(text_).sliced(position_);
+    const qsizetype end = rest.indexOf('\n');
+    const QByteArrayView line = end < 0 ? rest : rest.first(end);
+    return line.endsWith('\r') ? line.chopped(1) : line;
 }
 
-std::string_view VCardScanner::peekLine() {
-    // The next line feed is remembered: a text without any is searched for it once.
-    if (lineFeed_ < position_) lineFeed_ = std::min(text_.find('\n', position_), text_.size());
-    const std::string_view line = text_.substr(position_, lineFeed_ - position_);
-    return line.substr(0, line.find('\r'));
-}
-
-std::string_view VCardScanner::takeLine() {
-    const std::string_view line = peekLine();
+QByteArrayView VCardReader::takeLine() {
+    const QByteArrayView line = peekLine();
     position_ += line.size();
-    const bool isPair = text_.substr(position_, 2) == "\r\n";
-    position_ = std::min(position_ + (isPair ? 2 : 1), text_.size());
+    if (!isAtEnd() && text_.at(position_) == '\r') position_++;
+    if (!isAtEnd()) position_++;
     linesTaken_++;
     return line;
 }
 
-bool VCardScanner::nextLineIsFolded() const {
-    return position_ < text_.size() && isBlank(text_[position_]);
-}
-
-bool VCardScanner::nextCard() {
-    while (depth_ > 0)
-        (void)next();
-    while (position_ < text_.size()) {
-        if (mark(takeLine()) != Mark::begin) continue;
-        cardLine_ = linesTaken_;
-        depth_ = 1;
-        isWhole_ = false;
-        isAfterAgent_ = false;
-        property_ = {};
-        return true;
-    }
-    return false;
-}
-
-VCardScanner::VCardScanner(std::string_view text)
-    : text_(text), lineFeed_(std::min(text.find('\n'), text.size())) {}
-
-const VCardProperty* VCardScanner::next() {
-    while (depth_ > 0 && position_ < text_.size()) {
-        if (const Mark found = mark(peekLine()); found != Mark::none) {
-            if (!takeMark(found)) return nullptr;
-            continue;
+VCardReader::Card VCardReader::next(const Visit& visit) {
+    do {
+        if (isAtEnd()) return Card::none;
+    } while (mark(takeLine()) != Mark::begin);
+    cardLine_ = linesTaken_;
+    property_ = {};
+    int depth = 1;
+    bool isAfterAgent = false;  // version 2.1 puts the card of somebody's agent into the card
+    while (!isAtEnd()) {
+        const Mark found = mark(peekLine());
+        if (found == Mark::begin && !isAfterAgent) break;
+        if (found != Mark::none) {
+            (void)takeLine();
+            isAfterAgent = false;
+            depth += found == Mark::begin ? 1 : -1;
+            if (depth == 0) return Card::whole;
+        } else if (peekLine().empty()) {
+            (void)takeLine();
+        } else {
+            isAfterAgent = false;
+            if (!readProperty()) continue;
+            if (property_.is("AGENT")) {
+                // The agent's card begins in the same line, or in the next.
+                if (mark(property_.value) == Mark::begin) depth++;
+                isAfterAgent = property_.value.empty();
+            }
+            if (depth > 1) continue;
+            if (property_.is("VERSION")) {
+                const QByteArrayView number = trimmed(property_.value);
+                if (number == "2.1") property_.version = VCardVersion::v2_1;
+                if (number == "4.0") property_.version = VCardVersion::v4_0;
+            }
+            visit(property_);
         }
-        line_ = takeLine();
-        if (line_.empty()) continue;
-        isAfterAgent_ = false;
-        if (!readProperty()) continue;
-        if (property_.is("AGENT")) enterAgent(property_.value);
-        if (depth_ > 1) continue;
-        if (property_.is("VERSION")) {
-            const std::string_view number = trimmed(property_.value);
-            if (number == "2.1") property_.version = VCardVersion::v2_1;
-            if (number == "4.0") property_.version = VCardVersion::v4_0;
-        }
-        return &property_;
     }
-    depth_ = 0;
-    return nullptr;
+    return Card::cutOff;
 }
 
-/// Whether the card goes on behind the mark. One that begins where none may ends the card, and is
-/// left to be read.
-bool VCardScanner::takeMark(Mark mark) {
-    if (mark == Mark::begin && !isAfterAgent_) {
-        depth_ = 0;
-        return false;
-    }
-    isAfterAgent_ = false;
-    (void)takeLine();
-    depth_ += mark == Mark::begin ? 1 : -1;
-    isWhole_ = depth_ == 0;
-    return depth_ > 0;
-}
-
-/// The agent's card begins in the same line, or in the next.
-void VCardScanner::enterAgent(std::string_view value) {
-    if (mark(value) == Mark::begin) depth_++;
-    isAfterAgent_ = value.empty();
-}
-
-bool VCardScanner::readProperty() {
-    isJoined_ = false;
-    Header header;
-    if (!findHeader(line_, Quotes::respected, header)) {
+/// Takes the next line and those that continue it; false when they are no property.
+bool VCardReader::readProperty() {
+    lineStart_ = position_;
+    lineSize_ = takeLine().size();
+    std::optional<Header> header = findHeader(line(), Quotes::respected);
+    if (!header) {
         // The line may be folded before its colon.
         appendFoldedLines();
-        if (!findHeader(line_, Quotes::respected, header) &&
-            !findHeader(line_, Quotes::ignored, header))
-            return false;
+        header = findHeader(line(), Quotes::respected);
+        if (!header) header = findHeader(line(), Quotes::ignored);
+        if (!header) return false;
     }
-    property_.encoding =
-        transferEncoding(line_.substr(header.nameEnd, header.colon - header.nameEnd));
+    const auto parameters = [&] {
+        return line().sliced(header->nameEnd, header->colon - header->nameEnd);
+    };
+    property_.encoding = transferEncoding(parameters());
     switch (property_.encoding) {
         case VCardProperty::Encoding::quotedPrintable:
             appendSoftBreaks();
@@ -341,49 +311,35 @@ bool VCardScanner::readProperty() {
             appendFoldedLines();
             break;
     }
-    property_.name = line_.substr(header.nameStart, header.nameEnd - header.nameStart);
-    property_.parameters = line_.substr(header.nameEnd, header.colon - header.nameEnd);
-    property_.value = line_.substr(header.colon + 1);
+    property_.name = line().sliced(header->nameStart, header->nameEnd - header->nameStart);
+    property_.parameters = parameters();
+    property_.value = line().sliced(header->colon + 1);
     return true;
 }
 
-bool VCardScanner::findHeader(std::string_view line, Quotes quotes, Header& header) {
-    header = {};
-    size_t i = 0;
-    for (; i < line.size() && line[i] != ':' && line[i] != ';'; i++)
-        if (line[i] == '.') header.nameStart = i + 1;
-    header.nameEnd = i;
-    for (bool quoted = false; i < line.size() && (quoted || line[i] != ':'); i++)
-        if (line[i] == '"' && quotes == Quotes::respected) quoted = !quoted;
-    header.colon = i;
-    return i < line.size() && header.nameEnd > header.nameStart;
+void VCardReader::appendToLine(QByteArrayView continuation) {
+    std::memmove(text_.data() + lineStart_ + lineSize_, continuation.data(),
+                 static_cast<size_t>(continuation.size()));
+    lineSize_ += continuation.size();
 }
 
-void VCardScanner::append(std::string_view continuation) {
-    if (!isJoined_) joined_.assign(line_);
-    isJoined_ = true;
-    joined_.append(continuation);
-    line_ = joined_;
-}
-
-void VCardScanner::appendFoldedLines() {
+void VCardReader::appendFoldedLines() {
     // Version 2.1 folds in front of white space that belongs to the text.
-    const size_t dropped = property_.version == VCardVersion::v2_1 ? 0 : 1;
-    while (nextLineIsFolded())
-        append(takeLine().substr(dropped));
+    const qsizetype dropped = property_.version == VCardVersion::v2_1 ? 0 : 1;
+    while (!isAtEnd() && isBlank(text_.at(position_)))
+        appendToLine(takeLine().sliced(dropped));
 }
 
-void VCardScanner::appendSoftBreaks() {
+void VCardReader::appendSoftBreaks() {
     for (;;) {
-        const size_t last = line_.find_last_not_of(" \t");
-        const bool isSoftBreak = last != std::string_view::npos && line_[last] == '=';
-        if (isSoftBreak) {
-            append({});
-            joined_.resize(last);
-            line_ = joined_;
-            if (position_ >= text_.size() || mark(peekLine()) != Mark::none) return;
-            append(takeLine());
-        } else if (!isSoftBreak && nextLineIsFolded()) {
+        qsizetype size = lineSize_;
+        while (size > 0 && isBlank(text_.at(lineStart_ + size - 1)))
+            size--;
+        if (size > 0 && text_.at(lineStart_ + size - 1) == '=') {
+            lineSize_ = size - 1;
+            if (isAtEnd() || mark(peekLine()) != Mark::none) return;
+            appendToLine(takeLine());
+        } else if (!isAtEnd() && isBlank(text_.at(position_))) {
             appendFoldedLines();
         } else {
             return;
@@ -391,13 +347,13 @@ void VCardScanner::appendSoftBreaks() {
     }
 }
 
-void VCardScanner::appendBareBase64() {
+void VCardReader::appendBareBase64() {
     for (;;) {
         appendFoldedLines();
-        if (position_ >= text_.size()) return;
-        const std::string_view next = peekLine();
+        if (isAtEnd()) return;
+        const QByteArrayView next = peekLine();
         if (next.empty() || !std::all_of(next.begin(), next.end(), isBase64)) return;
-        append(takeLine());
+        appendToLine(takeLine());
     }
 }
 
