@@ -1,32 +1,30 @@
 // SPDX-License-Identifier: MIT
 #include "timeline/timeline_view.h"
 
-#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QEvent>
-#include <QGuiApplication>
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QTimerEvent>
+#include <QWheelEvent>
 #include <algorithm>
 #include <array>
 #include <utility>
 
 #include "identity/contacts/contacts_store.h"
-#include "timeline/accessibility/accessible_timeline.h"
 #include "timeline/bubbles/bubble_colors.h"
-#include "timeline/input/current_row.h"
-#include "timeline/input/pointing.h"
-#include "timeline/input/selecting.h"
+#include "timeline/input/keyboard_navigation.h"
+#include "timeline/input/row_interaction.h"
+#include "timeline/input/row_place.h"
+#include "timeline/input/selection_controller.h"
 #include "timeline/pictures/gif_player.h"
 #include "timeline/pictures/picture_cache.h"
 
 namespace vell {
 namespace {
 
-// The idle pass waits so long after the last scrolling, then works in slices. A slice may overrun
-// by the longest row that is laid out at once.
-constexpr int idlePause = 200;
-constexpr int idleSlice = 4;
 constexpr QSize idealSize(520, 640);
 
 }  // namespace
@@ -37,29 +35,29 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
       context_{RowFonts(),      RowColors(), 1.0,
                Qt::LeftToRight, contacts,    BubbleColors::shared(),
                backgrounds_,    textTiles_,  pictures},
-      layout_(std::move(chatlog), context_) {
+      layout_(std::move(chatlog), context_),
+      scroller_(*this, layout_, context_),
+      selection_(std::make_unique<SelectionController>(*this, layout_, context_, scroller_)),
+      rows_(std::make_unique<RowInteraction>(*this, layout_, context_, *selection_)),
+      keyboard_(std::make_unique<KeyboardNavigation>(*this, layout_, context_, scroller_, *rows_)),
+      gifPlayer_(std::make_unique<GifPlayer>()) {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
-    AccessibleTimeline::install();
+    viewport()->setMouseTracking(true);
     presentSenders();
-    selecting_ = std::make_unique<Selecting>(*this);
-    connect(selecting_.get(), &Selecting::changed, this, &TimelineView::selectionChanged);
-    pointing_ = std::make_unique<Pointing>(*this, *selecting_);
-    currentRow_ = std::make_unique<CurrentRow>(*this, *pointing_);
-    connect(currentRow_.get(), &CurrentRow::changed, this, &TimelineView::currentRowChanged);
-    connect(currentRow_.get(), &CurrentRow::changed, this,
-            [this](qsizetype row) { AccessibleTimeline::focusChanged(*this, row); });
-    connect(pointing_.get(), &Pointing::linkHovered, this, &TimelineView::linkHovered);
-    gifPlayer_ = std::make_unique<GifPlayer>();
-    connect(pointing_.get(), &Pointing::pictureClicked, this, &TimelineView::playPicture);
+    connect(&scroller_, &TimelineScroller::moved, this, &TimelineView::stopUnseenPicture);
+    connect(selection_.get(), &SelectionController::changed, this, &TimelineView::selectionChanged);
+    connect(keyboard_.get(), &KeyboardNavigation::changed, this, &TimelineView::currentRowChanged);
+    connect(rows_.get(), &RowInteraction::linkHovered, this, &TimelineView::linkHovered);
+    connect(rows_.get(), &RowInteraction::pictureClicked, this, &TimelineView::playPicture);
     connect(gifPlayer_.get(), &GifPlayer::changed, this, &TimelineView::repaintRow);
     connect(&contacts, &ContactsStore::addressToContactChanged, this, [this] {
         layout_.invalidateCaptions();
-        moved();
-        AccessibleTimeline::namesChanged(*this);
+        scroller_.update();
+        Q_EMIT namesChanged();
     });
     connect(&pictures, &PictureCache::changed, this, &TimelineView::pictureChanged);
 }
@@ -117,56 +115,132 @@ void TimelineView::rebuild() {
     textTiles_.clear();
     isBuilt_ = true;
     layout_.reset(viewportWidth(), viewportHeight());
-    if (wantedRow_ > 0 || wantedPointsAbove_ > 0)
-        scrollToRow(std::exchange(wantedRow_, 0), std::exchange(wantedPointsAbove_, 0));
-    moved();
-}
-
-QPoint TimelineView::toDevice(QPoint point) const {
-    return (QPointF(point) * ratio()).toPoint();
+    scroller_.reset();
 }
 
 // ---- the selection -----------------------------------------------------------------------------
 
 void TimelineView::setFindMatches(std::vector<TextRange> matches, qsizetype current) {
-    selecting_->setFindMatches(std::move(matches), current);
+    selection_->setFindMatches(std::move(matches), current);
 }
 
 bool TimelineView::hasSelection() const {
-    return !selecting_->isEmpty();
+    return !selection_->isEmpty();
 }
 
 QString TimelineView::selectedText() const {
-    return selecting_->selection().text();
+    return selection_->text();
 }
 
 void TimelineView::selectAll() {
-    selecting_->selectAll();
+    selection_->selectAll();
 }
 
 void TimelineView::clearSelection() {
-    selecting_->clear();
+    selection_->clear();
 }
 
 void TimelineView::copySelection() const {
-    if (auto data = selecting_->selection().mimeData())
-        QGuiApplication::clipboard()->setMimeData(data.release());
+    selection_->copy();
 }
 
 qsizetype TimelineView::currentRow() const {
-    return currentRow_->index();
+    return keyboard_->row();
 }
 
 void TimelineView::setCurrentRow(qsizetype row) {
-    currentRow_->goTo(row, 1);
+    keyboard_->goTo(row, 1);
 }
 
 void TimelineView::activateRow(qsizetype row) {
-    pointing_->activate(row);
+    rows_->activate(row);
 }
 
 Links& TimelineView::links() {
-    return pointing_->links();
+    return rows_->links();
+}
+
+// ---- input -------------------------------------------------------------------------------------
+
+std::optional<RowPlace> TimelineView::placeAt(QPoint point) {
+    return rowPlaceAt(layout_, context_.toDevice(point));
+}
+
+// The order in which the three see an event; what one has consumed is hidden from those after it.
+bool TimelineView::dispatch(QEvent& event) {
+    switch (event.type()) {
+        case QEvent::MouseButtonPress: {
+            const auto& mouse = static_cast<const QMouseEvent&>(event);
+            const auto place = placeAt(mouse.position().toPoint());
+            keyboard_->press(place);
+            return rows_->press(mouse, place) || selection_->press(mouse, place);
+        }
+        case QEvent::MouseButtonDblClick: {
+            const auto& mouse = static_cast<const QMouseEvent&>(event);
+            return selection_->press(mouse, placeAt(mouse.position().toPoint()));
+        }
+        case QEvent::MouseMove: {
+            const auto& mouse = static_cast<const QMouseEvent&>(event);
+            const auto place = placeAt(mouse.position().toPoint());
+            return rows_->move(mouse, place) || selection_->move(mouse, place);
+        }
+        case QEvent::MouseButtonRelease: {
+            const auto& mouse = static_cast<const QMouseEvent&>(event);
+            rows_->release(mouse, placeAt(mouse.position().toPoint()));
+            return selection_->release(mouse);
+        }
+        case QEvent::Leave:
+            rows_->hover({});
+            return false;
+        case QEvent::Paint:
+            // Scrolling moves the rows below the mouse.
+            if (viewport()->underMouse() && !rows_->isPressed())
+                rows_->hover(placeAt(viewport()->mapFromGlobal(QCursor::pos())));
+            return false;
+        case QEvent::ToolTip: {
+            const auto& help = static_cast<const QHelpEvent&>(event);
+            if (const auto place = placeAt(help.pos())) rows_->showToolTip(help, *place);
+            return true;
+        }
+        case QEvent::ContextMenu: {
+            const auto& menu = static_cast<const QContextMenuEvent&>(event);
+            if (menu.reason() == QContextMenuEvent::Keyboard) {
+                keyboard_->showMenu();
+            } else if (const auto place = placeAt(menu.pos())) {
+                rows_->showMenu(place->row, menu.pos());
+            }
+            return true;
+        }
+        case QEvent::KeyPress: {
+            const auto& key = static_cast<const QKeyEvent&>(event);
+            return keyboard_->key(key) || selection_->key(key, keyboard_->row());
+        }
+        default:
+            return false;
+    }
+}
+
+bool TimelineView::viewportEvent(QEvent* event) {
+    return dispatch(*event) || QAbstractScrollArea::viewportEvent(event);
+}
+
+void TimelineView::keyPressEvent(QKeyEvent* event) {
+    if (!dispatch(*event)) QAbstractScrollArea::keyPressEvent(event);
+}
+
+// That of the keyboard, which comes to the view itself.
+void TimelineView::contextMenuEvent(QContextMenuEvent* event) {
+    dispatch(*event);
+}
+
+void TimelineView::focusInEvent(QFocusEvent* event) {
+    keyboard_->focusIn(event->reason());
+    QAbstractScrollArea::focusInEvent(event);
+}
+
+void TimelineView::focusOutEvent(QFocusEvent* event) {
+    viewport()->update();
+    QAbstractScrollArea::focusOutEvent(event);
 }
 
 // ---- events ------------------------------------------------------------------------------------
@@ -202,28 +276,21 @@ void TimelineView::resizeEvent(QResizeEvent* event) {
         rebuild();
     } else {
         layout_.setViewportHeight(viewportHeight());
-        moved();
+        scroller_.update();
     }
 }
 
-void TimelineView::restartIdlePass() {
-    idleTimer_.start(idlePause, this);
+void TimelineView::scrollContentsBy(int, int) {
+    scroller_.followScrollBar();
 }
 
-void TimelineView::timerEvent(QTimerEvent* event) {
-    if (event->timerId() == frameTimer_.timerId()) {
-        const double elapsed = static_cast<double>(frameClock_.nsecsElapsed()) / 1e6;
-        frameClock_.restart();
-        layout_.scrollBy(smoothScroll_.step(elapsed));
-        if (!smoothScroll_.isMoving()) frameTimer_.stop();
-        moved();
-    } else if (event->timerId() == idleTimer_.timerId()) {
-        idleTimer_.start(0, this);
-        if (!layout_.makeExact(QDeadlineTimer(idleSlice))) idleTimer_.stop();
-        syncScrollBar();
-    } else {
-        QAbstractScrollArea::timerEvent(event);
+void TimelineView::wheelEvent(QWheelEvent* event) {
+    if (event->modifiers() & Qt::ControlModifier) {
+        event->ignore();
+        return;
     }
+    event->accept();
+    scroller_.scrollByWheel(*event);
 }
 
 void TimelineView::pictureChanged(const char* bytes) {
@@ -233,14 +300,14 @@ void TimelineView::pictureChanged(const char* bytes) {
         const auto* view = std::get_if<ImageBubbleView>(&visible.row->view.content());
         if (!view || view->image.image().data.begin() != bytes) continue;
         changed.push_back(visible.index);
-        isProblem = !pictures().problem(view->image.image()).isEmpty();
+        isProblem = !context_.pictures.problem(view->image.image()).isEmpty();
     }
     if (changed.empty()) return;
     for (const qsizetype index : changed) {
         layout_.invalidateRow(index);
-        if (isProblem) AccessibleTimeline::nameChanged(*this, index);
+        if (isProblem) Q_EMIT pictureFailed(index);
     }
-    moved();
+    scroller_.update();
 }
 
 void TimelineView::playPicture(qsizetype row) {
@@ -312,11 +379,11 @@ void TimelineView::paintRows(QPainter& painter, const QRect& exposed) {
         painter.translate(left, visible.top);
         visible.row->view.paint(
             painter, layout, context_,
-            {visible.index, part, selecting_->highlights(visible.index, from, to),
+            {visible.index, part, selection_->highlights(visible.index, from, to),
              gifPlayer_->frame(visible.index)});
         painter.restore();
     }
-    currentRow_->paint(painter);
+    keyboard_->paint(painter);
 }
 
 }  // namespace vell

@@ -8,15 +8,13 @@
 //     view->setFontSize(settings.timelineFontSize());
 
 #include <QAbstractScrollArea>
-#include <QBasicTimer>
-#include <QElapsedTimer>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "timeline/bubbles/background_cache.h"
-#include "timeline/layout/scroll_mapping.h"
-#include "timeline/layout/smooth_scroll.h"
 #include "timeline/layout/timeline_layout.h"
+#include "timeline/layout/timeline_scroller.h"
 #include "timeline/rows/row_context.h"
 #include "timeline/text/text_range.h"
 #include "timeline/text/text_tiles.h"
@@ -25,12 +23,13 @@
 namespace vell {
 
 class ContactsStore;
-class CurrentRow;
 class GifPlayer;
+class KeyboardNavigation;
 class Links;
 class PictureCache;
-class Pointing;
-class Selecting;
+class RowInteraction;
+class SelectionController;
+struct RowPlace;
 
 class TimelineView final : public QAbstractScrollArea {
     Q_OBJECT
@@ -50,19 +49,7 @@ class TimelineView final : public QAbstractScrollArea {
     [[nodiscard]] qint64 fontSize() const { return fontSize_; }
 
     [[nodiscard]] TimelineLayout& timeline() { return layout_; }
-    /// The row at the viewport's top edge; 0 before the view was shown.
-    [[nodiscard]] qsizetype topRow() const;
-    /// How many points of the top row are above that edge.
-    [[nodiscard]] qreal pointsAbove() const;
-    /// Brings a row's top, or a place so many points below it, to the viewport's top edge, as far
-    /// as there is enough below it.
-    void scrollToRow(qsizetype index, qreal pointsAbove = 0);
-    /// Moves by device pixels of what is there.
-    void scrollByPixels(qint64 pixels);
-    /// Scrolls as little as needed to show part of a row, given in device pixels.
-    void reveal(qsizetype row, const QRect& part);
-    /// Scrolls as little as needed to show a stretch of a row's text.
-    void revealText(const TextRange& range);
+    [[nodiscard]] TimelineScroller& scroller() { return scroller_; }
 
     /// Highlights what a search has found, sorted by row and start; `current` is the index of the
     /// match to stand out, -1 for none.
@@ -84,14 +71,8 @@ class TimelineView final : public QAbstractScrollArea {
     void activateRow(qsizetype row);
 
     [[nodiscard]] const RowContext& context() const { return context_; }
-    [[nodiscard]] const ContactsStore& contacts() const { return context_.contacts; }
-    [[nodiscard]] PictureCache& pictures() const { return context_.pictures; }
     /// Where links lead to.
     [[nodiscard]] Links& links();
-    /// A place of the viewport in device pixels.
-    [[nodiscard]] QPoint toDevice(QPoint point) const;
-    /// True while rows that nobody has seen are still being measured.
-    [[nodiscard]] bool isIdlePassRunning() const { return idleTimer_.isActive(); }
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -100,27 +81,33 @@ class TimelineView final : public QAbstractScrollArea {
     /// The address below the mouse, as one line; empty when there is none any more.
     void linkHovered(const QString& address);
     void currentRowChanged(qsizetype row);
+    /// People may be called something else now.
+    void namesChanged();
+    /// A row's picture turned out not to be drawable; the row says why.
+    void pictureFailed(qsizetype row);
 
   protected:
     void changeEvent(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void showEvent(QShowEvent* event) override;
-    void timerEvent(QTimerEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
 
   private:
+    bool dispatch(QEvent& event);
+    [[nodiscard]] std::optional<RowPlace> placeAt(QPoint point);
     void presentSenders();
     /// Takes fonts, colours and ratio from the widget, and lays everything out anew.
     void rebuild();
     void paintBackground(QPainter& painter, const QRect& exposed);
     void paintRows(QPainter& painter, const QRect& exposed);
-    void moved();
-    void syncScrollBar();
-    void scrollSmoothly(double pixels);
-    void restartIdlePass();
     void pictureChanged(const char* bytes);
     /// Starts or stops a GIF.
     void playPicture(qsizetype row);
@@ -134,22 +121,13 @@ class TimelineView final : public QAbstractScrollArea {
     TextTiles textTiles_;
     RowContext context_;
     TimelineLayout layout_;
+    TimelineScroller scroller_;
     qint64 fontSize_ = 16;
     bool isBuilt_ = false;
-    // Of a scrollToRow() before the view was shown.
-    qsizetype wantedRow_ = 0;
-    qreal wantedPointsAbove_ = 0;
 
-    ScrollMapping mapping_;  // as the scroll bar has it
-    bool isSyncing_ = false;
-    SmoothScroll smoothScroll_;
-    QBasicTimer frameTimer_;
-    QElapsedTimer frameClock_;
-    QBasicTimer idleTimer_;
-
-    std::unique_ptr<Selecting> selecting_;
-    std::unique_ptr<Pointing> pointing_;
-    std::unique_ptr<CurrentRow> currentRow_;
+    std::unique_ptr<SelectionController> selection_;
+    std::unique_ptr<RowInteraction> rows_;
+    std::unique_ptr<KeyboardNavigation> keyboard_;
     std::unique_ptr<GifPlayer> gifPlayer_;
 };
 

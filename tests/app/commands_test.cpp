@@ -118,12 +118,12 @@ TEST_F(CommandsTest, FindCountsGoesRoundAndKeepsThePlace) {
     edit->selectAll();
     QTest::keyClicks(edit, u"last"_s);
     shows(u"1 of 1"_s);
-    const qsizetype place = timeline(window).topRow();
+    const qsizetype place = timeline(window).scroller().topRow();
     EXPECT_GT(place, 200);
     QTest::keyClick(edit, Qt::Key_Escape);
     EXPECT_FALSE(bar->isVisible());
     EXPECT_TRUE(timeline(window).hasFocus());
-    EXPECT_EQ(timeline(window).topRow(), place);
+    EXPECT_EQ(timeline(window).scroller().topRow(), place);
     press(window, QKeySequence::FindNext);
     shows(u"1 of 1"_s);
     press(window, QKeySequence::Find);

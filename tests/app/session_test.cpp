@@ -44,8 +44,8 @@ TEST_F(Session, TheNextVisitBeginsWhereTheLastOneEnded) {
         window->setGeometry(place.geometry);
         QCoreApplication::processEvents();
         auto* timeline = window->findChild<TimelineView*>();
-        timeline->scrollToRow(place.row, place.pointsAbove);
-        EXPECT_EQ(timeline->topRow(), place.row);
+        timeline->scroller().scrollToRow(place.row, place.pointsAbove);
+        EXPECT_EQ(timeline->scroller().topRow(), place.row);
     }
     end();
     QFile::remove(places[1].path);
@@ -60,9 +60,9 @@ TEST_F(Session, TheNextVisitBeginsWhereTheLastOneEnded) {
         ASSERT_TRUE(waitUntil([&] { return windows[i]->isLoaded(); }));
         QCoreApplication::processEvents();
         EXPECT_EQ(windows[i]->geometry(), place.geometry);
-        const auto* timeline = windows[i]->findChild<TimelineView*>();
-        EXPECT_EQ(timeline->topRow(), place.row);
-        EXPECT_EQ(timeline->pointsAbove(), place.pointsAbove);
+        auto* timeline = windows[i]->findChild<TimelineView*>();
+        EXPECT_EQ(timeline->scroller().topRow(), place.row);
+        EXPECT_EQ(timeline->scroller().pointsAbove(), place.pointsAbove);
     }
     // Closed one after the other, the last one is what the next visit begins with.
     windows[0]->close();

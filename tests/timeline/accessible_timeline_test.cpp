@@ -22,8 +22,11 @@ class AccessibleTimelineTest : public ::testing::Test {
     void SetUp() override { setSharedDateFormat("en_GB", foundation::Calendar(QTimeZone::utc())); }
 
     static std::unique_ptr<TimelineView> makeView(TesselChatLog log, test::Context& context) {
-        return std::make_unique<TimelineView>(std::make_shared<const TesselChatLog>(std::move(log)),
-                                              context.contacts, context.pictures);
+        auto view =
+            std::make_unique<TimelineView>(std::make_shared<const TesselChatLog>(std::move(log)),
+                                           context.contacts, context.pictures);
+        AccessibleTimeline::attach(*view);
+        return view;
     }
     static QAccessibleInterface& listOf(TimelineView& view) {
         return *QAccessible::queryAccessibleInterface(&view);
@@ -96,7 +99,7 @@ TEST_F(AccessibleTimelineTest, PlacesOnTheScreenAreThoseOfTheRows) {
     const auto view = makeView(log.log(), context_);
     view->resize(500, 400);
     view->show();
-    view->scrollToRow(100);
+    view->scroller().scrollToRow(100);
     QAccessibleInterface& list = listOf(*view);
     int top = list.child(0)->rect().top();
     for (int i = 0; i < 300; ++i) {

@@ -84,8 +84,8 @@ TEST(GifInTimeline, StandsStillUntilItIsClickedAndPlaysOnlyWhileSeen) {
     EXPECT_TRUE(window.shows(Qt::red)) << "doesn't begin anew";
     EXPECT_TRUE(window.shows(Qt::blue));
 
-    window.view.scrollToRow(100);
-    window.view.scrollToRow(0);
+    window.view.scroller().scrollToRow(100);
+    window.view.scroller().scrollToRow(0);
     ASSERT_TRUE(window.shows(Qt::red));
     QTest::qWait(150);
     EXPECT_EQ(window.middle(), QColor(Qt::red)) << "played on unseen";

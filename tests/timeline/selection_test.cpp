@@ -166,7 +166,7 @@ TEST(Selecting, MatchesFarAwayInLongTextsAreBroughtIntoView) {
         const QString needle = QStringLiteral("line %1 ").arg(line);
         const qsizetype start = lines.indexOf(needle);
         window.view.setFindMatches({{1, start, needle.size()}}, 0);
-        window.view.revealText({1, start, needle.size()});
+        window.view.scroller().revealText({1, start, needle.size()});
         const QPoint place = window.place(1, start);
         EXPECT_TRUE(window.view.viewport()->rect().contains(place)) << line << " at " << place.y();
     }

@@ -46,7 +46,7 @@ TEST(TimelineView, ContactsThatComeLaterChangeCaptionsAndNoBubble) {
     view.show();
     while (view.timeline().makeExact(QDeadlineTimer(20))) {
     }
-    view.scrollToRow(51);
+    view.scroller().scrollToRow(51);
     view.timeline().scrollBy(7);
     const auto before = view.timeline().visibleRows();
     std::vector<std::shared_ptr<LaidOutText>> texts;
@@ -100,8 +100,8 @@ TEST(SmoothScroll, TakesManySmallerStepsToTheVeryPixel) {
 TEST(TimelineView, WheelGoesAllTheWaySmoothlyAndTheBarFollows) {
     test::Window window(test::randomLog(2000, 4));
     TimelineView& view = window.view;
-    view.scrollToRow(900);
-    const qsizetype row = view.topRow();
+    view.scroller().scrollToRow(900);
+    const qsizetype row = view.scroller().topRow();
     const qint64 start = view.timeline().rowTop(row);
     std::vector<qint64> places{start};
     wheel(view, -2);
@@ -121,7 +121,7 @@ TEST(TimelineView, WheelGoesAllTheWaySmoothlyAndTheBarFollows) {
 TEST(TimelineView, IdlePassWaitsUntilNobodyScrollsAndMovesNothing) {
     test::Window window(test::randomLog(3000, 6));
     TimelineView& view = window.view;
-    view.scrollToRow(1500);
+    view.scroller().scrollToRow(1500);
     const auto exact = [&] {
         qsizetype count = 0;
         for (qsizetype i = 0; i < view.timeline().rowCount(); ++i)
@@ -134,7 +134,7 @@ TEST(TimelineView, IdlePassWaitsUntilNobodyScrollsAndMovesNothing) {
     qint64 longestPause = 0;
     for (int i = 0; i < 40; ++i) {
         sinceScrolling.start();
-        view.scrollByPixels(i % 2 == 0 ? 1 : -1);
+        view.scroller().scrollByPixels(i % 2 == 0 ? 1 : -1);
         QTest::qWait(10);
         longestPause = std::max(longestPause, sinceScrolling.elapsed());
     }
@@ -142,7 +142,7 @@ TEST(TimelineView, IdlePassWaitsUntilNobodyScrollsAndMovesNothing) {
         EXPECT_LT(exact(), before + 100);
     }
     const auto top = view.timeline().visibleRows().front();
-    ASSERT_TRUE(waitFor([&] { return !view.isIdlePassRunning(); }, 60000));
+    ASSERT_TRUE(waitFor([&] { return !view.scroller().isIdlePassRunning(); }, 60000));
     EXPECT_EQ(exact(), view.timeline().rowCount());
     EXPECT_EQ(view.timeline().visibleRows().front().index, top.index);
     EXPECT_EQ(view.timeline().visibleRows().front().top, top.top);
@@ -178,16 +178,16 @@ TEST(TimelineView, PlaceAskedForBeforeTheFirstShowIsKept) {
         log.text(bob, QStringLiteral("word ").repeated(i % 40));
     TimelineView view(std::make_shared<const TesselChatLog>(log.log()), context.contacts,
                       context.pictures);
-    view.scrollToRow(20, 5);
-    view.revealText({300, 0, 1});  // the last wish counts, and all of it
-    EXPECT_EQ(view.topRow(), 300);
-    EXPECT_EQ(view.pointsAbove(), 0);
+    view.scroller().scrollToRow(20, 5);
+    view.scroller().revealText({300, 0, 1});  // the last wish counts, and all of it
+    EXPECT_EQ(view.scroller().topRow(), 300);
+    EXPECT_EQ(view.scroller().pointsAbove(), 0);
     view.resize(500, 500);
     view.show();
     EXPECT_EQ(view.timeline().rowTop(300), 0);
     view.resize(420, 700);
     view.setFontSize(30);
-    EXPECT_EQ(view.topRow(), 300);
+    EXPECT_EQ(view.scroller().topRow(), 300);
 }
 
 }  // namespace

@@ -19,6 +19,7 @@
 #include "app/windows/font_size.h"
 #include "app/windows/window_geometry.h"
 #include "identity/contacts/contacts_store.h"
+#include "timeline/accessibility/accessible_timeline.h"
 #include "timeline/timeline_view.h"
 
 namespace vell {
@@ -100,6 +101,7 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     connect(search_.get(), &ChatSearch::changed, this, &DocumentWindow::showMatches);
     timeline_ =
         new TimelineView(document_->sharedChatlog(), services_.contacts, services_.pictures);
+    AccessibleTimeline::attach(*timeline_);
     connect(timeline_, &TimelineView::linkHovered, statusBar(),
             [this](const QString& address) { statusBar()->showMessage(address); });
     timeline_->setFontSize(services_.settings.timelineFontSize());
@@ -107,7 +109,7 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     pages_->setCurrentIndex(pages_->addWidget(timeline_));
     delete pages_->widget(0);
     if (const auto place = services_.settings.windowPlace(path_))
-        timeline_->scrollToRow(place->topRow, place->pointsAbove);
+        timeline_->scroller().scrollToRow(place->topRow, place->pointsAbove);
     timeline_->setFocus();
     for (QAction* action : documentActions_)
         action->setEnabled(true);
@@ -140,8 +142,8 @@ void DocumentWindow::restorePlace() {
 
 void DocumentWindow::savePlace() const {
     if (!document_ || isStandardInput(path_)) return;
-    services_.settings.setWindowPlace(
-        path_, {saveGeometry(), timeline_->topRow(), timeline_->pointsAbove()});
+    services_.settings.setWindowPlace(path_, {saveGeometry(), timeline_->scroller().topRow(),
+                                              timeline_->scroller().pointsAbove()});
 }
 
 void DocumentWindow::closeEvent(QCloseEvent* event) {
@@ -193,9 +195,11 @@ void DocumentWindow::showMatches() {
     const bool isNew = currentMatch_ < 0;
     if (isNew) {
         // The first match at or below what is on screen, so that typing does not jump about.
-        const auto next = std::partition_point(
-            matches.begin(), matches.end(),
-            [top = timeline_->topRow()](const TextRange& match) { return match.row < top; });
+        const auto next =
+            std::partition_point(matches.begin(), matches.end(),
+                                 [top = timeline_->scroller().topRow()](const TextRange& match) {
+                                     return match.row < top;
+                                 });
         if (next != matches.end()) {
             currentMatch_ = next - matches.begin();
         } else if (!search_->isRunning() && !matches.empty()) {
@@ -204,7 +208,7 @@ void DocumentWindow::showMatches() {
     }
     timeline_->setFindMatches(matches, currentMatch_);
     if (isNew && currentMatch_ >= 0)
-        timeline_->revealText(matches[static_cast<size_t>(currentMatch_)]);
+        timeline_->scroller().revealText(matches[static_cast<size_t>(currentMatch_)]);
     findBar_->setCount(currentMatch_ + 1, std::ssize(matches), search_->isRunning());
 }
 
@@ -217,7 +221,7 @@ void DocumentWindow::goToMatch(int step) {
     const qsizetype count = std::ssize(search_->matches());
     currentMatch_ = (currentMatch_ + step + count) % count;
     showMatches();
-    timeline_->revealText(search_->matches()[static_cast<size_t>(currentMatch_)]);
+    timeline_->scroller().revealText(search_->matches()[static_cast<size_t>(currentMatch_)]);
 }
 
 }  // namespace vell

@@ -51,10 +51,11 @@ QString accessibleRowName(TimelineView& view, qsizetype row) {
     if (std::holds_alternative<TesselChatLog::NewMinute>(event.value)) return time;
 
     const QString sender =
-        event.sender ? shownText(senderName(*event.sender, view.contacts())) : QString();
+        event.sender ? shownText(senderName(*event.sender, view.context().contacts)) : QString();
     if (std::holds_alternative<TesselChatLog::User>(event.value))
         return tr("End of messages by %1").arg(sender);
-    QString text = std::visit(Spoken{view.pictures()}, TimelineRowView(event, false).content());
+    QString text =
+        std::visit(Spoken{view.context().pictures}, TimelineRowView(event, false).content());
     // The bus that carries names ends a text at its first null character.
     text.replace(QChar(), QChar(QChar::ReplacementCharacter));
     return event.sender ? tr("%1: %2, %3").arg(sender, text, time) : tr("%1, %2").arg(text, time);

@@ -25,12 +25,21 @@ AccessibleTimeline* listened(TimelineView& view) {
 
 }  // namespace
 
-void AccessibleTimeline::install() {
+void AccessibleTimeline::attach(TimelineView& view) {
     static const bool isInstalled = [] {
         QAccessible::installFactory(make);
         return true;
     }();
     static_cast<void>(isInstalled);
+    QObject::connect(&view, &TimelineView::currentRowChanged, &view, [&view](qsizetype row) {
+        if (const auto* timeline = listened(view)) timeline->focusChanged(row);
+    });
+    QObject::connect(&view, &TimelineView::pictureFailed, &view, [&view](qsizetype row) {
+        if (const auto* timeline = listened(view)) timeline->nameChanged(row);
+    });
+    QObject::connect(&view, &TimelineView::namesChanged, &view, [&view] {
+        if (const auto* timeline = listened(view)) timeline->namesChanged();
+    });
 }
 
 AccessibleTimeline::AccessibleTimeline(TimelineView& view)
@@ -116,7 +125,7 @@ QAccessibleInterface* AccessibleTimeline::item(qsizetype row) const {
 QAccessibleInterface* AccessibleTimeline::childAt(int x, int y) const {
     if (!rect().contains(x, y)) return nullptr;
     const QPoint point = view().viewport()->mapFromGlobal(QPoint(x, y));
-    const qsizetype row = view().timeline().rowAt(view().toDevice(point).y());
+    const qsizetype row = view().timeline().rowAt(view().context().toDevice(point).y());
     return row >= 0 && rowRect(row).contains(x, y) ? item(row) : nullptr;
 }
 
@@ -149,7 +158,7 @@ QRect AccessibleTimeline::rowRect(qsizetype row) const {
     return {view().viewport()->mapToGlobal(corner), QSize(place(layout.rowWidth()), bottom - top)};
 }
 
-void AccessibleTimeline::tellNameChanged(qsizetype row) const {
+void AccessibleTimeline::nameChanged(qsizetype row) const {
     const auto known = items_.find(row);
     if (known == items_.end()) return;
     QAccessibleEvent event(QAccessible::accessibleInterface(known->second),
@@ -157,23 +166,15 @@ void AccessibleTimeline::tellNameChanged(qsizetype row) const {
     QAccessible::updateAccessibility(&event);
 }
 
-void AccessibleTimeline::namesChanged(TimelineView& view) {
-    const AccessibleTimeline* timeline = listened(view);
-    if (!timeline) return;
-    for (const qsizetype row : timeline->made_) {
-        if (view.chatlog().events()[static_cast<size_t>(row)].sender)
-            timeline->tellNameChanged(row);
+void AccessibleTimeline::namesChanged() const {
+    for (const qsizetype row : made_) {
+        if (view().chatlog().events()[static_cast<size_t>(row)].sender) nameChanged(row);
     }
 }
 
-void AccessibleTimeline::nameChanged(TimelineView& view, qsizetype row) {
-    if (const AccessibleTimeline* timeline = listened(view)) timeline->tellNameChanged(row);
-}
-
-void AccessibleTimeline::focusChanged(TimelineView& view, qsizetype row) {
-    const AccessibleTimeline* timeline = listened(view);
-    if (!timeline || row < 0 || !view.hasFocus()) return;
-    QAccessibleEvent event(timeline->item(row), QAccessible::Focus);
+void AccessibleTimeline::focusChanged(qsizetype row) const {
+    if (row < 0 || !view().hasFocus()) return;
+    QAccessibleEvent event(item(row), QAccessible::Focus);
     QAccessible::updateAccessibility(&event);
 }
 

@@ -5,7 +5,7 @@
 // shows something. It answers from the log and not from what is painted; items are made when they
 // are asked for, and the ones asked for longest ago are given up. GUI thread only.
 //
-//     AccessibleTimeline::install();  // once, before the first view is asked
+//     AccessibleTimeline::attach(*view);  // once for each view
 
 #include <QAccessibleWidget>
 #include <deque>
@@ -22,15 +22,8 @@ class AccessibleTimeline final : public QAccessibleWidget {
     /// So many items are kept at most.
     static constexpr size_t mostItems = 16'384;
 
-    /// Makes every TimelineView's interface one of these; further calls do nothing.
-    static void install();
-    /// Tells who listens that the rows' names may be others, because those of people are.
-    static void namesChanged(TimelineView& view);
-    /// The same for one row.
-    static void nameChanged(TimelineView& view, qsizetype row);
-
-    /// Tells that the keyboard is at a row now.
-    static void focusChanged(TimelineView& view, qsizetype row);
+    /// Makes a view's interface one of these, and reports what changes in it to whoever listens.
+    static void attach(TimelineView& view);
 
     explicit AccessibleTimeline(TimelineView& view);
     ~AccessibleTimeline() override;
@@ -52,7 +45,9 @@ class AccessibleTimeline final : public QAccessibleWidget {
     const std::vector<qsizetype>& emptyRows() const;
     [[nodiscard]] qsizetype rowOfChild(int index) const;
     [[nodiscard]] QAccessibleInterface* item(qsizetype row) const;
-    void tellNameChanged(qsizetype row) const;
+    void namesChanged() const;
+    void nameChanged(qsizetype row) const;
+    void focusChanged(qsizetype row) const;
 
     mutable std::optional<std::vector<qsizetype>> emptyRows_;
     mutable std::unordered_map<qsizetype, QAccessible::Id> items_;

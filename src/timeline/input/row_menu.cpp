@@ -4,24 +4,25 @@
 #include <QClipboard>
 #include <QGuiApplication>
 
+#include "timeline/input/selection_controller.h"
 #include "timeline/rows/row_text.h"
 #include "timeline/saving/data_item_provider.h"
 #include "timeline/saving/saving.h"
-#include "timeline/timeline_view.h"
 
 namespace vell {
 
-RowMenu::RowMenu(TimelineView& view, const TesselChatLog::Event& event)
-    : QMenu(&view), view_(view) {
+RowMenu::RowMenu(QWidget& parent, const SelectionController& selection,
+                 const TesselChatLog::Event& event)
+    : QMenu(&parent), parent_(parent) {
     const QString text = rowText(event);
     const auto* image = std::get_if<TesselChatLog::Image>(&event.value);
-    if (view.hasSelection()) {
-        addAction(tr("&Copy"), &view, [&view] { view.copySelection(); });
+    if (!selection.isEmpty()) {
+        addAction(tr("&Copy"), &parent, [&selection] { selection.copy(); });
     } else if (isSelectable(event) && !image) {
-        addAction(tr("&Copy"), &view, [text] { QGuiApplication::clipboard()->setText(text); });
+        addAction(tr("&Copy"), &parent, [text] { QGuiApplication::clipboard()->setText(text); });
     }
     if (const auto* link = std::get_if<TesselChatLog::Link>(&event.value)) {
-        addAction(tr("Copy &Link Address"), &view, [url = link->url] {
+        addAction(tr("Copy &Link Address"), &parent, [url = link->url] {
             QGuiApplication::clipboard()->setText(url->absoluteString());
         });
     }
@@ -30,16 +31,16 @@ RowMenu::RowMenu(TimelineView& view, const TesselChatLog::Event& event)
 }
 
 void RowMenu::addPictureCommands(const TesselChatLog::Image& image) {
-    addAction(tr("Copy &Picture"), &view_, [image] {
+    addAction(tr("Copy &Picture"), &parent_, [image] {
         QGuiApplication::clipboard()->setMimeData(pictureForCopying(image).release());
     });
-    addAction(tr("&Save Picture As …"), &view_,
-              [image, view = &view_] { savePicture(*view, image); });
+    addAction(tr("&Save Picture As …"), &parent_,
+              [image, parent = &parent_] { savePicture(*parent, image); });
 }
 
 void RowMenu::addFileCommands(const TesselChatLog::File& file) {
-    addAction(tr("&Save File As …"), &view_, [wrapper = file.wrapper, view = &view_] {
-        saveFile(*view, wrapper);
+    addAction(tr("&Save File As …"), &parent_, [wrapper = file.wrapper, parent = &parent_] {
+        saveFile(*parent, wrapper);
     })->setEnabled(canSave(*file.wrapper));
 }
 

@@ -9,20 +9,22 @@
 
 namespace vell {
 
-class TimelineView;
+class SelectionController;
 
 class RowMenu final : public QMenu {
     Q_OBJECT
 
   public:
-    /// "Copy" takes the view's selection where there is one, else the row's text.
-    RowMenu(TimelineView& view, const TesselChatLog::Event& event);
+    /// "Copy" takes the selection where there is one, else the row's text. Dialogs stand over the
+    /// parent.
+    RowMenu(QWidget& parent, const SelectionController& selection,
+            const TesselChatLog::Event& event);
 
   private:
     void addPictureCommands(const TesselChatLog::Image& image);
     void addFileCommands(const TesselChatLog::File& file);
 
-    TimelineView& view_;
+    QWidget& parent_;
 };
 
 }  // namespace vell

@@ -89,7 +89,7 @@ void Selection::extend(TextPosition position) {
 void Selection::selectAll() {
     if (chatlog_->events().empty()) return;
     start({0, 0}, TextUnit::character);
-    extend(end(std::ssize(chatlog_->events()) - 1));
+    extend(rowEnd(std::ssize(chatlog_->events()) - 1));
 }
 
 void Selection::clear() {
@@ -135,7 +135,7 @@ qsizetype Selection::selectableRow(qsizetype row, int step) const {
     return -1;
 }
 
-TextPosition Selection::end(qsizetype row) const {
+TextPosition Selection::rowEnd(qsizetype row) const {
     return {row, selectableLength(eventAt(*chatlog_, row))};
 }
 

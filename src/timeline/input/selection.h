@@ -56,8 +56,8 @@ class Selection {
     /// A row's neighbour (step 1 or -1) in which something can be selected; -1 for none.
     [[nodiscard]] qsizetype selectableRow(qsizetype row, int step) const;
     /// The first and the last position of a row.
-    [[nodiscard]] TextPosition start(qsizetype row) const { return {row, 0}; }
-    [[nodiscard]] TextPosition end(qsizetype row) const;
+    [[nodiscard]] TextPosition rowStart(qsizetype row) const { return {row, 0}; }
+    [[nodiscard]] TextPosition rowEnd(qsizetype row) const;
 
   private:
     [[nodiscard]] TextSpan unitAt(TextPosition position) const;

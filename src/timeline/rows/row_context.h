@@ -7,6 +7,7 @@
 #include <QColor>
 #include <QFont>
 #include <QPalette>
+#include <QPoint>
 #include <Qt>
 #include <cmath>
 
@@ -59,6 +60,8 @@ struct RowContext {
     [[nodiscard]] int px(qreal points) const {
         return static_cast<int>(std::lround(points * ratio));
     }
+    /// A place in points in device pixels.
+    [[nodiscard]] QPoint toDevice(QPoint point) const { return (QPointF(point) * ratio).toPoint(); }
 };
 
 }  // namespace vell

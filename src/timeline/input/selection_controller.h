@@ -1,8 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Selecting: how mouse and keyboard select text in a timeline. It watches the view's events, so the
-// view itself knows nothing of it but what to paint.
+// SelectionController: how mouse and keyboard select text in a timeline, and what is highlighted.
 //
 //     press, drag          characters, across rows; beyond the edges the timeline scrolls
 //     double, triple click words, paragraphs
@@ -14,23 +13,31 @@
 #include <vector>
 
 #include "timeline/input/selection.h"
+#include "timeline/rows/row_context.h"
 #include "timeline/text/text_range.h"
 
+class QAbstractScrollArea;
 class QKeyEvent;
 class QMouseEvent;
 
 namespace vell {
 
-class TimelineView;
+class TimelineLayout;
+class TimelineScroller;
+struct RowPlace;
 
-class Selecting final : public QObject {
+class SelectionController final : public QObject {
     Q_OBJECT
 
   public:
-    /// Watches the view, which must outlive it.
-    explicit Selecting(TimelineView& view);
+    /// All must outlive the controller.
+    SelectionController(QAbstractScrollArea& area, TimelineLayout& layout,
+                        const RowContext& context, TimelineScroller& scroller);
 
-    [[nodiscard]] const Selection& selection() const { return selection_; }
+    /// The selected parts of the rows, a line each.
+    [[nodiscard]] QString text() const { return selection_.text(); }
+    /// Puts the text on the clipboard; without a selection nothing happens.
+    void copy() const;
     void selectAll();
     void clear();
     /// Whether there is a selection to drop; a row's copy command wants to know, too.
@@ -42,7 +49,13 @@ class Selecting final : public QObject {
     [[nodiscard]] std::span<const TextHighlight> highlights(qsizetype row, qsizetype from,
                                                             qsizetype to);
 
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    // Events, with the place they are at; what returns true has consumed its event.
+    bool press(const QMouseEvent& event, const std::optional<RowPlace>& place);
+    bool move(const QMouseEvent& event, const std::optional<RowPlace>& place);
+    bool release(const QMouseEvent& event);
+    /// Without a selection, Shift and the keys begin one at the current row; -1 where there is
+    /// none.
+    bool key(const QKeyEvent& event, qsizetype currentRow);
 
   Q_SIGNALS:
     void changed();
@@ -51,17 +64,18 @@ class Selecting final : public QObject {
     void timerEvent(QTimerEvent* event) override;
 
   private:
-    bool press(const QMouseEvent& event);
-    void drag(QPoint point);
-    bool release();
+    void dragTo(const std::optional<RowPlace>& place);
+    void dragToPointer();
     [[nodiscard]] TextUnit clickUnit(const QMouseEvent& event);
-    bool key(const QKeyEvent& event);
     [[nodiscard]] std::optional<TextPosition> moved(TextPosition from, const QKeyEvent& event);
     [[nodiscard]] TextPosition movedAcross(TextPosition from, bool forward, TextUnit unit);
     [[nodiscard]] TextPosition movedByLine(TextPosition from, int step);
     void update();
 
-    TimelineView& view_;
+    QAbstractScrollArea& area_;
+    TimelineLayout& layout_;
+    const RowContext& context_;
+    TimelineScroller& scroller_;
     Selection selection_;
     bool isEmpty_ = true;
     std::vector<TextRange> matches_;

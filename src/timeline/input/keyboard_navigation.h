@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// CurrentRow: the row that the keyboard is at, the ring around it, and the keys that move it. It
-// watches the view's events.
+// KeyboardNavigation: the row that the keyboard is at, the ring around it, and the keys that move
+// it.
 //
 //     up, down                  the next row; of one that is higher than the window the next lines
 //     page up, page down, space a page
@@ -10,37 +10,48 @@
 //     return, menu key          what a click on the row does, and its context menu
 
 #include <QObject>
+#include <optional>
 
-class QContextMenuEvent;
+#include "timeline/rows/row_context.h"
+
+class QAbstractScrollArea;
 class QKeyEvent;
 class QPainter;
 
 namespace vell {
 
-class Pointing;
-class TimelineView;
+class RowInteraction;
+class TimelineLayout;
+class TimelineScroller;
+struct RowPlace;
 
-class CurrentRow final : public QObject {
+class KeyboardNavigation final : public QObject {
     Q_OBJECT
 
   public:
-    /// Watches the view; both must outlive it.
-    CurrentRow(TimelineView& view, Pointing& pointing);
+    /// All must outlive it.
+    KeyboardNavigation(QAbstractScrollArea& area, TimelineLayout& layout, const RowContext& context,
+                       TimelineScroller& scroller, RowInteraction& rows);
 
-    /// -1 before any row was chosen.
-    [[nodiscard]] qsizetype index() const { return index_; }
+    /// The current row; -1 before any was chosen.
+    [[nodiscard]] qsizetype row() const { return row_; }
     /// Shows a row and makes it the current one; going up, the end of a high row is shown.
     void goTo(qsizetype row, int direction);
     /// Paints the ring, if the keyboard is in use; the painter counts the viewport's device pixels.
     void paint(QPainter& painter) const;
 
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    /// Returns whether the key was one of those above.
+    bool key(const QKeyEvent& event);
+    /// A press of the mouse makes its row the current one, without a ring.
+    void press(const std::optional<RowPlace>& place);
+    /// Coming by the Tab key shows the ring.
+    void focusIn(Qt::FocusReason reason);
+    void showMenu();
 
   Q_SIGNALS:
     void changed(qsizetype row);
 
   private:
-    bool key(const QKeyEvent& event);
     void step(int direction);
     void page(int direction);
     void choose(qsizetype row, bool showRing);
@@ -49,9 +60,12 @@ class CurrentRow final : public QObject {
     [[nodiscard]] bool isOnScreen(qsizetype row) const;
     [[nodiscard]] qsizetype neighbour(qsizetype row, int direction) const;
 
-    TimelineView& view_;
-    Pointing& pointing_;
-    qsizetype index_ = -1;
+    QAbstractScrollArea& area_;
+    TimelineLayout& layout_;
+    const RowContext& context_;
+    TimelineScroller& scroller_;
+    RowInteraction& rows_;
+    qsizetype row_ = -1;
     bool isRingShown_ = false;
 };
 

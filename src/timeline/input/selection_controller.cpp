@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "timeline/input/selecting.h"
+#include "timeline/input/selection_controller.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QClipboard>
 #include <QKeyEvent>
@@ -10,8 +11,9 @@
 #include <utility>
 
 #include "timeline/input/row_place.h"
+#include "timeline/layout/timeline_layout.h"
+#include "timeline/layout/timeline_scroller.h"
 #include "timeline/rows/row_text.h"
-#include "timeline/timeline_view.h"
 
 namespace vell {
 namespace {
@@ -22,23 +24,31 @@ constexpr int scrollFraction = 4;
 
 }  // namespace
 
-Selecting::Selecting(TimelineView& view) : view_(view), selection_(view.sharedChatlog()) {
-    view.installEventFilter(this);
-    view.viewport()->installEventFilter(this);
-}
+SelectionController::SelectionController(QAbstractScrollArea& area, TimelineLayout& layout,
+                                         const RowContext& context, TimelineScroller& scroller)
+    : area_(area),
+      layout_(layout),
+      context_(context),
+      scroller_(scroller),
+      selection_(layout.sharedChatlog()) {}
 
-void Selecting::update() {
+void SelectionController::update() {
     isEmpty_ = selection_.isEmpty();
-    view_.viewport()->update();
+    area_.viewport()->update();
     Q_EMIT changed();
 }
 
-void Selecting::selectAll() {
+void SelectionController::selectAll() {
     selection_.selectAll();
     update();
 }
 
-void Selecting::clear() {
+void SelectionController::copy() const {
+    if (auto data = selection_.mimeData())
+        QGuiApplication::clipboard()->setMimeData(data.release());
+}
+
+void SelectionController::clear() {
     if (!selection_.focus()) return;
     selection_.clear();
     update();
@@ -46,13 +56,14 @@ void Selecting::clear() {
 
 // ---- highlights --------------------------------------------------------------------------------
 
-void Selecting::setFindMatches(std::vector<TextRange> matches, qsizetype current) {
+void SelectionController::setFindMatches(std::vector<TextRange> matches, qsizetype current) {
     matches_ = std::move(matches);
     currentMatch_ = current;
-    view_.viewport()->update();
+    area_.viewport()->update();
 }
 
-std::span<const TextHighlight> Selecting::highlights(qsizetype row, qsizetype from, qsizetype to) {
+std::span<const TextHighlight> SelectionController::highlights(qsizetype row, qsizetype from,
+                                                               qsizetype to) {
     highlights_.clear();
     auto match = std::lower_bound(matches_.begin(), matches_.end(), std::pair(row, from),
                                   [](const TextRange& m, auto place) {
@@ -72,25 +83,7 @@ std::span<const TextHighlight> Selecting::highlights(qsizetype row, qsizetype fr
 
 // ---- the mouse ---------------------------------------------------------------------------------
 
-bool Selecting::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == &view_) {
-        return event->type() == QEvent::KeyPress && key(*static_cast<QKeyEvent*>(event));
-    }
-    switch (event->type()) {
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonDblClick:
-            return press(*static_cast<QMouseEvent*>(event));
-        case QEvent::MouseMove:
-            if (isDragging_) drag(static_cast<QMouseEvent*>(event)->position().toPoint());
-            return isDragging_;
-        case QEvent::MouseButtonRelease:
-            return static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton && release();
-        default:
-            return false;
-    }
-}
-
-TextUnit Selecting::clickUnit(const QMouseEvent& event) {
+TextUnit SelectionController::clickUnit(const QMouseEvent& event) {
     const QPoint place = event.position().toPoint();
     const bool isAgain =
         clicks_ > 0 && sinceClick_.elapsed() < QApplication::doubleClickInterval() &&
@@ -102,11 +95,9 @@ TextUnit Selecting::clickUnit(const QMouseEvent& event) {
     return clicks_ == 1 ? TextUnit::character : clicks_ == 2 ? TextUnit::word : TextUnit::paragraph;
 }
 
-bool Selecting::press(const QMouseEvent& event) {
-    if (event.button() != Qt::LeftButton) return false;
+bool SelectionController::press(const QMouseEvent& event, const std::optional<RowPlace>& place) {
+    if (event.button() != Qt::LeftButton || !place) return false;
     pointer_ = event.position().toPoint();
-    const auto place = rowPlaceAt(view_.timeline(), view_.toDevice(pointer_));
-    if (!place) return false;
     const TextUnit unit = clickUnit(event);
     isDragging_ = true;
     if ((event.modifiers() & Qt::ShiftModifier) && selection_.focus()) {
@@ -118,33 +109,45 @@ bool Selecting::press(const QMouseEvent& event) {
     return true;
 }
 
-void Selecting::drag(QPoint point) {
-    pointer_ = point;
-    const bool isInside = point.y() >= 0 && point.y() < view_.viewport()->height();
-    if (isInside) {
+bool SelectionController::move(const QMouseEvent& event, const std::optional<RowPlace>& place) {
+    if (!isDragging_) return false;
+    pointer_ = event.position().toPoint();
+    if (pointer_.y() >= 0 && pointer_.y() < area_.viewport()->height()) {
         scrollTimer_.stop();
-    } else if (!scrollTimer_.isActive()) {
-        scrollTimer_.start(scrollMilliseconds, this);
+        dragTo(place);
+    } else {
+        if (!scrollTimer_.isActive()) scrollTimer_.start(scrollMilliseconds, this);
+        dragToPointer();
     }
-    const QPoint inView(point.x(), std::clamp(point.y(), 0, view_.viewport()->height() - 1));
-    const auto place = rowPlaceAt(view_.timeline(), view_.toDevice(inView));
+    return true;
+}
+
+void SelectionController::dragTo(const std::optional<RowPlace>& place) {
     if (!place) return;
     const TextSpan before = selection_.span();
     selection_.extend(place->position());
     if (selection_.span() != before) update();
 }
 
-void Selecting::timerEvent(QTimerEvent* event) {
+// Beyond the edges the rows at the edges count.
+void SelectionController::dragToPointer() {
+    const int last = area_.viewport()->height() - 1;
+    const QPoint inView(pointer_.x(), std::clamp(pointer_.y(), 0, last));
+    dragTo(rowPlaceAt(layout_, context_.toDevice(inView)));
+}
+
+void SelectionController::timerEvent(QTimerEvent* event) {
     if (event->timerId() != scrollTimer_.timerId()) return;
     const int beyond = pointer_.y() < 0
                            ? pointer_.y()
-                           : std::max(pointer_.y() - view_.viewport()->height() + 1, 1);
+                           : std::max(pointer_.y() - area_.viewport()->height() + 1, 1);
     const int step = beyond / scrollFraction + (beyond < 0 ? -1 : 1);
-    view_.scrollByPixels(view_.toDevice(QPoint(0, step)).y());
-    drag(pointer_);
+    scroller_.scrollByPixels(context_.toDevice(QPoint(0, step)).y());
+    dragToPointer();
 }
 
-bool Selecting::release() {
+bool SelectionController::release(const QMouseEvent& event) {
+    if (event.button() != Qt::LeftButton) return false;
     scrollTimer_.stop();
     if (!std::exchange(isDragging_, false)) return false;
     QClipboard* clipboard = QGuiApplication::clipboard();
@@ -155,32 +158,32 @@ bool Selecting::release() {
 
 // ---- the keyboard ------------------------------------------------------------------------------
 
-bool Selecting::key(const QKeyEvent& event) {
+bool SelectionController::key(const QKeyEvent& event, qsizetype currentRow) {
     if (event.key() == Qt::Key_Escape) {
         if (isEmpty_) return false;
         clear();
         return true;
     }
-    if (!(event.modifiers() & Qt::ShiftModifier) || view_.timeline().rowCount() == 0) return false;
-    const qsizetype row = view_.currentRow() < 0 ? view_.topRow() : view_.currentRow();
+    if (!(event.modifiers() & Qt::ShiftModifier) || layout_.rowCount() == 0) return false;
+    const qsizetype row = currentRow < 0 ? scroller_.topRow() : currentRow;
     const TextPosition from = selection_.focus().value_or(TextPosition{row, 0});
     const std::optional<TextPosition> to = moved(from, event);
     if (!to) return false;
     if (!selection_.focus()) selection_.start(from, TextUnit::character);
     selection_.extend(*to);
     update();
-    view_.revealText({to->row, to->offset, 0});
+    scroller_.revealText({to->row, to->offset, 0});
     return true;
 }
 
-std::optional<TextPosition> Selecting::moved(TextPosition from, const QKeyEvent& event) {
+std::optional<TextPosition> SelectionController::moved(TextPosition from, const QKeyEvent& event) {
     const bool isFar = event.modifiers() & Qt::ControlModifier;
     const TextUnit unit = isFar ? TextUnit::word : TextUnit::character;
-    const qsizetype last = view_.timeline().rowCount() - 1;
+    const qsizetype last = layout_.rowCount() - 1;
     switch (event.key()) {
         case Qt::Key_Left:
         case Qt::Key_Right: {
-            const LaidOutText* text = view_.timeline().row(from.row).layout.text.get();
+            const LaidOutText* text = layout_.row(from.row).layout.text.get();
             const bool isReversed = text && text->isRightToLeft(from.offset);
             return movedAcross(from, (event.key() == Qt::Key_Right) != isReversed, unit);
         }
@@ -189,32 +192,31 @@ std::optional<TextPosition> Selecting::moved(TextPosition from, const QKeyEvent&
         case Qt::Key_Down:
             return movedByLine(from, 1);
         case Qt::Key_Home:
-            return isFar ? TextPosition{} : selection_.start(from.row);
+            return isFar ? TextPosition{} : selection_.rowStart(from.row);
         case Qt::Key_End:
-            return isFar ? selection_.end(last) : selection_.end(from.row);
+            return isFar ? selection_.rowEnd(last) : selection_.rowEnd(from.row);
         default:
             return std::nullopt;
     }
 }
 
-TextPosition Selecting::movedAcross(TextPosition from, bool forward, TextUnit unit) {
-    const TextPosition edge = forward ? selection_.end(from.row) : selection_.start(from.row);
+TextPosition SelectionController::movedAcross(TextPosition from, bool forward, TextUnit unit) {
+    const TextPosition edge = forward ? selection_.rowEnd(from.row) : selection_.rowStart(from.row);
     if (from.offset == edge.offset) {
         const qsizetype row = selection_.selectableRow(from.row, forward ? 1 : -1);
         if (row < 0) return from;
-        return forward ? selection_.start(row) : selection_.end(row);
+        return forward ? selection_.rowStart(row) : selection_.rowEnd(row);
     }
-    const auto& event = view_.chatlog().events()[static_cast<size_t>(from.row)];
+    const auto& event = layout_.chatlog().events()[static_cast<size_t>(from.row)];
     if (std::holds_alternative<TesselChatLog::Image>(event.value)) return edge;
     const QString text = rowText(event);
     return {from.row,
             forward ? nextPlace(text, from.offset, unit) : previousPlace(text, from.offset, unit)};
 }
 
-TextPosition Selecting::movedByLine(TextPosition from, int step) {
-    TimelineLayout& timeline = view_.timeline();
-    const QRect caret = timeline.exactCaret(from.row, from.offset);
-    const TimelineLayout::Row& row = timeline.row(from.row);
+TextPosition SelectionController::movedByLine(TextPosition from, int step) {
+    const QRect caret = layout_.exactCaret(from.row, from.offset);
+    const TimelineLayout::Row& row = layout_.row(from.row);
     const LaidOutText* text = row.layout.text.get();
     if (text) {
         const QPoint corner = row.layout.content.topLeft();
@@ -224,10 +226,10 @@ TextPosition Selecting::movedByLine(TextPosition from, int step) {
             return {from.row, text->offsetAt(QPoint(caret.left(), y) - corner)};
     }
     const qsizetype next = selection_.selectableRow(from.row, step);
-    if (next < 0) return step < 0 ? selection_.start(from.row) : selection_.end(from.row);
-    const TextPosition entered = step < 0 ? selection_.end(next) : selection_.start(next);
-    const QRect entry = timeline.exactCaret(next, entered.offset);
-    const TimelineLayout::Row& other = timeline.row(next);
+    if (next < 0) return step < 0 ? selection_.rowStart(from.row) : selection_.rowEnd(from.row);
+    const TextPosition entered = step < 0 ? selection_.rowEnd(next) : selection_.rowStart(next);
+    const QRect entry = layout_.exactCaret(next, entered.offset);
+    const TimelineLayout::Row& other = layout_.row(next);
     return RowPlace{next, QPoint(caret.left(), entry.center().y()), &other}.position();
 }
 

@@ -1,17 +1,25 @@
 // SPDX-License-Identifier: MIT
-//
-// Where the timeline is: going to places, the scroll bar and the wheel.
+#include "timeline/layout/timeline_scroller.h"
+
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QScrollBar>
 #include <QStyle>
+#include <QTimerEvent>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
-#include "timeline/timeline_view.h"
+#include "timeline/layout/timeline_layout.h"
 
 namespace vell {
 namespace {
+
+// The idle pass waits so long after the last scrolling, then works in slices. A slice may overrun
+// by the longest row that is laid out at once.
+constexpr int idlePause = 200;
+constexpr int idleSlice = 4;
 
 constexpr int frameMilliseconds = 8;
 constexpr qreal wheelLinePoints = 20;
@@ -20,16 +28,21 @@ constexpr qreal highestRow = 1e9;  // points, more than any
 
 }  // namespace
 
-qsizetype TimelineView::topRow() const {
-    return isBuilt_ ? std::max<qsizetype>(layout_.rowAt(0), 0) : wantedRow_;
+TimelineScroller::TimelineScroller(QAbstractScrollArea& area, TimelineLayout& layout,
+                                   const RowContext& context)
+    : area_(area), layout_(layout), context_(context) {}
+
+qsizetype TimelineScroller::topRow() const {
+    return isReady_ ? std::max<qsizetype>(layout_.rowAt(0), 0) : wantedRow_;
 }
 
-qreal TimelineView::pointsAbove() const {
-    return isBuilt_ ? static_cast<qreal>(-layout_.rowTop(topRow())) / ratio() : wantedPointsAbove_;
+qreal TimelineScroller::pointsAbove() const {
+    return isReady_ ? static_cast<qreal>(-layout_.rowTop(topRow())) / context_.ratio
+                    : wantedPointsAbove_;
 }
 
-void TimelineView::scrollToRow(qsizetype index, qreal pointsAbove) {
-    if (!isBuilt_) {
+void TimelineScroller::scrollToRow(qsizetype index, qreal pointsAbove) {
+    if (!isReady_) {
         wantedRow_ = index;
         wantedPointsAbove_ = pointsAbove;
         return;
@@ -38,24 +51,24 @@ void TimelineView::scrollToRow(qsizetype index, qreal pointsAbove) {
     smoothScroll_.stop();
     // What settings hold may be anything, NaN included.
     const qreal points = pointsAbove > 0 ? std::min(pointsAbove, highestRow) : 0;
-    layout_.scrollToRow(index, qRound64(points * ratio()));
-    moved();
+    layout_.scrollToRow(index, qRound64(points * context_.ratio));
+    update();
 }
 
-void TimelineView::scrollByPixels(qint64 pixels) {
+void TimelineScroller::scrollByPixels(qint64 pixels) {
     smoothScroll_.stop();
     layout_.scrollBy(pixels);
-    moved();
+    update();
 }
 
-void TimelineView::reveal(qsizetype row, const QRect& part) {
+void TimelineScroller::reveal(qsizetype row, const QRect& part) {
     smoothScroll_.stop();
     layout_.reveal(row, part);
-    moved();
+    update();
 }
 
-void TimelineView::revealText(const TextRange& range) {
-    if (!isBuilt_) {
+void TimelineScroller::revealText(const TextRange& range) {
+    if (!isReady_) {
         scrollToRow(range.row);
         return;
     }
@@ -71,19 +84,26 @@ void TimelineView::revealText(const TextRange& range) {
             layout_.rowTop(range.row) + layout_.exactCaret(range.row, range.start).top();
         if (top >= 0 && top < layout_.viewportHeight()) break;
     }
-    moved();
+    update();
 }
 
-void TimelineView::moved() {
+void TimelineScroller::reset() {
+    isReady_ = true;
+    if (wantedRow_ > 0 || wantedPointsAbove_ > 0)
+        scrollToRow(std::exchange(wantedRow_, 0), std::exchange(wantedPointsAbove_, 0));
+    update();
+}
+
+void TimelineScroller::update() {
     syncScrollBar();
-    restartIdlePass();
-    viewport()->update();
-    stopUnseenPicture();
+    idleTimer_.start(idlePause, this);
+    area_.viewport()->update();
+    Q_EMIT moved();
 }
 
-void TimelineView::syncScrollBar() {
+void TimelineScroller::syncScrollBar() {
     // Nothing moves under the mouse of a person who holds the slider.
-    QScrollBar* bar = verticalScrollBar();
+    QScrollBar* bar = area_.verticalScrollBar();
     if (bar->isSliderDown()) return;
     mapping_ = {layout_.contentHeight(), layout_.viewportHeight()};
     isSyncing_ = true;
@@ -95,10 +115,10 @@ void TimelineView::syncScrollBar() {
     isSyncing_ = false;
 }
 
-void TimelineView::scrollContentsBy(int, int) {
-    if (isSyncing_ || !isBuilt_) return;
+void TimelineScroller::followScrollBar() {
+    if (isSyncing_ || !isReady_) return;
     smoothScroll_.stop();
-    const QScrollBar* bar = verticalScrollBar();
+    const QScrollBar* bar = area_.verticalScrollBar();
     const qint64 wanted = mapping_.toOffset(bar->value());
     if (bar->isSliderDown()) {
         // The bar still has the heights of the moment in which the slider was taken.
@@ -111,36 +131,46 @@ void TimelineView::scrollContentsBy(int, int) {
     } else {
         layout_.scrollBy(wanted - layout_.offset());
     }
-    moved();
+    update();
 }
 
-void TimelineView::wheelEvent(QWheelEvent* event) {
-    if (event->modifiers() & Qt::ControlModifier) {
-        event->ignore();
-        return;
-    }
-    event->accept();
-    if (!event->pixelDelta().isNull()) {
+void TimelineScroller::scrollByWheel(const QWheelEvent& event) {
+    if (!event.pixelDelta().isNull()) {
         smoothScroll_.stop();
-        layout_.scrollBy(-std::lround(event->pixelDelta().y() * ratio()));
-        moved();
+        layout_.scrollBy(-std::lround(event.pixelDelta().y() * context_.ratio));
+        update();
     } else {
-        const double notches = event->angleDelta().y() / 120.0;
-        scrollSmoothly(-notches * QApplication::wheelScrollLines() * wheelLinePoints * ratio());
+        const double notches = event.angleDelta().y() / 120.0;
+        scrollSmoothly(-notches * QApplication::wheelScrollLines() * wheelLinePoints *
+                       context_.ratio);
     }
 }
 
-void TimelineView::scrollSmoothly(double pixels) {
+void TimelineScroller::scrollSmoothly(double pixels) {
     smoothScroll_.add(pixels);
-    if (style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) <= 0) {
+    if (area_.style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, &area_) <= 0) {
         layout_.scrollBy(std::llround(pixels));
         smoothScroll_.stop();
-        moved();
+        update();
         return;
     }
     if (frameTimer_.isActive()) return;
     frameClock_.start();
     frameTimer_.start(frameMilliseconds, Qt::PreciseTimer, this);
+}
+
+void TimelineScroller::timerEvent(QTimerEvent* event) {
+    if (event->timerId() == frameTimer_.timerId()) {
+        const double elapsed = static_cast<double>(frameClock_.nsecsElapsed()) / 1e6;
+        frameClock_.restart();
+        layout_.scrollBy(smoothScroll_.step(elapsed));
+        if (!smoothScroll_.isMoving()) frameTimer_.stop();
+        update();
+    } else if (event->timerId() == idleTimer_.timerId()) {
+        idleTimer_.start(0, this);
+        if (!layout_.makeExact(QDeadlineTimer(idleSlice))) idleTimer_.stop();
+        syncScrollBar();
+    }
 }
 
 }  // namespace vell

@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: MIT
+#include "timeline/input/keyboard_navigation.h"
+
+#include <QAbstractScrollArea>
+#include <QKeyEvent>
+#include <QPainter>
+#include <algorithm>
+
+#include "timeline/input/row_interaction.h"
+#include "timeline/input/row_place.h"
+#include "timeline/layout/timeline_layout.h"
+#include "timeline/layout/timeline_scroller.h"
+
+namespace vell {
+namespace {
+
+constexpr qreal ringDistance = 3;  // points
+constexpr qreal ringWidth = 2;
+constexpr qreal ringCorner = 8;
+constexpr qreal linePoints = 60;  // what an arrow key scrolls in a high row
+constexpr qreal pageOverlap = 40;
+
+QRect shownPart(const RowLayout& layout) {
+    return layout.frame.isEmpty() ? layout.content : layout.frame;
+}
+
+}  // namespace
+
+KeyboardNavigation::KeyboardNavigation(QAbstractScrollArea& area, TimelineLayout& layout,
+                                       const RowContext& context, TimelineScroller& scroller,
+                                       RowInteraction& rows)
+    : area_(area), layout_(layout), context_(context), scroller_(scroller), rows_(rows) {}
+
+void KeyboardNavigation::paint(QPainter& painter) const {
+    if (!isRingShown_ || !area_.hasFocus() || !isOnScreen(row_)) return;
+    const int distance = context_.px(ringDistance);
+    const QPoint corner(layout_.rowLeft(), static_cast<int>(layout_.rowTop(row_)));
+    const QRect ring = shownPart(layout_.row(row_).layout)
+                           .translated(corner)
+                           .adjusted(-distance, -distance, distance, distance);
+    // Painters fail at the edges of rows that are higher than some ten thousand pixels.
+    const int around = context_.px(pageOverlap);
+    const QRect near = ring.intersected(
+        QRect(ring.left(), -around, ring.width(), layout_.viewportHeight() + 2 * around));
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(context_.colors.highlight, ringWidth * context_.ratio));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(near, ringCorner * context_.ratio, ringCorner * context_.ratio);
+    painter.restore();
+}
+
+void KeyboardNavigation::press(const std::optional<RowPlace>& place) {
+    if (place) choose(place->row, false);
+}
+
+void KeyboardNavigation::focusIn(Qt::FocusReason reason) {
+    if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason) choose(onScreen(1), true);
+    area_.viewport()->update();
+}
+
+void KeyboardNavigation::showMenu() {
+    rows_.showMenu(onScreen(1));
+}
+
+bool KeyboardNavigation::key(const QKeyEvent& event) {
+    if (layout_.rowCount() == 0) return false;
+    const bool isShifted = event.modifiers() & Qt::ShiftModifier;
+    if (isShifted && event.key() != Qt::Key_Space) return false;
+    switch (event.key()) {
+        case Qt::Key_Up:
+            step(-1);
+            return true;
+        case Qt::Key_Down:
+            step(1);
+            return true;
+        case Qt::Key_PageUp:
+            page(-1);
+            return true;
+        case Qt::Key_PageDown:
+            page(1);
+            return true;
+        case Qt::Key_Space:
+            page(isShifted ? -1 : 1);
+            return true;
+        case Qt::Key_Home:
+            goTo(neighbour(-1, 1), 1);
+            return true;
+        case Qt::Key_End:
+            goTo(neighbour(layout_.rowCount(), -1), -1);
+            return true;
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            choose(onScreen(1), true);
+            rows_.activate(row_);
+            return true;
+        default:
+            return false;
+    }
+}
+
+void KeyboardNavigation::step(int direction) {
+    if (!isOnScreen(row_)) {
+        choose(onScreen(direction), true);
+        return;
+    }
+    const qint64 top = layout_.rowTop(row_);
+    const qint64 beyond =
+        direction < 0 ? -top : top + layout_.row(row_).layout.height - layout_.viewportHeight();
+    const qsizetype next = neighbour(row_, direction);
+    if (beyond > 0 && isRingShown_) {
+        const qint64 line = context_.px(linePoints);
+        scroller_.scrollByPixels(direction * std::min(line, beyond));
+        choose(row_, true);
+    } else {
+        goTo(next < 0 ? row_ : next, direction);
+    }
+}
+
+void KeyboardNavigation::page(int direction) {
+    const qint64 before = layout_.offset();
+    scroller_.scrollByPixels(direction *
+                             std::max(layout_.viewportHeight() - context_.px(pageOverlap), 1));
+    const bool isAtEnd = layout_.offset() == before;
+    const auto& visible = layout_.visibleRows();
+    if (visible.empty()) return;
+    choose(isAtEnd && direction > 0 ? visible.back().index : visible.front().index, true);
+}
+
+void KeyboardNavigation::goTo(qsizetype row, int direction) {
+    if (row < 0) return;
+    // Of a row that is higher than the window the end is shown that is come to.
+    const int height = layout_.row(row).layout.height;
+    const int shown = std::min(height, layout_.viewportHeight());
+    scroller_.reveal(row, QRect(0, direction < 0 ? height - shown : 0, layout_.rowWidth(), shown));
+    choose(row, true);
+}
+
+void KeyboardNavigation::choose(qsizetype row, bool showRing) {
+    isRingShown_ = showRing;
+    area_.viewport()->update();
+    if (row == row_) return;
+    row_ = row;
+    Q_EMIT changed(row_);
+}
+
+bool KeyboardNavigation::isOnScreen(qsizetype row) const {
+    const auto& visible = layout_.visibleRows();
+    return std::any_of(visible.begin(), visible.end(),
+                       [row](const auto& shown) { return shown.index == row; });
+}
+
+qsizetype KeyboardNavigation::onScreen(int direction) const {
+    const auto& visible = layout_.visibleRows();
+    if (isOnScreen(row_) || visible.empty()) return row_;
+    return direction > 0 ? visible.front().index : visible.back().index;
+}
+
+qsizetype KeyboardNavigation::neighbour(qsizetype row, int direction) const {
+    const auto& events = layout_.chatlog().events();
+    for (row += direction; row >= 0 && row < std::ssize(events); row += direction) {
+        const auto& event = events[static_cast<size_t>(row)];
+        const bool isEmpty =
+            !event.sender && std::holds_alternative<TesselChatLog::User>(event.value);
+        if (!isEmpty) return row;
+    }
+    return -1;
+}
+
+}  // namespace vell

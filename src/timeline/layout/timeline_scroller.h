@@ -1,0 +1,83 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// TimelineScroller: moves a timeline: to rows and texts, by the scroll bar and by the wheel. Once
+// nothing has moved for a moment it lets the layout measure the rows that nobody has seen yet.
+
+#include <QBasicTimer>
+#include <QElapsedTimer>
+#include <QObject>
+
+#include "timeline/layout/scroll_mapping.h"
+#include "timeline/layout/smooth_scroll.h"
+#include "timeline/rows/row_context.h"
+#include "timeline/text/text_range.h"
+
+class QAbstractScrollArea;
+class QRect;
+class QWheelEvent;
+
+namespace vell {
+
+class TimelineLayout;
+
+class TimelineScroller final : public QObject {
+    Q_OBJECT
+
+  public:
+    /// All must outlive the scroller. Until the first reset() it only remembers where to go.
+    TimelineScroller(QAbstractScrollArea& area, TimelineLayout& layout, const RowContext& context);
+
+    /// The row at the viewport's top edge.
+    [[nodiscard]] qsizetype topRow() const;
+    /// How many points of the top row are above that edge.
+    [[nodiscard]] qreal pointsAbove() const;
+    /// Brings a row's top, or a place so many points below it, to the viewport's top edge, as far
+    /// as there is enough below it.
+    void scrollToRow(qsizetype index, qreal pointsAbove = 0);
+    /// Moves by device pixels of what is there.
+    void scrollByPixels(qint64 pixels);
+    /// Scrolls as little as needed to show part of a row, given in device pixels.
+    void reveal(qsizetype row, const QRect& part);
+    /// Scrolls as little as needed to show a stretch of a row's text.
+    void revealText(const TextRange& range);
+    /// Moves by what the wheel says, over a few frames unless it counts pixels itself.
+    void scrollByWheel(const QWheelEvent& event);
+    /// Goes where the scroll bar is.
+    void followScrollBar();
+
+    /// To be called after the layout was reset.
+    void reset();
+    /// To be called after rows have changed: the scroll bar follows, everything is painted.
+    void update();
+    /// True while rows that nobody has seen are still being measured.
+    [[nodiscard]] bool isIdlePassRunning() const { return idleTimer_.isActive(); }
+
+  Q_SIGNALS:
+    /// Other rows may be on the screen now.
+    void moved();
+
+  protected:
+    void timerEvent(QTimerEvent* event) override;
+
+  private:
+    void syncScrollBar();
+    void scrollSmoothly(double pixels);
+
+    QAbstractScrollArea& area_;
+    TimelineLayout& layout_;
+    const RowContext& context_;
+    bool isReady_ = false;
+    // Of a scrollToRow() before the first reset().
+    qsizetype wantedRow_ = 0;
+    qreal wantedPointsAbove_ = 0;
+
+    ScrollMapping mapping_;  // as the scroll bar has it
+    bool isSyncing_ = false;
+    SmoothScroll smoothScroll_;
+    QBasicTimer frameTimer_;
+    QElapsedTimer frameClock_;
+    QBasicTimer idleTimer_;
+};
+
+}  // namespace vell
