@@ -1,18 +1,22 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Bounds what a window is given to show in one line: names in a transcript may be as long as the
-// file, and toolkit and desktop lay out, copy and send whole what they are given.
+// Bounds texts that a window shows in one line: names in a transcript may be as long as the file,
+// and the toolkit and the desktop lay out, copy and send all of it.
 
 #include <QString>
 #include <QStringList>
+
+#include "foundation/elided.h"
 
 namespace vell {
 
 inline constexpr qsizetype longestShownText = 300;
 
-/// The text, or its start and "…"; never half of a character beyond the basic plane.
-[[nodiscard]] QString shownText(const QString& text, qsizetype longest = longestShownText);
+/// The text, or its start and "…" where it is longer; a surrogate pair is never split.
+[[nodiscard]] inline QString shownText(const QString& text) {
+    return foundation::elided(text, longestShownText);
+}
 
 /// Names separated by commas, or as many as fit and "…". Asks for a name only while there is room.
 template <class Names, class NameOf>
