@@ -59,7 +59,7 @@ constexpr std::uint32_t allowedCalls[] = {
     __NR_mprotect,
     __NR_madvise,
     __NR_brk,
-    // threads of this process; their start is looked at below
+    // threads of this process; starting them is checked below
     __NR_futex,
     __NR_set_robust_list,
     __NR_rseq,
@@ -68,12 +68,12 @@ constexpr std::uint32_t allowedCalls[] = {
     __NR_gettid,
     __NR_getpid,
     __NR_sysinfo,
-    // what lies open already
+    // descriptors that are open already
     __NR_recvfrom,
     __NR_sendto,
     __NR_lseek,
     __NR_close,
-    // time, chance and limits
+    // time, random numbers and limits
     __NR_clock_gettime,
     __NR_gettimeofday,
     __NR_clock_nanosleep,
@@ -104,11 +104,11 @@ sock_filter load(size_t field) {
     return {BPF_LD | BPF_W | BPF_ABS, 0, 0, static_cast<std::uint32_t>(field)};
 }
 
-sock_filter answer(std::uint32_t what) {
+sock_filter result(std::uint32_t what) {
     return {BPF_RET | BPF_K, 0, 0, what};
 }
 
-/// Leaves out so many instructions unless the loaded value is, or has, this one.
+/// Skips `count` instructions unless the loaded value equals (or has the bits of) this one.
 sock_filter skipUnless(unsigned short comparison, std::uint32_t value, std::uint8_t count) {
     return {static_cast<unsigned short>(BPF_JMP | comparison | BPF_K), 0, count, value};
 }
@@ -120,21 +120,21 @@ std::vector<sock_filter> filter() {
     std::vector<sock_filter> rules{
         load(offsetof(seccomp_data, arch)),
         {BPF_JMP | BPF_JEQ | BPF_K, 1, 0, VELL_SECCOMP_ARCHITECTURE},
-        answer(fail),
+        result(fail),
         load(offsetof(seccomp_data, nr)),
         skipUnless(BPF_JEQ, __NR_clone3, 1),
-        answer(missing),
+        result(missing),
     };
     for (const std::uint32_t call : allowedCalls) {
         rules.push_back(skipUnless(BPF_JEQ, call, 1));
-        rules.push_back(answer(SECCOMP_RET_ALLOW));
+        rules.push_back(result(SECCOMP_RET_ALLOW));
     }
     rules.insert(rules.end(), {
                                   skipUnless(BPF_JEQ, __NR_clone, 3),
                                   load(offsetof(seccomp_data, args)),
                                   skipUnless(BPF_JSET, CLONE_THREAD, 1),
-                                  answer(SECCOMP_RET_ALLOW),
-                                  answer(fail),
+                                  result(SECCOMP_RET_ALLOW),
+                                  result(fail),
                               });
     return rules;
 }

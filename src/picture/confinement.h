@@ -1,18 +1,19 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// What this process gives up before it looks at the first byte of a picture. Each step is taken
-// where the system knows it; within a sandbox that denies one, the others still hold.
+// The privileges that this process drops before it reads the first byte of a picture. Each step is
+// taken where the system supports it, and holds without the others.
 
 namespace vell::confinement {
 
-/// First thing: nothing inherited but what the process works with, and bounded memory.
+/// To be called first: closes inherited descriptors and bounds memory.
 void limitResources();
-/// For the thread that calls, and those it starts: no path and no connection any more.
+/// Denies paths and connections to the calling thread and those that it starts.
 void denyPaths();
-/// For all threads: no descriptor any more, and no call but those that computing in memory needs.
+/// Denies all threads new descriptors and all system calls but those that computing in memory
+/// needs.
 void denyCalls();
-/// So many seconds of the processor from now on, then the process ends.
+/// Limits the processor time from now on; beyond it the process is killed.
 void allowSeconds(int seconds);
 
 }  // namespace vell::confinement

@@ -36,14 +36,14 @@ class Source {
           bytes_(QByteArray::fromRawData(picture.data.begin(), picture.data.size())),
           buffer_(&bytes_) {
         buffer_.open(QIODevice::ReadOnly);
-        // The format is known: nothing else gets to try the bytes.
+        // The format is known: no other decoder may try the bytes.
         reader_.setAutoDetectImageFormat(false);
         reader_.setFormat(formatName());
         reader_.setDevice(&buffer_);
         reader_.setAutoTransform(true);
     }
 
-    /// Why the bytes can't be given to the reader at all; empty when they can.
+    /// Why the bytes can't be passed to the reader; empty when they can.
     [[nodiscard]] QString obstacle() const {
         if (!QImageReader::supportedImageFormats().contains(formatName()))
             return words(u"can't be drawn on this system"_s);

@@ -17,14 +17,14 @@ struct Drawn {
 };
 
 /// The picture upright, at most in the size wanted. Without its proportions it fills that size
-/// where it is large enough, unless it turns out to lie the other way than its header tells.
+/// where it is large enough, unless its orientation differs from what its header says.
 [[nodiscard]] Drawn draw(const foundation::Data& bytes, QSize wanted, bool keepsProportions);
 
 /// In the one colour space and layout that painting is fast with.
 [[nodiscard]] QImage readyToPaint(QImage image);
 
-/// Bounds what a picture may take, and loads what decoders otherwise look for on the disk when they
-/// are used first: themselves, their own plug-ins, fonts.
+/// Bounds the memory of a picture, and loads in advance what decoders otherwise load from disk on
+/// first use: plug-ins and fonts.
 void loadDecoders();
 
 }  // namespace vell

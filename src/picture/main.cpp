@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // vell-picture: makes pixels of pictures for the program that started it, whose requests come on
-// its standard input. Not meant to be started by people.
+// its standard input. Not meant to be started by users.
 //
 // All is done on one thread of the pool: there Qt scales and converts in place, instead of starting
 // further threads with descriptors of their own. It has the fonts that were loaded in advance, too.
@@ -77,7 +77,7 @@ void hand(Reply& reply, const Request& request, const QImage& image) {
 
 class Service {
   public:
-    [[nodiscard]] Reply answer(const Request& request) {
+    [[nodiscard]] Reply respond(const Request& request) {
         Reply reply;
         const QSize size(request.width, request.height);
         const bool isSound = !size.isEmpty() && request.byteCount >= 0 &&
@@ -117,7 +117,7 @@ class Service {
     }
 };
 
-/// Until the program has gone.
+/// Until the program closes its end.
 void serve() {
     Service service;
     Request request;
@@ -126,7 +126,7 @@ void serve() {
     while (recv(messages::socketDescriptor, &request, sizeof request, 0) ==
            static_cast<ssize_t>(sizeof request)) {
         vell::confinement::allowSeconds(secondsForAPicture);
-        const Reply reply = service.answer(request);
+        const Reply reply = service.respond(request);
         send(messages::socketDescriptor, &reply, sizeof reply, MSG_NOSIGNAL);
     }
 }

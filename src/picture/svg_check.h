@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Which SVG is drawn: such that consists of itself alone. What would fetch, run or embed anything
-// is refused whole, so that nobody has to know what a renderer makes of it.
+// Which SVG is drawn: only self-contained documents. One that would fetch, run or embed anything is
+// refused as a whole, whatever a renderer would make of it.
 
 #include <QByteArray>
 #include <QString>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The console loggers and the process-wide default one. A line is its level's tag, the message, and
-// each value after a blank; what could break or turn it is escaped. Lines of several threads may
-// interleave: nothing is locked.
+// each value after a space; control and direction characters are escaped. Lines of several threads
+// may interleave: nothing is locked.
 //
 //     console::defaultConsole()->warn("No such folder:", path);
 
@@ -36,7 +36,7 @@ class ConsoleBase : public Logger {
     template <GWritableStreamType Stream>
     static void writeLine(Stream& stream, LogLevel level, const LogValue& message,
                           std::span<const LogValue> values) {
-        static constexpr QByteArrayView blank(" ");
+        static constexpr QByteArrayView space(" ");
         static constexpr QByteArrayView lineFeed("\n");
         try {
             const QByteArray text = foundation::printable(message.text()).toUtf8();
@@ -44,7 +44,7 @@ class ConsoleBase : public Logger {
             stream.write(std::span(start));
             for (const LogValue& value : values) {
                 const QByteArray bytes = foundation::printable(value.text()).toUtf8();
-                const QByteArrayView piece[] = {blank, bytes};
+                const QByteArrayView piece[] = {space, bytes};
                 stream.write(std::span(piece));
             }
             stream.write(std::span(&lineFeed, 1));
@@ -89,9 +89,6 @@ class Console2 final : public ConsoleBase {
           stdout_(std::move(stdoutStream)),
           stderr_(std::move(stderrStream)) {}
 
-    [[nodiscard]] Out& stdoutStream() { return stdout_; }
-    [[nodiscard]] Err& stderrStream() { return stderr_; }
-
     void primaryLog(LogLevel level, const LogValue& message,
                     std::span<const LogValue> values) override {
         if (logLevel() < level) return;
@@ -111,7 +108,7 @@ namespace console {
 
 /// At first a Console2 over the C streams at the level of the environment.
 [[nodiscard]] std::shared_ptr<Logger> defaultConsole();
-/// Whoever holds the old one keeps it; null stops the program.
+/// Holders of the old one keep it; null is a bug and stops the program.
 void setDefaultConsole(std::shared_ptr<Logger> logger);
 
 template <class Message, class... Values>

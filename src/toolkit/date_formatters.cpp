@@ -17,9 +17,9 @@
 namespace vell {
 namespace {
 
-constexpr qint64 kMinutesPerDay = 1440;
-constexpr qint64 kSecondsPerDay = kMinutesPerDay * 60;
-constexpr qint64 kFirstYear = -62135596800;  // 0001-01-01 from 1970, seconds
+constexpr qint64 minutesPerDay = 1440;
+constexpr qint64 secondsPerDay = minutesPerDay * 60;
+constexpr qint64 firstYear = -62135596800;  // 0001-01-01 from 1970, seconds
 
 const UChar* asUtf16(const QString& text) {
     return reinterpret_cast<const UChar*>(text.utf16());
@@ -71,7 +71,7 @@ struct DateFormatter::Format {
         UErrorCode status = U_ZERO_ERROR;
         if (other.handle) handle = udat_clone(other.handle, &status);
     }
-    /// Tells years before the year 1 from those after it.
+    /// Adds the era, which distinguishes years before the year 1.
     void addEra() {
         char16_t buffer[128];
         UErrorCode status = U_ZERO_ERROR;
@@ -123,9 +123,9 @@ QString DateFormatter::string(foundation::Date date) const {
         return formatted(*localSecond) + u' ' + calendar_.zoneName(date);
     if (style_ != Style::shortTime) return formatted(*localSecond);
     // A short time depends on nothing but the minute of the local day, whatever the offset was.
-    qint64 secondOfDay = *localSecond % kSecondsPerDay;
-    if (secondOfDay < 0) secondOfDay += kSecondsPerDay;
-    if (shortTimes_.empty()) shortTimes_.resize(kMinutesPerDay);
+    qint64 secondOfDay = *localSecond % secondsPerDay;
+    if (secondOfDay < 0) secondOfDay += secondsPerDay;
+    if (shortTimes_.empty()) shortTimes_.resize(minutesPerDay);
     QString& text = shortTimes_[static_cast<std::size_t>(secondOfDay / 60)];
     if (text.isEmpty()) text = formatted(secondOfDay);
     return text;
@@ -133,7 +133,7 @@ QString DateFormatter::string(foundation::Date date) const {
 
 QString DateFormatter::formatted(qint64 localSecond) const {
     UDateFormat* format = format_->handle;
-    if (localSecond < kFirstYear && style_ != Style::shortTime) {
+    if (localSecond < firstYear && style_ != Style::shortTime) {
         if (!formatWithEra_) {
             formatWithEra_ = std::make_unique<Format>(*prototype_);
             if (formatWithEra_->handle) formatWithEra_->addEra();
@@ -167,7 +167,7 @@ Prototypes& prototypes() {
     return shared;
 }
 
-/// One thread's formatter, made anew in its place when another format has been set.
+/// One thread's formatter, replaced in place when another format has been set.
 class OwnFormatter {
   public:
     OwnFormatter(Style style, std::optional<DateFormatter> Prototypes::*which)

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Dates for people, in their locale and time zone: the shared formatters that separators on screen
-// and headings in exported text are made with, and the one for who wants to know exactly. Making
+// and headings in exported text are made with, and a full one for tooltips. Making
 // one takes milliseconds, so there is one of each for the process, and a clone for every further
 // thread that asks.
 //
@@ -38,7 +38,7 @@ class DateFormatter {
     struct Format;
 
     Style style_;
-    std::shared_ptr<const Format> prototype_;  // never formats, so that anybody may clone it
+    std::shared_ptr<const Format> prototype_;  // never formats, so that any thread may clone it
     std::unique_ptr<Format> format_;
     mutable std::unique_ptr<Format> formatWithEra_;  // made on demand
     foundation::Calendar calendar_;
@@ -58,7 +58,7 @@ class DateFormatter {
 /// now on follows, on each thread from its next call above.
 void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& calendar);
 
-/// Whether dates can be told for the locale; ICU itself takes another one for what it doesn't know.
+/// Whether ICU has data for the locale; for unknown ones it silently falls back to another.
 [[nodiscard]] bool isKnownLocale(const QByteArray& locale);
 /// Whether this is the name of a time zone or a rule with its offset; a bare abbreviation such as
 /// "CEST" is neither, though the C library takes it for UTC under another name.

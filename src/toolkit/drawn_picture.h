@@ -11,7 +11,7 @@ namespace vell {
 
 struct DrawnPicture {
     QImage image;
-    /// Only its shape counts; whoever paints it gives the colour.
+    /// Only its shape matters; it is painted in another colour.
     bool isTemplate = false;
 
     /// A new picture of this size in points, `devicePixelRatio` pixels each: this one stretched to

@@ -21,7 +21,7 @@ struct EmojiText {
     /// end. Fonts have no glyph for a selector, and one in the middle would part the sequence.
     QString shown;
     /// The stretches of complete emoji in text order, neighbours joined. A character that is shown
-    /// as text unless told otherwise counts only with a selector for emoji behind it.
+    /// as text by default counts only when a selector for emoji follows it.
     std::vector<EmojiRange> ranges;
 };
 

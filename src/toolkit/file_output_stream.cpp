@@ -12,7 +12,7 @@ void FileOutputStream::write(std::span<const QByteArrayView> buckets) {
     for (const QByteArrayView bucket : buckets) {
         const auto written =
             std::fwrite(bucket.data(), static_cast<std::size_t>(bucket.size()), 1, handle_);
-        // An empty bucket (the tag of a plain line) also answers 0.
+        // An empty bucket (the tag of a plain line) also returns 0.
         if (written != 1 && !bucket.isEmpty()) throw Error(Error::WriteFailed);
     }
 }

@@ -9,9 +9,9 @@
 namespace vell {
 namespace {
 
-constexpr std::array<const char*, 5> kNames = {"error", "warn", "log", "info", "trace"};
-// One width for all, so that messages stand in one column; "Trace" is meant to stand back.
-constexpr std::array<QByteArrayView, 5> kTags = {"ERROR: ", "WARN:  ", "", "INFO:  ", "Trace: "};
+constexpr std::array<const char*, 5> names = {"error", "warn", "log", "info", "trace"};
+// One width for all, so that messages stand in one column; "Trace" is meant to be less prominent.
+constexpr std::array<QByteArrayView, 5> tags = {"ERROR: ", "WARN:  ", "", "INFO:  ", "Trace: "};
 
 }  // namespace
 
@@ -36,7 +36,7 @@ LogLevel LogLevel::defaultLevel() {
 }
 
 QString LogLevel::description() const {
-    return QString::fromLatin1(kNames[static_cast<std::size_t>(value_)]);
+    return QString::fromLatin1(names[static_cast<std::size_t>(value_)]);
 }
 
 QString LogLevel::logPrefix() const {
@@ -44,7 +44,7 @@ QString LogLevel::logPrefix() const {
 }
 
 QByteArrayView LogLevel::logPrefixAsBytes() const {
-    return kTags[static_cast<std::size_t>(value_)];
+    return tags[static_cast<std::size_t>(value_)];
 }
 
 }  // namespace vell

@@ -68,9 +68,9 @@ qint64 ModuleLogger::getMaxPrefixLength() {
 void ModuleLogger::primaryLog(LogLevel level, const LogValue& message,
                               std::span<const LogValue> values) {
     if (level > logLevel_ || level > parent_->logLevel()) return;
-    const qint64 blanks = getMaxPrefixLength() - prefixLength_;
+    const qint64 padding = getMaxPrefixLength() - prefixLength_;
     const auto line = [&] {
-        return prefix_ + QStringLiteral(": ") + QString(std::max<qint64>(blanks, 0), u' ') +
+        return prefix_ + QStringLiteral(": ") + QString(std::max<qint64>(padding, 0), u' ') +
                message.text();
     };
     parent_->primaryLog(LogLevel::log, line, values);

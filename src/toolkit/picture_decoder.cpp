@@ -36,7 +36,7 @@ DecodedPicture PictureDecoder::decode(const foundation::Picture& picture, QSize 
     if (QString problem = knownProblem(picture.data); !problem.isEmpty()) return {{}, problem};
     std::optional<PictureProcess::Answer> answer;
     PictureProcess::End end = PictureProcess::End::between;
-    // Those that have ended since they were used last are no reason to go without the picture.
+    // A process that died while idle doesn't count as a failed attempt.
     for (int i = 0; i <= mostProcesses && end == PictureProcess::End::between; ++i) {
         std::unique_ptr<PictureProcess> process = take();
         if (process) {
@@ -61,7 +61,7 @@ bool PictureDecoder::endIdle() {
     return busy_ == 0 && idle_.empty();
 }
 
-/// One that nobody else uses; null when none can be started.
+/// A process for exclusive use; null when none can be started.
 std::unique_ptr<PictureProcess> PictureDecoder::take() {
     {
         std::unique_lock lock(mutex_);

@@ -42,10 +42,10 @@ class PictureDecoder {
     PictureDecoder& operator=(const PictureDecoder&) = delete;
 
     /// At the size in pixels that it is wanted in, or at its own when that is smaller; drawings
-    /// are enlarged. What a process broke off over is never tried again.
+    /// are enlarged. A picture that crashed a process is never tried again.
     [[nodiscard]] DecodedPicture decode(const foundation::Picture& picture, QSize wanted,
                                         Qt::AspectRatioMode mode = Qt::KeepAspectRatio);
-    /// Ends the processes that nobody has needed for some time; whether none is left.
+    /// Ends processes that have been idle for some time; returns whether none is left.
     bool endIdle();
 
   private:

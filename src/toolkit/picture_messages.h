@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// What a program and the process that draws its pictures say to each other, one message a packet
-// of a socket. Bytes and pixels lie in memory that both share: the encoded picture at its start,
-// the drawn one in the first page behind. Both sides check whatever they are told.
+// The protocol between a program and the process that draws its pictures: one message a packet of a
+// socket. Bytes and pixels lie in memory that both share: the encoded picture at its start,
+// the drawn one in the first page behind. Both sides validate what they receive.
 
 #include <QtGlobal>
 
@@ -25,7 +25,7 @@ constexpr qint64 pixelOffset(qint64 byteCount) {
     return (byteCount + alignment - 1) / alignment * alignment;
 }
 
-/// The first thing the process says, once it has given up all it doesn't need. The number changes
+/// The process's first message, sent once it has confined itself. The number changes
 /// with this file: after an update the program on the disk may be another one.
 struct Ready {
     quint32 version = 1;
@@ -40,14 +40,14 @@ enum class Kind : quint32 {
 struct Request {
     Kind kind = Kind::still;
     quint32 keepsProportions = 0;
-    /// The size wanted, which the answer never passes.
+    /// The size wanted, which the reply never exceeds.
     qint32 width = 0;
     qint32 height = 0;
     qint64 byteCount = 0;
 };
 
 struct Reply {
-    /// Zero where there is no picture, for the reason told or as the animation is over.
+    /// Zero without a picture: see `problem`, or the animation has ended.
     qint32 width = 0;
     qint32 height = 0;
     quint32 isOpaque = 0;

@@ -31,7 +31,7 @@ namespace {
 constexpr int patience = 30'000;
 constexpr int longestDelay = 3'600'000;
 
-/// Ours, out of the way of the three that every process expects, and of nobody else's.
+/// Moves a descriptor above the three standard ones and closes it on exec.
 int outOfTheWay(int descriptor) {
     const int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, 3);
     close(descriptor);
@@ -171,11 +171,11 @@ std::optional<PictureProcess::Answer> PictureProcess::ask() {
     Reply reply;
     if (!receive(&reply, sizeof reply, patience)) return std::nullopt;
     auto answer = read(reply);
-    if (!answer) finish(End::during);  // it isn't itself any more
+    if (!answer) finish(End::during);  // its memory may be corrupted
     return answer;
 }
 
-/// One whole message; without one, the process has ended or is ended.
+/// Receives one whole message; on failure the process is ended.
 bool PictureProcess::receive(void* message, size_t size, int patience) {
     const QDeadlineTimer deadline(patience);
     pollfd wait{socket_, POLLIN, 0};
@@ -211,11 +211,11 @@ std::optional<PictureProcess::Answer> PictureProcess::read(const Reply& reply) {
 void PictureProcess::finish(End end) {
     if (end_ != End::none || process_ < 0) return;
     end_ = end;
-    // One that ended by itself keeps its own reason.
+    // A process that ended by itself keeps its own exit status.
     kill(process_, SIGKILL);
     int status = 0;
     if (end == End::between) {
-        // Giving its memory back may take a while, for which a window needn't wait.
+        // Freeing its memory may take time that a window shouldn't wait for.
         if (waitpid(process_, &status, WNOHANG) == 0)
             std::thread([process = process_] { waitpid(process, nullptr, 0); }).detach();
         return;

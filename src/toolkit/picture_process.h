@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // PictureProcess: one running vell-picture, which makes pixels of bytes that may be malicious and
-// can reach nothing while it does. What it answers is believed no more than the bytes. One thread
-// at a time; the window's never, as every question waits for its answer.
+// can reach nothing while it does. Its replies are trusted no more than the bytes. One thread
+// at a time, and never the window's, as every request blocks until its reply.
 //
 //     const auto process = PictureProcess::start(PictureProcess::program());
 //     const auto answer = process->still(picture.data, size, Qt::KeepAspectRatio);
@@ -30,8 +30,8 @@ class PictureProcess {
     };
     enum class End {
         none,     ///< it runs
-        between,  ///< it had ended before it was asked: no fault of this picture
-        during,   ///< it broke off over the picture
+        between,  ///< it had ended before the request: not this picture's fault
+        during,   ///< it crashed on the picture
         late,     ///< it took too long over the picture
     };
 
@@ -51,7 +51,7 @@ class PictureProcess {
     [[nodiscard]] std::optional<Answer> firstFrame(const foundation::Data& picture, QSize wanted);
     [[nodiscard]] std::optional<Answer> nextFrame();
 
-    /// Lets go of whoever waits for an answer; the process ends. Any thread.
+    /// Unblocks a thread that waits for a reply; the process ends. Any thread.
     void interrupt();
 
     [[nodiscard]] End end() const { return end_; }

@@ -48,7 +48,7 @@ inline constexpr std::array<qreal, 3> glossGradient{0.6, 0.3, 0.0};
 [[nodiscard]] bool isDark(Aqua aqua);
 /// White on dark bubbles, black on the others.
 [[nodiscard]] QColor textColor(Aqua aqua);
-/// The opposite of the text's colour, half seen.
+/// In the opposite of the text's colour, translucent.
 [[nodiscard]] TextShadow textShadow(Aqua aqua);
 
 }  // namespace vell::Style

@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Pictures of contacts, brought to the size that everything shows them at. Address books are read
-// again at every change, and hardly ever a picture is another one: those of the last readings are
-// kept, and equal ones are shared. Any thread.
+// Pictures of contacts, scaled to the one size that they are shown at. Address books are read again
+// at every change while pictures rarely change, so those of the last reads are cached by content.
+// Any thread.
 
 #include <QByteArray>
 #include <QHash>
@@ -25,7 +25,7 @@ class ContactPictureCache {
 
     /// As contactPicture() says.
     [[nodiscard]] std::optional<QImage> picture(const QByteArray& encoded);
-    /// Forgets what was not asked for since the last but one call.
+    /// Drops what was not requested since the last call but one.
     void age();
 
   private:

@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// ContactRecord: one person as an address book tells it, before anything is filed or decoded.
+// ContactRecord: one person as an address book has it, before anything is filed or decoded.
 
 #include <QByteArray>
 #include <QString>
@@ -13,7 +13,7 @@ namespace vell {
 struct ContactRecord {
     struct InstantMessageAddress {
         QString userName;
-        QString service;  ///< "AIM", "Jabber" …; empty when the address book tells none
+        QString service;  ///< "AIM", "Jabber" …; empty when the address book has none
     };
 
     struct PhoneNumber {

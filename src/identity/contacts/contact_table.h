@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // ContactTable: files contacts under their addresses. Whoever comes first keeps an address; the
-// cleaned form of a phone number, the written one without blanks and hyphens, is the exception:
+// cleaned form of a phone number, the written one without spaces and hyphens, is the exception:
 // there the last one wins, silently.
 
 #include <utility>
@@ -16,11 +16,11 @@ namespace vell {
 
 class ContactTable {
   public:
-    /// Logger and pictures must outlive this; without pictures nobody gets one.
+    /// Logger and cache must outlive this; without a cache contacts get no pictures.
     explicit ContactTable(Logger& log, ContactPictureCache* pictures = nullptr);
 
-    /// Files a contact; one without a name is skipped. Tells the logger of skipped contacts and of
-    /// addresses that somebody else has.
+    /// Files a contact; one without a name is skipped. Logs skipped contacts and
+    /// addresses that belong to another contact already.
     void file(const ContactRecord& contact);
 
     [[nodiscard]] ContactsStore::Table take() { return std::move(table_); }

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// ContactsSource: an address book, as far as anybody needs one: permission, a walk over all
-// contacts, and word of changes. A source lives on the window thread; its walks run anywhere.
+// ContactsSource: an address book: permission, enumeration of all contacts, and a signal when
+// they change. A source lives on the window thread; enumerations run on any thread.
 
 #include <QObject>
 #include <functional>
@@ -28,18 +28,19 @@ class ContactsSource : public QObject {
 
   public:
     using Answer = std::function<void(bool granted, const std::optional<foundation::Error>& error)>;
-    /// Hands out every contact, in the same order each time. It owns all it needs: it may run on
-    /// any thread, beside others and after its source is gone. It ends early, whichever way, once a
-    /// stop is requested, and throws foundation::Error when the contacts can't be read.
+    /// Passes every contact to `handle`, in the same order each time. It owns all it needs, so it
+    /// may run on any thread, concurrently with others and after its source is destroyed. Once a
+    /// stop is requested it ends early; it throws foundation::Error when the contacts can't be
+    /// read.
     using Enumeration =
         std::function<void(const ContactHandler& handle, const std::stop_token& stop)>;
 
     /// Asks for access. The answer comes once, at any time and on any thread; a source that is
     /// merely absent grants it.
     virtual void requestAccess(Answer answer) = 0;
-    /// Prepares a walk over what may be read now.
+    /// An enumeration of what may be read now.
     [[nodiscard]] virtual Enumeration enumeration() = 0;
-    /// Whether there are contacts that the user has pointed to, so that nobody need be asked.
+    /// Whether there are contacts that the user chose, which need no further consent.
     [[nodiscard]] virtual bool hasFreeContacts() const { return false; }
 
   Q_SIGNALS:

@@ -19,7 +19,7 @@ namespace vell {
 namespace {
 
 const QString didRequestKey = QStringLiteral("VellDidRequestABAccess");
-/// How long the program waits at its end for readings, which may hang in somebody else's service.
+/// How long the program waits for reads when it exits: another program's service may hang.
 constexpr std::chrono::milliseconds patience{300};
 
 ContactsStore* sharedStore = nullptr;
@@ -57,7 +57,7 @@ struct ContactsStore::Background {
         std::shared_ptr<Background> background_;
     };
 
-    void waitAMoment() {
+    void waitBriefly() {
         std::unique_lock lock(mutex_);
         ended_.wait_for(lock, patience, [this] { return running_ == 0; });
     }
@@ -68,8 +68,8 @@ struct ContactsStore::Background {
     int running_ = 0;
 };
 
-/// A complete result on its way to the window thread, merged there in advance: with the table as it
-/// was when the reading began, which it nearly always still is.
+/// A complete result for the window thread, already merged with the table as it was when the read
+/// began; it has rarely changed since.
 struct ContactsStore::Reading {
     Table merged;
     std::vector<QString> kept;  ///< the keys of `merged` that only the old table had
@@ -110,11 +110,11 @@ ContactsStore::~ContactsStore() {
     if (!background_) return;
     background_->callbacks.close();
     background_->stop.request_stop();
-    background_->waitAMoment();
+    background_->waitBriefly();
 }
 
 ContactsStore& ContactsStore::shared() {
-    if (!sharedStore) foundation::fatal("nobody made the contacts store");
+    if (!sharedStore) foundation::fatal("there is no contacts store");
     return *sharedStore;
 }
 
@@ -173,10 +173,11 @@ void ContactsStore::retrieveContacts() {
 void ContactsStore::publish(Reading& reading) {
     if (tableVersion_ == reading.oldVersion) {
         addressToContact_.swap(reading.merged);
-        // Thousands of small pieces of memory: not for this thread to return.
+        // Freeing thousands of small blocks takes time that this thread doesn't have.
         QThreadPool::globalInstance()->start([old = std::move(reading.merged)] {});
     } else {
-        // Another reading was published meanwhile; only what this one has read replaces its result.
+        // Another read was published meanwhile: only what this one found itself replaces that
+        // result.
         for (const QString& key : reading.kept)
             reading.merged.remove(key);
         for (auto entry = reading.merged.cbegin(); entry != reading.merged.cend(); ++entry)

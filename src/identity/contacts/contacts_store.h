@@ -46,16 +46,16 @@ class ContactsStore final : public QObject {
     };
     using Table = QHash<QString, Info>;
 
-    /// Nobody is known, or just these.
+    /// Without a source: these contacts only.
     explicit ContactsStore(Table addressToContact = {});
-    /// Reads from a source, at once when access was requested on an earlier visit or isn't needed.
+    /// Reads from a source: at once if access was requested in an earlier run or isn't needed.
     /// The settings must outlive the store.
     ContactsStore(std::unique_ptr<ContactsSource> source, QSettings& settings,
                   std::shared_ptr<Logger> log = console::defaultConsole());
-    /// Gives a reading that is under way a moment to end and forgets it.
+    /// Waits briefly for a running read, then abandons it.
     ~ContactsStore() override;
 
-    /// The program's one, which the first store with a source is as long as it lives.
+    /// The program's: the first store that was made with a source, as long as it exists.
     [[nodiscard]] static ContactsStore& shared();
 
     /// Whether the address book granted access.
@@ -63,7 +63,7 @@ class ContactsStore final : public QObject {
     [[nodiscard]] const Table& addressToContact() const { return addressToContact_; }
     /// Whether access was ever requested on this machine.
     [[nodiscard]] bool didRequestABAccess() const { return didRequestABAccess_; }
-    /// Whether the user should be offered to be asked.
+    /// Whether to offer the user to request access.
     [[nodiscard]] bool shouldRequestABAccess() const {
         return !contactsAvailable_ && !didRequestABAccess_;
     }
@@ -72,7 +72,7 @@ class ContactsStore final : public QObject {
 
   Q_SIGNALS:
     void contactsAvailableChanged();
-    /// Once for each reading, however many contacts it brought.
+    /// Once for each completed read, however many contacts it brought.
     void addressToContactChanged();
     void didRequestABAccessChanged();
 

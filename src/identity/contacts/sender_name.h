@@ -10,7 +10,7 @@ namespace vell {
 class ContactsStore;
 struct TesselUserID;
 
-/// The contact's nickname, else its name, else the user id itself; the service is never told.
+/// The contact's nickname, else its name, else the user id itself; the service is never shown.
 [[nodiscard]] QString senderName(const TesselUserID& sender, const ContactsStore& contacts);
 
 }  // namespace vell

@@ -12,7 +12,7 @@ namespace {
 
 const QString accessKey = QStringLiteral("ContactsAccess");
 
-/// Collects the answers of several sources, which come on any thread.
+/// Collects the answers of several sources, which arrive on any thread.
 struct Answers {
     std::mutex mutex;
     size_t missing = 0;

@@ -16,11 +16,11 @@ class QSettings;
 
 namespace vell {
 
-/// Who can ask the user.
+/// Asks the user for consent.
 class ContactsPrompt {
   public:
     virtual ~ContactsPrompt() = default;
-    /// Nothing when the question went away unanswered.
+    /// Nothing when the question was dismissed without an answer.
     using Answered = std::function<void(std::optional<bool> allowed)>;
     /// Asks whether folders and services with contacts may be read. The answer comes once, on the
     /// window thread, now or later.
@@ -41,10 +41,11 @@ class SystemContacts final : public ContactsSource {
 
     /// What the user has answered; nothing before the first answer.
     [[nodiscard]] std::optional<bool> access() const;
-    /// Keeps another answer. It takes effect with the next request for access.
+    /// Stores another answer, which takes effect with the next request for access.
     void setAccess(bool allowed);
 
-    /// A request whose question stays unanswered isn't answered either: the next one asks again.
+    /// If the user dismisses the question, the callback is never called and the next request asks
+    /// again.
     void requestAccess(Answer answer) override;
     [[nodiscard]] Enumeration enumeration() override;
     [[nodiscard]] bool hasFreeContacts() const override;

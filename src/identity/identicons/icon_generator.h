@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// IconGenerator: a small picture for whoever has none, always the same one for the same identity.
+// IconGenerator: a small picture for senders without one, always the same for the same identity.
 // Generators keep no state and may be used from any thread. Sizes are finite, positive and small;
 // anything else is a bug and stops the program.
 //

@@ -22,8 +22,8 @@ class Identicons {
     Identicons(const Identicons&) = delete;
     Identicons& operator=(const Identicons&) = delete;
 
-    /// The user's picture at Style::userIconSize, made on first request. The ratio is that of the
-    /// screen; one below 1 is taken as 1. Null when the user id isn't Unicode text.
+    /// The user's picture at Style::userIconSize, created on first request. The ratio is that of
+    /// the screen; one below 1 is taken as 1. Null when the user id isn't Unicode text.
     [[nodiscard]] QImage icon(const QString& userID, qreal devicePixelRatio = 1.0);
     /// The pictures of scale 1.0 by user id.
     [[nodiscard]] const QHash<QString, QImage>& pictures() const { return pictures_; }

@@ -5,13 +5,13 @@
 // GLib's don't mix.
 //
 //     changes   view of a book ─┐
-//               list of books  ─┼─ noteChange ── a moment later, once ── changed()
+//               list of books  ─┼─ noteChange ── after a short delay, once ── changed()
 //               bus name back  ─┘
 //     reading   enumerate() ── collect() on the thread ── cards ── handle() on the caller's thread
 //
-// When the service's process dies, its objects here go silently dead. The bus tells: its name
-// vanishes, the books are dropped, and once the name is back, whoever brought it back, the program
-// is told of a change and connects anew by reading.
+// When the service's process dies, its objects here stop working without notice. So the bus name is
+// watched: when it vanishes, the books are dropped; when it is back, a change is reported, and the
+// read that follows connects again.
 #include "identity/service/service_plugin.h"
 
 #include <libebook/libebook.h>
@@ -204,7 +204,7 @@ void Service::noteBusName(const char* newOwner) {
     }
 }
 
-/// Told of many things that have nothing to do with which books there are.
+/// Called for many changes that don't affect which books there are.
 void Service::noteSources() {
     std::vector<std::string> known, enabled;
     for (const auto& [uid, book] : books_)
@@ -300,7 +300,7 @@ bool Service::connectBook(ESource* source, Failure& failure) {
 
 void Service::collect(Collection& result) {
     if (!isClosing_) g_cancellable_reset(cancellable_.get());
-    // The second time is for a service that has died without our knowing yet.
+    // The second attempt is for a service that died unnoticed.
     for (int attempt = 0; attempt < 2; attempt++) {
         const bool wereConnected = areBooksConnected_;
         result = {};
@@ -367,14 +367,14 @@ bool Service::enumerate(int (*handle)(void*, const VellServiceContact*), void* c
     return true;
 }
 
-void tell(const std::string& text, char* buffer, unsigned size) {
+void copyText(const std::string& text, char* buffer, unsigned size) {
     std::snprintf(buffer, size, "%s", text.c_str());
 }
 
 void* open(void (*changed)(void*), void* context, char* error, unsigned errorSize) {
     auto service = std::make_unique<Service>(changed, context);
     const std::string problem = service->open();
-    tell(problem, error, errorSize);
+    copyText(problem, error, errorSize);
     return problem.empty() ? service.release() : nullptr;
 }
 
@@ -382,7 +382,7 @@ int enumerate(void* service, int (*handle)(void*, const VellServiceContact*), vo
               char* error, unsigned errorSize) {
     std::string problem;
     const bool isRead = static_cast<Service*>(service)->enumerate(handle, context, problem);
-    tell(problem, error, errorSize);
+    copyText(problem, error, errorSize);
     return isRead ? 1 : 0;
 }
 

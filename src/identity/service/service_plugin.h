@@ -27,8 +27,8 @@ struct VellContactsService {
     void* (*open)(void (*changed)(void* context), void* context, char* error, unsigned errorSize);
 
     /* Hands out all contacts, by book and then UID, on the calling thread, until `handle` returns
-       0. Returns 1, or 0 and a text in `error` when there are none to be had. A text although it
-       returns 1 tells which books could not be read. Any thread. */
+       0. Returns 1, or 0 and a text in `error` when there are none to be had. If it
+       returns 1 with a text, some books could not be read. Any thread. */
     int (*enumerate)(void* service,
                      int (*handle)(void* context, const struct VellServiceContact* contact),
                      void* context, char* error, unsigned errorSize);

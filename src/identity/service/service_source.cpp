@@ -45,7 +45,7 @@ const VellContactsService* loadPlugin(const QStringList& folders) {
     return nullptr;
 }
 
-/// The service keeps pictures in files of its own and tells where.
+/// The service keeps pictures in files of its own and returns their addresses.
 QByteArray pictureAt(const QString& location) {
     const QUrl url(location);
     if (!url.isLocalFile()) return {};
@@ -56,27 +56,27 @@ QByteArray pictureAt(const QString& location) {
     return size <= largestPicture ? file.read(size) : QByteArray();
 }
 
-struct Walk {
+struct Enumerator {
     const ContactHandler& handle;
     const std::stop_token& stop;
 
     static int take(void* context, const VellServiceContact* contact) {
-        const auto& walk = *static_cast<const Walk*>(context);
-        if (walk.stop.stop_requested()) return 0;
+        const auto& self = *static_cast<const Enumerator*>(context);
+        if (self.stop.stop_requested()) return 0;
         std::optional<VCardContact> person = contactFromVCard(contact->card);
         if (!person) return 1;
         person->record.identifier =
             QString::fromUtf8(contact->book) + u'/' + QString::fromUtf8(contact->uid);
         if (person->record.thumbnails.empty() && !person->pictureLocation.isEmpty())
             person->record.thumbnails.push_back(pictureAt(person->pictureLocation));
-        walk.handle(person->record);
+        self.handle(person->record);
         return 1;
     }
 };
 
 }  // namespace
 
-/// The open service, shared with walks that may outlive the source.
+/// The open service, shared with enumerations that may outlive the source.
 class ServiceSource::Connection {
   public:
     Connection(QStringList folders, std::shared_ptr<Logger> log, ServiceSource* source)
@@ -105,9 +105,9 @@ class ServiceSource::Connection {
         open();
         if (!service_) return;
         std::array<char, 512> error{};
-        Walk walk{handle, stop};
-        const bool isRead =
-            plugin_->enumerate(service_, &Walk::take, &walk, error.data(), error.size());
+        Enumerator enumerator{handle, stop};
+        const bool isRead = plugin_->enumerate(service_, &Enumerator::take, &enumerator,
+                                               error.data(), error.size());
         const QString problem = QString::fromUtf8(error.data());
         if (!isRead) throw ContactsError(problem);
         if (!problem.isEmpty()) log_->warn("Could not read an address book:", problem);

@@ -21,7 +21,7 @@ class Finder {
             walk(info);
             return;
         }
-        // A file may be replaced, and a missing path may appear: the folder around it tells.
+        // Replacing a file or creating a missing path changes the folder that contains it.
         QFileInfo around(info.absolutePath());
         while (!around.isDir() && !around.isRoot())
             around = QFileInfo(around.absolutePath());

@@ -11,7 +11,7 @@ namespace vell {
 
 struct ContactFiles {
     QStringList files;    ///< in the order they are read in
-    QStringList folders;  ///< those walked, and those around given files and missing paths
+    QStringList folders;  ///< those searched, and the parents of given files and missing paths
     /// Differs when any file was added, removed, replaced or written to.
     QByteArray fingerprint;
 };

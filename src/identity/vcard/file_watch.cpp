@@ -38,7 +38,7 @@ class FileWatch::Worker final : public QObject {
         paths_ = paths;
         fingerprint_ = found.fingerprint;
         (void)watchFound(found);
-        look();  // nobody watched between the finding and now
+        look();  // for changes between the search and now
     }
 
   private:
@@ -77,7 +77,7 @@ FileWatch::FileWatch(std::function<void()> changed)
 
 FileWatch::~FileWatch() {
     thread_->quit();
-    // A disk that doesn't answer keeps its thread, and only that.
+    // A disk that doesn't respond blocks this thread only.
     if (thread_->wait(patienceMilliseconds)) delete thread_;
 }
 

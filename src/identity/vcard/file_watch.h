@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// FileWatch: notices when contact files are edited, added, removed or replaced. It looks at disks
-// on a thread of its own, which nobody waits for long. May be used from any thread.
+// FileWatch: notices when contact files are edited, added, removed or replaced. It accesses disks
+// on a thread of its own, and destruction waits for that only briefly. May be used from any thread.
 
 #include <QStringList>
 #include <functional>
@@ -17,7 +17,7 @@ namespace vell {
 class FileWatch {
   public:
     /// The function is called on the watch's thread, once for changes that come together. It must
-    /// be callable for a moment longer than the watch lives.
+    /// stay callable for a short time after the watch is destroyed.
     explicit FileWatch(std::function<void()> changed);
     ~FileWatch();
     FileWatch(const FileWatch&) = delete;

@@ -115,7 +115,7 @@ enum class Mark { none, begin, end };
 Mark mark(QByteArrayView line) {
     // Exports that were joined have a byte-order mark before each first card.
     if (line.startsWith(byteOrderMark)) line = line.sliced(byteOrderMark.size());
-    // Most lines are none, and one that starts with a blank continues another.
+    // A quick test, as few lines are marks; one that starts with a space continues another.
     if (line.empty() || !QByteArrayView("BbEe").contains(line.front())) return Mark::none;
     const qsizetype colon = line.indexOf(':');
     if (colon < 0 || !equals(trimmed(line.sliced(colon + 1)), "VCARD")) return Mark::none;
@@ -194,7 +194,7 @@ QString VCardProperty::text() const {
 }
 
 QStringList VCardProperty::parts(QChar separator, QChar listSeparator) const {
-    const QString escaped = escapedText(*this);  // without NUL: what isn't given separates nothing
+    const QString escaped = escapedText(*this);  // has no NUL, so a null separator never matches
     if (separator.isNull() && !escaped.contains(u'\\')) return {escaped};
     QStringList result;
     QString part;
@@ -253,7 +253,7 @@ VCardReader::Card VCardReader::next(const Visit& visit) {
     cardLine_ = linesTaken_;
     property_ = {};
     int depth = 1;
-    bool isAfterAgent = false;  // version 2.1 puts the card of somebody's agent into the card
+    bool isAfterAgent = false;  // version 2.1 nests the card of a person's agent
     while (!isAtEnd()) {
         const Mark found = mark(peekLine());
         if (found == Mark::begin && !isAfterAgent) break;

@@ -45,7 +45,7 @@ struct VCardProperty {
     [[nodiscard]] int preference() const;
 };
 
-/// Skips what stands between cards, cards within a card and lines that are no property.
+/// Skips text between cards, cards within a card and lines that are not properties.
 class VCardReader {
   public:
     enum class Card { none, whole, cutOff };
@@ -60,7 +60,7 @@ class VCardReader {
     /// Visits the properties of the next card, each valid during its visit. A card that the file's
     /// end or another card cuts off is visited as far as it goes.
     Card next(const Visit& visit);
-    /// Where the card that was read last begins, counted from 1.
+    /// The line that the last card begins at, counted from 1.
     [[nodiscard]] qint64 cardLine() const { return cardLine_; }
 
   private:

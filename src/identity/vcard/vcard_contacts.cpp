@@ -19,7 +19,7 @@ namespace {
 
 /// An address book of twenty thousand people with pictures takes a quarter of this.
 constexpr qint64 largestFile = qint64{512} << 20;
-/// More of them are no person's.
+/// More pictures than a person's card has.
 constexpr size_t mostPictures = 4;
 
 /// How cards name a messaging service.
@@ -46,7 +46,7 @@ constexpr Service services[] = {
     {u"SIP", {}, "X-MESSAGING/SIP-", {u"sip", u"sips"}},
     {u"Skype", {"X-SKYPE", "X-SKYPE-USERNAME"}, "X-MESSAGING/SKYPE-", {u"skype"}},
     {u"Yahoo", {"X-YAHOO"}, "X-MESSAGING/YAHOO-", {u"ymsgr"}},
-    // Only a parameter can tell, if anything. The others' own properties start like this one.
+    // Only a parameter can name the service. Last, as it is a prefix of the other custom ones.
     {u"", {"X-MS-IMADDRESS"}, "X-MESSAGING/", {u"im", u"x-apple"}},
 };
 
@@ -115,7 +115,7 @@ QString userOfUri(QStringView path, Plus plus = Plus::isPlus) {
     return percentDecoded(query.mid(query.indexOf(u'=') + 1), plus);
 }
 
-/// An address as in a mail has no blanks: those in a card of version 2.1 are where it was folded.
+/// E-mail-like addresses have no spaces: those in a card of version 2.1 come from folding.
 QString withoutFolds(QString address, const VCardProperty& property) {
     if (property.version == VCardVersion::v2_1 && address.contains(u'@'))
         address.removeIf([](QChar c) { return c.isSpace(); });
@@ -187,7 +187,7 @@ class Mapping {
     }
 
   private:
-    /// A text of which several may be given and one counts.
+    /// The preferred one of several texts.
     struct Preferred {
         QString text;
         int preference = 0;
@@ -342,7 +342,7 @@ qint64 readVCards(QByteArray file, const QString& origin, ContactPictures pictur
 std::optional<QString> readVCardFile(const QString& path, ContactPictures pictures, Logger& log,
                                      const ContactHandler& handle, const std::stop_token& stop) {
     QFile file(foundation::localPath(path));
-    // Opening a pipe or a device would wait for somebody to write.
+    // Opening a pipe would block until another process writes to it.
     if (QFileInfo info(file); info.exists() && !info.isFile())
         return QStringLiteral("Not a regular file");
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) return file.errorString();
