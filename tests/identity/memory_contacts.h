@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// An address book in memory, whose answers and walks a test holds in its hand.
+// An address book in memory, whose answers and enumerations a test controls.
 
 #include <condition_variable>
 #include <memory>
@@ -14,7 +14,7 @@
 
 namespace vell::test {
 
-/// Lets through nobody while it is closed.
+/// Blocks while it is closed.
 class Gate {
   public:
     void set(bool open) {
@@ -41,7 +41,7 @@ class MemoryContacts final : public ContactsSource {
     bool isOutOfMemory = false;
     bool isFree = false;
     int enumerations = 0;
-    /// The next walk waits here at its end.
+    /// The next enumeration waits here at its end.
     std::shared_ptr<Gate> gate = std::make_shared<Gate>();
 
     void requestAccess(Answer answer) override { requests.push_back(std::move(answer)); }

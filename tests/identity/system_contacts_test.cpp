@@ -97,7 +97,7 @@ TEST_F(SystemContactsTest, AsksTheUserOnceAndKeepsTheAnswer) {
     EXPECT_EQ(prompt.questions.size(), 1u) << "a later visit";
 }
 
-TEST_F(SystemContactsTest, AQuestionLeftUnansweredIsAskedAgain) {
+TEST_F(SystemContactsTest, ADismissedQuestionIsAskedAgain) {
     makeContacts(false);
     store->requestAccess();
     prompt.questions.at(0)(std::nullopt);
@@ -128,7 +128,7 @@ TEST_F(SystemContactsTest, RefusalLeavesTheUsersOwnFiles) {
     EXPECT_EQ(prompt.questions.size(), 1u);
 }
 
-TEST_F(SystemContactsTest, OneFailureHidesNobodyElse) {
+TEST_F(SystemContactsTest, OneFailureHidesNoOtherSource) {
     const Error error("ServiceErrorDomain", 1, "gone");
     settings.setValue("ContactsAccess", true);
     settings.setValue("VellDidRequestABAccess", true);
@@ -141,7 +141,7 @@ TEST_F(SystemContactsTest, OneFailureHidesNobodyElse) {
                            "ERROR: Error while retrieving contact data: " + error.description()}));
 }
 
-TEST_F(SystemContactsTest, AnAnswerMayComeWhenNobodyIsLeft) {
+TEST_F(SystemContactsTest, AnAnswerAfterDestructionIsIgnored) {
     makeContacts(false);
     store->requestAccess();
     store.reset();

@@ -86,25 +86,6 @@ TEST_F(VCardSourceTest, FindsCardFilesInAStableOrder) {
               findContactFiles({path("chosen.txt"), path("missing"), path("")}).fingerprint);
 }
 
-TEST_F(VCardSourceTest, HoldsTheNumberAndMergeRulesForFiles) {
-    write("1.vcf", card("a", "TEL:1 2-3\nEMAIL:m@x\n") + card("b", "TEL:12-3\nEMAIL:m@x\n"));
-    write("2.vcf", card("c", "TEL:1 2-3\nX-AIM:chat\n"));
-    auto kept = std::make_shared<test::LogLines>();
-    log = kept;
-    load({folder.path()});
-    EXPECT_EQ(idAt("1 2-3"), "a");
-    EXPECT_EQ(idAt("12-3"), "b");
-    EXPECT_EQ(idAt("123"), "b") << "the last one takes the cleaned form";
-    EXPECT_EQ(idAt("m@x"), "a");
-    EXPECT_EQ(idAt("chat"), "c");
-
-    write("1.vcf", card("d", "EMAIL:m@x\nEMAIL:new@x\n"));
-    EXPECT_TRUE(comesToKnow("new@x", "d"));
-    EXPECT_EQ(idAt("m@x"), "d") << "replaced";
-    EXPECT_EQ(idAt("12-3"), "b") << "kept until the program ends";
-    EXPECT_EQ(log->take().filter("Duplicate"), QStringList()) << "old entries are no duplicates";
-}
-
 TEST_F(VCardSourceTest, SeesEveryKindOfChange) {
     write("book/1.vcf", card("a", "EMAIL:1@x\n"));
     load({path("book"), path("later/contacts"), path("chosen.vcf")});
@@ -134,10 +115,10 @@ TEST_F(VCardSourceTest, SeesEveryKindOfChange) {
     EXPECT_TRUE(comesToKnow("5@x", "filled")) << "its folder was empty";
     ASSERT_TRUE(QDir(path("later/contacts")).removeRecursively());
     write("later/contacts/4.vcf", card("later", "EMAIL:4@x\n"));
-    EXPECT_TRUE(comesToKnow("4@x", "later")) << "its folder was made anew";
+    EXPECT_TRUE(comesToKnow("4@x", "later")) << "its folder was recreated";
 }
 
-TEST_F(VCardSourceTest, TakesABurstAsOneChangeAndOthersAsNone) {
+TEST_F(VCardSourceTest, ReportsABurstOnceAndOtherFilesNever) {
     write("book/0.vcf", card("0", "EMAIL:0@x\n"));
     load({path("book"), path("chosen.vcf")});
     for (int i = 1; i <= 200; i++)
@@ -160,7 +141,7 @@ TEST_F(VCardSourceTest, TakesABurstAsOneChangeAndOthersAsNone) {
     EXPECT_EQ(settle(), before);
 }
 
-TEST_F(VCardSourceTest, TellsDamageAndReadsTheRest) {
+TEST_F(VCardSourceTest, ReportsDamageAndReadsTheRest) {
     write("1.vcf", "BEGIN:VCARD\nFN:Lost\n" + card("a", "EMAIL:a@x\n"));
     write("2.vcf", card("b", "EMAIL:b@x\n"));
     write("3.vcf", "no card");
@@ -180,7 +161,7 @@ TEST_F(VCardSourceTest, TellsDamageAndReadsTheRest) {
     EXPECT_FALSE(VCardSource({"/"}, VCardSource::Chosen::byCustom).hasFreeContacts());
 }
 
-TEST_F(VCardSourceTest, NamesPeopleForTheCommandLineWithoutPictures) {
+TEST_F(VCardSourceTest, ReadsATableWithoutPictures) {
     write("1.vcf", card("a", "NICKNAME:Al\nTEL:1 2\nPHOTO;ENCODING=b:/9j/4AAQSkZJRg==\n"));
     write("2.vcf", "no card");
     const auto lines = std::make_shared<test::LogLines>();

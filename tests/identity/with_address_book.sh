@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 #
 # Runs a command in a desktop session of its own, with an empty home and a real address-book service,
-# and checks that nothing of it is left running. Answers 77, for "skipped", where there is no service.
+# and checks that no process of it is left. Exits with 77 ("skipped") where there is no service.
 set -eu
 
 ls /usr/share/dbus-1/services/org.gnome.evolution.dataserver.AddressBook*.service \

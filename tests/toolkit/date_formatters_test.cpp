@@ -83,7 +83,7 @@ TEST(DateFormatter, EveryMinuteOfTheDayHasItsOwnTimeOnBothSidesOfAClockChange) {
     }
 }
 
-TEST(DateFormatter, FullDatesTellSecondsAndTheZoneOfTheirSeason) {
+TEST(DateFormatter, FullDatesShowSecondsAndTheZoneOfTheirSeason) {
     const DateFormatter full(Style::fullDateTime, "de_DE", zone("Europe/Berlin"));
     const QString winter = full.string(at("2006-01-02T21:04:59Z"));
     EXPECT_TRUE(winter.startsWith(u"Montag, 2. Januar 2006")) << winter.toStdString();

@@ -85,7 +85,7 @@ TEST(DecodePicture, AtItsOwnSizeOrSmaller) {
     }
 }
 
-/// The same by a scanner.
+/// The same from a scanner.
 QByteArray turnedTiff() {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
@@ -95,7 +95,7 @@ QByteArray turnedTiff() {
     return buffer.data();
 }
 
-TEST(DecodePicture, CamerasAreHeldUpright) {
+TEST(DecodePicture, TurnedPicturesAreDrawnUpright) {
     for (const QByteArray& bytes : {turnedJpeg(), turnedTiff()}) {
         const Picture picture = recognised(bytes);
         EXPECT_TRUE(foundation::isTurned(picture));
@@ -165,7 +165,7 @@ TEST(DecodePicture, ManyThreadsAtOnce) {
     EXPECT_EQ(wrong, 0);
 }
 
-TEST(PictureDecoder, BelievesNothingThatTheProcessSays) {
+TEST(PictureDecoder, TrustsNothingFromTheProcess) {
     const QTemporaryDir folder;
     const Picture picture = recognised(saved(twoHalves(20, 10, Qt::red, Qt::blue), "png"));
     const QString missing = u"Pictures can't be drawn: vell-picture doesn't start"_s;
@@ -189,7 +189,7 @@ TEST(PictureDecoder, BelievesNothingThatTheProcessSays) {
     };
     for (const auto& [name, problem] : rows) {
         const QString program = folder.filePath(name);
-        if (name != u"is-not-there") QFile::link(QStringLiteral(UNTRUE_PICTURE), program);
+        if (name != u"is-not-there") QFile::link(QStringLiteral(HOSTILE_PICTURE), program);
         PictureDecoder decoder(program);
         const DecodedPicture decoded = decoder.decode(picture, QSize(9, 9));
         EXPECT_TRUE(decoded.picture.image.isNull()) << name.toStdString();
@@ -200,7 +200,7 @@ TEST(PictureDecoder, BelievesNothingThatTheProcessSays) {
     }
 }
 
-TEST(DecodePicture, DrawingsAreEnlargedAndStandAlone) {
+TEST(DecodePicture, DrawingsAreEnlargedAndMustBeSelfContained) {
     const auto svg = [](const QByteArray& inside) {
         return "<svg xmlns='http://www.w3.org/2000/svg' xmlns:l='http://www.w3.org/1999/xlink' "
                "width='9' height='9'>" +
@@ -277,7 +277,7 @@ TEST(QxResize, StretchesIntoWhatTheInsetsLeave) {
     EXPECT_EQ(sharp.pixelColor(20, 38).alpha(), 0) << "bottom";
 }
 
-TEST(QxResize, NothingToDrawIsNothing) {
+TEST(QxResize, EmptyTargetsStayTransparent) {
     const DrawnPicture picture{twoHalves(4, 4, Qt::red, Qt::blue)};
     EXPECT_EQ(picture.qxResize({10, 10}, {5, 5, 5, 5}).image.pixelColor(5, 5).alpha(), 0);
     EXPECT_EQ(picture.qxResize({10, 10}, {9, 9, 9, 9}).image.pixelColor(5, 5).alpha(), 0);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Stands in for vell-picture once a picture has got the better of it. What it does to the program
-// that started it is told by its own name.
+// Stands in for a vell-picture that a picture has taken over. Its file name selects how it
+// misbehaves.
 #include <sys/socket.h>
 #include <unistd.h>
 
