@@ -7,6 +7,7 @@
 
 #include "export/message.h"
 #include "export/text_sink.h"
+#include "foundation/line_break.h"
 #include "identity/contacts/sender_name.h"
 #include "toolkit/date_formatters.h"
 #include "transcript/chat_log.h"
@@ -17,15 +18,12 @@ namespace vell {
 namespace {
 
 using Event = TesselChatLog::Event;
+using foundation::isLineBreak;
 
 constexpr char16_t kControlPictures = 0x2400;
 constexpr char16_t kDeletePicture = 0x2421;
 
 enum class LineBreaks { indented, blanks };
-
-bool isLineBreak(char16_t unit) {
-    return (unit >= u'\n' && unit <= u'\r') || unit == 0x85 || unit == 0x2028 || unit == 0x2029;
-}
 
 /// Embeddings, overrides and isolates: they would let words stand where nobody wrote them.
 bool turnsDirection(char16_t unit) {

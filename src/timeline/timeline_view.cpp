@@ -8,9 +8,9 @@
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QSet>
 #include <QWheelEvent>
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "identity/contacts/contacts_store.h"
@@ -68,24 +68,11 @@ TimelineView::~TimelineView() {
 
 // Colours go by the order of the events, never by what happens to be painted first.
 void TimelineView::presentSenders() {
-    const auto& own = chatlog().ownUserID();
-    // Converted logs share the strings of a sender's name, so most senders are known by their
-    // addresses without a look at the letters.
-    std::array<const TesselUserID*, 8> recent{};
-    size_t next = 0;
-    const auto isSame = [](const TesselUserID& a, const TesselUserID& b) {
-        return a.userID.constData() == b.userID.constData() && a.userID.size() == b.userID.size() &&
-               a.serviceID.rawValue.constData() == b.serviceID.rawValue.constData() &&
-               a.serviceID.rawValue.size() == b.serviceID.rawValue.size();
-    };
+    QSet<SharedUserID> known;
     for (const TesselChatLog::Event& event : chatlog().events()) {
-        if (!event.sender) continue;
-        const bool isKnown = std::any_of(recent.begin(), recent.end(), [&](const auto* known) {
-            return known && isSame(*known, *event.sender);
-        });
-        if (isKnown) continue;
-        context_.bubbleColors.styleForUser(event.sender, *event.sender == own);
-        recent[next++ % recent.size()] = &*event.sender;
+        if (!event.sender || known.contains(event.sender)) continue;
+        known.insert(event.sender);
+        context_.bubbleColors.styleForUser(event.sender, *event.sender == chatlog().ownUserID());
     }
 }
 
@@ -120,7 +107,7 @@ void TimelineView::rebuild() {
 
 // ---- the selection -----------------------------------------------------------------------------
 
-void TimelineView::setFindMatches(std::vector<TextRange> matches, qsizetype current) {
+void TimelineView::setFindMatches(std::vector<TextSpan> matches, qsizetype current) {
     selection_->setFindMatches(std::move(matches), current);
 }
 
@@ -372,15 +359,14 @@ void TimelineView::paintRows(QPainter& painter, const QRect& exposed) {
         if (part.top() > visible.row->layout.height + around || part.bottom() < -around) continue;
         const RowLayout& layout = visible.row->layout;
         const int above = layout.content.top();
-        const auto [from, to] =
+        const TextRange shown =
             layout.text ? layout.text->offsetsBetween(part.top() - above, part.bottom() + 1 - above)
-                        : std::pair<qsizetype, qsizetype>(0, 1);
+                        : TextRange{0, 1};
         painter.save();
         painter.translate(left, visible.top);
-        visible.row->view.paint(
-            painter, layout, context_,
-            {visible.index, part, selection_->highlights(visible.index, from, to),
-             gifPlayer_->frame(visible.index)});
+        visible.row->view.paint(painter, layout, context_,
+                                {visible.index, part, selection_->highlights(visible.index, shown),
+                                 gifPlayer_->frame(visible.index)});
         painter.restore();
     }
     keyboard_->paint(painter);

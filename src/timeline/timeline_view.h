@@ -53,7 +53,7 @@ class TimelineView final : public QAbstractScrollArea {
 
     /// Highlights what a search has found, sorted by row and start; `current` is the index of the
     /// match to stand out, -1 for none.
-    void setFindMatches(std::vector<TextRange> matches, qsizetype current);
+    void setFindMatches(std::vector<TextSpan> matches, qsizetype current);
 
     [[nodiscard]] bool hasSelection() const;
     /// A line for each selected row: its text, or a picture's name.

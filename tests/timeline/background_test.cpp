@@ -109,6 +109,17 @@ TEST(BubbleBackground, LayersLieWhereTheyBelong) {
     // The gloss whitens the upper half; the borders' glow makes the rim lighter than the middle.
     EXPECT_LT(at(100, 10).hsvSaturation() + 40, at(100, 70).hsvSaturation());
     EXPECT_GT(at(196, 50).lightness(), at(100, 50).lightness());
+    EXPECT_NEAR(at(100, 66).green(), Style::colors(Style::Aqua::lime).bottom.green(), 25)
+        << "the gradient is upside down";
+
+    const FancyBackground lime{ChatBubbleShape(Direction::left), Style::colors(Style::Aqua::lime)};
+    BackgroundMasks masks = makeBackgroundMasks(lime.shape, lime.inset, rect.size(), 1.0);
+    masks.narrowBorder = CoverageMask(masks.outline.width(), masks.outline.height());
+    const int around = backgroundMargin(1.0);
+    const QImage without =
+        composeBackground(masks, lime, rect.height(), 0, rect.height() + 2 * around, 1.0);
+    EXPECT_GT(at(198, 50).lightness(), without.pixelColor(around + 198, around + 50).lightness())
+        << "no narrow border";
 }
 
 }  // namespace

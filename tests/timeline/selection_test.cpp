@@ -142,11 +142,11 @@ TEST(Selecting, HighlightsAreWhereTheirTextIsAndNowhereElse) {
         return rect;
     };
     const QRect there(window.place(0, 6), window.place(0, 10));
-    window.view.setFindMatches({{0, 6, 5}}, -1);
+    window.view.setFindMatches({{{0, 6}, {0, 11}}}, -1);
     const QImage match = painted();
     EXPECT_TRUE(changed(match).contains(there));
     EXPECT_TRUE(there.adjusted(-12, -20, 12, 20).contains(changed(match)));
-    window.view.setFindMatches({{0, 6, 5}}, 0);
+    window.view.setFindMatches({{{0, 6}, {0, 11}}}, 0);
     EXPECT_NE(painted(), match) << "the current match looks like any other";
     window.view.setFindMatches({}, -1);
     EXPECT_EQ(painted(), plain);
@@ -165,8 +165,9 @@ TEST(Selecting, MatchesFarAwayInLongTextsAreBroughtIntoView) {
     for (const int line : {15'000, 20, 19'999, 10'000}) {
         const QString needle = QStringLiteral("line %1 ").arg(line);
         const qsizetype start = lines.indexOf(needle);
-        window.view.setFindMatches({{1, start, needle.size()}}, 0);
-        window.view.scroller().revealText({1, start, needle.size()});
+        const TextSpan match{{1, start}, {1, start + needle.size()}};
+        window.view.setFindMatches({match}, 0);
+        window.view.scroller().revealText(match);
         const QPoint place = window.place(1, start);
         EXPECT_TRUE(window.view.viewport()->rect().contains(place)) << line << " at " << place.y();
     }
@@ -176,9 +177,9 @@ TEST(Selecting, PaintingCostsTheMatchesThatAreSeenAndNotAll) {
     constexpr qsizetype seen = 2'000, all = 250'000;
     Window window(LogBuilder().text(bob, QStringLiteral("a b ").repeated(all)).log());
     const auto cost = [&](qsizetype count) {
-        std::vector<TextRange> matches;
+        std::vector<TextSpan> matches;
         for (qsizetype i = 0; i < count; ++i)
-            matches.push_back({0, 4 * i, 1});
+            matches.push_back({{0, 4 * i}, {0, 4 * i + 1}});
         window.view.setFindMatches(std::move(matches), 0);
         const std::clock_t start = std::clock();
         for (int i = 0; i < 5; ++i)
@@ -195,7 +196,7 @@ TEST(TextUnits, FindWordsAndCharactersAsReadersSeeThem) {
     const QString text = QStringLiteral("a ") + family + QStringLiteral(" don't");
     EXPECT_EQ(nextPlace(text, 2, TextUnit::character), 2 + family.size());
     EXPECT_EQ(previousPlace(text, 2 + family.size(), TextUnit::character), 2);
-    const TextStretch word = unitAround(text, text.size(), TextUnit::word);
+    const TextRange word = unitAround(text, text.size(), TextUnit::word);
     EXPECT_EQ(text.mid(word.from, word.to - word.from), QStringLiteral("don't"));
     const QString endless(100'000, u'w');
     EXPECT_GT(nextPlace(endless, 50'000, TextUnit::word), 50'000);

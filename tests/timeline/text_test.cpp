@@ -202,7 +202,7 @@ TEST(LaidOutText, RegionsAreWhereTheirCharactersAre) {
     for (const auto& row : rows) {
         const LaidOutText text(row.content, format(2), row.width);
         const auto region = [&](qsizetype from, qsizetype to) {
-            return text.region(from, to, 0, text.height());
+            return text.region({from, to}, 0, text.height());
         };
         QRegion together;
         for (qsizetype i = 0; i < row.content.size(); ++i) {
@@ -220,8 +220,8 @@ TEST(LaidOutText, RegionsAreWhereTheirCharactersAre) {
         EXPECT_TRUE(region(3, 3).empty()) << row.what;
     }
     const LaidOutText lines(QStringLiteral("a\n\nb"), format(1), 200);
-    EXPECT_EQ(lines.region(0, 4, 0, lines.height()).size(), 3u) << "the empty line shows nothing";
-    EXPECT_EQ(lines.region(0, 1, 0, lines.height()).size(), 1u);
+    EXPECT_EQ(lines.region({0, 4}, 0, lines.height()).size(), 3u) << "the empty line shows nothing";
+    EXPECT_EQ(lines.region({0, 1}, 0, lines.height()).size(), 1u);
 }
 
 TEST(LaidOutText, EmojiAreColouredAndNeverBreakInTwo) {

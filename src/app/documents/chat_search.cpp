@@ -47,13 +47,13 @@ void ChatSearch::cancel() {
     running_.reset();
 }
 
-void ChatSearch::append(const std::vector<TextRange>& found, bool isLast) {
+void ChatSearch::append(const std::vector<TextSpan>& found, bool isLast) {
     matches_.insert(matches_.end(), found.begin(), found.end());
     if (isLast) running_.reset();
     Q_EMIT changed();
 }
 
-void ChatSearch::tell(const std::shared_ptr<Run>& run, std::vector<TextRange> found, bool isLast) {
+void ChatSearch::tell(const std::shared_ptr<Run>& run, std::vector<TextSpan> found, bool isLast) {
     run->callbacks.post([run, found = std::move(found), isLast] {
         if (!run->cancelled) run->search.append(found, isLast);
     });
@@ -61,7 +61,7 @@ void ChatSearch::tell(const std::shared_ptr<Run>& run, std::vector<TextRange> fo
 
 void ChatSearch::find(const std::shared_ptr<Run>& run, const TesselChatLog& log,
                       const TextSearch& text) {
-    std::vector<TextRange> found;
+    std::vector<TextSpan> found;
     size_t total = 0;
     QElapsedTimer sinceBatch;
     sinceBatch.start();
@@ -69,7 +69,7 @@ void ChatSearch::find(const std::shared_ptr<Run>& run, const TesselChatLog& log,
         if (run->cancelled) return;
         for (const auto& range :
              text.matches(searchableText(log.events()[static_cast<size_t>(event)]))) {
-            found.push_back({event, range.position, range.length});
+            found.push_back({{event, range.position}, {event, range.position + range.length}});
             ++total;
         }
         if (!found.empty() && sinceBatch.hasExpired(batchInterval)) {

@@ -27,7 +27,7 @@ class ChatSearch final : public QObject {
     void start(const QString& text);
     [[nodiscard]] bool isRunning() const { return running_ != nullptr; }
     /// What has been found so far, from the top down.
-    [[nodiscard]] const std::vector<TextRange>& matches() const { return matches_; }
+    [[nodiscard]] const std::vector<TextSpan>& matches() const { return matches_; }
 
   Q_SIGNALS:
     /// matches() or isRunning() changed.
@@ -41,13 +41,13 @@ class ChatSearch final : public QObject {
         CallbackGuard callbacks;
     };
     void cancel();
-    void append(const std::vector<TextRange>& found, bool isLast);
-    static void tell(const std::shared_ptr<Run>& run, std::vector<TextRange> found, bool isLast);
+    void append(const std::vector<TextSpan>& found, bool isLast);
+    static void tell(const std::shared_ptr<Run>& run, std::vector<TextSpan> found, bool isLast);
     static void find(const std::shared_ptr<Run>& run, const TesselChatLog& log,
                      const TextSearch& text);
 
     std::shared_ptr<const TesselChatLog> log_;
-    std::vector<TextRange> matches_;
+    std::vector<TextSpan> matches_;
     std::shared_ptr<Run> running_;
 };
 

@@ -197,8 +197,8 @@ void DocumentWindow::showMatches() {
         // The first match at or below what is on screen, so that typing does not jump about.
         const auto next =
             std::partition_point(matches.begin(), matches.end(),
-                                 [top = timeline_->scroller().topRow()](const TextRange& match) {
-                                     return match.row < top;
+                                 [top = timeline_->scroller().topRow()](const TextSpan& match) {
+                                     return match.from.row < top;
                                  });
         if (next != matches.end()) {
             currentMatch_ = next - matches.begin();

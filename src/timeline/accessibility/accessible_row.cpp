@@ -21,7 +21,7 @@ QString tr(const char* text) {
     return QCoreApplication::translate("Timeline", text);
 }
 
-/// What a row says, without who and when.
+/// The content of a row, without sender and time.
 struct Spoken {
     PictureCache& pictures;
 

@@ -17,8 +17,8 @@ QAccessibleInterface* make(const QString& className, QObject* object) {
     return new AccessibleTimeline(*static_cast<TimelineView*>(object));
 }
 
-/// The view's interface while somebody listens.
-AccessibleTimeline* listened(TimelineView& view) {
+/// The view's interface; null while no assistive technology is active.
+AccessibleTimeline* activeInterface(TimelineView& view) {
     if (!QAccessible::isActive()) return nullptr;
     return static_cast<AccessibleTimeline*>(QAccessible::queryAccessibleInterface(&view));
 }
@@ -32,13 +32,13 @@ void AccessibleTimeline::attach(TimelineView& view) {
     }();
     static_cast<void>(isInstalled);
     QObject::connect(&view, &TimelineView::currentRowChanged, &view, [&view](qsizetype row) {
-        if (const auto* timeline = listened(view)) timeline->focusChanged(row);
+        if (const auto* timeline = activeInterface(view)) timeline->focusChanged(row);
     });
     QObject::connect(&view, &TimelineView::pictureFailed, &view, [&view](qsizetype row) {
-        if (const auto* timeline = listened(view)) timeline->nameChanged(row);
+        if (const auto* timeline = activeInterface(view)) timeline->nameChanged(row);
     });
     QObject::connect(&view, &TimelineView::namesChanged, &view, [&view] {
-        if (const auto* timeline = listened(view)) timeline->namesChanged();
+        if (const auto* timeline = activeInterface(view)) timeline->namesChanged();
     });
 }
 
@@ -50,7 +50,7 @@ AccessibleTimeline::~AccessibleTimeline() {
         QAccessible::deleteAccessibleInterface(id);
 }
 
-// A widget that is being destroyed is asked, too, when nothing is left of it but a QWidget.
+// Asked during destruction, too, when nothing but a QWidget is left of the view.
 bool AccessibleTimeline::isValid() const {
     return QAccessibleWidget::isValid() && qobject_cast<TimelineView*>(object());
 }
@@ -135,7 +135,7 @@ QAccessibleInterface* AccessibleTimeline::focusChild() const {
     return row < 0 ? QAccessible::queryAccessibleInterface(&view()) : item(row);
 }
 
-// ---- what it tells -----------------------------------------------------------------------------
+// ---- names and places --------------------------------------------------------------------------
 
 QString AccessibleTimeline::text(QAccessible::Text kind) const {
     const QString text = QAccessibleWidget::text(kind);

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // AccessibleTimeline: the timeline as screen readers see it, a list with an item for each row that
-// shows something. It answers from the log and not from what is painted; items are made when they
-// are asked for, and the ones asked for longest ago are given up. GUI thread only.
+// shows something. It describes the log and not what is painted; items are made on request, and the
+// oldest are dropped. GUI thread only.
 //
 //     AccessibleTimeline::attach(*view);  // once for each view
 
@@ -22,7 +22,7 @@ class AccessibleTimeline final : public QAccessibleWidget {
     /// So many items are kept at most.
     static constexpr size_t mostItems = 16'384;
 
-    /// Makes a view's interface one of these, and reports what changes in it to whoever listens.
+    /// Makes a view's interface one of these, and reports changes in it to assistive technology.
     static void attach(TimelineView& view);
 
     explicit AccessibleTimeline(TimelineView& view);
@@ -41,7 +41,7 @@ class AccessibleTimeline final : public QAccessibleWidget {
     [[nodiscard]] QString text(QAccessible::Text kind) const override;
 
   private:
-    /// Rows that show nothing, in order; looked for when somebody first asks.
+    /// Rows that show nothing, in order; found on first use.
     const std::vector<qsizetype>& emptyRows() const;
     [[nodiscard]] qsizetype rowOfChild(int index) const;
     [[nodiscard]] QAccessibleInterface* item(qsizetype row) const;

@@ -23,7 +23,8 @@ class BubbleColors {
     /// The one that all windows share.
     static BubbleColors& shared();
 
-    /// Blueberry for the owner's messages, graphite for nobody's; neither is recorded.
+    /// Blueberry for the owner's messages, graphite for those without a sender; neither is
+    /// recorded.
     Style::Aqua styleForUser(const std::optional<TesselUserID>& userID, bool isOwn);
 
     [[nodiscard]] const QHash<TesselUserID, Style::Aqua>& colorMap() const { return colorMap_; }

@@ -18,7 +18,7 @@ namespace {
 constexpr std::array plainSchemes{"http", "https", "mailto",   "ftp",
                                   "aim",  "xmpp",  "facetime", "tel"};
 constexpr qsizetype longestShown = 1000;
-constexpr qsizetype longestRead = 10'000;  // nobody reads to the end of a longer text
+constexpr qsizetype longestRead = 10'000;  // longer texts aren't checked and count as suspicious
 
 bool isUnseen(char32_t c) {
     const QChar::Category category = QChar::category(c);
@@ -116,7 +116,7 @@ bool isWrittenOut(const QUrl& url, const QString& address) {
     return pattern.match(address).hasMatch() && url.userInfo().isEmpty() && !url.host().isEmpty();
 }
 
-/// A mail that is only begun: a file of the reader's, or somebody unseen, must not go with it.
+/// A mail that is only begun: a file of the reader's, or a hidden recipient, must not go with it.
 bool isPlainMail(const QUrl& url) {
     static const QStringList plainFields{QStringLiteral("subject"), QStringLiteral("body"),
                                          QStringLiteral("to"), QStringLiteral("cc")};

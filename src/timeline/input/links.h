@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Links of a transcript: which may be opened at once, and which only after a question. Their
-// addresses come from somebody else's file, so nothing of them is taken for markup, and what would
+// addresses come from another person's file, so nothing of them is taken for markup, and what would
 // deceive the eye is shown encoded.
 
 #include <QObject>
@@ -27,7 +27,7 @@ class Links final : public QObject {
     Q_OBJECT
 
   public:
-    /// Hands an address to the desktop; answers whether that took it.
+    /// Hands an address to the desktop; returns whether it was accepted.
     using Opener = std::function<bool(const QUrl&)>;
 
     /// Questions are shown over the window, which also owns this object.

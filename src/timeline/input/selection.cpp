@@ -35,7 +35,7 @@ bool showsSomething(const TesselChatLog& chatlog, const TextSpan& span, qsizetyp
     return from < to;
 }
 
-/// A clipboard is asked for its text long after the copying, if ever. Meanwhile this keeps the log.
+/// Keeps the log until the clipboard is read, which is long after the copying, if ever.
 class SelectionData final : public QMimeData {
   public:
     SelectionData(Selection::Log chatlog, const TextSpan& span)
@@ -110,8 +110,8 @@ std::optional<TextHighlight> Selection::highlight(qsizetype row) const {
         return std::nullopt;
     // Behind the last selected character of a row that isn't the last comes its line break.
     const bool isWhole = row < span_.to.row || isPicture(eventAt(*chatlog_, row));
-    return TextHighlight{row == span_.from.row ? span_.from.offset : 0,
-                         isWhole ? TextHighlight::textEnd : span_.to.offset,
+    return TextHighlight{{row == span_.from.row ? span_.from.offset : 0,
+                          isWhole ? TextHighlight::textEnd : span_.to.offset},
                          HighlightKind::selection};
 }
 

@@ -5,27 +5,15 @@
 // never texts, so that selecting all of a million events costs nothing. GUI thread only.
 
 #include <QMimeData>
-#include <compare>
 #include <memory>
 #include <optional>
 
 #include "timeline/rows/text_highlight.h"
+#include "timeline/text/text_range.h"
 #include "timeline/text/text_units.h"
 #include "transcript/chat_log.h"
 
 namespace vell {
-
-struct TextPosition {
-    qsizetype row = 0;
-    qsizetype offset = 0;
-    friend auto operator<=>(const TextPosition&, const TextPosition&) = default;
-};
-
-struct TextSpan {
-    TextPosition from;
-    TextPosition to;
-    friend bool operator==(const TextSpan&, const TextSpan&) = default;
-};
 
 class Selection {
   public:
@@ -49,7 +37,7 @@ class Selection {
     [[nodiscard]] std::optional<TextHighlight> highlight(qsizetype row) const;
     /// What of each row is selected, as lines.
     [[nodiscard]] QString text() const;
-    /// The text for a clipboard; a long one is made when somebody asks for it. Null for an empty
+    /// The text for a clipboard; a long one is made on request. Null for an empty
     /// selection.
     [[nodiscard]] std::unique_ptr<QMimeData> mimeData() const;
 

@@ -56,26 +56,24 @@ void SelectionController::clear() {
 
 // ---- highlights --------------------------------------------------------------------------------
 
-void SelectionController::setFindMatches(std::vector<TextRange> matches, qsizetype current) {
+void SelectionController::setFindMatches(std::vector<TextSpan> matches, qsizetype current) {
     matches_ = std::move(matches);
     currentMatch_ = current;
     area_.viewport()->update();
 }
 
-std::span<const TextHighlight> SelectionController::highlights(qsizetype row, qsizetype from,
-                                                               qsizetype to) {
+std::span<const TextHighlight> SelectionController::highlights(qsizetype row, TextRange part) {
     highlights_.clear();
-    auto match = std::lower_bound(matches_.begin(), matches_.end(), std::pair(row, from),
-                                  [](const TextRange& m, auto place) {
-                                      return std::pair(m.row, m.start + m.length) <= place;
-                                  });
-    for (; match != matches_.end() && match->row == row && match->start < to; ++match) {
+    auto match = std::partition_point(matches_.begin(), matches_.end(), [&](const TextSpan& m) {
+        return m.to <= TextPosition{row, part.from};
+    });
+    for (; match != matches_.end() && match->from < TextPosition{row, part.to}; ++match) {
         const bool isCurrent = match - matches_.begin() == currentMatch_;
-        highlights_.push_back({match->start, match->start + match->length,
+        highlights_.push_back({{match->from.offset, match->to.offset},
                                isCurrent ? HighlightKind::currentMatch : HighlightKind::match});
     }
     if (const auto selected = selection_.highlight(row)) highlights_.push_back(*selected);
-    // The match that was asked for shows through a selection, which other matches don't.
+    // The current match is painted over a selection, the others below it.
     std::stable_sort(highlights_.begin(), highlights_.end(),
                      [](const auto& a, const auto& b) { return a.kind < b.kind; });
     return highlights_;
@@ -172,7 +170,7 @@ bool SelectionController::key(const QKeyEvent& event, qsizetype currentRow) {
     if (!selection_.focus()) selection_.start(from, TextUnit::character);
     selection_.extend(*to);
     update();
-    scroller_.revealText({to->row, to->offset, 0});
+    scroller_.revealText({*to, *to});
     return true;
 }
 

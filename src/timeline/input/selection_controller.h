@@ -40,14 +40,13 @@ class SelectionController final : public QObject {
     void copy() const;
     void selectAll();
     void clear();
-    /// Whether there is a selection to drop; a row's copy command wants to know, too.
+    /// Whether nothing is selected.
     [[nodiscard]] bool isEmpty() const { return isEmpty_; }
 
     /// Sorted by row and start; `current` is an index, -1 for none.
-    void setFindMatches(std::vector<TextRange> matches, qsizetype current);
-    /// What is highlighted of the offsets [from, to) of a row; holds until the next call.
-    [[nodiscard]] std::span<const TextHighlight> highlights(qsizetype row, qsizetype from,
-                                                            qsizetype to);
+    void setFindMatches(std::vector<TextSpan> matches, qsizetype current);
+    /// What is highlighted of a part of a row's text; holds until the next call.
+    [[nodiscard]] std::span<const TextHighlight> highlights(qsizetype row, TextRange part);
 
     // Events, with the place they are at; what returns true has consumed its event.
     bool press(const QMouseEvent& event, const std::optional<RowPlace>& place);
@@ -78,7 +77,7 @@ class SelectionController final : public QObject {
     TimelineScroller& scroller_;
     Selection selection_;
     bool isEmpty_ = true;
-    std::vector<TextRange> matches_;
+    std::vector<TextSpan> matches_;
     qsizetype currentMatch_ = -1;
     std::vector<TextHighlight> highlights_;
 

@@ -25,7 +25,7 @@ enum : uint8_t {
     lineClass = bubbleClass + 125,
 };
 
-// Lengths are told apart by four steps to the double, above the shortest ones.
+// Lengths have four classes to the octave, above the shortest ones.
 constexpr size_t shortest = 16;
 constexpr int lengthClasses = 125;
 constexpr double typicalFileLine = 50;

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// RowEstimates: what a row's height probably is, from one byte an event. The byte tells the kind of
-// row and roughly how long its text is; both lie in the event itself, so that a million rows are
+// RowEstimates: what a row's height probably is, from one byte an event. The byte encodes the kind
+// of row and roughly how long its text is; both lie in the event itself, so that a million rows are
 // sorted into these classes in the time it takes to walk over them. One table then serves a width.
 
 #include <array>
@@ -27,7 +27,7 @@ class RowEstimates {
 
     /// Whether the row is the caption of a sender.
     [[nodiscard]] bool isCaption(qsizetype index) const;
-    /// Whether the row shows nothing; tells before prepare(), too.
+    /// Whether the row shows nothing; also before prepare().
     [[nodiscard]] bool isEmpty(qsizetype index) const;
 
   private:

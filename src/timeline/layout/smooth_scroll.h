@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// SmoothScroll: spreads the jumps of a mouse wheel over a few frames. A plain value that is told
-// how much time has passed; whole pixels come out, and in the end exactly as many as went in.
+// SmoothScroll: spreads the jumps of a mouse wheel over a few frames. A plain value that gets
+// the time that has passed; whole pixels come out, and in the end exactly as many as went in.
 
 #include <QtGlobal>
 #include <cmath>

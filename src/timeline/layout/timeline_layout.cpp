@@ -156,7 +156,7 @@ void TimelineLayout::moveDown(qint64 pixels) {
     }
 }
 
-// Lays out what is on the screen; answers whether the screen reaches the log's end.
+// Lays out what is on the screen; returns whether the screen reaches the log's end.
 bool TimelineLayout::fill() {
     visible_.clear();
     Piece piece = anchor_;

@@ -67,21 +67,21 @@ void TimelineScroller::reveal(qsizetype row, const QRect& part) {
     update();
 }
 
-void TimelineScroller::revealText(const TextRange& range) {
+void TimelineScroller::revealText(const TextSpan& span) {
+    const qsizetype row = span.from.row;
     if (!isReady_) {
-        scrollToRow(range.row);
+        scrollToRow(row);
         return;
     }
-    if (range.row < 0 || range.row >= layout_.rowCount()) return;
+    if (row < 0 || row >= layout_.rowCount()) return;
     smoothScroll_.stop();
     const int around = context_.px(standardPadding);
     // On the way there the blocks of a long text get their heights, so that the goal may move.
     for (int tries = 0; tries < mostReveals; ++tries) {
-        const QRect end = layout_.exactCaret(range.row, range.start + range.length);
-        const QRect start = layout_.exactCaret(range.row, range.start);
-        layout_.reveal(range.row, start.united(end).adjusted(0, -around, 0, around));
-        const qint64 top =
-            layout_.rowTop(range.row) + layout_.exactCaret(range.row, range.start).top();
+        const QRect end = layout_.exactCaret(row, span.to.offset);
+        const QRect start = layout_.exactCaret(row, span.from.offset);
+        layout_.reveal(row, start.united(end).adjusted(0, -around, 0, around));
+        const qint64 top = layout_.rowTop(row) + layout_.exactCaret(row, span.from.offset).top();
         if (top >= 0 && top < layout_.viewportHeight()) break;
     }
     update();
@@ -102,7 +102,7 @@ void TimelineScroller::update() {
 }
 
 void TimelineScroller::syncScrollBar() {
-    // Nothing moves under the mouse of a person who holds the slider.
+    // The bar stays as it is while the user holds the slider.
     QScrollBar* bar = area_.verticalScrollBar();
     if (bar->isSliderDown()) return;
     mapping_ = {layout_.contentHeight(), layout_.viewportHeight()};

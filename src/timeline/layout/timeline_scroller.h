@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // TimelineScroller: moves a timeline: to rows and texts, by the scroll bar and by the wheel. Once
-// nothing has moved for a moment it lets the layout measure the rows that nobody has seen yet.
+// nothing has moved for a moment it lets the layout measure the rows that weren't shown yet.
 
 #include <QBasicTimer>
 #include <QElapsedTimer>
@@ -39,8 +39,8 @@ class TimelineScroller final : public QObject {
     void scrollByPixels(qint64 pixels);
     /// Scrolls as little as needed to show part of a row, given in device pixels.
     void reveal(qsizetype row, const QRect& part);
-    /// Scrolls as little as needed to show a stretch of a row's text.
-    void revealText(const TextRange& range);
+    /// Scrolls as little as needed to show a span within one row.
+    void revealText(const TextSpan& span);
     /// Moves by what the wheel says, over a few frames unless it counts pixels itself.
     void scrollByWheel(const QWheelEvent& event);
     /// Goes where the scroll bar is.
@@ -50,8 +50,6 @@ class TimelineScroller final : public QObject {
     void reset();
     /// To be called after rows have changed: the scroll bar follows, everything is painted.
     void update();
-    /// True while rows that nobody has seen are still being measured.
-    [[nodiscard]] bool isIdlePassRunning() const { return idleTimer_.isActive(); }
 
   Q_SIGNALS:
     /// Other rows may be on the screen now.

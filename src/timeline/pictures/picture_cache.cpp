@@ -12,7 +12,7 @@ namespace vell {
 namespace {
 
 constexpr int decoders = 2;
-// Requests that have scrolled away long ago are dropped; whoever shows the picture asks again.
+// Requests that have scrolled away long ago are dropped; painting the picture requests it again.
 constexpr size_t mostRequests = 64;
 // A decoder that is busy when the program ends gets so long, in milliseconds.
 constexpr int patience = 2000;
@@ -86,7 +86,7 @@ void PictureCache::forget(const TesselChatLog& chatlog) {
         pending_.remove(request.key);
         return true;
     });
-    // What is being decoded just now comes back for bytes that nobody asks for.
+    // Results that are still being decoded are ignored when they arrive.
     pending_.removeIf([&](const auto& key) { return gone.contains(key.bytes); });
 }
 
@@ -99,7 +99,7 @@ void PictureCache::decodeNext() {
         ++running_;
         Request request = std::move(requests_.back());
         requests_.pop_back();
-        // Where nobody knows the size, the frame it is shown in has other proportions.
+        // Without a known size, the frame it is shown in has other proportions.
         const auto mode =
             size(request.picture).isEmpty() ? Qt::KeepAspectRatio : Qt::IgnoreAspectRatio;
         threads_->start([this, request = std::move(request), mode, callbacks = callbacks_] {

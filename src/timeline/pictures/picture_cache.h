@@ -32,15 +32,15 @@ class PictureCache final : public QObject {
     explicit PictureCache(qsizetype maxBytes = defaultBytes, QObject* parent = nullptr);
     ~PictureCache() override;
 
-    /// Width and height as drawn, one pixel a point; empty where the header doesn't tell.
+    /// Width and height as drawn, one pixel a point; empty where the header doesn't say.
     [[nodiscard]] QSize size(const foundation::Picture& picture);
     /// The picture at this many pixels, or at another size while that one is being decoded; null
     /// while there is none. Valid until control returns to the event loop.
     [[nodiscard]] const QImage* image(const foundation::Picture& picture, QSize pixels);
-    /// Why the picture can't be drawn, in words; empty when it can, or nobody has tried yet.
+    /// Why the picture can't be drawn, in words; empty when it can, or wasn't tried yet.
     [[nodiscard]] QString problem(const foundation::Picture& picture) const;
 
-    /// Whether pictures that were asked for are still to come.
+    /// Whether requested pictures are still to come.
     [[nodiscard]] bool isBusy() const;
 
     /// Drops all pictures of a log, whose bytes are about to go.

@@ -11,7 +11,7 @@
 
 namespace vell {
 
-/// What nobody said: centred and grey.
+/// Text without a sender: centred and grey.
 struct SystemMessageView {
     QString message;
 

@@ -34,7 +34,7 @@ struct RowLayout {
 
 /// What of a row is to be painted, and how.
 struct RowPaint {
-    qint64 id = 0;  ///< tells rows apart in caches
+    qint64 id = 0;  ///< identifies the row in caches
     QRect visible;  ///< from the row's top left corner; nothing outside need be painted
     std::span<const TextHighlight> highlights;  ///< later ones over earlier ones
     const QImage* frame = nullptr;              ///< of a picture that moves, in place of its first

@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// What of a row can be selected and copied, told from its event alone: no row is laid out for it.
+// What of a row can be selected and copied, from its event alone: no row is laid out for it.
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// The rows that tell a new day and a new minute. Their fonts are the desktop's, whatever the size
+// The rows that mark a new day and a new minute. Their fonts are the desktop's, whatever the size
 // of the messages.
 
 #include "foundation/date.h"

@@ -57,7 +57,7 @@ void paintHighlights(QPainter& painter, const RowLayout& layout, const QColor& t
         painter.setPen(isCurrent ? QPen(textColor, outlineWidth * context.ratio) : Qt::NoPen);
         // The lines of a selection touch each other.
         const int gap = isSelection ? layout.text->spacing() : 0;
-        for (const QRect& line : layout.text->region(highlight.from, highlight.to, top, bottom)) {
+        for (const QRect& line : layout.text->region(highlight.range, top, bottom)) {
             const QRect rect = line.translated(origin).adjusted(0, -gap / 2, 0, gap - gap / 2);
             if (isSelection) {
                 painter.fillRect(rect, color);  // many large ones: several times faster

@@ -10,6 +10,7 @@
 #include <span>
 
 #include "timeline/rows/row_context.h"
+#include "timeline/text/text_range.h"
 
 class QPainter;
 
@@ -20,11 +21,11 @@ struct RowPaint;
 
 enum class HighlightKind { match, selection, currentMatch };
 
-/// Offsets [from, to) of a row's text, in UTF-16 units. A picture is one unit.
+/// A part of a row's text; a picture is one unit.
 struct TextHighlight {
+    /// As a range's end: the line break behind the text is highlighted, too.
     static constexpr qsizetype textEnd = std::numeric_limits<qsizetype>::max();
-    qsizetype from = 0;
-    qsizetype to = 0;  ///< textEnd takes in the line break behind the text
+    TextRange range;
     HighlightKind kind = HighlightKind::selection;
 };
 

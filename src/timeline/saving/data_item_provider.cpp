@@ -61,7 +61,7 @@ class ProvidedData : public QMimeData {
   protected:
     [[nodiscard]] QVariant retrieveData(const QString& format, QMetaType) const override {
         const QString asked = format == mimeType_ ? type_ : identifier(format);
-        // Everybody who gets as far as here is served by this process.
+        // Whoever gets this far asks within this process.
         static_cast<void>(provider_.itemProviderVisibilityForRepresentation(asked));
         try {
             return provider_.loadData(asked).toByteArray();

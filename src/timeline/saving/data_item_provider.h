@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // DataItemProvider: the bytes of a picture for another program, under their own type and no other.
-// Nothing is ever converted. Each question is told on the print target, which helps to see what a
+// Nothing is ever converted. Each request is printed, which helps to see what a
 // program that refuses a picture was looking for.
 
 #include <QMimeData>
@@ -17,7 +17,7 @@ namespace vell {
 
 class DataItemProvider {
   public:
-    /// The type that was asked for isn't the data's.
+    /// The requested type isn't that of the data.
     struct FailedToProvidePasteboardImage {};
     /// Who may see a representation.
     enum class Visibility { all, ownProcess };
@@ -48,7 +48,7 @@ class DataItemProvider {
 /// The picture for a clipboard: one type of data.
 [[nodiscard]] std::unique_ptr<QMimeData> pictureForCopying(const TesselChatLog::Image& image);
 /// The picture for dragging. The desktop has no promise of a file, so there is the address of one
-/// beside the data; it is written when somebody asks for it.
+/// beside the data; it is written on request.
 [[nodiscard]] std::unique_ptr<QMimeData> pictureForDragging(const TesselChatLog::Image& image);
 
 }  // namespace vell

@@ -17,7 +17,7 @@ class PrivateFiles {
     /// The process's own.
     static PrivateFiles& shared();
 
-    /// Writes the bytes under this name, which is safe, in a folder of their own; answers the path,
+    /// Writes the bytes under this name, which is safe, in a folder of their own; returns the path,
     /// or nothing when that was not possible.
     [[nodiscard]] QString write(const QString& name, const foundation::Data& data);
 
@@ -26,8 +26,8 @@ class PrivateFiles {
     int count_ = 0;
 };
 
-/// Writes the bytes as a file that its owner may read and write and nobody run; answers what went
-/// wrong, nothing when all is well.
+/// Writes the bytes as a file that only its owner may read and write, and none may run; returns
+/// what went wrong, nothing when all is well.
 [[nodiscard]] QString writeFile(const QString& path, const foundation::Data& data);
 
 }  // namespace vell

@@ -28,7 +28,7 @@ QString fileName(const FileWrapper& wrapper) {
                         Saving::tr("File"));
 }
 
-/// Asks where to, under the suggested name; `write` gets the path and answers what went wrong.
+/// Asks where to, under the suggested name; `write` gets the path and returns what went wrong.
 void askAndWrite(QWidget& window, const QString& title, const QString& name,
                  std::function<QString(const QString&)> write) {
     auto* dialog = new QFileDialog(&window, title);

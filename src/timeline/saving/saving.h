@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Saving what a transcript holds: the bytes as they were archived, under a name that is safe. A
-// dialog asks for the place; what goes wrong is told over the window.
+// dialog asks for the place; errors are reported over the window.
 
 #include <memory>
 
@@ -17,7 +17,7 @@ void savePicture(QWidget& window, const TesselChatLog::Image& image);
 void saveFile(QWidget& window, std::shared_ptr<const foundation::FileWrapper> wrapper);
 /// Whether there is anything to write: links lead nowhere, and some files came without their bytes.
 [[nodiscard]] bool canSave(const foundation::FileWrapper& wrapper);
-/// Writes a file, or a folder with all in it but links; answers what went wrong, nothing when all
+/// Writes a file, or a folder with all in it but links; returns what went wrong, nothing when all
 /// is well.
 [[nodiscard]] QString writeWrapper(const QString& path, const foundation::FileWrapper& wrapper);
 

@@ -16,7 +16,7 @@ class HeightTree {
   public:
     HeightTree() = default;
 
-    /// Replaces everything; `heightOf(index)` answers each height.
+    /// Replaces everything; `heightOf(index)` returns each height.
     template <class HeightOf>
     void assign(qsizetype count, HeightOf heightOf) {
         heights_.resize(static_cast<size_t>(count));

@@ -29,7 +29,7 @@ int ceilPixels(qreal points, qreal ratio) {
     return static_cast<int>(std::ceil(points * ratio - roundingSlack));
 }
 
-// An emoji's parts come from several fonts unless the one that has it whole is asked for.
+// Without a family of their own the parts of an emoji come from several fonts.
 QList<QTextLayout::FormatRange> emojiFormats(const std::vector<EmojiRange>& ranges) {
     QList<QTextLayout::FormatRange> formats;
     for (const EmojiRange& range : ranges) {
@@ -51,7 +51,7 @@ std::vector<std::pair<qreal, qreal>> stretches(const QTextLine& line, int from, 
     const int first = std::max(from, start);
     const int length = std::min(to, end) - first;
     if (length <= 0) return {};
-    // Carets don't tell: where the direction changes, both edges of a letter have the same one.
+    // Carets don't help: where the direction changes, both edges of a letter share one.
     for (const QGlyphRun& run : line.glyphRuns(first, length)) {
         const QList<QPointF> places = run.positions();
         const QList<QPointF> advances = run.rawFont().advancesForGlyphIndexes(run.glyphIndexes());
@@ -212,15 +212,16 @@ void LaidOutText::paint(QPainter& painter, QPoint origin, int top, int bottom) c
     }
 }
 
-std::vector<QRect> LaidOutText::region(qsizetype from, qsizetype to, int top, int bottom) const {
+std::vector<QRect> LaidOutText::region(TextRange range, int top, int bottom) const {
     std::vector<QRect> rects;
     const int breakWidth = ceilPixels(lineBreakPoints, format_.ratio);
     for (qsizetype i = blockAt(top); i < blockCount() && blockTop(i) < bottom; ++i) {
         const TextBlock& block = blocks_[static_cast<size_t>(i)];
-        if (to <= block.start) break;
+        if (range.to <= block.start) break;
         if (isLong_ && !isMeasured_[static_cast<size_t>(i)]) continue;
-        const auto first = static_cast<int>(std::max<qsizetype>(from - block.start, 0));
-        const auto end = static_cast<int>(std::min<qsizetype>(to - block.start, block.length));
+        const auto first = static_cast<int>(std::max<qsizetype>(range.from - block.start, 0));
+        const auto end =
+            static_cast<int>(std::min<qsizetype>(range.to - block.start, block.length));
         const QTextLayout& lines = layout(i);
         for (int n = 0; n < lines.lineCount(); ++n) {
             const QTextLine line = lines.lineAt(n);
@@ -238,7 +239,7 @@ std::vector<QRect> LaidOutText::region(qsizetype from, qsizetype to, int top, in
     return rects;
 }
 
-std::pair<qsizetype, qsizetype> LaidOutText::offsetsBetween(int top, int bottom) const {
+TextRange LaidOutText::offsetsBetween(int top, int bottom) const {
     if (blockCount() == 0) return {0, 0};
     const TextBlock& first = blocks_[static_cast<size_t>(blockAt(top))];
     const auto last = static_cast<size_t>(blockAt(bottom) + 1);

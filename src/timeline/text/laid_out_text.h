@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // LaidOutText: a text broken into lines for a width. Short texts are laid out whole and are as wide
-// as their longest line. Of long ones only the blocks that somebody looks at are laid out, the
+// as their longest line. Of long ones only the blocks that are looked at are laid out, the
 // heights of the others are estimates, and the width is all there is. All lengths are device pixels
 // unless they are said to be points; offsets into the text count UTF-16 units. GUI thread only.
 
@@ -13,11 +13,11 @@
 #include <QTextLayout>
 #include <memory>
 #include <optional>
-#include <utility>
 #include <vector>
 
 #include "timeline/text/height_tree.h"
 #include "timeline/text/text_blocks.h"
+#include "timeline/text/text_range.h"
 
 class QPainter;
 
@@ -51,7 +51,7 @@ class LaidOutText {
     [[nodiscard]] qint64 blockTop(qsizetype block) const { return heights_.top(block); }
     [[nodiscard]] qsizetype blockAt(qint64 y) const { return heights_.indexAt(y); }
     [[nodiscard]] qsizetype blockOf(qsizetype offset) const;
-    /// Lays out a block, so that its height is no estimate any more; answers whether it changed.
+    /// Lays out a block, so that its height is exact; returns whether that changed it.
     bool measureBlock(qsizetype block);
     /// The first block at or after `from` whose height is an estimate; nothing when there is none.
     [[nodiscard]] std::optional<qsizetype> firstEstimated(qsizetype from = 0) const;
@@ -67,12 +67,11 @@ class LaidOutText {
     /// `origin`. The painter counts device pixels.
     void paint(QPainter& painter, QPoint origin, int top, int bottom) const;
 
-    /// The places of the offsets [from, to) on the lines that touch [top, bottom), without the
+    /// The places of a range on the lines that touch [top, bottom), without the
     /// spacing between lines. A line break that is among them shows on empty lines.
-    [[nodiscard]] std::vector<QRect> region(qsizetype from, qsizetype to, int top,
-                                            int bottom) const;
-    /// The offsets whose lines may touch [top, bottom), as [first, second).
-    [[nodiscard]] std::pair<qsizetype, qsizetype> offsetsBetween(int top, int bottom) const;
+    [[nodiscard]] std::vector<QRect> region(TextRange range, int top, int bottom) const;
+    /// The offsets whose lines may touch [top, bottom).
+    [[nodiscard]] TextRange offsetsBetween(int top, int bottom) const;
     /// Between lines.
     [[nodiscard]] int spacing() const { return spacing_; }
 

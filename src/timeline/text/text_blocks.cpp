@@ -4,15 +4,13 @@
 #include <QTextBoundaryFinder>
 #include <algorithm>
 
+#include "foundation/line_break.h"
+
 namespace vell {
 namespace {
 
-bool endsParagraph(char16_t c) {
-    return (c >= u'\n' && c <= u'\r') || c == 0x85 || c == 0x2028 || c == 0x2029;
-}
-
 // Paragraphs of so many full blocks are cut into shorter ones: what comes on the screen while they
-// are scrolled is laid out sooner, and among so many lines nobody sees that some are short.
+// are scrolled is laid out sooner, and among so many lines short ones don't show.
 constexpr qsizetype manyBlocks = 4;
 
 // How far back from a full block's end a blank is looked for, and a character's start.
@@ -70,7 +68,7 @@ std::vector<TextBlock> splitIntoBlocks(QStringView text, Qt::LayoutDirection dir
     qsizetype start = 0;
     while (true) {
         qsizetype end = start;
-        while (end < text.size() && !endsParagraph(text[end].unicode()))
+        while (end < text.size() && !foundation::isLineBreak(text[end].unicode()))
             ++end;
         const bool rightToLeft = isRightToLeft(text.sliced(start, end - start), direction);
         const qsizetype longest =

@@ -1,17 +1,32 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// TextRange: a stretch of the text that one row of a timeline shows.
+// Stretches of text: within one text, and across the rows of a timeline. Offsets count UTF-16
+// units.
 
 #include <QtGlobal>
+#include <compare>
 
 namespace vell {
 
+/// The offsets [from, to) of one text.
 struct TextRange {
+    qsizetype from = 0;
+    qsizetype to = 0;
+};
+
+/// A place in the text that a row shows.
+struct TextPosition {
     qsizetype row = 0;  ///< index into the log's events
-    qsizetype start = 0;
-    qsizetype length = 0;  ///< UTF-16 units, as start
-    friend bool operator==(const TextRange&, const TextRange&) = default;
+    qsizetype offset = 0;
+    friend auto operator<=>(const TextPosition&, const TextPosition&) = default;
+};
+
+/// What lies between two places: a selection, or a match of a search.
+struct TextSpan {
+    TextPosition from;
+    TextPosition to;
+    friend bool operator==(const TextSpan&, const TextSpan&) = default;
 };
 
 }  // namespace vell

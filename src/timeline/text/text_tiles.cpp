@@ -5,9 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <numeric>
 #include <utility>
-#include <vector>
 
 #include "timeline/bubbles/coverage_mask.h"
 
@@ -25,115 +23,19 @@ int overhang(const Style::TextShadow& shadow, qreal ratio) {
            static_cast<int>(std::ceil((std::abs(shadow.offset.y()) + 3) * ratio));
 }
 
-// Eight bits each, 256 in all, so that sums of weighted bytes fit 16 bits. Text shadows are so soft
-// that a few pixels hold them.
-std::vector<uint16_t> shadowWeights(double sigma) {
-    const int reach = blurReach(sigma);
-    std::vector<double> exact;
-    for (int i = -reach; i <= reach; ++i)
-        exact.push_back(std::exp(-i * i / (2 * sigma * sigma)));
-    const double sum = std::accumulate(exact.begin(), exact.end(), 0.0);
-    std::vector<uint16_t> weights;
-    for (const double weight : exact) {
-        weights.push_back(static_cast<uint16_t>(std::lround(weight / sum * 256)));
-    }
-    weights[static_cast<size_t>(reach)] += 256 - std::accumulate(weights.begin(), weights.end(), 0);
-    return weights;
-}
-
-/// The blurred coverage of a picture's rows, asked for from the top down.
-class ShadowRows {
-  public:
-    ShadowRows(const QImage& image, double sigma)
-        : image_(image),
-          weights_(shadowWeights(sigma)),
-          reach_(static_cast<int>(weights_.size()) / 2),
-          width_(image.width()),
-          height_(image.height()),
-          padded_(static_cast<size_t>(width_ + 2 * reach_)),
-          sums_(static_cast<size_t>(width_)),
-          row_(static_cast<size_t>(width_)) {
-        across_.resize(weights_.size());
-        isEmpty_.assign(weights_.size(), true);
-    }
-
-    /// Null when there is nothing.
-    const uint8_t* row(int y) {
-        for (; next_ <= std::min(y + reach_, height_ - 1); ++next_)
-            blurAcross(next_);
-        std::fill(sums_.begin(), sums_.end(), 128);
-        bool isEmpty = true;
-        for (int other = std::max(y - reach_, 0); other <= std::min(y + reach_, height_ - 1);
-             ++other) {
-            const size_t slot = slotOf(other);
-            if (isEmpty_[slot]) continue;
-            isEmpty = false;
-            add(across_[slot].data(), weights_[static_cast<size_t>(other - y + reach_)]);
-        }
-        if (isEmpty) return nullptr;
-        for (size_t x = 0; x < row_.size(); ++x)
-            row_[x] = static_cast<uint8_t>(sums_[x] >> 8);
-        return row_.data();
-    }
-
-  private:
-    [[nodiscard]] size_t slotOf(int y) const { return static_cast<size_t>(y) % weights_.size(); }
-
-    void add(const uint8_t* row, uint16_t weight) {
-        uint16_t* sums = sums_.data();
-        const int width = width_;
-        for (int x = 0; x < width; ++x)
-            sums[x] = static_cast<uint16_t>(sums[x] + weight * row[x]);
-    }
-
-    void blurAcross(int y) {
-        const auto* line = reinterpret_cast<const QRgb*>(image_.constScanLine(y));
-        uint8_t* alpha = padded_.data() + reach_;
-        uint32_t any = 0;
-        for (int x = 0; x < width_; ++x) {
-            alpha[x] = static_cast<uint8_t>(line[x] >> 24);
-            any |= line[x];
-        }
-        const size_t slot = slotOf(y);
-        isEmpty_[slot] = any == 0;
-        if (any == 0) return;
-        std::fill(sums_.begin(), sums_.end(), 128);
-        for (size_t tap = 0; tap < weights_.size(); ++tap)
-            add(padded_.data() + tap, weights_[tap]);
-        across_[slot].resize(sums_.size());
-        for (size_t x = 0; x < sums_.size(); ++x) {
-            across_[slot][x] = static_cast<uint8_t>(sums_[x] >> 8);
-        }
-    }
-
-    const QImage& image_;
-    std::vector<uint16_t> weights_;
-    int reach_;
-    int width_;
-    int height_;
-    int next_ = 0;
-    std::vector<uint8_t> padded_;
-    std::vector<uint16_t> sums_;
-    std::vector<uint8_t> row_;
-    std::vector<std::vector<uint8_t>> across_;  // the rows around the one asked for
-    std::vector<bool> isEmpty_;
-};
-
 // Rows [top, bottom) of the picture, with the black or white shadow of what is drawn in it below.
 QImage withShadow(const QImage& image, int top, int bottom, const Style::TextShadow& shadow,
                   qreal ratio) {
     QImage result = image.copy(0, top, image.width(), bottom - top);
-    ShadowRows rows(image, shadowSigma(shadow, ratio));
+    const CoverageMask cover = CoverageMask::ofAlpha(image).blurred(shadowSigma(shadow, ratio));
     const auto down = static_cast<int>(std::lround(shadow.offset.y() * ratio));
     const auto opacity = static_cast<uint32_t>(shadow.color.alpha());
     const uint32_t white = shadow.color.lightness() > 127 ? 0xff : 0;
-    const int width = result.width();
     for (int y = std::max(top, down); y < bottom; ++y) {
-        const uint8_t* cover = rows.row(y - down);
-        if (!cover) continue;
+        const uint8_t* row = cover.row(y - down);
         auto* out = reinterpret_cast<QRgb*>(result.scanLine(y - top));
-        for (int x = 0; x < width; ++x) {
-            const uint32_t below = cover[x] * opacity * (255 - (out[x] >> 24)) / (255 * 255);
+        for (int x = 0; x < result.width(); ++x) {
+            const uint32_t below = row[x] * opacity * (255 - (out[x] >> 24)) / (255 * 255);
             const uint32_t tint = below & white;
             out[x] += below << 24 | tint << 16 | tint << 8 | tint;
         }

@@ -36,7 +36,7 @@ class TextTiles {
 
     explicit TextTiles(qsizetype maxBytes = defaultBytes) : tiles_(maxBytes) {}
 
-    /// As paintShadowedText(), from kept tiles where there are any. `id` tells the texts apart.
+    /// As paintShadowedText(), from kept tiles where there are any. `id` identifies the text.
     void paint(QPainter& painter, qint64 id, const LaidOutText& text, QPoint origin,
                const QRect& visible, const TextColors& colors, qreal ratio);
     void clear() { tiles_.clear(); }

@@ -4,6 +4,8 @@
 #include <QTextBoundaryFinder>
 #include <algorithm>
 
+#include "foundation/line_break.h"
+
 namespace vell {
 namespace {
 
@@ -23,21 +25,17 @@ struct Neighbourhood {
     QTextBoundaryFinder finder;
 };
 
-bool isLineBreak(QChar c) {
-    return (c >= u'\n' && c <= u'\r') || c == u'\u0085' || c == u'\u2028' || c == u'\u2029';
-}
-
 }  // namespace
 
-TextStretch unitAround(QStringView text, qsizetype offset, TextUnit unit) {
+TextRange unitAround(QStringView text, qsizetype offset, TextUnit unit) {
     offset = std::clamp<qsizetype>(offset, 0, text.size());
     if (unit == TextUnit::character) return {offset, offset};
     if (unit == TextUnit::paragraph) {
         qsizetype from = offset;
         qsizetype to = offset;
-        while (from > 0 && !isLineBreak(text[from - 1]))
+        while (from > 0 && !foundation::isLineBreak(text[from - 1].unicode()))
             --from;
-        while (to < text.size() && !isLineBreak(text[to]))
+        while (to < text.size() && !foundation::isLineBreak(text[to].unicode()))
             ++to;
         return {from, to};
     }

@@ -6,17 +6,14 @@
 
 #include <QStringView>
 
+#include "timeline/text/text_range.h"
+
 namespace vell {
 
 enum class TextUnit { character, word, paragraph };
 
-struct TextStretch {
-    qsizetype from = 0;
-    qsizetype to = 0;
-};
-
 /// The word or paragraph at an offset; for characters the place itself, nothing wide.
-[[nodiscard]] TextStretch unitAround(QStringView text, qsizetype offset, TextUnit unit);
+[[nodiscard]] TextRange unitAround(QStringView text, qsizetype offset, TextUnit unit);
 /// The next place behind an offset at which a character or word ends; the text's end at most.
 [[nodiscard]] qsizetype nextPlace(QStringView text, qsizetype offset, TextUnit unit);
 /// The place before, at which a character or word starts; 0 at least.
