@@ -42,6 +42,12 @@ TEST(Selecting, DragsGoByCharactersAcrossRowsAndCopyPicturesByName) {
     EXPECT_EQ(window.selected(), QStringLiteral("there"));
     window.drag(before(0, 11), before(0, 6));
     EXPECT_EQ(window.selected(), QStringLiteral("there")) << "dragged backwards";
+    const TimelineLayout::Row& picture = window.view.timeline().row(3);
+    const QPoint corner(window.view.timeline().rowLeft(),
+                        static_cast<int>(window.view.timeline().rowTop(3)));
+    window.press(corner + picture.layout.content.center());
+    EXPECT_FALSE(window.view.hasSelection()) << "a press on a picture drops it";
+    window.release(corner + picture.layout.content.center());
     window.drag(before(0, 13), before(2, 4));
     EXPECT_EQ(window.selected(), QStringLiteral("cat\none\n"));
     window.drag(before(2, 14), before(4, 3));
@@ -65,6 +71,8 @@ TEST(Selecting, ClicksTakeWordsAndParagraphsAndDragsGoOnByThem) {
     window.press(window.place(0, 1), Qt::ShiftModifier);
     window.release(window.place(0, 1));
     EXPECT_EQ(window.selected(), QStringLiteral("Hello there"));
+    window.key(Qt::Key_Right, Qt::ShiftModifier | Qt::ControlModifier);
+    EXPECT_EQ(window.selected(), QStringLiteral(" there")) << "the free end is in front";
 }
 
 TEST(Selecting, KeysMoveTheFreeEndAndEscapeDropsIt) {

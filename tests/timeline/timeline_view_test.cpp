@@ -193,6 +193,8 @@ TEST(TimelineView, PlaceAskedForBeforeTheFirstShowIsKept) {
     view.resize(500, 500);
     view.show();
     EXPECT_EQ(view.timeline().rowTop(300), 0);
+    view.scroller().scrollToRow(300, 6);
+    EXPECT_EQ(view.scroller().pointsAbove(), 6);
     view.resize(420, 700);
     view.setFontSize(30);
     EXPECT_EQ(view.scroller().topRow(), 300);
