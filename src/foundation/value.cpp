@@ -119,39 +119,26 @@ QString Number::description() const {
 }
 
 QByteArray Value::className() const {
-    switch (kind_) {
-        case Kind::number:
-            return "NSNumber";
-        case Kind::string:
-            return "NSString";
-        case Kind::date:
-            return "NSDate";
-        case Kind::data:
-            return "NSData";
-        case Kind::object:
-            return object_->className();
-        case Kind::nothing:
-            break;
-    }
-    return "nil";
+    return std::visit(Overloaded{
+                          [](std::monostate) { return QByteArray("nil"); },
+                          [](const Number&) { return QByteArray("NSNumber"); },
+                          [](const QString&) { return QByteArray("NSString"); },
+                          [](const Date&) { return QByteArray("NSDate"); },
+                          [](const DataBox&) { return QByteArray("NSData"); },
+                          [](const ObjectPointer& object) { return object->className(); },
+                      },
+                      held_);
 }
 
 QString Value::description() const {
-    switch (kind_) {
-        case Kind::number:
-            return number_.description();
-        case Kind::string:
-            return string_;
-        case Kind::date:
-            return date_.description();
-        case Kind::data:
-            return dataDescription(*data_);
-        case Kind::object:
-            return object_->description();
-        case Kind::nothing:
-            break;
-    }
-    return QStringLiteral("nil");
+    return std::visit(Overloaded{
+                          [](std::monostate) { return QStringLiteral("nil"); },
+                          [](const QString& string) { return string; },
+                          [](const DataBox& data) { return dataDescription(*data); },
+                          [](const ObjectPointer& object) { return object->description(); },
+                          [](const auto& value) { return value.description(); },
+                      },
+                      held_);
 }
 
 QString Array::description() const {

@@ -11,8 +11,8 @@
 #include <QByteArray>
 #include <QString>
 #include <memory>
-#include <new>
 #include <optional>
+#include <type_traits>
 #include <typeinfo>
 #include <variant>
 #include <vector>
@@ -60,50 +60,36 @@ class Number {
 
 class Value {
   public:
-    Value() {}
-    Value(Number number) : number_(number), kind_(Kind::number) {}
-    Value(QString string) : string_(std::move(string)), kind_(Kind::string) {}
-    Value(Date date) : date_(date), kind_(Kind::date) {}
+    Value() = default;
+    Value(Number number) : held_(number) {}
+    Value(QString string) : held_(std::move(string)) {}
+    Value(Date date) : held_(date) {}
     /// Bytes are boxed: they are rare among values and would make every value larger.
-    Value(Data data) : data_(std::make_shared<const Data>(std::move(data))), kind_(Kind::data) {}
+    Value(Data data) : held_(std::make_shared<const Data>(std::move(data))) {}
     template <class T>
     requires std::is_base_of_v<Object, T> Value(std::shared_ptr<T> object) {
-        if (!object) return;
-        new (&object_) std::shared_ptr<const Object>(std::move(object));
-        kind_ = Kind::object;
+        if (object) held_ = std::shared_ptr<const Object>(std::move(object));
     }
-    Value(const Value& other) { construct(other); }
-    Value(Value&& other) noexcept { construct(std::move(other)); }
-    Value& operator=(const Value& other) {
-        if (this != &other) *this = Value(other);
-        return *this;
-    }
-    Value& operator=(Value&& other) noexcept {
-        if (this == &other) return *this;
-        destroy();
-        construct(std::move(other));
-        return *this;
-    }
-    ~Value() { destroy(); }
 
-    [[nodiscard]] bool isNothing() const { return kind_ == Kind::nothing; }
-    [[nodiscard]] const Number* number() const {
-        return kind_ == Kind::number ? &number_ : nullptr;
+    [[nodiscard]] bool isNothing() const { return std::holds_alternative<std::monostate>(held_); }
+    [[nodiscard]] const Number* number() const { return std::get_if<Number>(&held_); }
+    [[nodiscard]] const QString* string() const { return std::get_if<QString>(&held_); }
+    [[nodiscard]] const Date* date() const { return std::get_if<Date>(&held_); }
+    [[nodiscard]] const Data* data() const {
+        const auto* const box = std::get_if<DataBox>(&held_);
+        return box ? box->get() : nullptr;
     }
-    [[nodiscard]] const QString* string() const {
-        return kind_ == Kind::string ? &string_ : nullptr;
-    }
-    [[nodiscard]] const Date* date() const { return kind_ == Kind::date ? &date_ : nullptr; }
-    [[nodiscard]] const Data* data() const { return kind_ == Kind::data ? data_.get() : nullptr; }
     /// The object when it is a T (or derived from it), else null.
     template <class T>
     [[nodiscard]] std::shared_ptr<const T> object() const& {
-        return isA<T>() ? std::static_pointer_cast<const T>(object_) : nullptr;
+        const auto* const held = std::get_if<ObjectPointer>(&held_);
+        return isA<T>(held) ? std::static_pointer_cast<const T>(*held) : nullptr;
     }
-    /// The same, taken out of a value that nobody needs any more.
+    /// The same, moved out of a value that is no longer needed.
     template <class T>
     [[nodiscard]] std::shared_ptr<const T> object() && {
-        return isA<T>() ? std::static_pointer_cast<const T>(std::move(object_)) : nullptr;
+        auto* const held = std::get_if<ObjectPointer>(&held_);
+        return isA<T>(held) ? std::static_pointer_cast<const T>(std::move(*held)) : nullptr;
     }
 
     /// The archived class name: "NSString", "NSNumber" …; "nil" for nothing.
@@ -112,62 +98,21 @@ class Value {
     [[nodiscard]] QString description() const;
 
   private:
-    enum class Kind : quint8 { nothing, number, string, date, data, object };
+    using DataBox = std::shared_ptr<const Data>;
+    using ObjectPointer = std::shared_ptr<const Object>;
 
-    // A variant by hand: readers make, move and copy values by the million, and std::variant does
-    // each of these through a table of functions.
-    union {
-        Number number_;
-        QString string_;
-        Date date_;
-        std::shared_ptr<const Data> data_;
-        std::shared_ptr<const Object> object_;
-    };
-    Kind kind_ = Kind::nothing;
+    std::variant<std::monostate, Number, QString, Date, DataBox, ObjectPointer> held_;
 
     template <class T>
-    [[nodiscard]] bool isA() const {
-        if (kind_ != Kind::object || !object_) return false;
-        const Object& held = *object_;
+    [[nodiscard]] static bool isA(const ObjectPointer* pointer) {
+        if (!pointer || !*pointer) return false;
+        const Object& held = **pointer;
         if constexpr (std::is_same_v<T, Object>)
             return true;
         else if constexpr (std::is_final_v<T>)
             return typeid(held) == typeid(T);
         else
             return dynamic_cast<const T*>(&held) != nullptr;
-    }
-    /// Takes the content of a const Value& or a Value&&; this value must hold none.
-    template <class Other>
-    void construct(Other&& other) {
-        switch (other.kind_) {
-            case Kind::nothing:
-                break;
-            case Kind::number:
-                new (&number_) Number(other.number_);
-                break;
-            case Kind::string:
-                new (&string_) QString(std::forward<Other>(other).string_);
-                break;
-            case Kind::date:
-                new (&date_) Date(other.date_);
-                break;
-            case Kind::data:
-                new (&data_) std::shared_ptr<const Data>(std::forward<Other>(other).data_);
-                break;
-            case Kind::object:
-                new (&object_) std::shared_ptr<const Object>(std::forward<Other>(other).object_);
-                break;
-        }
-        kind_ = other.kind_;
-    }
-    void destroy() {
-        if (kind_ == Kind::string)
-            string_.~QString();
-        else if (kind_ == Kind::data)
-            data_.~shared_ptr();
-        else if (kind_ == Kind::object)
-            object_.~shared_ptr();
-        kind_ = Kind::nothing;
     }
 };
 
@@ -201,7 +146,7 @@ class Dictionary final : public Object {
     const std::vector<std::pair<Value, Value>> pairs;
 };
 
-/// An object whose content nobody asks for (fonts, colours, unknown classes): only its class.
+/// An object whose content is never used (fonts, colours, unknown classes): only its class.
 class OpaqueObject final : public Object {
   public:
     explicit OpaqueObject(QByteArray className) : className_(std::move(className)) {}
