@@ -6,6 +6,7 @@
 #include <QRegularExpression>
 #include <algorithm>
 #include <bit>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <ctime>
@@ -15,13 +16,7 @@
 namespace foundation {
 namespace {
 
-constexpr qint64 kDay = 86400;
-constexpr qint64 kMinute = 60;
-
-qint64 floorDivide(qint64 value, qint64 divisor) {
-    const qint64 quotient = value / divisor;
-    return value % divisor < 0 ? quotient - 1 : quotient;
-}
+using namespace std::chrono;
 
 /// The bare zone name of a TZ value: no ":" in front, no path of the zone database.
 QByteArray bareName(QByteArray zone) {
@@ -36,29 +31,34 @@ QByteArray bareName(QByteArray zone) {
     return at < 0 ? zone : zone.mid(at + directory.size());
 }
 
-/// What the C library, which reads TZ, has at that second; null when it can't tell.
+/// What the C library, which reads TZ, has at that second; null when it is out of range.
 const std::tm* localTime(qint64 second, std::tm& buffer) {
     const auto time = static_cast<std::time_t>(second);
     return localtime_r(&time, &buffer);
 }
 
+/// From 1970 to the start of a year.
+constexpr qint64 secondsTo(year begun) {
+    return sys_seconds(sys_days(begun / January / 1)).time_since_epoch().count();
+}
+
 /// A second at which every zone has the same offset and the same name. The calendar repeats itself
-/// after 400 years, so what is far away is asked for in the first of these that only rules govern:
-/// who walks the rules year by year needs no time worth mentioning.
+/// after 400 years, so distant instants are looked up in the first such cycle that only rules
+/// govern: libraries that step through the rules year by year stay fast.
 qint64 equivalentSecond(qint64 second) {
-    constexpr qint64 kCycle = 146097 * kDay;
-    constexpr qint64 kFirstYear = -62135596800;   // 0001-01-01 from 1970
-    constexpr qint64 kFirstOfCycle = 4102444800;  // 2100-01-01
-    if (second < kFirstYear) return kFirstYear;
-    return second < kFirstOfCycle ? second : kFirstOfCycle + (second - kFirstOfCycle) % kCycle;
+    constexpr qint64 cycle =
+        seconds(sys_days(2500y / January / 1) - sys_days(2100y / January / 1)).count();
+    constexpr qint64 firstYear = secondsTo(1y);
+    constexpr qint64 firstOfCycle = secondsTo(2100y);
+    if (second < firstYear) return firstYear;
+    return second < firstOfCycle ? second : firstOfCycle + (second - firstOfCycle) % cycle;
 }
 
 std::optional<qint64> secondSinceEpoch(Date date) {
-    constexpr qint64 kReference = 978307200;  // 2001-01-01 from 1970
-    constexpr double kLimit = 1.8e14;         // what ICU's dates can express
-    const double seconds = std::floor(date.secondsSinceReferenceDate);
-    if (!(std::abs(seconds) < kLimit)) return std::nullopt;
-    return static_cast<qint64>(seconds) + kReference;
+    constexpr double limit = 1.8e14;  // what ICU's dates can express
+    const double whole = std::floor(date.secondsSinceReferenceDate);
+    if (!(std::abs(whole) < limit)) return std::nullopt;
+    return static_cast<qint64>(whole) + secondsTo(2001y);
 }
 
 /// NaN is the same instant as itself here: a message that inherits it opens nothing new.
@@ -124,22 +124,24 @@ QString Calendar::zoneName(Date date) const {
 
 bool Calendar::isSameDay(Date a, Date b) const {
     if (isSameInstant(a, b)) return true;
-    // No zone is needed to tell these, or what is no number, apart.
-    if (!(std::abs(a.secondsSinceReferenceDate - b.secondsSinceReferenceDate) <= 2 * kDay))
+    // These, and what is no number, differ in any zone.
+    if (!(std::abs(a.secondsSinceReferenceDate - b.secondsSinceReferenceDate) <=
+          seconds(days(2)).count()))
         return false;
     const auto localA = localSecond(a);
     const auto localB = localSecond(b);
-    return localA && localB && floorDivide(*localA, kDay) == floorDivide(*localB, kDay);
+    return localA && localB && floor<days>(seconds(*localA)) == floor<days>(seconds(*localB));
 }
 
 bool Calendar::isSameMinute(Date a, Date b) const {
     if (isSameInstant(a, b)) return true;
-    // A clock that is set back shows the same minute twice; real time tells the two apart.
-    if (!(std::abs(a.secondsSinceReferenceDate - b.secondsSinceReferenceDate) < kMinute))
+    // A clock that is set back shows the same minute twice; they are an hour apart in real time.
+    if (!(std::abs(a.secondsSinceReferenceDate - b.secondsSinceReferenceDate) <
+          seconds(minutes(1)).count()))
         return false;
     const auto localA = localSecond(a);
     const auto localB = localSecond(b);
-    return localA && localB && floorDivide(*localA, kMinute) == floorDivide(*localB, kMinute);
+    return localA && localB && floor<minutes>(seconds(*localA)) == floor<minutes>(seconds(*localB));
 }
 
 std::optional<qint64> Calendar::localSecond(Date date) const {
@@ -175,7 +177,7 @@ Calendar::Stretch Calendar::askZone(qint64 second) const {
     const auto next = zone_.nextTransition(instant);
     if (previous.atUtc.isValid()) result.begin = previous.atUtc.toSecsSinceEpoch();
     if (next.atUtc.isValid()) result.end = next.atUtc.toSecsSinceEpoch();
-    // Should a zone's tables contradict themselves, the answer holds for this second alone.
+    // Should a zone's tables contradict themselves, the result holds for this second alone.
     if (second < result.begin || second >= result.end) return {second, second + 1, result.offset};
     return result;
 }

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Calendar: whether two instants share a day or a minute in a time zone, with the offset valid at
-// each instant. It remembers the stretches of constant offset that it has met, so the zone's rules
-// are asked once for each; one calendar serves one thread at a time (copies are cheap).
+// each instant. It caches the stretches of constant offset that it has met, so the zone's rules are
+// queried once for each; one calendar serves one thread at a time (copies are cheap).
 
 #include <QByteArray>
 #include <QTimeZone>
@@ -19,7 +19,7 @@ class Calendar {
     explicit Calendar(QTimeZone zone);
 
     /// In the zone named by TZ as the C library would read it, else the system's. TZ may also be a
-    /// rule; such a calendar is right only as long as TZ stays. A name that nobody knows stands for
+    /// rule; such a calendar is right only as long as TZ stays. An unknown name means
     /// UTC, as it does there, and is reported on standard error.
     static Calendar current();
     /// In the zone of this name, "Europe/Berlin"; a leading ":" and the path of the zone database
@@ -29,16 +29,16 @@ class Calendar {
     /// library understands rules, and only the one in TZ.
     static bool isRule(const QByteArray& zone);
 
-    /// The same zone in a calendar that remembers nothing; another thread may ask for one.
+    /// The same zone in a calendar with nothing cached, for another thread.
     [[nodiscard]] Calendar forgetful() const;
-    /// The zone; it means nothing where a rule is followed.
+    /// The zone; meaningless where a rule is followed.
     [[nodiscard]] const QTimeZone& timeZone() const { return zone_; }
     [[nodiscard]] bool hasZoneOf(const Calendar& other) const {
         return zone_ == other.zone_ && rule_ == other.rule_;
     }
     /// The short name of the zone at that instant: "CEST".
     [[nodiscard]] QString zoneName(Date date) const;
-    /// The same local day. Instants that no calendar can tell share a day only with themselves.
+    /// The same local day. Instants that no calendar can express share a day only with themselves.
     [[nodiscard]] bool isSameDay(Date a, Date b) const;
     /// The same local minute; the second 02:30 of an autumn night is another minute than the first.
     [[nodiscard]] bool isSameMinute(Date a, Date b) const;

@@ -3,36 +3,19 @@
 
 #include <QDateTime>
 #include <QLocale>
+#include <chrono>
 #include <cmath>
 
 namespace foundation {
 namespace {
 
+using namespace std::chrono;
+
 // All in the proleptic Gregorian calendar.
-constexpr qint64 kReferenceFromEpoch = 978307200;      // 2001-01-01 from 1970-01-01, seconds
-constexpr qint64 kFirstMillisecond = -62135596800000;  // 0001-01-01T00:00:00.000Z from 1970
-constexpr qint64 kEndMillisecond = 253402300800000;    // 10000-01-01T00:00:00.000Z from 1970
-constexpr qint64 kMillisecondsPerDay = 86400000;
-
-struct CivilDate {
-    int year;
-    int month;
-    int day;
-};
-
-/// The civil date of a day counted from 1970-01-01; years start in March while it computes, so that
-/// the leap day is the last one.
-CivilDate civilDate(qint64 daysSinceEpoch) {
-    const qint64 days = daysSinceEpoch + 719468;  // from 0000-03-01
-    const qint64 era = (days >= 0 ? days : days - 146096) / 146097;
-    const auto dayOfEra = static_cast<int>(days - era * 146097);
-    const int yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-    const int dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-    const int shiftedMonth = (5 * dayOfYear + 2) / 153;
-    const int day = dayOfYear - (153 * shiftedMonth + 2) / 5 + 1;
-    const int month = shiftedMonth < 10 ? shiftedMonth + 3 : shiftedMonth - 9;
-    return {static_cast<int>(yearOfEra + era * 400) + (month <= 2 ? 1 : 0), month, day};
-}
+constexpr sys_seconds reference = sys_days(2001y / January / 1);
+constexpr sys_time<milliseconds> begin = sys_days(1y / January / 1);
+constexpr sys_time<milliseconds> end = sys_days(10000y / January / 1);
+constexpr qint64 referenceMilliseconds = milliseconds(reference.time_since_epoch()).count();
 
 /// Writes `value` with leading zeros in exactly `width` digits.
 QChar* appendDigits(QChar* out, int value, int width) {
@@ -41,29 +24,26 @@ QChar* appendDigits(QChar* out, int value, int width) {
     return out + width;
 }
 
-QString formatted(qint64 milliseconds, QChar separator, bool fraction, QLatin1StringView zone) {
-    qint64 day = milliseconds / kMillisecondsPerDay;
-    auto inDay = static_cast<int>(milliseconds % kMillisecondsPerDay);
-    if (inDay < 0) {
-        inDay += kMillisecondsPerDay;
-        --day;
-    }
-    const CivilDate date = civilDate(day);
+QString formatted(qint64 sinceEpoch, QChar separator, bool fraction, QLatin1StringView zone) {
+    const sys_time<milliseconds> instant{milliseconds(sinceEpoch)};
+    const sys_days day = floor<days>(instant);
+    const year_month_day date(day);
+    const hh_mm_ss<milliseconds> time(instant - day);
     QChar text[32];
-    QChar* out = appendDigits(text, date.year, 4);
+    QChar* out = appendDigits(text, int(date.year()), 4);
     *out++ = u'-';
-    out = appendDigits(out, date.month, 2);
+    out = appendDigits(out, int(unsigned(date.month())), 2);
     *out++ = u'-';
-    out = appendDigits(out, date.day, 2);
+    out = appendDigits(out, int(unsigned(date.day())), 2);
     *out++ = separator;
-    out = appendDigits(out, inDay / 3600000, 2);
+    out = appendDigits(out, int(time.hours().count()), 2);
     *out++ = u':';
-    out = appendDigits(out, inDay / 60000 % 60, 2);
+    out = appendDigits(out, int(time.minutes().count()), 2);
     *out++ = u':';
-    out = appendDigits(out, inDay / 1000 % 60, 2);
+    out = appendDigits(out, int(time.seconds().count()), 2);
     if (fraction) {
         *out++ = u'.';
-        out = appendDigits(out, inDay % 1000, 3);
+        out = appendDigits(out, int(time.subseconds().count()), 3);
     }
     return QString(text, out - text) + zone;
 }
@@ -73,8 +53,8 @@ QString formatted(qint64 milliseconds, QChar separator, bool fraction, QLatin1St
 const Date Date::distantPast{-63113904000.0};
 
 bool Date::isDistantPast() const {
-    constexpr double kJulian = -63114076800.0;
-    return *this == distantPast || secondsSinceReferenceDate == kJulian;
+    constexpr double julian = -63114076800.0;
+    return *this == distantPast || secondsSinceReferenceDate == julian;
 }
 
 Date Date::now() {
@@ -82,14 +62,14 @@ Date Date::now() {
 }
 
 Date Date::fromMillisecondsSinceEpoch(qint64 milliseconds) {
-    return {static_cast<double>(milliseconds - kReferenceFromEpoch * 1000) / 1000.0};
+    return {static_cast<double>(milliseconds - referenceMilliseconds) / 1000.0};
 }
 
 std::optional<qint64> Date::millisecondsSinceEpoch() const {
     // Far outside, and not a number, before anything is converted to an integer.
     if (!(std::abs(secondsSinceReferenceDate) < 1e12)) return std::nullopt;
     auto result = static_cast<qint64>(std::floor(secondsSinceReferenceDate * 1000.0));
-    result += kReferenceFromEpoch * 1000;
+    result += referenceMilliseconds;
     // A millisecond as a double of seconds is rarely exact. Rounding down means: the last
     // millisecond whose own double isn't later, so that whole milliseconds survive the way back.
     if (fromMillisecondsSinceEpoch(result).secondsSinceReferenceDate > secondsSinceReferenceDate)
@@ -97,7 +77,8 @@ std::optional<qint64> Date::millisecondsSinceEpoch() const {
     else if (fromMillisecondsSinceEpoch(result + 1).secondsSinceReferenceDate <=
              secondsSinceReferenceDate)
         ++result;
-    if (result < kFirstMillisecond || result >= kEndMillisecond) return std::nullopt;
+    if (result < begin.time_since_epoch().count() || result >= end.time_since_epoch().count())
+        return std::nullopt;
     return result;
 }
 
