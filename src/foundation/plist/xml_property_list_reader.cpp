@@ -3,42 +3,26 @@
 
 #include <QString>
 #include <QStringConverter>
+#include <chrono>
 #include <cmath>
 #include <limits>
 #include <utility>
-
-#include "foundation/checked.h"
 
 namespace foundation {
 namespace {
 
 /// As the binary form's readers have it.
 constexpr std::size_t depthLimit = 512;
-
-bool isBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
-QByteArrayView trimmedFront(QByteArrayView bytes) {
-    while (!bytes.isEmpty() && isBlank(bytes.front()))
-        bytes = bytes.sliced(1);
-    return bytes;
-}
+/// What ends an element's name.
+constexpr QByteArrayView nameEnds = " \t\r\n>/";
 
 /// The encoding named by an XML declaration at the front, in lower case; empty without one.
 QByteArray declaredEncoding(QByteArrayView bytes) {
-    if (!bytes.startsWith("<?xml")) return {};
-    const qsizetype end = bytes.indexOf("?>");
-    if (end < 0) return {};
-    QByteArrayView declaration = bytes.first(end);
-    const qsizetype at = declaration.indexOf("encoding");
-    if (at < 0) return {};
-    declaration = trimmedFront(declaration.sliced(at + 8));
-    if (!declaration.startsWith('=')) return {};
-    declaration = trimmedFront(declaration.sliced(1));
-    if (declaration.isEmpty()) return {};
-    const qsizetype close = declaration.indexOf(declaration.front(), 1);
-    return close < 0 ? QByteArray() : declaration.sliced(1, close - 1).toByteArray().toLower();
+    XmlScanner text(bytes);
+    if (!text.skip("<?xml") || bytes.indexOf("?>") < 0) return {};
+    while (const auto attribute = text.readAttribute())
+        if (attribute->name == "encoding") return attribute->value.toByteArray().toLower();
+    return {};
 }
 
 /// The text as UTF-8; null when it is not valid in its encoding, or the encoding is not known.
@@ -55,30 +39,38 @@ QByteArray toUtf8(const Data& data) {
         return QString::fromLatin1(bytes).toUtf8();
     if (!encoding.isEmpty() && encoding != "utf-8" && encoding != "us-ascii") return {};
     if (!bytes.isValidUtf8()) return {};
-    // The reader keeps the data's owner alive only through a copy: these files are rare and small.
+    // A copy, since it outlives the data: these files are rare and small.
     return bytes.startsWith("\xef\xbb\xbf") ? bytes.sliced(3).toByteArray() : bytes.toByteArray();
 }
 
-/// Days from 1970-01-01 to a day of the proleptic Gregorian calendar.
-qint64 daysFromCivil(qint64 year, int month, int day) {
-    year -= month <= 2;
-    const qint64 era = (year >= 0 ? year : year - 399) / 400;
-    const auto yearOfEra = year - era * 400;
-    const auto dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
-    return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
+/// From 2001-01-01 to a day of the proleptic Gregorian calendar, which repeats itself after 400
+/// years; the library's years end at 32767.
+std::chrono::days daysFromReference(int year, unsigned month, unsigned day) {
+    using namespace std::chrono;
+    constexpr sys_days reference = 2001y / January / 1;
+    constexpr days cycle = sys_days(2400y / January / 1) - sys_days(2000y / January / 1);
+    const sys_days inCycle =
+        std::chrono::year(year % 400) / std::chrono::month(month) / std::chrono::day(day);
+    return inCycle - reference + year / 400 * cycle;
 }
 
 }  // namespace
 
 XmlPropertyListReader::XmlPropertyListReader(const Data& data)
-    : bytes_(toUtf8(data)), rest_(bytes_) {
-    failed_ = rest_.isEmpty();
+    : bytes_(toUtf8(data)), failed_(bytes_.isEmpty()) {
+    // Some writers leave NUL bytes at the end of the file.
+    QByteArrayView text(bytes_);
+    while (text.endsWith('\0') || (!text.isEmpty() && XmlScanner::isBlank(text.back())))
+        text.chop(1);
+    xml_ = XmlScanner(text);
 }
 
 bool XmlPropertyListReader::looksLikeXml(QByteArrayView bytes) {
     if (bytes.startsWith("\xef\xbb\xbf")) bytes = bytes.sliced(3);
     if (bytes.startsWith("\xff\xfe") || bytes.startsWith("\xfe\xff")) return true;
-    return trimmedFront(bytes).startsWith('<');
+    XmlScanner text(bytes);
+    text.skipBlanks();
+    return text.skip("<");
 }
 
 XmlPropertyListReader::Token XmlPropertyListReader::next() {
@@ -96,32 +88,31 @@ XmlPropertyListReader::Token XmlPropertyListReader::fail() {
 }
 
 XmlPropertyListReader::Token XmlPropertyListReader::readElement() {
-    if (!skipMisc()) return fail();
-    if (rest_.isEmpty()) return complete_ && open_.back() == Open::document ? Token::end : fail();
-    if (!rest_.startsWith('<')) return fail();
-    rest_ = rest_.sliced(1);
-    const bool isClosing = rest_.startsWith('/');
-    if (isClosing) rest_ = rest_.sliced(1);
-    const QByteArrayView name = readName();
-    bool isEmpty = false;
-    if (!readTagEnd(isEmpty) || (isClosing && isEmpty)) return fail();
+    const bool isOutside = open_.back() == Open::document;
+    if (!xml_.skipMisc(isOutside && !complete_)) return fail();
+    if (xml_.rest().isEmpty()) return complete_ && isOutside ? Token::end : fail();
+    if (!xml_.skip("<")) return fail();
+    const bool isClosing = xml_.skip("/");
+    const QByteArrayView name = xml_.readUntil(nameEnds);
+    const auto isEmpty = xml_.skipTagEnd();
+    if (!isEmpty || (isClosing && *isEmpty)) return fail();
     if (isClosing) return close(name);
 
     if (name == "plist") {
-        if (open_.back() != Open::document || complete_ || isEmpty) return fail();
+        if (open_.back() != Open::document || complete_ || *isEmpty) return fail();
         open_.push_back(Open::plist);
         return readElement();
     }
     if (name == "key") {
-        if (open_.back() != Open::keys || !(isEmpty || readText(name))) return fail();
-        if (isEmpty) text_ = {};
+        if (open_.back() != Open::keys || !(*isEmpty || readText(name))) return fail();
+        if (*isEmpty) text_ = {};
         open_.back() = Open::value;
         return Token::key;
     }
     if (!mayHoldValue()) return fail();
-    if (name == "dict") return begin(Open::keys, isEmpty);
-    if (name == "array") return begin(Open::array, isEmpty);
-    return readLeaf(name, isEmpty);
+    if (name == "dict") return begin(Open::keys, *isEmpty);
+    if (name == "array") return begin(Open::array, *isEmpty);
+    return readLeaf(name, *isEmpty);
 }
 
 bool XmlPropertyListReader::mayHoldValue() const {
@@ -158,7 +149,7 @@ XmlPropertyListReader::Token XmlPropertyListReader::close(QByteArrayView name) {
     return finishValue(isArray ? Token::endArray : Token::endDictionary);
 }
 
-/// Notes in the enclosing element that a value has been read whole.
+/// Records in the enclosing element that a value is complete.
 XmlPropertyListReader::Token XmlPropertyListReader::finishValue(Token token) {
     if (open_.back() == Open::value)
         open_.back() = Open::keys;
@@ -172,7 +163,7 @@ XmlPropertyListReader::Token XmlPropertyListReader::readLeaf(QByteArrayView name
     if (!isEmpty && !readText(name)) return fail();
     if (name == "string") return finishValue(Token::string);
     if (name == "true" || name == "false") {
-        if (!trimmedFront(text_).isEmpty()) return fail();
+        if (!text_.trimmed().isEmpty()) return fail();
         magnitude_ = name == "true";
         negative_ = false;
         return finishValue(Token::boolean);
@@ -184,133 +175,48 @@ XmlPropertyListReader::Token XmlPropertyListReader::readLeaf(QByteArrayView name
     return fail();
 }
 
-/// Passes over white space, comments, processing instructions and the document type; behind the
-/// object also over NUL bytes, which some writers leave at the end of the file.
-bool XmlPropertyListReader::skipMisc() {
-    while (true) {
-        const bool isDone = complete_ && open_.back() == Open::document;
-        while (!rest_.isEmpty() && (isBlank(rest_.front()) || (isDone && rest_.front() == '\0')))
-            rest_ = rest_.sliced(1);
-        bool skipped = false;
-        if (rest_.startsWith("<!--"))
-            skipped = skipPast("-->");
-        else if (rest_.startsWith("<?"))
-            skipped = skipPast("?>");
-        else if (rest_.startsWith("<!DOCTYPE") && open_.back() == Open::document && !complete_)
-            skipped = skipDocumentType();
-        else
-            return true;
-        if (!skipped) return false;
-    }
-}
-
-bool XmlPropertyListReader::skipPast(QByteArrayView end) {
-    // The "--" that opens a comment does not close it.
-    const qsizetype at = rest_.indexOf(end, end == "-->" ? 4 : 2);
-    if (at < 0) return false;
-    rest_ = rest_.sliced(at + end.size());
-    return true;
-}
-
-/// The internal subset is passed over with the rest; what it declares does not exist for us.
-bool XmlPropertyListReader::skipDocumentType() {
-    int brackets = 0;
-    while (!rest_.isEmpty()) {
-        const char c = rest_.front();
-        if (c == '"' || c == '\'') {
-            const qsizetype close = rest_.indexOf(c, 1);
-            if (close < 0) return false;
-            rest_ = rest_.sliced(close + 1);
-            continue;
-        }
-        if (rest_.startsWith("<!--")) {
-            if (!skipPast("-->")) return false;
-            continue;
-        }
-        rest_ = rest_.sliced(1);
-        if (c == '[') ++brackets;
-        if (c == ']') --brackets;
-        if (c == '>' && brackets == 0) return true;
-    }
-    return false;
-}
-
-QByteArrayView XmlPropertyListReader::readName() {
-    qsizetype size = 0;
-    while (size < rest_.size() && !isBlank(rest_[size]) && rest_[size] != '>' && rest_[size] != '/')
-        ++size;
-    const QByteArrayView name = rest_.first(size);
-    rest_ = rest_.sliced(size);
-    return name;
-}
-
-/// Passes over attributes up to and including ">" or "/>".
-bool XmlPropertyListReader::readTagEnd(bool& isEmpty) {
-    while (!rest_.isEmpty()) {
-        const char c = rest_.front();
-        if (c == '"' || c == '\'') {
-            const qsizetype close = rest_.indexOf(c, 1);
-            if (close < 0) return false;
-            rest_ = rest_.sliced(close + 1);
-            continue;
-        }
-        if (c == '<') return false;
-        isEmpty = rest_.startsWith("/>");
-        rest_ = rest_.sliced(isEmpty ? 2 : 1);
-        if (isEmpty || c == '>') return true;
-    }
-    return false;
-}
-
-/// The text of a leaf and its end tag. Text that stands in the bytes as it is gets answered there.
+/// Reads the text of a leaf and its end tag. Text without markup is not copied.
 bool XmlPropertyListReader::readText(QByteArrayView name) {
     buffer_.clear();
     bool isBuffered = false;
     while (true) {
-        qsizetype size = 0;
-        while (size < rest_.size() && rest_[size] != '<' && rest_[size] != '&')
-            ++size;
-        if (size == rest_.size()) return false;
-        const QByteArrayView plain = rest_.first(size);
-        rest_ = rest_.sliced(size);
-        if (rest_.startsWith("</")) {
+        const QByteArrayView plain = xml_.readUntil("<&");
+        if (xml_.rest().isEmpty()) return false;
+        if (xml_.skip("</")) {
             if (isBuffered) buffer_.append(plain);
             text_ = isBuffered ? QByteArrayView(buffer_) : plain;
             break;
         }
         isBuffered = true;
         buffer_.append(plain);
-        if (!(rest_.front() == '&' ? appendReference() : appendMarkup())) return false;
+        if (!(xml_.skip("&") ? appendReference() : appendMarkup())) return false;
     }
-    rest_ = rest_.sliced(2);
-    bool isEmpty = false;
-    return readName() == name && readTagEnd(isEmpty) && !isEmpty;
+    return xml_.readUntil(nameEnds) == name && xml_.skipTagEnd() == false;
 }
 
 bool XmlPropertyListReader::appendMarkup() {
-    if (rest_.startsWith("<!--")) return skipPast("-->");
-    if (rest_.startsWith("<?")) return skipPast("?>");
-    constexpr QByteArrayView open("<![CDATA[");
-    if (!rest_.startsWith(open)) return false;
-    const qsizetype end = rest_.indexOf("]]>");
-    if (end < 0) return false;
-    buffer_.append(rest_.sliced(open.size(), end - open.size()));
-    rest_ = rest_.sliced(end + 3);
+    if (xml_.skip("<!--")) return xml_.skipPast("-->");
+    if (xml_.skip("<?")) return xml_.skipPast("?>");
+    if (!xml_.skip("<![CDATA[")) return false;
+    const QByteArrayView section = xml_.rest();
+    constexpr QByteArrayView end("]]>");
+    if (!xml_.skipPast(end)) return false;
+    buffer_.append(section.chopped(xml_.rest().size() + end.size()));
     return true;
 }
 
+/// Behind its "&".
 bool XmlPropertyListReader::appendReference() {
     constexpr std::pair<QByteArrayView, char> entities[] = {
-        {"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}, {"&quot;", '"'}, {"&apos;", '\''}};
+        {"lt;", '<'}, {"gt;", '>'}, {"amp;", '&'}, {"quot;", '"'}, {"apos;", '\''}};
     for (const auto& [reference, character] : entities) {
-        if (!rest_.startsWith(reference)) continue;
+        if (!xml_.skip(reference)) continue;
         buffer_.append(character);
-        rest_ = rest_.sliced(reference.size());
         return true;
     }
-    if (!rest_.startsWith("&#")) return false;
-    const bool isHex = rest_.startsWith("&#x");
-    QByteArrayView digits = rest_.sliced(isHex ? 3 : 2);
+    if (!xml_.skip("#")) return false;
+    const bool isHex = xml_.skip("x");
+    QByteArrayView digits = xml_.rest();
     // The longest reference that means something, with room for a few leading zeros.
     const qsizetype end = digits.first(qMin(digits.size(), qsizetype(16))).indexOf(';');
     if (end < 1) return false;
@@ -319,8 +225,7 @@ bool XmlPropertyListReader::appendReference() {
     if (!isNumber || digits.front() == '+' || point == 0 || point > 0x10ffff) return false;
     const auto code = static_cast<char32_t>(QChar::isSurrogate(point) ? 0xfffd : point);
     buffer_.append(QString::fromUcs4(&code, 1).toUtf8());
-    rest_ = digits.sliced(end + 1);
-    return true;
+    return xml_.skipPast(";");
 }
 
 /// Decimal or "0x", with an optional sign: what 64 bits can hold, signed or unsigned.
@@ -380,9 +285,11 @@ bool XmlPropertyListReader::readDate() {
     if (year < 0 || month < 1 || month > 12 || day < 1 || day > 31 || hour < 0 || hour > 24 ||
         minute < 0 || minute > 59 || second < 0 || second > 60 || !text.isEmpty())
         return false;
-    const qint64 days =
-        daysFromCivil(isBefore ? -year : year, month, day) - daysFromCivil(2001, 1, 1);
-    real_ = double(days) * 86400 + hour * 3600 + minute * 60 + second;
+    using namespace std::chrono;
+    const sys_seconds::duration seconds =
+        daysFromReference(isBefore ? -year : year, unsigned(month), unsigned(day)) + hours(hour) +
+        minutes(minute) + std::chrono::seconds(second);
+    real_ = double(seconds.count());
     return true;
 }
 
@@ -390,7 +297,7 @@ bool XmlPropertyListReader::readBase64() {
     QByteArray plain;
     plain.reserve(text_.size());
     for (const char c : text_)
-        if (!isBlank(c)) plain.append(c);
+        if (!XmlScanner::isBlank(c)) plain.append(c);
     const auto decoded =
         QByteArray::fromBase64Encoding(std::move(plain), QByteArray::AbortOnBase64DecodingErrors);
     if (!decoded) return false;

@@ -1,10 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// XmlPropertyListReader: pulls the elements of an XML property list one after the other, its
-// grammar enforced. Comments, processing instructions and a document type are passed over; no
-// entity but the five of XML and character references exists, so nothing outside the bytes is ever
-// read.
+// XmlPropertyListReader: pulls the elements of an XML property list one after the other and
+// enforces its grammar. Comments, processing instructions and a document type are skipped; there
+// are no entities but the five of XML and character references.
 //
 //     XmlPropertyListReader reader(data);
 //     while (reader.next() != XmlPropertyListReader::Token::end) …  // or ::invalid
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "foundation/data.h"
+#include "foundation/xml_scanner.h"
 
 namespace foundation {
 
@@ -53,7 +53,7 @@ class XmlPropertyListReader {
     enum class Open : quint8 { document, plist, array, keys, value };
 
     QByteArray bytes_;
-    QByteArrayView rest_;  ///< what has not been read
+    XmlScanner xml_;
     std::vector<Open> open_{Open::document};
     bool complete_ = false;  ///< the one object has been read
     bool failed_ = false;
@@ -72,11 +72,6 @@ class XmlPropertyListReader {
     Token readLeaf(QByteArrayView name, bool isEmpty);
     bool mayHoldValue() const;
 
-    bool skipMisc();
-    bool skipPast(QByteArrayView end);
-    bool skipDocumentType();
-    bool readTagEnd(bool& isEmpty);
-    QByteArrayView readName();
     bool readText(QByteArrayView name);
     bool appendMarkup();
     bool appendReference();
