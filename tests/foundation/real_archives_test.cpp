@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// Archives written by the platform itself, where a copy of them is at hand. They may not be passed
-// on with this program: without them these tests are skipped.
+// Archives written by the platform itself, in the folders "keyed" and "non-keyed" of the folder
+// that VELL_ARCHIVES names. They can't be distributed with this program: without them these tests
+// are skipped.
 #include <gtest/gtest.h>
 
 #include <QDirIterator>
@@ -21,8 +22,9 @@ namespace {
 
 /// The bytes of all files of one form, by their path below its folder; empty where there are none.
 std::map<std::string, Data> archives(const char* form) {
-    const QString shared = qEnvironmentVariable("VELL_SHARED", QStringLiteral(VELL_SHARED));
-    const QDir folder(QStringLiteral("%1/archives/%2").arg(shared, QLatin1StringView(form)));
+    const QString root = qEnvironmentVariable("VELL_ARCHIVES");
+    if (root.isEmpty()) return {};
+    const QDir folder(QStringLiteral("%1/%2").arg(root, QLatin1StringView(form)));
     std::map<std::string, Data> result;
     QDirIterator files(folder.path(), QDir::Files, QDirIterator::Subdirectories);
     while (files.hasNext()) {
@@ -34,7 +36,7 @@ std::map<std::string, Data> archives(const char* form) {
     return result;
 }
 
-constexpr char kNone[] = "no archives here; VELL_SHARED names the folder that holds archives/";
+constexpr char none[] = "VELL_ARCHIVES names no folder with such archives";
 
 // --- Keyed ---
 
@@ -110,7 +112,7 @@ void gatherTexts(const Value& value, std::set<std::string>& texts) {
 
 TEST(RealArchives, KeyedOnesDecodeToTheirEnds) {
     const auto files = archives("keyed");
-    if (files.empty()) GTEST_SKIP() << kNone;
+    if (files.empty()) GTEST_SKIP() << none;
     for (const auto& [name, bytes] : files) {
         SCOPED_TRACE(name);
         if (name.ends_with(".rtfd-flat.bin")) {
@@ -123,7 +125,7 @@ TEST(RealArchives, KeyedOnesDecodeToTheirEnds) {
 
 TEST(RealArchives, KeyedOnesHoldWhatIsKnownOfThem) {
     const auto files = archives("keyed");
-    if (files.empty()) GTEST_SKIP() << kNone;
+    if (files.empty()) GTEST_SKIP() << none;
     const std::pair<const char*, const char*> rows[] = {
         {"nskeyedunarchiver-rs/circularReference.plist", "(nil)"},
         {"nskeyedunarchiver-rs/plainString.plist", "Some string!"},
@@ -156,7 +158,7 @@ TEST(RealArchives, KeyedOnesHoldWhatIsKnownOfThem) {
 
 TEST(RealArchives, NonKeyedOnesAreConsumedToTheirEnds) {
     const auto files = archives("non-keyed");
-    if (files.empty()) GTEST_SKIP() << kNone;
+    if (files.empty()) GTEST_SKIP() << none;
     for (const auto& [name, bytes] : files) {
         SCOPED_TRACE(name);
         if (name.starts_with("bad_")) {
