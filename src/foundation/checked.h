@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Integer arithmetic that never wraps. For our own counters an overflow is a bug and stops the
-// program; for numbers read from a file it is one more way to be malformed and is answered.
+// program; numbers read from a file are malformed then, and the result is empty.
 
 #include <concepts>
 #include <cstdio>
@@ -11,7 +11,7 @@
 
 namespace foundation {
 
-/// Stops the program with a message: our own bug, never the answer to bad input.
+/// Stops the program with a message: our own bug, never because of bad input.
 [[noreturn]] inline void fatal(const char* message) {
     std::fprintf(stderr, "vell: internal error: %s\n", message);
     std::abort();

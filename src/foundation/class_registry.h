@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// The classes that archives may name. A reader resolves an archived class name here; what a class
-// does with its bytes is told by its kind (value classes, which the readers rebuild themselves) or
-// by its own initialiser (application classes). Filled once, then read by any thread.
+// The classes that archives may name. A reader resolves an archived class name here; how an
+// instance is rebuilt depends on its kind (value classes, which the readers rebuild themselves) or
+// its own initialiser (application classes). Filled once, then read by any thread.
 
 #include <QByteArray>
 #include <deque>
@@ -34,10 +34,10 @@ enum class ClassKind {
     textAttachment,
     fileWrapper,
     calendar,
-    opaque,  ///< known, allowed perhaps, but nobody asks for its content
+    opaque,  ///< known, perhaps allowed, but its content is never used
 };
 
-/// What an unarchiver answers.
+/// What an unarchiver returns.
 struct UnarchivedObject {
     UnarchivedObject(Value object) : UnarchivedObject(std::move(object), {}) {}
     UnarchivedObject(Value object, QByteArray className)
@@ -45,7 +45,7 @@ struct UnarchivedObject {
           className(className.isEmpty() ? this->object.className() : std::move(className)) {}
 
     Value object;
-    /// As archived, which may be a subclass that nobody knows.
+    /// As archived, which may be an unknown subclass.
     QByteArray className;
 };
 
@@ -54,15 +54,15 @@ struct ClassInfo {
     const ClassInfo* superclass = nullptr;  ///< null for root classes
     ClassKind kind = ClassKind::none;
     bool supportsSecureCoding = true;
-    /// False for a name that stands for no object class at all.
+    /// False for a name that is no object class at all.
     bool isObjectClass = true;
     /// Rebuilds one instance; only for ClassKind::application.
     Value (*initWithCoder)(Coder& coder) = nullptr;
-    /// The class method "unarchiveObjectWithData:"; only unarchiver classes have it. Answers
+    /// The class method "unarchiveObjectWithData:"; only unarchiver classes have it. Returns
     /// nothing when the data can't be read.
     std::function<UnarchivedObject(const Data& data)> unarchiveObjectWithData = nullptr;
 
-    /// Whether this is the other class or stands below it.
+    /// Whether this is the other class or a subclass of it.
     [[nodiscard]] bool isSubclassOf(const ClassInfo& other) const;
 };
 
@@ -72,7 +72,7 @@ class ClassRegistry {
     ClassRegistry(const ClassRegistry&) = delete;
     ClassRegistry& operator=(const ClassRegistry&) = delete;
 
-    /// Adds a class and answers where it now stands; addresses are stable. A second class of the
+    /// Adds a class and returns it; addresses are stable. A second class of the
     /// same name is a bug and stops the program.
     const ClassInfo& add(ClassInfo info);
     /// The class of exactly this name, or null.

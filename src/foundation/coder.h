@@ -1,10 +1,10 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Coder: what an archived class sees while it is rebuilt. A keyed archive answers by key, a
-// non-keyed one by position; a class asks which of the two it has before it asks for anything.
-// A missing, mistyped or exhausted value is nothing, never an error; an archive that can't be read
-// at all ends the decoding by an exception that classes let pass.
+// Coder: what an archived class decodes itself from. Values of a keyed archive are found by key,
+// those of a non-keyed one by position; a class checks isKeyed() first. A missing, mistyped or
+// exhausted value is nothing, never an error; an archive that can't be read at all ends the
+// decoding with an exception that classes don't catch.
 
 #include <optional>
 #include <string_view>
@@ -17,7 +17,7 @@ class Coder {
   public:
     virtual ~Coder() = default;
 
-    /// Whether values are asked for by key.
+    /// Whether values are found by key.
     [[nodiscard]] virtual bool isKeyed() const = 0;
     /// The object under the key in the instance being decoded; nothing in a non-keyed archive.
     virtual Value decodeObject(std::string_view key) = 0;

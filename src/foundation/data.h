@@ -28,7 +28,7 @@ class Data {
     [[nodiscard]] QByteArrayView view() const { return {bytes_.get(), size_}; }
     /// A deep copy.
     [[nodiscard]] QByteArray toByteArray() const { return view().toByteArray(); }
-    /// The bytes [offset, offset + size) of this slice; they must lie inside it.
+    /// The bytes [offset, offset + size) of this slice; they must be inside it.
     [[nodiscard]] Data slice(qsizetype offset, qsizetype size) const;
 
     friend bool operator==(const Data& a, const Data& b) { return a.view() == b.view(); }

@@ -15,8 +15,8 @@ namespace foundation {
 
 class DerivedTexts {
   public:
-    /// What `make` answered for these characters and this context before, else what it answers now.
-    /// The context must outlive this object; its address is all that is looked at.
+    /// What `make` returns for these characters and this context; it is called once for both. Of
+    /// the context, which must outlive this object, only the address counts.
     template <class Make>
     QString derived(const QString& from, const void* context, Make make) {
         const Key key(from.constData(), from.size(), context);

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Texts cut for diagnostics: what a file holds may be longer than anybody wants to read, or to copy
-// for each line that names it.
+// Texts cut for diagnostics: a file may hold texts too long to read, or to copy into each line that
+// names them.
 
 #include <QString>
 

@@ -28,7 +28,7 @@ class FileWrapper final : public Object {
     std::optional<QString> preferredFilename;
     /// The bytes of a regular file; absent when they could not be read.
     std::optional<Data> contents;
-    /// Where a symbolic link leads, as stored; nothing ever goes there.
+    /// The target of a symbolic link, as stored; it is never followed.
     std::optional<QString> linkDestination;
     /// The entries of a directory, in stored order, each with its name in `filename`.
     std::vector<std::shared_ptr<const FileWrapper>> children;
@@ -41,7 +41,7 @@ class FileWrapper final : public Object {
 
     [[nodiscard]] QByteArray className() const override { return "NSFileWrapper"; }
     /// `<FileWrapper: "NAME" regular file, N bytes>`, `… directory, N entries>`, `… symbolic
-    /// link to "DESTINATION">`; what is not known is missing.
+    /// link to "DESTINATION">`; unknown parts are left out.
     [[nodiscard]] QString description() const override;
 
     /// Equal in kind, names, contents, destination and entries.

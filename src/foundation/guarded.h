@@ -1,10 +1,10 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// The root of every thread that works on files: what the work throws, being out of memory included,
+// The root of every thread that works on files: whatever the work throws, std::bad_alloc included,
 // is that work's failure and never ends the program.
 //
-//     foundation::runDetached([=] { read(path); }, [=] { tellFailure(path); });
+//     foundation::runDetached([=] { read(path); }, [=] { reportFailure(path); });
 
 #include <system_error>
 #include <thread>
@@ -20,17 +20,17 @@ template <class Work, class Failed>
             work();
             return;
         } catch (...) {
-            // Told below, when what was thrown has given its memory back.
+            // Reported below, once the exception has been freed.
         }
         try {
             failed();
         } catch (...) {
-            // Nothing is left to tell it with.
+            // Not even the failure can be reported.
         }
     };
 }
 
-/// Runs the work on a thread that nobody waits for. That no thread can be had is a failure too.
+/// Runs the work on a detached thread. That no thread can be started is a failure too.
 template <class Work, class Failed>
 void runDetached(Work work, Failed failed) {
     try {

@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// KeyedUnarchiver: reads a keyed archive (a binary or XML property list) on demand. Objects are
-// decoded when somebody asks for them by key, each once, and shared; what nobody asks for is never
-// looked at. docs/formats/keyed-archive.md tells the format as it is read here.
+// KeyedUnarchiver: reads a keyed archive (a binary or XML property list) on demand. Each object is
+// decoded when it is first requested by key, and shared; all others are never looked at. The format
+// as it is read here is described in docs/formats/keyed-archive.md.
 
 #include <memory>
 #include <span>
@@ -17,8 +17,8 @@ class KeyedUnarchiver final : public Coder {
   public:
     /// The object under "root", restricted to the allowed classes and their subclasses; nothing
     /// when the archive's root is nil. Throws Error when the bytes are no keyed archive, when the
-    /// archive names a class that is unknown or not allowed, or when it is malformed on a path that
-    /// is asked for. Attachment bytes are slices of `data`.
+    /// archive names a class that is unknown or not allowed, or when it is malformed where it is
+    /// decoded. Attachment bytes are slices of `data`.
     static Value unarchivedObject(const Data& data,
                                   std::span<const ClassInfo* const> allowedClasses,
                                   const ClassRegistry& registry);

@@ -10,11 +10,11 @@
 namespace foundation {
 namespace {
 
-/// A byte above 0x7f stands as this plus the byte.
-constexpr char16_t kEscape = 0xdc00;
+/// A byte above 0x7f is stored as this plus the byte.
+constexpr char16_t escapeBase = 0xdc00;
 
 bool isEscaped(char16_t unit) {
-    return unit >= kEscape + 0x80 && unit <= kEscape + 0xff;
+    return unit >= escapeBase + 0x80 && unit <= escapeBase + 0xff;
 }
 
 /// The bytes of a path that no Unicode text can name; nothing for all others.
@@ -27,7 +27,7 @@ std::optional<QByteArray> escapedBytes(const QString& path) {
             ++i;
         } else if (isEscaped(path[i].unicode())) {
             result += QFile::encodeName(path.sliced(begin, i - begin));
-            result += static_cast<char>(path[i].unicode() - kEscape);
+            result += static_cast<char>(path[i].unicode() - escapeBase);
             begin = i + 1;
             hasEscape = true;
         }
@@ -51,7 +51,7 @@ QString pathFromArgument(const char* argument) {
             result += QString::fromUtf8(bytes.sliced(i, size));
             i += size;
         } else {
-            result += QChar(kEscape + static_cast<unsigned char>(bytes[i++]));
+            result += QChar(escapeBase + static_cast<unsigned char>(bytes[i++]));
         }
     }
     return result;

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Paths of files on disk, as people name them. Old archives unpack to names in encodings of their
-// time; such a path is a QString all the same, in which each byte that is no UTF-8 stands as a lone
-// surrogate, so that the file can be opened.
+// time; in such a path each byte that is not UTF-8 becomes a lone surrogate of the QString, so that
+// the file can still be opened.
 
 #include <QFile>
 #include <QString>
@@ -13,14 +13,13 @@ namespace foundation {
 /// The path that an argument of the program names.
 [[nodiscard]] QString pathFromArgument(const char* argument);
 
-/// The path in a form that Qt's file classes take for a file's on disk, never for one of the
-/// program's own resources.
+/// The path in a form that Qt's file classes never take for one of the program's own resources.
 [[nodiscard]] QString localPath(const QString& path);
 
-/// The path as the system's own functions take it.
+/// The path as the system's own functions expect it.
 [[nodiscard]] QByteArray pathBytes(const QString& path);
 
-/// Opens the file at the path for reading; the device tells what went wrong.
+/// Opens the file at the path for reading; on failure the device has the error.
 bool openForReading(QFile& file, const QString& path);
 
 }  // namespace foundation

@@ -24,7 +24,7 @@ namespace foundation {
 
 #ifdef VELL_SINGLE_OBJECTS
 
-// The address sanitizer watches the ends of single allocations only.
+// The address sanitizer checks the bounds of single allocations only.
 
 void* allocateObject(std::size_t size) {
     return ::operator new(size);
@@ -44,7 +44,7 @@ constexpr std::size_t largestBlock = 2 * 1024 * 1024;
 
 #ifdef MADV_HUGEPAGE
 
-/// The system itself gives memory of this size, and takes it back at once.
+/// Mapped directly, so that it is returned to the system at once.
 void* allocateLargestBlock() {
     constexpr int flags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
     void* const twice = mmap(nullptr, 2 * largestBlock, PROT_READ | PROT_WRITE, flags, -1, 0);
@@ -73,9 +73,9 @@ void freeLargestBlock(void* block) {
 
 #endif
 
-/// In front of its objects; each object has the block's address in front of itself.
+/// Precedes its objects; each object is preceded by the block's address.
 struct Block {
-    /// Objects alive, and one for the thread that carves from it.
+    /// Objects alive, and one for the thread that allocates from it.
     std::atomic<std::size_t> users{1};
     std::size_t size;
 
@@ -97,12 +97,12 @@ struct Block {
 static_assert(sizeof(Block) % objectAlignment == 0 && sizeof(Block*) <= objectAlignment);
 
 /// The block of one thread and what is left of it.
-class Carver {
+class Arena {
   public:
-    ~Carver() {
+    ~Arena() {
         if (block_) block_->release();
     }
-    void* carve(std::size_t size) {
+    void* allocate(std::size_t size) {
         if (size > left_) startBlock(size);
         block_->users.fetch_add(1, std::memory_order_relaxed);
         char* const object = next_ + objectAlignment;
@@ -117,8 +117,8 @@ class Carver {
     char* next_ = nullptr;
     std::size_t left_ = 0;
 
-    /// Blocks double while objects of the one before are alive: those of a large archive come in
-    /// large pages, those of a small one don't keep much.
+    /// Blocks double while objects of the previous one are alive: a large archive gets large pages,
+    /// a small one keeps little memory.
     void startBlock(std::size_t size) {
         if (size > smallestBlock - sizeof(Block)) fatal("an object larger than a block");
         const bool isGrowing = block_ && block_->users.load(std::memory_order_relaxed) > 1;
@@ -131,13 +131,13 @@ class Carver {
     }
 };
 
-thread_local Carver carver;
+thread_local Arena arena;
 
 }  // namespace
 
 void* allocateObject(std::size_t size) {
     const std::size_t rounded = (size + objectAlignment - 1) / objectAlignment * objectAlignment;
-    return carver.carve(objectAlignment + rounded);
+    return arena.allocate(objectAlignment + rounded);
 }
 
 void freeObject(void* object) noexcept {

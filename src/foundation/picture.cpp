@@ -2,7 +2,8 @@
 //
 // The table of picture formats. A format whose header is broken (no size, an empty or absurd one,
 // a field that no writer writes) is no picture; one whose header is whole but whose pixels end
-// early is. Sizes are those of the stored pixels, before any turning or cropping a file asks for.
+// early is. Sizes are those of the stored pixels, before any rotation or cropping that the file
+// specifies.
 #include "foundation/picture.h"
 
 #include <algorithm>

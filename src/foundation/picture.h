@@ -40,7 +40,7 @@ enum class PictureFormat {
 struct Picture {
     Data data;
     PictureFormat format = PictureFormat::png;
-    /// Width and height in pixels; absent where the format tells none cheaply.
+    /// Width and height in pixels; absent where they are not cheap to find.
     std::optional<QSize> pixelSize;
 
     friend bool operator==(const Picture&, const Picture&) = default;
@@ -50,7 +50,7 @@ struct Picture {
 /// the pixels.
 [[nodiscard]] std::optional<Picture> recognisePicture(const Data& data);
 
-/// Whether the picture lies on its side in the file, as cameras store it that were held upright.
+/// Whether the file asks for a rotation by 90 or 270 degrees, as cameras held upright do.
 [[nodiscard]] bool isTurned(const Picture& picture);
 
 }  // namespace foundation

@@ -13,10 +13,10 @@ using std::string_view_literals::operator""sv;
 
 constexpr int maximumBoxes = 4096;
 
-/// Walks boxes that lie one behind the other, within a budget shared by nested walks.
-class BoxWalk {
+/// A cursor over consecutive boxes, within a budget shared by nested cursors.
+class BoxCursor {
   public:
-    BoxWalk(const Bytes& bytes, int& budget) : bytes_(bytes), budget_(budget) {}
+    BoxCursor(const Bytes& bytes, int& budget) : bytes_(bytes), budget_(budget) {}
 
     /// Goes to the next box; false at the end and where a length is broken.
     bool next() {
@@ -56,12 +56,12 @@ class BoxWalk {
 /// The body of the first box of a type, without its first `skip` bytes.
 std::optional<Bytes> findBox(const Bytes& bytes, std::string_view type, int& budget,
                              qint64 skip = 0) {
-    for (BoxWalk walk(bytes, budget); walk.next();)
-        if (walk.isType(type)) return walk.body(skip);
+    for (BoxCursor box(bytes, budget); box.next();)
+        if (box.isType(type)) return box.body(skip);
     return {};
 }
 
-/// The format that a brand stands for; nothing for brands of films and of other things.
+/// The format of a brand; nothing for brands of films and of other things.
 std::optional<PictureFormat> formatOfBrand(const Bytes& bytes, qint64 at) {
     for (const std::string_view brand : {"avif"sv, "avis"sv})
         if (bytes.is(at, brand)) return PictureFormat::avif;
@@ -73,7 +73,7 @@ std::optional<PictureFormat> formatOfBrand(const Bytes& bytes, qint64 at) {
 
 std::optional<PictureFormat> heifFormat(const Bytes& ftyp) {
     if (const auto format = formatOfBrand(ftyp, 0)) return format;
-    // Brands that tell only the structure: a compatible brand tells the coding.
+    // These brands name only the structure; a compatible brand names the coding.
     if (!ftyp.is(0, "mif1") && !ftyp.is(0, "msf1") && !ftyp.is(0, "miaf")) return {};
     for (qint64 at = 8; at + 4 <= qMin<qint64>(ftyp.size(), maximumBoxes); at += 4)
         if (const auto format = formatOfBrand(ftyp, at)) return format;
@@ -85,7 +85,7 @@ std::optional<PictureFormat> heifFormat(const Bytes& ftyp) {
 std::optional<Header> recogniseHeif(const Bytes& bytes) {
     if (!bytes.is(4, "ftyp")) return {};
     int budget = maximumBoxes;
-    BoxWalk first(bytes, budget);
+    BoxCursor first(bytes, budget);
     if (!first.next()) return {};
     const auto format = heifFormat(first.body());
     if (!format) return {};
@@ -97,10 +97,10 @@ std::optional<Header> recogniseHeif(const Bytes& bytes) {
     // Tiles and thumbnails have sizes of their own; the whole picture is the largest.
     std::optional<Header> largest;
     bool anySize = false;
-    for (BoxWalk walk(*container, budget); walk.next();) {
-        if (!walk.isType("ispe")) continue;
+    for (BoxCursor box(*container, budget); box.next();) {
+        if (!box.isType("ispe")) continue;
         anySize = true;
-        const Bytes body = walk.body(4);
+        const Bytes body = box.body(4);
         const auto area = [](const QSize& size) { return qint64{size.width()} * size.height(); };
         const auto candidate = sized(*format, body.be32(0), body.be32(4));
         if (candidate && (!largest || area(*candidate->pixelSize) > area(*largest->pixelSize)))
@@ -124,10 +124,10 @@ std::optional<Header> recogniseCodestream(const Bytes& bytes) {
 std::optional<Header> recogniseJpeg2000(const Bytes& bytes) {
     if (!bytes.is(0, "\0\0\0\x0cjP  \r\n\x87\n"sv)) return recogniseCodestream(bytes);
     int budget = maximumBoxes;
-    for (BoxWalk walk(bytes, budget); walk.next();) {
-        if (walk.isType("jp2c")) return recogniseCodestream(walk.body());
-        if (!walk.isType("jp2h")) continue;
-        if (const auto header = findBox(walk.body(), "ihdr", budget))
+    for (BoxCursor box(bytes, budget); box.next();) {
+        if (box.isType("jp2c")) return recogniseCodestream(box.body());
+        if (!box.isType("jp2h")) continue;
+        if (const auto header = findBox(box.body(), "ihdr", budget))
             return sized(PictureFormat::jpeg2000, header->be32(4), header->be32(0));
     }
     return {};

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What cameras and scanners write: JPEG and TIFF, and the note how the camera was held. In JPEG
-// that note stands in a small TIFF of its own.
+// What cameras and scanners write: JPEG and TIFF, and the orientation of the camera. In JPEG it is
+// in a small TIFF of its own.
 #include <optional>
 
 #include "foundation/picture_header.h"
@@ -78,7 +78,7 @@ class TiffDirectory {
     }
 };
 
-/// Goes through what stands before the pixels of a JPEG.
+/// The segments before the pixels of a JPEG.
 class JpegSegments {
   public:
     explicit JpegSegments(const Bytes& bytes) : bytes_(bytes) {}
@@ -114,7 +114,7 @@ class JpegSegments {
     int steps_ = 0;
 };
 
-/// The numbers of the four ways to hold a camera upright; others don't turn, or turn over.
+/// The four orientations with a rotation by 90 or 270 degrees.
 bool isSideways(quint64 orientation) {
     return orientation >= 5 && orientation <= 8;
 }
@@ -135,7 +135,7 @@ bool isTurnedJpeg(const Bytes& bytes) {
 
 std::optional<Header> recogniseJpeg(const Bytes& bytes) {
     if (!bytes.is(0, "\xff\xd8\xff"sv)) return {};
-    // Pixels before any frame header: nobody can tell what they are.
+    // Pixels before any frame header have no size: the file is broken.
     for (JpegSegments segments(bytes); segments.next();) {
         const Bytes content = segments.content();
         if (segments.isFrame()) return sized(PictureFormat::jpeg, content.be16(3), content.be16(1));

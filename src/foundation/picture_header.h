@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// What the recognisers of picture formats share: reading fields of a header that may end anywhere
-// or lie, and the rule which sizes are believed. Private to foundation.
+// What the recognisers of picture formats share: reading fields of a header that may be cut short
+// or wrong, and the rule for plausible sizes. Private to foundation.
 
 #include <QByteArrayView>
 #include <QSize>
@@ -16,16 +16,16 @@
 
 namespace foundation::picture {
 
-/// A recogniser's answer: the format and, where its header tells one, the size.
+/// A recogniser's result: the format and, where the header has one, the size.
 struct Header {
     PictureFormat format;
     std::optional<QSize> pixelSize;
 };
 
-/// No honest picture has a longer side; a header that says so is broken.
+/// No real picture has a longer side; a header that says so is broken.
 constexpr qint64 maximumSide = 1'000'000;
 
-/// Structures that point from one to the next are followed this often at most.
+/// The most steps along structures that point from one to the next.
 constexpr int maximumSteps = 4096;
 
 template <class T, std::size_t n>
@@ -33,8 +33,8 @@ bool isOneOf(T value, const T (&values)[n]) {
     return std::find(std::begin(values), std::end(values), value) != std::end(values);
 }
 
-/// The answer for a format whose header always tells the size: nothing when the size is empty or
-/// absurd, for then the header is broken and the bytes are no picture.
+/// The result for a format whose header always has the size: nothing when the size is empty or
+/// absurd, since the header is broken then.
 [[nodiscard]] inline std::optional<Header> sized(PictureFormat format, qint64 width,
                                                  qint64 height) {
     if (width < 1 || height < 1 || width > maximumSide || height > maximumSide) return {};
@@ -50,7 +50,7 @@ class Bytes {
     [[nodiscard]] bool has(qint64 offset, qint64 length) const {
         return offset >= 0 && length >= 0 && offset <= size() && length <= size() - offset;
     }
-    /// Whether exactly these characters stand there.
+    /// Whether exactly these characters are there.
     [[nodiscard]] bool is(qint64 offset, std::string_view text) const {
         const auto length = static_cast<qint64>(text.size());
         return has(offset, length) && std::string_view(bytes_.data() + offset, text.size()) == text;

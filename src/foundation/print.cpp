@@ -27,7 +27,7 @@ thread_local PrintingOfOneFile* currentFile = nullptr;
 }  // namespace
 
 void print(QStringView whole) {
-    if (currentFile && ++currentFile->lines_ > PrintingOfOneFile::kMostLines) return;
+    if (currentFile && ++currentFile->lines_ > PrintingOfOneFile::mostLines) return;
     // Cut before it is escaped for the time's sake, and after it for the length's.
     const QString text =
         elided(printable(elided(whole.toString(), longestPrintedLine)), longestPrintedLine);
@@ -48,8 +48,8 @@ PrintingOfOneFile::PrintingOfOneFile() {
 
 PrintingOfOneFile::~PrintingOfOneFile() {
     currentFile = nullptr;
-    if (lines_ > kMostLines)
-        print(QStringLiteral("WARN: %1 more lines about this file").arg(lines_ - kMostLines));
+    if (lines_ > mostLines)
+        print(QStringLiteral("WARN: %1 more lines about this file").arg(lines_ - mostLines));
 }
 
 void setPrintTarget(std::FILE* stream) {

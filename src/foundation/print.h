@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// The plain print: single diagnostic lines that belong to no logger. The window program leaves it
-// on standard output; a program whose standard output is a document points it elsewhere first.
-// Any thread may print; a line is written whole.
+// The plain print: single diagnostic lines that belong to no logger. They go to standard output
+// unless a program that writes a document there redirects them. Any thread may print; a line is
+// written whole.
 
 #include <QStringView>
 #include <cstdio>
@@ -14,18 +14,18 @@ namespace foundation {
 /// The most units of a printed line.
 inline constexpr qsizetype longestPrintedLine = 1000;
 
-/// Writes the line as UTF-8, followed by one line feed, to the print target. A longer one than the
-/// longest is cut, and whatever it quotes it is one line: see printable().
+/// Writes the text as UTF-8 and one line feed to the print target. It is cut after
+/// longestPrintedLine and escaped so that it is one line: see printable().
 void print(QStringView line);
 
 /// Sends all further lines to a C stream (not owned; standard output at program start).
 void setPrintTarget(std::FILE* stream);
 
-/// Hands all further lines to a function, without the line feed; an empty one restores the stream.
+/// Passes all further lines to a function, without the line feed; an empty one restores the stream.
 void setPrintFunction(std::function<void(QStringView)> function);
 
-/// While it lives, what its thread prints is about one file: after a thousand lines the others are
-/// only counted, and at its end one line tells how many they were.
+/// While it lives, its thread prints about one file: lines after the first thousand are only
+/// counted, and its destructor prints their number.
 class PrintingOfOneFile {
   public:
     PrintingOfOneFile();
@@ -35,7 +35,7 @@ class PrintingOfOneFile {
 
   private:
     friend void print(QStringView line);
-    static constexpr qint64 kMostLines = 1000;
+    static constexpr qint64 mostLines = 1000;
     qint64 lines_ = 0;
 };
 

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Text of a file made fit for one line of diagnostics: no control character breaks it, moves a
-// terminal's cursor or turns the reading direction of what follows.
+// Makes a file's text safe for one line of diagnostics: no control character breaks the line, moves
+// a terminal's cursor or changes the direction of what follows.
 
 #include <QString>
 

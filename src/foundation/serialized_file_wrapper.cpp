@@ -12,21 +12,21 @@ namespace foundation {
 
 namespace {
 
-constexpr quint32 kBytesRecord = 1;
-constexpr quint32 kDirectoryRecord = 3;
-constexpr quint32 kPaddedLength = 0x80000000;
-constexpr int kMaximumDepth = 64;
+constexpr quint32 bytesRecord = 1;
+constexpr quint32 directoryRecord = 3;
+constexpr quint32 paddedLength = 0x80000000;
+constexpr int maximumDepth = 64;
 
 // Reserved entry names. They are compared as bytes, so that no decoding makes another name one.
-constexpr std::string_view kContentsEntry = "..";
-constexpr std::string_view kAttributesEntry = ".";
-constexpr std::string_view kPreferredNameEntry = "__@PreferredName@__";
-constexpr std::string_view kUtf8PreferredNameEntry = "__@UTF8PreferredName@__";
+constexpr std::string_view contentsEntry = "..";
+constexpr std::string_view attributesEntry = ".";
+constexpr std::string_view preferredNameEntry = "__@PreferredName@__";
+constexpr std::string_view utf8PreferredNameEntry = "__@UTF8PreferredName@__";
 
-/// Stands behind a number in the key of a child whose name another child has already.
-constexpr std::string_view kSameNameMark = "__#$!@%!#__";
+/// Follows a number in the key of a child whose name another child has already.
+constexpr std::string_view sameNameMark = "__#$!@%!#__";
 /// In the third word of an entry's attributes.
-constexpr quint32 kLinkFlag = 4;
+constexpr quint32 linkFlag = 4;
 
 /// Reads words and slices of one record's window; a read past its end makes all later ones fail.
 class Cursor {
@@ -71,7 +71,7 @@ struct Entry {
 };
 
 /// The upper half of the 8-bit character set that names were stored in before there was UTF-8.
-constexpr char16_t kNextStepUpperHalf[] =
+constexpr char16_t nextStepUpperHalf[] =
     u"\u00A0\u00C0\u00C1\u00C2\u00C3\u00C4\u00C5\u00C7\u00C8\u00C9\u00CA\u00CB\u00CC\u00CD\u00CE"
     u"\u00CF"
     u"\u00D0\u00D1\u00D2\u00D3\u00D4\u00D5\u00D6\u00D9\u00DA\u00DB\u00DC\u00DD\u00DE\u00B5\u00D7"
@@ -96,13 +96,13 @@ QString decodedName(std::string_view bytes) {
     text.reserve(view.size());
     for (const char c : bytes) {
         const auto byte = static_cast<unsigned char>(c);
-        text += byte < 0x80 ? QChar(byte) : QChar(kNextStepUpperHalf[byte - 0x80]);
+        text += byte < 0x80 ? QChar(byte) : QChar(nextStepUpperHalf[byte - 0x80]);
     }
     return text;
 }
 
-/// A stored name as a name of one file: without separators; nothing when that leaves no name, or
-/// one that means a folder.
+/// A stored name as a file name: without separators; nothing when that leaves no name, or that of a
+/// folder.
 std::optional<QString> fileName(std::string_view bytes) {
     QString name = decodedName(bytes);
     name.remove(u'/');
@@ -114,9 +114,9 @@ std::optional<QString> fileName(std::string_view bytes) {
 /// The bytes of a record of that kind; nothing for another kind or when they pass its window.
 std::optional<Data> bytesOf(const Data& window) {
     Cursor cursor(window);
-    if (cursor.word() != kBytesRecord) return std::nullopt;
+    if (cursor.word() != bytesRecord) return std::nullopt;
     quint32 length = cursor.word();
-    if (length == kPaddedLength) {
+    if (length == paddedLength) {
         length = cursor.word();
         cursor.bytes(cursor.word());
     }
@@ -136,15 +136,15 @@ std::optional<QString> storedName(const Data& block) {
 }
 
 bool isReserved(std::string_view name) {
-    return name == kContentsEntry || name == kAttributesEntry || name == kPreferredNameEntry ||
-           name == kUtf8PreferredNameEntry;
+    return name == contentsEntry || name == attributesEntry || name == preferredNameEntry ||
+           name == utf8PreferredNameEntry;
 }
 
 /// A key is the child's name, or a number, the mark, and the name that another child has too.
 std::string_view shownName(std::string_view key) {
     const auto digits = std::min(key.find_first_not_of("0123456789"), key.size());
-    return digits > 0 && key.substr(digits).starts_with(kSameNameMark)
-               ? key.substr(digits + kSameNameMark.size())
+    return digits > 0 && key.substr(digits).starts_with(sameNameMark)
+               ? key.substr(digits + sameNameMark.size())
                : key;
 }
 
@@ -158,7 +158,7 @@ std::vector<std::string_view> linkNames(const Data& block) {
         const std::string_view name = cursor.bytes(cursor.word());
         const std::string_view record = cursor.bytes(cursor.word());
         if (record.size() < 3 * 4) continue;
-        if (qFromLittleEndian<quint32>(record.data() + 2 * 4) & kLinkFlag) names.push_back(name);
+        if (qFromLittleEndian<quint32>(record.data() + 2 * 4) & linkFlag) names.push_back(name);
     }
     std::sort(names.begin(), names.end());
     return names;
@@ -189,7 +189,7 @@ class DirectoryReader {
 };
 
 bool DirectoryReader::readEntries() {
-    if (depth_ > kMaximumDepth || cursor_.word() != kDirectoryRecord) return false;
+    if (depth_ > maximumDepth || cursor_.word() != directoryRecord) return false;
     const quint32 count = cursor_.word();
     // Each entry takes a name length and a block size at least.
     if (count > cursor_.remaining() / 8) return false;
@@ -201,14 +201,14 @@ bool DirectoryReader::readEntries() {
     for (Entry& entry : entries_) {
         entry.block = cursor_.slice(entry.size);
         if (entry.block.size() < 4) return false;
-        if (entry.name == kAttributesEntry) links_ = linkNames(entry.block);
+        if (entry.name == attributesEntry) links_ = linkNames(entry.block);
         if (!isReserved(entry.name)) children_.push_back(entry.name);
     }
     std::sort(children_.begin(), children_.end());
     return !cursor_.failed();
 }
 
-/// The picture that stands for the file of the same name beside it.
+/// Whether it is the icon of the file of the same name beside it.
 bool DirectoryReader::isIcon(std::string_view key) const {
     constexpr std::string_view ending = ".tiff";
     if (!key.ends_with(ending)) return false;
@@ -219,7 +219,7 @@ bool DirectoryReader::isIcon(std::string_view key) const {
 /// A file or a link, after its entry's mark; null when malformed.
 std::shared_ptr<FileWrapper> DirectoryReader::contentsOf(const Entry& entry) const {
     auto bytes = bytesOf(entry.block);
-    if (!bytes && kindOf(entry.block) == kBytesRecord) return nullptr;
+    if (!bytes && kindOf(entry.block) == bytesRecord) return nullptr;
     auto file = std::make_shared<FileWrapper>(FileWrapper::Kind::regularFile);
     if (isLink(entry.name)) {
         file->kind = FileWrapper::Kind::symbolicLink;
@@ -230,12 +230,12 @@ std::shared_ptr<FileWrapper> DirectoryReader::contentsOf(const Entry& entry) con
     return file;
 }
 
-/// Adds an entry of a folder; kinds nobody knows are left out. False when malformed.
+/// Adds an entry of a folder; unknown kinds are left out. False when malformed.
 bool DirectoryReader::addChild(FileWrapper& parent, const Entry& entry) const {
     const quint32 kind = kindOf(entry.block);
-    if (kind != kBytesRecord && kind != kDirectoryRecord) return true;
+    if (kind != bytesRecord && kind != directoryRecord) return true;
     auto child =
-        kind == kBytesRecord ? contentsOf(entry) : DirectoryReader(entry.block, depth_ + 1).read();
+        kind == bytesRecord ? contentsOf(entry) : DirectoryReader(entry.block, depth_ + 1).read();
     if (!child) return false;
     if (isIcon(entry.name)) return true;
     child->filename = fileName(shownName(entry.name));
@@ -251,14 +251,14 @@ std::shared_ptr<FileWrapper> DirectoryReader::read() {
     std::optional<QString> utf8Name;
     std::shared_ptr<FileWrapper> file;
     for (const Entry& entry : entries_) {
-        if (entry.name == kContentsEntry) {
+        if (entry.name == contentsEntry) {
             file = contentsOf(entry);
             if (!file) return nullptr;
-        } else if (entry.name == kPreferredNameEntry) {
+        } else if (entry.name == preferredNameEntry) {
             plainName = storedName(entry.block);
-        } else if (entry.name == kUtf8PreferredNameEntry) {
+        } else if (entry.name == utf8PreferredNameEntry) {
             utf8Name = storedName(entry.block);
-        } else if (entry.name != kAttributesEntry) {
+        } else if (entry.name != attributesEntry) {
             if (!addChild(*wrapper, entry)) return nullptr;
         }
     }

@@ -9,10 +9,10 @@ namespace foundation {
 
 UnarchivedObject unarchiveObjectWithData(const Data& data, const ClassRegistry& registry) {
     try {
-        nonkeyed::Reader reader(data, registry);
+        non_keyed::Reader reader(data, registry);
         Value root = reader.readRoot();
         return {std::move(root), reader.rootClassName()};
-    } catch (const nonkeyed::MalformedArchive&) {
+    } catch (const non_keyed::MalformedArchive&) {
         return Value();
     }
 }

@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Unarchiver: reads a non-keyed archive (a typed stream). The whole stream is parsed by its grammar
-// alone, so classes that nobody knows are kept as opaque objects; then the root is rebuilt from it,
-// each object once. docs/formats/non-keyed-archive.md tells the format as it is read here.
+// Unarchiver: reads a non-keyed archive (a typed stream). The stream is parsed by its grammar
+// alone, so unknown classes become opaque objects; each object is rebuilt once. The format as it is
+// read here is described in docs/formats/non-keyed-archive.md.
 
 #include "foundation/class_registry.h"
 

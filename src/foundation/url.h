@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// URL: an address as archived, base and relative text kept apart. Nothing is parsed away, decoded
-// or re-encoded; only at the moment of opening does anything else look at it.
+// URL: an address as archived, base and relative text kept apart. Nothing is normalised, decoded or
+// re-encoded.
 
 #include <QString>
 #include <memory>
@@ -17,7 +17,7 @@ class URL final : public Object {
         : relative_(std::move(relative)),
           base_(std::move(base)),
           absolute_(base_ ? resolved(relative_, *base_) : relative_) {}
-    /// With what resolved() answers for the two, so that many addresses can share it.
+    /// With the result of resolved() for both, so that many addresses can share it.
     URL(QString relative, std::shared_ptr<const URL> base, QString absolute)
         : relative_(std::move(relative)), base_(std::move(base)), absolute_(std::move(absolute)) {}
 
@@ -26,7 +26,7 @@ class URL final : public Object {
     /// The relative text resolved against the base (RFC 3986, section 5.2; nothing re-encoded);
     /// without a base the relative text itself.
     [[nodiscard]] const QString& absoluteString() const { return absolute_; }
-    /// The absolute string that a relative text and a base stand for; at most one unit longer than
+    /// The absolute string of a relative text and a base; at most one unit longer than
     /// the relative text and the base's absolute string together.
     [[nodiscard]] static QString resolved(const QString& relative, const URL& base);
 

@@ -14,8 +14,8 @@
 namespace foundation {
 namespace {
 
-constexpr qint64 kMost = qint64{4} << 30;
-constexpr qint64 kChunk = 1 << 20;
+constexpr qint64 mostBytes = qint64{4} << 30;
+constexpr qint64 chunkSize = 1 << 20;
 
 Error readError(ReadErrorCode code, const QString& sentence) {
     return {QStringLiteral("NSCocoaErrorDomain"), static_cast<qint64>(code), sentence};
@@ -42,12 +42,12 @@ qint64 mostFileBytes() {
     struct rlimit limit {};
     if (::getrlimit(RLIMIT_AS, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY)
         memory = std::min(memory, static_cast<qint64>(limit.rlim_cur));
-    return std::min(kMost, memory / 2);
+    return std::min(mostBytes, memory / 2);
 }
 
 QByteArray readWhole(QIODevice& file) {
     const auto* onDisk = qobject_cast<QFileDevice*>(&file);
-    // The one that has nothing is as good as an empty file.
+    // The null device counts as an empty file.
     if (onDisk && isDevice(*onDisk) && !file.peek(1).isEmpty())
         throw readError(ReadErrorCode::unknown, QStringLiteral("it is a device, not a file"));
     const qint64 most = mostFileBytes();
@@ -58,9 +58,9 @@ QByteArray readWhole(QIODevice& file) {
         bytes.resize(size);
         bytes.truncate(std::max<qint64>(file.read(bytes.data(), size), 0));
     }
-    // A pipe, a file that grows, or one of the system's own that tell no size.
+    // A pipe, a growing file, or one of the system's own, which have no size.
     for (;;) {
-        const QByteArray more = file.read(kChunk);
+        const QByteArray more = file.read(chunkSize);
         if (more.isEmpty()) break;
         if (bytes.size() + more.size() > most) throw tooLarge();
         bytes += more;

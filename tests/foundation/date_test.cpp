@@ -10,7 +10,7 @@ namespace foundation {
 namespace {
 
 TEST(Date, TextOfAnyDouble) {
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    constexpr double infinity = std::numeric_limits<double>::infinity();
     struct Row {
         const char* name;
         double seconds;
@@ -36,7 +36,7 @@ TEST(Date, TextOfAnyDouble) {
         {"year 10000", 252423993600.0, nullptr, "252423993600"},
         {"year 300,000", 9.4e12, nullptr, "9.4e+12"},
         {"largest double", std::numeric_limits<double>::max(), nullptr, "1.7976931348623157e+308"},
-        {"infinite", kInfinity, nullptr, "inf"},
+        {"infinite", infinity, nullptr, "inf"},
         {"not a number", std::nan(""), nullptr, "nan"},
     };
     for (const Row& row : rows) {

@@ -81,11 +81,11 @@ std::string described(const QByteArray& bytes) {
 // --- The frame ---
 
 /// Fields of the trailer, as distances from the end.
-constexpr qsizetype kOffsetSize = 26;
-constexpr qsizetype kRefSize = 25;
-constexpr qsizetype kCount = 24;
-constexpr qsizetype kTop = 16;
-constexpr qsizetype kTable = 8;
+constexpr qsizetype offsetSizeField = 26;
+constexpr qsizetype refSizeField = 25;
+constexpr qsizetype countField = 24;
+constexpr qsizetype topField = 16;
+constexpr qsizetype tableField = 8;
 
 void setNumber(QByteArray& bytes, qsizetype fromEnd, quint64 value) {
     qToBigEndian(value, bytes.data() + bytes.size() - fromEnd);
@@ -113,29 +113,30 @@ TEST(PropertyList, BinaryFrameIsCheckedBeforeAnythingIsRead) {
         {"another magic", [](auto& b) { b[6] = '1'; }},
         {"a byte behind the trailer", [](auto& b) { b.append('\0'); }},
         {"a byte between table and trailer", [](auto& b) { b.insert(b.size() - 32, '\x08'); }},
-        {"offsets without bytes", [](auto& b) { setByte(b, kOffsetSize, 0); }},
-        {"offsets of nine bytes", [](auto& b) { setByte(b, kOffsetSize, 9); }},
-        {"references without bytes", [](auto& b) { setByte(b, kRefSize, 0); }},
-        {"references of nine bytes", [](auto& b) { setByte(b, kRefSize, 9); }},
+        {"offsets without bytes", [](auto& b) { setByte(b, offsetSizeField, 0); }},
+        {"offsets of nine bytes", [](auto& b) { setByte(b, offsetSizeField, 9); }},
+        {"references without bytes", [](auto& b) { setByte(b, refSizeField, 0); }},
+        {"references of nine bytes", [](auto& b) { setByte(b, refSizeField, 9); }},
         {"no objects",
          [&](auto& b) {
              b.remove(table, 3);
-             setNumber(b, kCount, 0);
+             setNumber(b, countField, 0);
          }},
-        {"fewer objects than offsets", [](auto& b) { setNumber(b, kCount, 2); }},
-        {"more objects than offsets", [](auto& b) { setNumber(b, kCount, 4); }},
-        {"a count beyond the signed range", [](auto& b) { setNumber(b, kCount, ~0ull - 2); }},
+        {"fewer objects than offsets", [](auto& b) { setNumber(b, countField, 2); }},
+        {"more objects than offsets", [](auto& b) { setNumber(b, countField, 4); }},
+        {"a count beyond the signed range", [](auto& b) { setNumber(b, countField, ~0ull - 2); }},
         {"a table whose size wraps round",
          [&](auto& b) {
              b.remove(table, 3);
              b.insert(table, QByteArray(8, '\0'));
-             setByte(b, kOffsetSize, 8);
-             setNumber(b, kCount, (1ull << 61) + 1);
+             setByte(b, offsetSizeField, 8);
+             setNumber(b, countField, (1ull << 61) + 1);
          }},
-        {"a top past the objects", [](auto& b) { setNumber(b, kTop, 3); }},
-        {"a table in the magic", [](auto& b) { setNumber(b, kTable, 8); }},
-        {"a table in the trailer", [](auto& b) { setNumber(b, kTable, quint64(b.size()) - 31); }},
-        {"a table past the end", [](auto& b) { setNumber(b, kTable, ~0ull); }},
+        {"a top past the objects", [](auto& b) { setNumber(b, topField, 3); }},
+        {"a table in the magic", [](auto& b) { setNumber(b, tableField, 8); }},
+        {"a table in the trailer",
+         [](auto& b) { setNumber(b, tableField, quint64(b.size()) - 31); }},
+        {"a table past the end", [](auto& b) { setNumber(b, tableField, ~0ull); }},
         {"an offset that points at the table", [&](auto& b) { b[table + 2] = char(table); }},
         {"a top whose offset lies in the magic", [&](auto& b) { b[table] = 7; }},
     };

@@ -166,7 +166,7 @@ TEST(RealArchives, NonKeyedOnesAreConsumedToTheirEnds) {
             continue;
         }
         EXPECT_NO_THROW({
-            nonkeyed::Reader reader(bytes, registry());
+            non_keyed::Reader reader(bytes, registry());
             while (!reader.atEnd())
                 reader.readGroup();
         });

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/keyed/archive.h"
 
+#include "foundation/keyed/budgets.h"
 #include "foundation/keyed/errors.h"
-#include "foundation/keyed/limits.h"
 #include "foundation/plist/xml_property_list_reader.h"
 #include "foundation/plist/xml_to_binary.h"
 

@@ -22,7 +22,7 @@ class Archive {
     explicit Archive(const Data& data);
 
     [[nodiscard]] const BinaryPropertyList& list() const { return list_; }
-    /// The bytes of the file; every limit is a multiple of it.
+    /// The bytes of the file; every budget is a multiple of it.
     [[nodiscard]] quint64 fileSize() const { return fileSize_; }
 
     /// The elements of "$objects".
@@ -35,7 +35,7 @@ class Archive {
     /// The value under a key of "$top", or none.
     [[nodiscard]] Ref top(std::string_view key) const { return find(top_, key); }
 
-    /// The UID that a value is, or none: a UID object or, from careless converters, a dictionary
+    /// The UID that a value is, or none: a UID object or, as some converters write it, a dictionary
     /// whose only entry is an integer "CF$UID".
     [[nodiscard]] quint64 uid(Ref value) const {
         const quint64 uid = list_.uid(value);

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// How an instance finds its class: "$class" names a record with "$classname", the names of the
-// class and its superclasses ("$classes") and, for classes that few platforms have, those to fall
-// back on
-// ("$classhints").
+// How an instance finds its class: "$class" refers to a record with "$classname", the names of the
+// class and its superclasses ("$classes") and, for classes that few platforms have, names to fall
+// back on ("$classhints").
 #include <algorithm>
 
 #include "foundation/keyed/decoder.h"
@@ -54,10 +53,10 @@ ClassRecord Decoder::readClassRecord(const Instance& record) {
     return {info, info && std::any_of(allowedClasses_.begin(), allowedClasses_.end(), holdsIt)};
 }
 
-/// Roots such as "NSObject" say nothing about an instance and are passed over.
+/// Roots such as "NSObject" say nothing about an instance and are skipped.
 const ClassInfo* Decoder::firstKnownClass(const Node& names) {
     if (names.kind() != Kind::array) return nullptr;
-    limits_.steps.spend(names.count());
+    budgets_.steps.spend(names.count());
     for (quint64 i = 0; i < names.count(); ++i) {
         const Node node = archive_.list().node(archive_.list().element(names, i));
         const QByteArrayView name = Archive::ascii(node);

@@ -14,9 +14,9 @@ Decoder::Decoder(const Archive& archive, std::span<const ClassInfo* const> allow
       allowedClasses_(allowedClasses),
       registry_(registry),
       coder_(coder),
-      limits_(archive.fileSize()),
-      texts_(archive.fileSize(), limits_.bytes),
-      layouts_(archive, limits_),
+      budgets_(archive.fileSize()),
+      strings_(archive.fileSize(), budgets_.bytes),
+      layouts_(archive, budgets_),
       states_(archive.objectCount(), State::unvisited) {
     slots_.reserve(archive.objectCount());
     useLargePages(slots_.data(), slots_.capacity() * sizeof slots_.front());
@@ -31,7 +31,7 @@ Value Decoder::decodeTop(std::string_view key) {
     if (!result.isNothing() || uid == none) return result;
     const Node node = archive_.object(uid);
     if (node.kind() != Kind::dictionary) return result;
-    // An instance of which nothing could be made is an object all the same.
+    // An instance without a result still counts as an object.
     const quint64 record = archive_.uid(Instance(node, layouts_).classRef());
     return std::make_shared<OpaqueObject>(archivedClassName(record));
 }
@@ -46,12 +46,12 @@ Value Decoder::decodeKey(std::string_view key) {
 
 QString Decoder::withoutPrefix(const QString& text, qsizetype length) {
     return derivedTexts_.derived(text, nullptr, [&] {
-        limits_.derivedBytes.spend(valueOverhead + 2 * quint64(text.size()));
+        budgets_.derivedBytes.spend(valueOverhead + 2 * quint64(text.size()));
         return text.sliced(length);
     });
 }
 
-/// Plain values stand inline or behind a UID; both are read.
+/// Plain values are inline or behind a UID.
 Value Decoder::decodeValue(Ref value, const Demand& demand) {
     const quint64 uid = archive_.uid(value);
     if (uid != none) return decodeObject(uid, demand);
@@ -82,7 +82,7 @@ Value Decoder::decodeNewInstance(quint64 uid, const Instance& instance, const De
     const ClassInfo& info = classOf(instance, demand);
     if (demand.part && *demand.part != info.kind) return {};
     if (depth_ >= depthLimit) throw excessError("levels of nesting");
-    limits_.steps.spend(1);
+    budgets_.steps.spend(1);
     const State before = std::exchange(states_[uid], State::inProgress);
     ++depth_;
     Value value = build(instance, info);

@@ -1,10 +1,10 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Decoder: rebuilds the objects of a keyed archive when they are asked for. Objects are decoded
-// once, whatever comes out of it, and shared, in one slot a UID; values (strings, numbers, dates,
-// data) have no identity and are read where they stand each time. What is still being decoded
-// counts as nothing, which cuts every cycle. The first error ends the decoding.
+// Decoder: rebuilds the objects of a keyed archive on demand. Objects are decoded once,
+// successfully or not, and shared, in one slot a UID; values (strings, numbers, dates, data) have
+// no identity and are read in place each time. What is still being decoded counts as nothing, which
+// cuts every cycle. The first error ends the decoding.
 
 #include <map>
 #include <memory>
@@ -17,16 +17,16 @@
 #include "foundation/class_registry.h"
 #include "foundation/derived_texts.h"
 #include "foundation/keyed/archive.h"
+#include "foundation/keyed/budgets.h"
 #include "foundation/keyed/instance.h"
-#include "foundation/keyed/limits.h"
-#include "foundation/keyed/texts.h"
+#include "foundation/keyed/string_table.h"
 #include "foundation/url.h"
 
 namespace foundation::keyed {
 
 class Decoder {
   public:
-    /// Everything given must outlive the decoder; application classes are handed the coder.
+    /// All of these must outlive the decoder; application classes decode from the coder.
     Decoder(const Archive& archive, std::span<const ClassInfo* const> allowedClasses,
             const ClassRegistry& registry, Coder& coder);
     Decoder(const Decoder&) = delete;
@@ -40,13 +40,13 @@ class Decoder {
     QString withoutPrefix(const QString& text, qsizetype length);
 
   private:
-    /// What an object is wanted for.
+    /// What an object is decoded for.
     struct Demand {
         /// Named in errors.
         std::string_view key;
         /// Set when a value class pulls a part that it is made of: the class of an instance must be
-        /// of this kind, else the part counts as missing. Whatever else is asked for must be of an
-        /// allowed class.
+        /// of this kind, else the part counts as missing. Everything else must be of an allowed
+        /// class.
         std::optional<ClassKind> part = {};
     };
     enum class State : quint8 {
@@ -54,7 +54,7 @@ class Decoder {
         inProgress,
         unchecked,   ///< decoded, its class was not checked
         done,        ///< decoded and checked
-        nothing,     ///< decoded, and came to nothing
+        nothing,     ///< decoded, without a result
         attributes,  ///< a dictionary of which only Attributes were read
     };
 
@@ -62,15 +62,15 @@ class Decoder {
     std::span<const ClassInfo* const> allowedClasses_;
     const ClassRegistry& registry_;
     Coder& coder_;
-    Limits limits_;
-    Texts texts_;
+    Budgets budgets_;
+    StringTable strings_;
     KeyLayouts layouts_;
     std::vector<std::shared_ptr<const Object>> slots_;
     std::vector<State> states_;
     std::map<quint64, ClassRecord> classes_;  ///< by UID
-    /// Of dictionaries that something else asks for as well, by UID.
+    /// Of dictionaries that are used as values too, by UID.
     std::map<quint64, std::shared_ptr<const Attributes>> sharedAttributes_;
-    /// Null for malformed ones; by where their bytes lie.
+    /// By the address of their bytes; null for malformed ones.
     std::map<std::pair<const char*, qsizetype>, std::shared_ptr<const FileWrapper>> fileWrappers_;
     DerivedTexts derivedTexts_;
     const Instance* current_ = nullptr;
@@ -81,11 +81,10 @@ class Decoder {
     Value decodeObject(quint64 uid, const Demand& demand);
     Value decodeNewInstance(quint64 uid, const Instance& instance, const Demand& demand);
     Value decodePrimitive(const Node& node, std::string_view key);
-    Value decodeInstance(const Instance& instance, const ClassInfo& info);
     Value build(const Instance& instance, const ClassInfo& info);
     Value initApplicationObject(const Instance& instance, const ClassInfo& info);
     Value decodePart(const Instance& instance, const Key& key, ClassKind kind);
-    /// The instance that a UID names when it is of the kind of part that is wanted.
+    /// The instance that a UID names if it is of the demanded kind.
     std::optional<Instance> partInstance(quint64 uid, const Demand& demand);
 
     // class_records.cpp

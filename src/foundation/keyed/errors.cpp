@@ -9,8 +9,8 @@
 namespace foundation::keyed {
 namespace {
 
-/// Of a name that the file has made up, what an error shows.
-constexpr qsizetype kLongestName = 200;
+/// What an error shows of an unknown class's name.
+constexpr qsizetype longestName = 200;
 
 Error corrupt(const QString& text) {
     return coderError(CoderErrorCode::readCorrupt, text);
@@ -57,7 +57,7 @@ Error missingClassInformationError() {
 }
 
 Error unknownClassError(QByteArrayView className, std::string_view key) {
-    const QString name = printable(QString::fromUtf8(className), kLongestName);
+    const QString name = printable(QString::fromUtf8(className), longestName);
     return corrupt(QStringLiteral("*** -[NSKeyedUnarchiver decodeObjectForKey:]: cannot decode "
                                   "object of class (%1) for key (%2) because no class named \"%1\" "
                                   "was found; the class needs to be defined in source code or "

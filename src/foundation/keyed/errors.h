@@ -29,7 +29,7 @@ namespace foundation::keyed {
 [[nodiscard]] Error insecureClassError(const ClassInfo& info);
 /// A value that breaks the property list's format, or a reference to none.
 [[nodiscard]] Error brokenValueError(std::string_view key);
-/// Counts, nesting or sharing beyond what a file of this size can mean; `what` is a plural.
+/// Counts, nesting or sharing beyond what a file of this size can hold; `what` is a plural.
 [[nodiscard]] Error excessError(const char* what);
 
 }  // namespace foundation::keyed

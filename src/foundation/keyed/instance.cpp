@@ -6,8 +6,8 @@
 namespace foundation::keyed {
 namespace {
 
-// Both look at whole words: of the bytes behind a list eight belong to the file in any case, since
-// the trailer stands at its end.
+// Both read whole words: the trailer follows, so that at least eight bytes behind a list belong to
+// the file.
 
 std::size_t hash(const char* bytes) {
     return std::size_t((qFromUnaligned<quint64>(bytes) * 0x9e3779b97f4a7c15u) >> 40);
@@ -36,7 +36,7 @@ KeyLayouts::Layout& KeyLayouts::find(const Node& dictionary) {
 
 void KeyLayouts::read(const Node& dictionary, Layout& layout) {
     const BinaryPropertyList& list = archive_.list();
-    limits_.steps.spend(dictionary.count());
+    budgets_.steps.spend(dictionary.count());
     ++layout.generation;
     layout.classIndex = none;
     layout.classUid = none;
@@ -48,7 +48,7 @@ void KeyLayouts::read(const Node& dictionary, Layout& layout) {
 }
 
 Ref Instance::searched(std::string_view key) const {
-    layouts_.limits().steps.spend(count_);
+    layouts_.budgets().steps.spend(count_);
     return layouts_.archive().find(dictionary_, key);
 }
 

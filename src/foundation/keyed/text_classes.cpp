@@ -12,7 +12,7 @@
 namespace foundation::keyed {
 namespace {
 
-/// Lets Attributes, which are no value of the graph, lie in the slot of their dictionary.
+/// Puts Attributes, which are no value of the graph, into the slot of their dictionary.
 class AttributesBox final : public Object {
   public:
     explicit AttributesBox(std::shared_ptr<const Attributes> attributes)
@@ -22,7 +22,7 @@ class AttributesBox final : public Object {
     const std::shared_ptr<const Attributes> attributes;
 };
 
-/// The pairs of numbers that tell the runs: seven bits a byte, the lowest first.
+/// The pairs of numbers that describe the runs: seven bits a byte, the lowest first.
 class RunInfo {
   public:
     explicit RunInfo(QByteArrayView bytes) : rest_(bytes) {}
@@ -60,7 +60,7 @@ quint64 countOfFiles(const FileWrapper& wrapper) {
 }  // namespace
 
 /// Three forms: no attributes; one dictionary for the whole text; an array of dictionaries, and
-/// "NSAttributeInfo" that tells the runs. Anything else counts as no attributes.
+/// "NSAttributeInfo" that describes the runs. Anything else counts as no attributes.
 Value Decoder::decodeAttributedString(const Instance& instance) {
     static constexpr Key stringKey = "NSString";
     static constexpr Key attributesKey = "NSAttributes";
@@ -93,11 +93,11 @@ void Decoder::decodeRuns(const Instance& dictionaries, const Data& info, quint64
     const quint64 count = isList ? array.count() : numbered.size();
     RunInfo pairs(info.view());
     while (length > 0) {
-        limits_.steps.spend(1);
+        budgets_.steps.spend(1);
         const auto run = pairs.next();
         if (!run || run->second >= count) return;
         if (run->first == 0) continue;
-        limits_.runs.spend(1);
+        budgets_.runs.spend(1);
         const Ref dictionary = isList ? list.element(array, run->second) : numbered[run->second];
         runs.add(run->first, decodeAttributes(dictionary));
         length -= std::min(length, run->first);
@@ -142,7 +142,7 @@ std::shared_ptr<const Attributes> Decoder::buildAttributes(const Instance& insta
     if (names.kind() != Kind::array || values.kind() != Kind::array) return nullptr;
     Attributes attributes;
     const quint64 count = std::min(names.count(), values.count());
-    limits_.steps.spend(count);
+    budgets_.steps.spend(count);
     for (quint64 i = 0; i < count; ++i) {
         Value* const slot = slotFor(list.element(names, i), attributes);
         if (!slot || !slot->isNothing()) continue;
@@ -153,7 +153,7 @@ std::shared_ptr<const Attributes> Decoder::buildAttributes(const Instance& insta
     return isEmpty ? nullptr : std::make_shared<const Attributes>(std::move(attributes));
 }
 
-/// Where the value of an attribute belongs; null for the names that nobody asks for.
+/// Where the value of an attribute belongs; null for all other names.
 Value* Decoder::slotFor(Ref name, Attributes& attributes) {
     const quint64 uid = archive_.uid(name);
     const QByteArrayView text =
@@ -189,9 +189,9 @@ Value Decoder::decodeFileWrapper(const Instance& instance) {
 std::shared_ptr<const FileWrapper> Decoder::fileWrapper(const Data& data) {
     const auto [known, isNew] = fileWrappers_.try_emplace({data.begin(), data.size()});
     if (isNew) {
-        limits_.wrapperBytes.spend(quint64(data.size()));
+        budgets_.wrapperBytes.spend(quint64(data.size()));
         known->second = parseSerializedFileWrapper(data);
-        if (known->second) limits_.files.spend(countOfFiles(*known->second));
+        if (known->second) budgets_.files.spend(countOfFiles(*known->second));
     }
     return known->second;
 }

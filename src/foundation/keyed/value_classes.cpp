@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Strings, numbers, data, dates, addresses and collections. Plain ones stand in the property list
-// itself; the mutable forms and what other writers make are instances.
+// Strings, numbers, data, dates, addresses and collections. Plain ones are in the property list
+// itself; mutable ones, and those of other writers, are instances.
 #include <algorithm>
 #include <bit>
 #include <charconv>
@@ -45,11 +45,11 @@ Value Decoder::scalar(const Node& node) {
         case Kind::date:
             return Date{std::bit_cast<double>(node.value())};
         case Kind::data:
-            limits_.bytes.spend(valueOverhead);
+            budgets_.bytes.spend(valueOverhead);
             return archive_.list().slice(node);
         case Kind::asciiString:
         case Kind::utf16String:
-            return texts_.text(node);
+            return strings_.string(node);
         default:
             return {};
     }
@@ -61,7 +61,7 @@ Value Decoder::decodeString(const Instance& instance) {
     const Value text = decodePart(instance, stringKey, ClassKind::string);
     if (text.string()) return text;
     const Node bytes = instance.value(bytesKey);
-    return bytes.kind() == Kind::data ? texts_.text(bytes) : QString();
+    return bytes.kind() == Kind::data ? strings_.string(bytes) : QString();
 }
 
 Value Decoder::decodeNumber(const Instance& instance) {
@@ -101,7 +101,7 @@ Value Decoder::decodeUrl(const Instance& instance) {
     QString absolute = derivedTexts_.derived(*relative.string(), baseUrl.get(), [&] {
         const auto size =
             quint64(relative.string()->size()) + quint64(baseUrl->absoluteString().size());
-        limits_.derivedBytes.spend(valueOverhead + 2 * size);
+        budgets_.derivedBytes.spend(valueOverhead + 2 * size);
         return URL::resolved(*relative.string(), *baseUrl);
     });
     return std::make_shared<URL>(*relative.string(), std::move(baseUrl), std::move(absolute));
@@ -127,7 +127,7 @@ std::vector<Value> Decoder::decodeElements(const Instance& instance, const Key& 
         isList ? std::vector<Ref>() : numberedValues(instance, numberedPrefix);
     const quint64 count = isList ? list.count() : numbered.size();
     if (count > elementLimit(archive_.fileSize())) throw excessError("elements in one collection");
-    limits_.elements.spend(count);
+    budgets_.elements.spend(count);
 
     std::vector<Value> values;
     values.reserve(count);
@@ -141,7 +141,7 @@ std::vector<Value> Decoder::decodeElements(const Instance& instance, const Key& 
 std::vector<Ref> Decoder::numberedValues(const Instance& instance, std::string_view prefix) {
     const Node dictionary = instance.dictionary();
     const BinaryPropertyList& list = archive_.list();
-    limits_.steps.spend(dictionary.count());
+    budgets_.steps.spend(dictionary.count());
     std::vector<std::pair<quint64, quint64>> numbered;  // number, pair
     for (quint64 i = 0; i < dictionary.count(); ++i) {
         const QByteArrayView name = Archive::ascii(list.node(list.key(dictionary, i)));

@@ -2,15 +2,14 @@
 // SPDX-License-Identifier: MIT
 //
 // ChunkedVector: a vector that only grows at its end and never moves what it holds. It allocates
-// whole chunks, so growing it costs little, wastes little, and leaves no holes between the values
-// that are kept.
+// whole chunks, so it grows cheaply, wastes little and doesn't fragment the heap.
 
 #include <QtGlobal>
 #include <memory>
 #include <utility>
 #include <vector>
 
-namespace foundation::nonkeyed {
+namespace foundation::non_keyed {
 
 template <class T>
 class ChunkedVector {
@@ -28,8 +27,8 @@ class ChunkedVector {
     [[nodiscard]] const T& operator[](size_t i) const { return slot(i)->value; }
     template <class... Arguments>
     T& emplace_back(Arguments&&... arguments) {
-        if (size_ == chunks_.size() * kChunkSize)
-            chunks_.push_back(std::make_unique_for_overwrite<Slot[]>(kChunkSize));
+        if (size_ == chunks_.size() * chunkSize)
+            chunks_.push_back(std::make_unique_for_overwrite<Slot[]>(chunkSize));
         T* const added =
             std::construct_at(&slot(size_)->value, std::forward<Arguments>(arguments)...);
         ++size_;
@@ -37,17 +36,17 @@ class ChunkedVector {
     }
 
   private:
-    static constexpr size_t kChunkSize = 2048;
+    static constexpr size_t chunkSize = 2048;
     union Slot {
         Slot() {}
         ~Slot() {}
         T value;
     };
 
-    [[nodiscard]] Slot* slot(size_t i) const { return &chunks_[i / kChunkSize][i % kChunkSize]; }
+    [[nodiscard]] Slot* slot(size_t i) const { return &chunks_[i / chunkSize][i % chunkSize]; }
 
     std::vector<std::unique_ptr<Slot[]>> chunks_;
     size_t size_ = 0;
 };
 
-}  // namespace foundation::nonkeyed
+}  // namespace foundation::non_keyed

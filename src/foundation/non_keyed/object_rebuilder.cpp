@@ -9,30 +9,30 @@
 #include "foundation/object_memory.h"
 #include "foundation/url.h"
 
-namespace foundation::nonkeyed {
+namespace foundation::non_keyed {
 
 namespace {
 
 using Kind = StreamValue::Kind;
 
-/// How deep rebuilt objects nest at most, by reference too: whoever walks or frees them recurses.
-constexpr int kMaximumHeight = 250;
+/// How deep rebuilt objects may nest, by reference too: visiting and freeing them is recursive.
+constexpr int maximumHeight = 250;
 
 // What rebuilt values take in memory, roughly, allocation included.
-constexpr quint64 kObjectSize = 80;  // of a small one
-constexpr quint64 kApplicationObjectSize = 160;
-constexpr quint64 kFileWrapperSize = 208;
+constexpr quint64 objectSize = 80;  // of a small one
+constexpr quint64 applicationObjectSize = 160;
+constexpr quint64 fileWrapperSize = 208;
 
-/// An element that is no number where a reference to an object may stand.
-constexpr quint32 kNoNumber = 0xffffffff;
+/// In place of an object's number: none.
+constexpr quint32 noNumber = 0xffffffff;
 
-constexpr QByteArrayView kByteOrderMark = "\xEF\xBB\xBF";
+constexpr QByteArrayView byteOrderMark = "\xEF\xBB\xBF";
 
 /// UTF-8 with replacement of what is none. A byte-order mark is a character like any other: run
 /// lengths count it.
 QString decodedText(std::string_view bytes) {
     const QByteArrayView view(bytes);
-    if (!view.startsWith(kByteOrderMark)) return QString::fromUtf8(view);
+    if (!view.startsWith(byteOrderMark)) return QString::fromUtf8(view);
     return QStringDecoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom)
         .decode(view);
 }
@@ -68,8 +68,7 @@ quint64 bytesOf(const std::optional<QString>& text) {
 }
 
 quint64 wrapperSize(const FileWrapper& wrapper) {
-    quint64 size =
-        kFileWrapperSize + bytesOf(wrapper.filename) + bytesOf(wrapper.preferredFilename);
+    quint64 size = fileWrapperSize + bytesOf(wrapper.filename) + bytesOf(wrapper.preferredFilename);
     for (const auto& child : wrapper.children)
         size += wrapperSize(*child);
     return size;
@@ -102,7 +101,7 @@ void ObjectRebuilder::rebuild(quint32 number, const ClassRecord& cls,
         return addDictionary(number, values, height);
     Value result = rebuilt(cls, values);
     if (result.isNothing()) return;
-    budget_.takeWorking(sizeof(Value));
+    budget_.spendWorking(sizeof(Value));
     table_.set(number, {.kind = ObjectTable::Kind::object,
                         .height = height,
                         .index = static_cast<quint32>(rebuilt_.size())});
@@ -114,7 +113,7 @@ Value ObjectRebuilder::rebuilt(const ClassRecord& cls, std::span<const StreamVal
         case ClassKind::string:
             return string(values);
         case ClassKind::number:
-            return nonkeyed::number(values);
+            return non_keyed::number(values);
         case ClassKind::data:
             return data(values);
         case ClassKind::date:
@@ -141,11 +140,11 @@ Value ObjectRebuilder::rebuilt(const ClassRecord& cls, std::span<const StreamVal
     }
 }
 
-/// One for each name: nothing tells two of them apart.
+/// One for each name: two of them can't be told apart.
 Value ObjectRebuilder::opaque(const ClassRecord& cls) {
     const auto [known, isNew] = opaqueByName_.try_emplace(cls.name.data());
     if (isNew) {
-        budget_.takeKept(kObjectSize + cls.name.size());
+        budget_.spendKept(objectSize + cls.name.size());
         known->second = std::make_shared<OpaqueObject>(
             QByteArray(cls.name.data(), static_cast<qsizetype>(cls.name.size())));
     }
@@ -166,13 +165,13 @@ Value ObjectRebuilder::string(std::span<const StreamValue> values) {
 
 QString ObjectRebuilder::text(std::string_view bytes) {
     // UTF-8 has a byte at least for each unit.
-    budget_.takeKept(bytes.size() * sizeof(QChar) + 32);
+    budget_.spendKept(bytes.size() * sizeof(QChar) + 32);
     return decodedText(bytes);
 }
 
 QString ObjectRebuilder::withoutPrefix(const QString& text, qsizetype length) {
     return derivedTexts_.derived(text, nullptr, [&] {
-        budget_.takeKept(static_cast<quint64>(text.size()) * sizeof(QChar) + 32);
+        budget_.spendKept(static_cast<quint64>(text.size()) * sizeof(QChar) + 32);
         return text.sliced(length);
     });
 }
@@ -180,9 +179,9 @@ QString ObjectRebuilder::withoutPrefix(const QString& text, qsizetype length) {
 Value ObjectRebuilder::data(std::span<const StreamValue> values) {
     const auto* bytes =
         find(values, [](const StreamValue& value) { return value.kind == Kind::bytes; });
-    budget_.takeKept(kObjectSize);
+    budget_.spendKept(objectSize);
     if (bytes) return slice(*bytes);
-    // Data without bytes may go without the group that would hold them.
+    // Empty data may have no group of bytes.
     const auto* length = findInteger(values);
     return length && length->integer == 0 ? Value(Data()) : Value();
 }
@@ -196,17 +195,17 @@ Value ObjectRebuilder::url(std::span<const StreamValue> values) {
         if (!base) base = object.object<URL>();
     }
     if (!relative) return {};
-    budget_.takeKept(kObjectSize);
+    budget_.spendKept(objectSize);
     if (!base) return std::make_shared<URL>(*std::move(relative));
     QString absolute = derivedTexts_.derived(*relative, base.get(), [&] {
         const auto size = relative->size() + base->absoluteString().size();
-        budget_.takeKept(static_cast<quint64>(size) * sizeof(QChar) + 32);
+        budget_.spendKept(static_cast<quint64>(size) * sizeof(QChar) + 32);
         return URL::resolved(*relative, *base);
     });
     return std::make_shared<URL>(*std::move(relative), std::move(base), std::move(absolute));
 }
 
-/// The elements that are there, whatever the stored count: a subclass may have added others.
+/// The stored number of elements; a subclass may have added values of its own.
 quint64 ObjectRebuilder::storedCount(std::span<const StreamValue> values) const {
     const auto* count = findInteger(values);
     if (!count) return 0;
@@ -216,7 +215,7 @@ quint64 ObjectRebuilder::storedCount(std::span<const StreamValue> values) const 
 
 std::vector<Value> ObjectRebuilder::elements(std::span<const StreamValue> values) {
     const quint64 wanted = std::min<quint64>(storedCount(values), values.size() - 1);
-    budget_.takeKept(kObjectSize + wanted * sizeof(Value));
+    budget_.spendKept(objectSize + wanted * sizeof(Value));
     std::vector<Value> result;
     result.reserve(wanted);
     for (const StreamValue& item : values) {
@@ -237,11 +236,11 @@ void ObjectRebuilder::addDictionary(quint32 number, std::span<const StreamValue>
         // What is absent now stays so, although the objects around this one will be finished.
         const bool isThere = item.kind == Kind::object &&
                              table_[item.number].kind != ObjectTable::Kind::absentObject;
-        members_.emplace_back(isThere ? item.number : kNoNumber);
+        members_.emplace_back(isThere ? item.number : noNumber);
         ++count;
     }
     count &= ~1u;
-    budget_.takeWorking(sizeof(ArchivedDictionary) + count * sizeof(quint32));
+    budget_.spendWorking(sizeof(ArchivedDictionary) + count * sizeof(quint32));
     table_.set(number, {.kind = ObjectTable::Kind::dictionary,
                         .height = height,
                         .index = static_cast<quint32>(dictionaries_.size())});
@@ -257,7 +256,7 @@ std::shared_ptr<const Attributes> ObjectRebuilder::attributesAmong(quint32 first
     bool isEmpty = true;
     for (quint32 i = 0; i < memberCount; i += 2) {
         const quint32 keyNumber = members_[firstMember + i];
-        if (keyNumber == kNoNumber || table_[keyNumber].kind != ObjectTable::Kind::object) continue;
+        if (keyNumber == noNumber || table_[keyNumber].kind != ObjectTable::Kind::object) continue;
         const QString* key = rebuilt_[table_[keyNumber].index].string();
         if (!key) continue;
         Value* const attribute = *key == u"NSLink"              ? &found.link
@@ -269,7 +268,7 @@ std::shared_ptr<const Attributes> ObjectRebuilder::attributesAmong(quint32 first
         isEmpty = isEmpty && attribute->isNothing();
     }
     if (isEmpty) return nullptr;
-    budget_.takeKept(sizeof(Attributes) + 16);
+    budget_.spendKept(sizeof(Attributes) + 16);
     return std::make_shared<Attributes>(std::move(found));
 }
 
@@ -302,7 +301,7 @@ Value ObjectRebuilder::attributedString(std::span<const StreamValue> values) {
         builder.add(static_cast<quint32>(length.integer), attributes ? *attributes : nullptr);
     }
     auto result = builder.finish();
-    budget_.takeKept(kObjectSize + result.span().size() * sizeof(AttributeRun));
+    budget_.spendKept(objectSize + result.span().size() * sizeof(AttributeRun));
     return makeObject<AttributedString>(std::move(string), std::move(result));
 }
 
@@ -322,7 +321,7 @@ Value ObjectRebuilder::textAttachment(std::span<const StreamValue> values) {
     if (attachment->contents && attachment->fileType && attachment->fileWrapper &&
         attachment->fileWrapper->isDirectory())
         attachment->fileWrapper = nullptr;
-    budget_.takeKept(kApplicationObjectSize);
+    budget_.spendKept(applicationObjectSize);
     return attachment;
 }
 
@@ -338,21 +337,21 @@ Value ObjectRebuilder::fileWrapper(std::span<const StreamValue> values) {
     // Many wrappers may name one data object; it is read once.
     const auto [known, isNew] = wrappersBySource_.try_emplace(serialized->begin());
     if (isNew) {
-        budget_.takeWorking(kObjectSize + static_cast<quint64>(serialized->size()));
+        budget_.spendWorking(objectSize + static_cast<quint64>(serialized->size()));
         known->second = parseSerializedFileWrapper(*serialized);
-        if (known->second) budget_.takeKept(wrapperSize(*known->second));
+        if (known->second) budget_.spendKept(wrapperSize(*known->second));
     }
     return known->second;
 }
 
 Value ObjectRebuilder::application(const ClassInfo& info, std::span<const StreamValue> values) {
-    budget_.takeKept(kApplicationObjectSize);
+    budget_.spendKept(applicationObjectSize);
     PositionalCoder coder(*this, values);
     return info.initWithCoder(coder);
 }
 
 const Value& ObjectRebuilder::valueOf(quint32 number) {
-    if (number == kNoNumber) return nothing_;
+    if (number == noNumber) return nothing_;
     const auto& entry = table_[number];
     if (entry.kind == ObjectTable::Kind::object) return rebuilt_[entry.index];
     if (entry.kind == ObjectTable::Kind::dictionary)
@@ -362,7 +361,7 @@ const Value& ObjectRebuilder::valueOf(quint32 number) {
 
 const Value& ObjectRebuilder::dictionaryValue(ArchivedDictionary& dictionary) {
     if (!dictionary.value.isNothing()) return dictionary.value;
-    budget_.takeKept(kObjectSize + dictionary.memberCount * sizeof(Value));
+    budget_.spendKept(objectSize + dictionary.memberCount * sizeof(Value));
     const auto member = [&](quint32 i) { return valueOf(members_[dictionary.firstMember + i]); };
     std::vector<std::pair<Value, Value>> pairs;
     pairs.reserve(dictionary.memberCount / 2);
@@ -376,7 +375,7 @@ quint8 ObjectRebuilder::heightOf(std::span<const StreamValue> values) {
     quint8 height = 0;
     for (const StreamValue& value : values)
         height = std::max(height, value.height);
-    if (height == kMaximumHeight) throw MalformedArchive();
+    if (height == maximumHeight) throw MalformedArchive();
     return static_cast<quint8>(height + 1);
 }
 
@@ -384,4 +383,4 @@ Data ObjectRebuilder::slice(const StreamValue& value) const {
     return data_.slice(value.data - data_.begin(), value.number);
 }
 
-}  // namespace foundation::nonkeyed
+}  // namespace foundation::non_keyed

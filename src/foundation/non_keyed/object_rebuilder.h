@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// ObjectRebuilder: turns the values of one finished object of a non-keyed archive into what its
-// class stands for. Objects end innermost first, so all that an object holds is there already,
-// except the objects around it, which count as absent: rebuilt graphs hold no cycles.
+// ObjectRebuilder: turns the values of a finished object of a non-keyed archive into an instance of
+// its class. Objects end innermost first, so everything that an object holds exists already, except
+// the objects around it, which count as absent: rebuilt graphs hold no cycles.
 
 #include <memory>
 #include <span>
@@ -11,24 +11,24 @@
 
 #include "foundation/attributed_string.h"
 #include "foundation/derived_texts.h"
+#include "foundation/non_keyed/budget.h"
 #include "foundation/non_keyed/chunked_vector.h"
-#include "foundation/non_keyed/memory_budget.h"
 #include "foundation/non_keyed/object_table.h"
 #include "foundation/non_keyed/stream_value.h"
 
-namespace foundation::nonkeyed {
+namespace foundation::non_keyed {
 
 class ObjectRebuilder {
   public:
-    /// What an object of a class has to hand over when it ends.
+    /// What is kept of an object's values until it ends.
     enum class Needs {
-        nothing,   ///< nobody asks for what it holds
+        nothing,   ///< they are never used
         values,    ///< all of its values
         elements,  ///< the same, for a collection whose size is bounded
     };
 
     /// All three must outlive the rebuilder. Attachment bytes become slices of `data`.
-    ObjectRebuilder(const Data& data, ObjectTable& table, MemoryBudget& budget)
+    ObjectRebuilder(const Data& data, ObjectTable& table, Budget& budget)
         : data_(data), table_(table), budget_(budget) {}
 
     [[nodiscard]] static Needs needs(const ClassRecord& cls);
@@ -49,7 +49,7 @@ class ObjectRebuilder {
         quint32 memberCount = 0;
         /// What it means as an attribute dictionary; null when none of the attributes is set.
         std::shared_ptr<const Attributes> attributes;
-        Value value;  ///< made when somebody asks for it
+        Value value;  ///< made on first use
     };
 
     Value rebuilt(const ClassRecord& cls, std::span<const StreamValue> values);
@@ -75,7 +75,7 @@ class ObjectRebuilder {
     const Value nothing_;
     const Data& data_;
     ObjectTable& table_;
-    MemoryBudget& budget_;
+    Budget& budget_;
     ChunkedVector<Value> rebuilt_;
     ChunkedVector<ArchivedDictionary> dictionaries_;
     ChunkedVector<quint32> members_;
@@ -87,4 +87,4 @@ class ObjectRebuilder {
     std::vector<const std::shared_ptr<const Attributes>*> numberedAttributes_;
 };
 
-}  // namespace foundation::nonkeyed
+}  // namespace foundation::non_keyed

@@ -9,7 +9,7 @@
 
 #include "foundation/class_registry.h"
 
-namespace foundation::nonkeyed {
+namespace foundation::non_keyed {
 
 /// A class as the archive describes it.
 struct ClassRecord {
@@ -47,4 +47,4 @@ class ObjectTable {
     std::vector<Entry> entries_;
 };
 
-}  // namespace foundation::nonkeyed
+}  // namespace foundation::non_keyed

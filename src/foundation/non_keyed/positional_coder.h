@@ -1,14 +1,14 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// PositionalCoder: what an application class reads its instance from in a non-keyed archive: the
-// values of one object, one after another, whatever groups they were written in.
+// PositionalCoder: the values of one object of a non-keyed archive, read one after another by its
+// application class, whatever groups they were written in.
 
 #include <span>
 
 #include "foundation/non_keyed/object_rebuilder.h"
 
-namespace foundation::nonkeyed {
+namespace foundation::non_keyed {
 
 class PositionalCoder final : public Coder {
   public:
@@ -32,7 +32,7 @@ class PositionalCoder final : public Coder {
     [[nodiscard]] QString description() const override { return QStringLiteral("<NSUnarchiver>"); }
 
   private:
-    /// A position is a position: a value of another type than the one asked for is passed too.
+    /// A value of another type than the expected one uses up its position too.
     const StreamValue* take() {
         if (rest_.empty()) return nullptr;
         const StreamValue* next = &rest_.front();
@@ -44,4 +44,4 @@ class PositionalCoder final : public Coder {
     std::span<const StreamValue> rest_;
 };
 
-}  // namespace foundation::nonkeyed
+}  // namespace foundation::non_keyed

@@ -1,23 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/non_keyed/reader.h"
 
-namespace foundation::nonkeyed {
+namespace foundation::non_keyed {
 
 namespace {
 
 using Kind = StreamValue::Kind;
 
 /// Objects and brackets inside one another; real archives stay below 30.
-constexpr int kMaximumNesting = 256;
-constexpr size_t kMaximumClassChain = 64;
-/// An array of more elements than this and an eighth of the archive's size is no honest one.
-constexpr size_t kArrayAllowance = 4096;
+constexpr int maximumNesting = 256;
+constexpr size_t maximumClassChain = 64;
+/// Elements of one collection, above an eighth of the archive's size; no real one has more.
+constexpr size_t extraElements = 4096;
 /// Values of unfinished objects, above a quarter of the archive's size.
-constexpr size_t kValueAllowance = size_t(1) << 20;
+constexpr size_t extraValues = size_t(1) << 20;
 
-constexpr quint8 kNew = static_cast<quint8>(Mark::isNew);
-constexpr quint8 kNil = static_cast<quint8>(Mark::nil);
-constexpr quint8 kEndOfObject = static_cast<quint8>(Mark::endOfObject);
+constexpr quint8 newMark = static_cast<quint8>(Mark::isNew);
+constexpr quint8 nilMark = static_cast<quint8>(Mark::nil);
+constexpr quint8 endOfObjectMark = static_cast<quint8>(Mark::endOfObject);
 
 }  // namespace
 
@@ -27,8 +27,8 @@ Reader::Reader(const Data& data, const ClassRegistry& registry)
       stream_(data_),
       budget_(data_.size()),
       rebuilder_(data_, table_, budget_),
-      maximumValues_(static_cast<size_t>(data_.size()) / 4 + kValueAllowance),
-      maximumElements_(static_cast<size_t>(data_.size()) / 8 + kArrayAllowance) {}
+      maximumValues_(static_cast<size_t>(data_.size()) / 4 + extraValues),
+      maximumElements_(static_cast<size_t>(data_.size()) / 8 + extraElements) {}
 
 Value Reader::readRoot() {
     const auto group = readGroup();
@@ -123,9 +123,9 @@ void Reader::skipBody(quint32 first, quint32 end) {
 
 StreamValue Reader::readObject() {
     const quint8 head = stream_.byte();
-    if (head == kNil) return StreamValue::of(Kind::nil, '@');
+    if (head == nilMark) return StreamValue::of(Kind::nil, '@');
     StreamValue result = StreamValue::of(Kind::object, '@');
-    if (head == kNew) {
+    if (head == newMark) {
         result.number = addEntry({});
         const ClassRecord* cls = readClass();
         if (!cls) throw MalformedArchive();
@@ -147,7 +147,7 @@ void Reader::readObjectBody(quint32 number, const ClassRecord& cls) {
     const ObjectRebuilder::Needs needs = ObjectRebuilder::needs(cls);
     while (true) {
         const quint8 head = stream_.byte();
-        if (head == kEndOfObject) break;
+        if (head == endOfObjectMark) break;
         const auto types = readSharedString(head);
         if (!types) throw MalformedArchive();
         readGroupOf(*types, needs != ObjectRebuilder::Needs::nothing);
@@ -161,9 +161,9 @@ void Reader::readObjectBody(quint32 number, const ClassRecord& cls) {
 
 StreamValue Reader::readCString() {
     const quint8 head = stream_.byte();
-    if (head == kNil) return StreamValue::of(Kind::nil, '*');
+    if (head == nilMark) return StreamValue::of(Kind::nil, '*');
     quint32 string = 0;
-    if (head == kNew) {
+    if (head == newMark) {
         const auto body = readSharedString();
         if (!body) throw MalformedArchive();
         string = *body;
@@ -191,7 +191,7 @@ const ClassRecord* Reader::classAt(quint32 number) const {
 /// Null for nil.
 const ClassRecord* Reader::readClass() {
     const quint8 head = stream_.byte();
-    if (head == kNil || head == kNew) return readNewClass(head);
+    if (head == nilMark || head == newMark) return readNewClass(head);
     return classAt(readReference(head, table_.size()));
 }
 
@@ -200,15 +200,15 @@ const ClassRecord* Reader::readClass() {
 const ClassRecord* Reader::readNewClass(quint8 head) {
     const quint32 first = table_.size();
     std::vector<quint32> names;
-    for (; head == kNew; head = stream_.byte()) {
+    for (; head == newMark; head = stream_.byte()) {
         const auto name = readSharedString();
-        if (!name || names.size() == kMaximumClassChain) throw MalformedArchive();
+        if (!name || names.size() == maximumClassChain) throw MalformedArchive();
         stream_.integer();  // its version
         names.push_back(*name);
         addEntry({.kind = ObjectTable::Kind::unfinishedClass});
     }
     const ClassRecord* superclass = nullptr;
-    if (head != kNil) superclass = classAt(readReference(head, table_.size()));
+    if (head != nilMark) superclass = classAt(readReference(head, table_.size()));
     for (auto i = static_cast<quint32>(names.size()); i-- > 0;)
         superclass = &addClass(first + i, names[i], superclass);
     return superclass;
@@ -223,9 +223,9 @@ const ClassRecord& Reader::addClass(quint32 number, quint32 name, const ClassRec
     if (superclass) {
         if (!record.info) record.info = superclass->info;
         record.chainLength = superclass->chainLength + 1;
-        if (static_cast<size_t>(record.chainLength) > kMaximumClassChain) throw MalformedArchive();
+        if (static_cast<size_t>(record.chainLength) > maximumClassChain) throw MalformedArchive();
     }
-    budget_.takeWorking(2 * sizeof(ClassRecord));
+    budget_.spendWorking(2 * sizeof(ClassRecord));
     table_.set(number, {.kind = ObjectTable::Kind::classRecord,
                         .index = static_cast<quint32>(classes_.size())});
     return classes_.emplace_back(record);
@@ -233,9 +233,9 @@ const ClassRecord& Reader::addClass(quint32 number, quint32 name, const ClassRec
 
 /// Nothing for nil.
 std::optional<quint32> Reader::readSharedString(quint8 head) {
-    if (head == kNil) return std::nullopt;
-    if (head != kNew) return readReference(head, strings_.size());
-    budget_.takeWorking(kGrowth * sizeof(SharedString));
+    if (head == nilMark) return std::nullopt;
+    if (head != newMark) return readReference(head, strings_.size());
+    budget_.spendWorking(growthFactor * sizeof(SharedString));
     strings_.push_back({.text = stream_.unsharedString()});
     return static_cast<quint32>(strings_.size() - 1);
 }
@@ -244,7 +244,7 @@ void Reader::readTypesOf(SharedString& shared) {
     shared.firstOp = static_cast<quint32>(ops_.size());
     if (!appendTypeOps(shared.text, ops_)) throw MalformedArchive();
     shared.endOp = static_cast<quint32>(ops_.size());
-    budget_.takeWorking(kGrowth * sizeof(TypeOp) * (shared.endOp - shared.firstOp));
+    budget_.spendWorking(growthFactor * sizeof(TypeOp) * (shared.endOp - shared.firstOp));
 }
 
 void Reader::makeRoomForValues() {
@@ -253,7 +253,7 @@ void Reader::makeRoomForValues() {
 }
 
 void Reader::enter() {
-    if (++nesting_ > kMaximumNesting) throw MalformedArchive();
+    if (++nesting_ > maximumNesting) throw MalformedArchive();
 }
 
-}  // namespace foundation::nonkeyed
+}  // namespace foundation::non_keyed

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Reader: the grammar of a non-keyed archive above its bytes: groups, objects, classes, and
-// the tables that references point into. It needs to know no class; each object is handed to the
+// the tables that references point into. It needs no knowledge of classes; each object goes to the
 // rebuilder when it ends, so one pass over the archive is enough.
 
 #include <deque>
@@ -11,14 +11,14 @@
 #include <unordered_map>
 #include <vector>
 
-#include "foundation/non_keyed/memory_budget.h"
+#include "foundation/non_keyed/budget.h"
 #include "foundation/non_keyed/object_rebuilder.h"
 #include "foundation/non_keyed/object_table.h"
 #include "foundation/non_keyed/stream_value.h"
 #include "foundation/non_keyed/type_string.h"
 #include "foundation/non_keyed/typed_stream.h"
 
-namespace foundation::nonkeyed {
+namespace foundation::non_keyed {
 
 class Reader {
   public:
@@ -28,7 +28,7 @@ class Reader {
 
     /// The object that the archive's first group holds.
     Value readRoot();
-    /// The name that the archive gives to the root's class, once that was read.
+    /// The archived name of the root's class, once that was read.
     [[nodiscard]] QByteArray rootClassName() const { return rootClassName_; }
     /// The next group of the top level; valid until the next call.
     std::span<const StreamValue> readGroup();
@@ -57,13 +57,13 @@ class Reader {
     std::optional<quint32> readSharedString() { return readSharedString(stream_.byte()); }
     std::optional<quint32> readSharedString(quint8 head);
     quint32 readReference(quint8 head, size_t tableSize) {
-        const qint64 index = stream_.integer(head) - kFirstReference;
+        const qint64 index = stream_.integer(head) - firstReference;
         if (index < 0 || static_cast<quint64>(index) >= tableSize) throw MalformedArchive();
         return static_cast<quint32>(index);
     }
     void readTypesOf(SharedString& shared);
     quint32 addEntry(ObjectTable::Entry entry) {
-        budget_.takeWorking(kGrowth * sizeof(ObjectTable::Entry));
+        budget_.spendWorking(growthFactor * sizeof(ObjectTable::Entry));
         return table_.add(entry);
     }
     void keep(const StreamValue& value) {
@@ -74,16 +74,17 @@ class Reader {
     void enter();
     void leave() { --nesting_; }
 
-    /// What the first entry of a table is called in references: below zero, so that the first 238
-    /// of them take one byte apart from the marks.
-    static constexpr qint64 kFirstReference = -110;
-    /// What a growing vector takes at most for each entry, in entries: the old ones and twice them.
-    static constexpr quint64 kGrowth = 3;
+    /// The reference to the first entry of a table: negative, so that the first 238 entries take
+    /// one byte and don't collide with the marks.
+    static constexpr qint64 firstReference = -110;
+    /// The entries that a growing vector allocates at most for each entry: the old ones and twice
+    /// as many.
+    static constexpr quint64 growthFactor = 3;
 
     Data data_;
     const ClassRegistry& registry_;
     TypedStream stream_;
-    MemoryBudget budget_;
+    Budget budget_;
     ObjectTable table_;
     ObjectRebuilder rebuilder_;
     std::vector<SharedString> strings_;
@@ -98,4 +99,4 @@ class Reader {
     int nesting_ = 0;
 };
 
-}  // namespace foundation::nonkeyed
+}  // namespace foundation::non_keyed

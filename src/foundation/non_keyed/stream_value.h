@@ -1,13 +1,13 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// StreamValue: one value of an object that is not finished, as a non-keyed archive holds it.
-// Sixteen bytes, and whatever it refers to lies in the archive or has a number.
+// StreamValue: one value of an unfinished object of a non-keyed archive. Sixteen bytes; what it
+// refers to is in the archive or has a number.
 
 #include <QtGlobal>
 #include <string_view>
 
-namespace foundation::nonkeyed {
+namespace foundation::non_keyed {
 
 /// One value of an object. Arrays and structs count as one; only arrays of characters keep what
 /// they hold.
@@ -50,4 +50,4 @@ struct StreamValue {
     [[nodiscard]] bool isObject() const { return type == '@'; }  ///< nil too
 };
 
-}  // namespace foundation::nonkeyed
+}  // namespace foundation::non_keyed

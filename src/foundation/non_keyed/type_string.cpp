@@ -3,14 +3,14 @@
 
 #include <charconv>
 
-namespace foundation::nonkeyed {
+namespace foundation::non_keyed {
 
 namespace {
 
-constexpr int kMaximumBracketDepth = 16;
-constexpr std::string_view::size_type kMaximumDigits = 10;
+constexpr int maximumBracketDepth = 16;
+constexpr std::string_view::size_type maximumDigits = 10;
 /// Empty arrays in one type string. A group of them costs as much time as it has, but no input.
-constexpr int kMaximumEmptyArrays = 16;
+constexpr int maximumEmptyArrays = 16;
 
 class TypeStringParser {
   public:
@@ -35,7 +35,7 @@ class TypeStringParser {
             case '{':
                 return parseStruct(depth);
             default:
-                if (!kSimpleTypes.contains(letter)) return false;
+                if (simpleTypes.find(letter) == simpleTypes.npos) return false;
                 ops_.push_back({letter, 1, nextIndex() + 1});
                 return true;
         }
@@ -44,16 +44,16 @@ class TypeStringParser {
     bool parseArray(int depth) {
         const auto digits = std::min(rest_.find_first_not_of("0123456789"), rest_.size());
         quint32 count = 0;
-        if (digits > kMaximumDigits) return false;
+        if (digits > maximumDigits) return false;
         const auto [end, error] = std::from_chars(rest_.data(), rest_.data() + digits, count);
         if (error != std::errc()) return false;
         rest_.remove_prefix(digits);
         // An array of nothing takes no bytes: allowed by itself only, and not often.
-        if (count == 0 && (depth > 0 || ++emptyArrays_ > kMaximumEmptyArrays)) return false;
+        if (count == 0 && (depth > 0 || ++emptyArrays_ > maximumEmptyArrays)) return false;
         return parseBody({'[', count, 0}, ']', depth);
     }
 
-    /// A name may stand before the fields, divided by '='; a bracket ends the search for it.
+    /// A name and '=' may precede the fields; a bracket ends the search for it.
     bool parseStruct(int depth) {
         const auto mark = rest_.find_first_of("={}[]()");
         if (mark != rest_.npos && rest_[mark] == '=') rest_.remove_prefix(mark + 1);
@@ -61,7 +61,7 @@ class TypeStringParser {
     }
 
     bool parseBody(TypeOp opening, char closing, int depth) {
-        if (depth == kMaximumBracketDepth) return false;
+        if (depth == maximumBracketDepth) return false;
         const quint32 self = nextIndex();
         ops_.push_back(opening);
         do {
@@ -75,11 +75,7 @@ class TypeStringParser {
 
     [[nodiscard]] quint32 nextIndex() const { return static_cast<quint32>(ops_.size()); }
 
-    struct SimpleTypes {
-        std::string_view letters;
-        [[nodiscard]] bool contains(char c) const { return letters.find(c) != letters.npos; }
-    };
-    static constexpr SimpleTypes kSimpleTypes{"cCBsSiIlLqQfd@#*:%+"};
+    static constexpr std::string_view simpleTypes = "cCBsSiIlLqQfd@#*:%+";
 
     std::string_view rest_;
     std::vector<TypeOp>& ops_;
@@ -92,4 +88,4 @@ bool appendTypeOps(std::string_view text, std::vector<TypeOp>& ops) {
     return TypeStringParser(text, ops).parse();
 }
 
-}  // namespace foundation::nonkeyed
+}  // namespace foundation::non_keyed

@@ -3,21 +3,21 @@
 
 #include <bit>
 
-namespace foundation::nonkeyed {
+namespace foundation::non_keyed {
 
 namespace {
 
-constexpr quint8 kStreamerVersion = 4;
-constexpr std::string_view kLittleEndianName = "streamtyped";
-constexpr std::string_view kBigEndianName = "typedstream";
+constexpr quint8 streamerVersion = 4;
+constexpr std::string_view littleEndianName = "streamtyped";
+constexpr std::string_view bigEndianName = "typedstream";
 
 }  // namespace
 
 TypedStream::TypedStream(const Data& data) : position_(data.begin()), end_(data.end()) {
-    if (byte() != kStreamerVersion) throw MalformedArchive();
+    if (byte() != streamerVersion) throw MalformedArchive();
     const std::string_view name = unsharedString();
-    if (name != kLittleEndianName && name != kBigEndianName) throw MalformedArchive();
-    isBigEndian_ = name == kBigEndianName;
+    if (name != littleEndianName && name != bigEndianName) throw MalformedArchive();
+    isBigEndian_ = name == bigEndianName;
     integer();  // the writing system's version
 }
 
@@ -43,4 +43,4 @@ double TypedStream::real() {
 template double TypedStream::real<float, quint32>();
 template double TypedStream::real<double, quint64>();
 
-}  // namespace foundation::nonkeyed
+}  // namespace foundation::non_keyed

@@ -2,20 +2,20 @@
 // SPDX-License-Identifier: MIT
 //
 // TypedStream: the bytes of a non-keyed archive from front to back: its header, its integers, reals
-// and strings in the byte order that the header tells. Every read is checked against what is left
-// and throws MalformedArchive; no such exception leaves the reader of non-keyed archives.
+// and strings in the byte order of the header. Every read is checked against what is left and
+// throws MalformedArchive, which never leaves the reader of non-keyed archives.
 
 #include <QtEndian>
 #include <string_view>
 
 #include "foundation/data.h"
 
-namespace foundation::nonkeyed {
+namespace foundation::non_keyed {
 
 /// The bytes are no non-keyed archive or break its grammar or bounds.
 struct MalformedArchive {};
 
-/// Bytes that stand where a value could begin and mean something else.
+/// Bytes in the place of a value that mean something else.
 enum class Mark : quint8 {
     int16 = 0x81,
     int32 = 0x82,
@@ -31,14 +31,14 @@ class TypedStream {
     explicit TypedStream(const Data& data);
 
     [[nodiscard]] quint64 remaining() const { return static_cast<quint64>(end_ - position_); }
-    /// Takes the next byte when it is the mark.
+    /// Reads the next byte if it is the mark.
     bool takes(Mark mark) {
         if (position_ == end_) throw MalformedArchive();
         if (static_cast<quint8>(*position_) != static_cast<quint8>(mark)) return false;
         ++position_;
         return true;
     }
-    /// The next bytes, which the stream then has passed.
+    /// Reads so many bytes.
     std::string_view bytes(quint64 size) {
         if (size > remaining()) throw MalformedArchive();
         const std::string_view result(position_, size);
@@ -53,8 +53,8 @@ class TypedStream {
     qint32 integer() { return integer(byte()); }
     /// The same, when its first byte has been read already.
     qint32 integer(quint8 head) {
-        // Small numbers stand for themselves; the marks lie between the two ranges.
-        if (head < kFirstReserved || head > kLastReserved) return static_cast<qint8>(head);
+        // Small numbers represent themselves; the marks are between the two ranges.
+        if (head < firstReserved || head > lastReserved) return static_cast<qint8>(head);
         return wideInteger(head);
     }
     /// A real, of four or eight bytes unless it is written as an integer.
@@ -73,12 +73,12 @@ class TypedStream {
     template <class Real, class Bits>
     double real();
 
-    static constexpr quint8 kFirstReserved = 0x80;
-    static constexpr quint8 kLastReserved = 0x91;
+    static constexpr quint8 firstReserved = 0x80;
+    static constexpr quint8 lastReserved = 0x91;
 
     const char* position_;
     const char* end_;
     bool isBigEndian_ = false;
 };
 
-}  // namespace foundation::nonkeyed
+}  // namespace foundation::non_keyed

@@ -13,7 +13,7 @@ namespace {
 constexpr quint64 trailerSize = 32;
 constexpr quint64 largestCount = quint64(std::numeric_limits<qint64>::max());
 
-/// Whether a number of so many bytes can tell apart everything below the bound.
+/// Whether a number of so many bytes can address everything below the bound.
 bool canAddress(unsigned bytes, quint64 bound) {
     return bytes == 8 || (quint64(1) << (8 * bytes)) > bound;
 }
@@ -98,7 +98,7 @@ BinaryPropertyList::Node BinaryPropertyList::scalar(const char* at, quint64 room
     }
 }
 
-/// A node whose count stands before its items, as an integer of any size.
+/// A node whose count precedes its items, as an integer of any size.
 BinaryPropertyList::Node BinaryPropertyList::withLongCount(Kind kind, const char* at, quint64 room,
                                                            quint8 itemSize) {
     const unsigned size = 1u << (*at & 0x07);

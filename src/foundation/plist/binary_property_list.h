@@ -1,10 +1,10 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// BinaryPropertyList: the objects of a binary property list ("bplist00"), read where they lie. No
-// tree is built: a reference is looked up in the offset table and answered as a Node, a few words
-// about the bytes of that object. Opening checks the frame and every offset; a Node's payload lies
-// inside the object table, so its bytes may be read without a further check.
+// BinaryPropertyList: the objects of a binary property list ("bplist00"), read in place. No tree is
+// built: a reference is looked up in the offset table and returned as a Node, two words about the
+// bytes of that object. Opening checks the frame and every offset; a Node's payload is inside the
+// object table, so its bytes can be read without a further check.
 
 #include <QtEndian>
 #include <QtGlobal>
@@ -19,8 +19,8 @@ class BinaryPropertyList {
   public:
     /// Names one object; valid below objectCount().
     using Ref = quint64;
-    /// No object, no UID. (An optional would take a detour through memory wherever it is passed on,
-    /// which shows where this is done by the million.)
+    /// No object, no UID. (An optional would be returned through memory, which shows in a loop over
+    /// millions of references.)
     static constexpr quint64 none = ~quint64(0);
 
     enum class Kind : quint8 {
@@ -82,22 +82,21 @@ class BinaryPropertyList {
     [[nodiscard]] quint64 objectCount() const { return objectCount_; }
     [[nodiscard]] Ref topObject() const { return topObject_; }
     [[nodiscard]] Node node(Ref ref) const;
-    /// The value when the object is a UID, else none: what node() says, in the few steps this
-    /// needs.
+    /// The value when the object is a UID, else none: a shortcut for node().
     [[nodiscard]] quint64 uid(Ref ref) const;
     /// The bytes of the references to a dictionary's keys.
     [[nodiscard]] QByteArrayView keyRefBytes(const Node& dictionary) const {
         return {dictionary.payload(), qsizetype(dictionary.count() * refSize_)};
     }
-    /// The element of an array or set; the index must lie below its count.
+    /// The element of an array or set; the index must be below its count.
     [[nodiscard]] Ref element(const Node& array, quint64 index) const {
         return load(array.payload() + index * refSize_, refSize_);
     }
-    /// The key of a dictionary's pair; the index must lie below its count.
+    /// The key of a dictionary's pair; the index must be below its count.
     [[nodiscard]] Ref key(const Node& dictionary, quint64 index) const {
         return element(dictionary, index);
     }
-    /// The value of a dictionary's pair; the index must lie below its count.
+    /// The value of a dictionary's pair; the index must be below its count.
     [[nodiscard]] Ref value(const Node& dictionary, quint64 index) const {
         return element(dictionary, dictionary.count() + index);
     }
@@ -120,11 +119,11 @@ class BinaryPropertyList {
     std::array<quint8, 16> itemSizes_{};
 
     /// A big-endian integer of 1 to 8 bytes. It loads eight: the trailer follows everything that is
-    /// ever read this way, so the rest of them lies inside the file.
+    /// ever read this way, so the rest of them is inside the file.
     [[nodiscard]] static quint64 load(const char* bytes, unsigned size) {
         return qFromBigEndian<quint64>(bytes) >> (64 - 8 * size);
     }
-    /// Where an object's marker stands; null for none.
+    /// The position of an object's marker; null for none.
     [[nodiscard]] const char* marker(Ref ref) const {
         if (ref >= objectCount_) return nullptr;
         const quint64 offset = load(table_ + ref * offsetSize_, offsetSize_);

@@ -1,10 +1,10 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Texts: the strings of an archive as QStrings. Writers store equal strings once in the property
-// list, however many objects have them, so that one read a moment ago often comes again: the plain
-// text of a message and its attributed one. Those share one buffer. Once the texts together are
-// longer than the file, all long ones do.
+// StringTable: the strings of an archive as QStrings. Writers store equal strings once in the
+// property list, so one that was read recently often comes again: the plain text of a message and
+// its attributed one. These share one buffer. Once all strings together are longer than the file,
+// every long one is shared.
 
 #include <QString>
 #include <array>
@@ -12,21 +12,21 @@
 #include <tuple>
 
 #include "foundation/keyed/archive.h"
-#include "foundation/keyed/limits.h"
+#include "foundation/keyed/budgets.h"
 
 namespace foundation::keyed {
 
-class Texts {
+class StringTable {
   public:
-    Texts(quint64 fileSize, Allowance& bytes) : fileSize_(fileSize), bytes_(bytes) {}
+    StringTable(quint64 fileSize, Budget& bytes) : fileSize_(fileSize), bytes_(bytes) {}
 
     /// The text of a string node of either kind, or of the UTF-8 in a data node. Bytes above 0x7f
     /// in an ASCII string are read as UTF-8, unpaired surrogates are kept.
-    QString text(const Node& node);
+    QString string(const Node& node);
 
   private:
     quint64 fileSize_;
-    Allowance& bytes_;
+    Budget& bytes_;
     quint64 decoded_ = 0;  ///< units
     struct Recent {
         const char* payload = nullptr;

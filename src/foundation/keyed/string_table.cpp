@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "foundation/keyed/texts.h"
+#include "foundation/keyed/string_table.h"
 
 #include <QtEndian>
 
@@ -11,7 +11,7 @@ constexpr quint64 shortestShared = 64;
 
 }  // namespace
 
-QString Texts::text(const Node& node) {
+QString StringTable::string(const Node& node) {
     Recent& recent = recent_[(reinterpret_cast<quintptr>(node.payload()) >> 4) % recent_.size()];
     if (recent.payload == node.payload() && quint64(recent.text.size()) == node.count())
         return recent.text;
@@ -27,7 +27,7 @@ QString Texts::text(const Node& node) {
     return recent.text;
 }
 
-QString Texts::decode(const Node& node) {
+QString StringTable::decode(const Node& node) {
     const auto size = qsizetype(node.count());
     if (node.kind() == Kind::utf16String) {
         QString text(size, Qt::Uninitialized);
