@@ -16,7 +16,7 @@ Date at(const char* iso8601) {
     return Date::fromMillisecondsSinceEpoch(time.toMSecsSinceEpoch());
 }
 
-/// Puts TZ back at its end.
+/// Restores TZ.
 class ZoneOfProcess {
   public:
     ~ZoneOfProcess() { wasSet_ ? qputenv("TZ", before_) : qunsetenv("TZ"); }
@@ -79,7 +79,7 @@ TEST(Calendar, DaysAndMinutes) {
     }
 }
 
-TEST(Calendar, InstantsOutsideItAreOnlyTheSameAsThemselves) {
+TEST(Calendar, InstantsOutOfRangeEqualOnlyThemselves) {
     const Calendar calendar = *Calendar::named("America/New_York");
     const double values[] = {std::nan(""), std::numeric_limits<double>::infinity(),
                              -std::numeric_limits<double>::infinity(), 1e300, 0.0};
@@ -92,13 +92,13 @@ TEST(Calendar, InstantsOutsideItAreOnlyTheSameAsThemselves) {
     }
 }
 
-TEST(Calendar, RememberedStretchesAgreeWithTheZone) {
+TEST(Calendar, CachedStretchesAgreeWithTheZone) {
     const Calendar calendar = *Calendar::named("Europe/London");
     const QTimeZone zone("Europe/London");
     const auto localDay = [&zone](qint64 second) {
         return QDateTime::fromSecsSinceEpoch(second, zone).date();
     };
-    // Back and forth through two centuries, so that stretches are met in no order.
+    // Back and forth through two centuries, so that stretches are met out of order.
     quint32 random = 1;
     for (int i = 0; i < 3000; ++i) {
         random = random * 1664525 + 1013904223;

@@ -13,7 +13,6 @@ namespace {
 using foundation::Data;
 using foundation::FileWrapper;
 using foundation::parseSerializedFileWrapper;
-using support::FileDraft;
 using support::serializedFileWrapper;
 
 QByteArray word(quint32 value) {
@@ -68,23 +67,18 @@ TEST(FileWrapper, ReadsRegularFilesWithTheirBytesInPlace) {
 }
 
 TEST(FileWrapper, ReadsFoldersWithTheirEntriesInOrder) {
-    const auto wrapper = parseSerializedFileWrapper(serializedFileWrapper(
-        {.name = QStringLiteral("a.rtfd"),
-         .children = std::vector<FileDraft>{
-             {.name = QStringLiteral("TXT.rtf"), .contents = "text"},
-             {.name = QStringLiteral("sub"),
-              .children =
-                  std::vector<FileDraft>{{.name = QStringLiteral("x"), .contents = "1"}}}}}));
+    const auto wrapper = parsedDirectory({{"__@PreferredName@__", bytesRecord("a.rtfd")},
+                                          {"TXT.rtf", bytesRecord("text")},
+                                          {"sub", directoryRecord({{"x", bytesRecord("1")}})}});
     ASSERT_TRUE(wrapper);
     EXPECT_EQ(wrapper->description(),
               QStringLiteral("<FileWrapper: \"a.rtfd\" directory, 2 entries>"));
     EXPECT_EQ(wrapper->children[0]->filename, QStringLiteral("TXT.rtf"));
     EXPECT_EQ(wrapper->children[0]->contents->view(), "text");
-    EXPECT_TRUE(wrapper->children[1]->isDirectory());
     EXPECT_EQ(wrapper->children[1]->children.at(0)->filename, QStringLiteral("x"));
 }
 
-TEST(FileWrapper, TakesNamesAsNamesOfOneFile) {
+TEST(FileWrapper, MakesStoredNamesFileNames) {
     const auto nameOf = [](const std::vector<std::pair<QByteArray, QByteArray>>& names) {
         auto entries = names;
         entries.insert(entries.begin(), {"..", bytesRecord("x")});
@@ -103,7 +97,7 @@ TEST(FileWrapper, TakesNamesAsNamesOfOneFile) {
               QStringLiteral("..etcpasswd"));
     for (const char* noName : {"", ".", "..", "../", "///"})
         EXPECT_EQ(nameOf({{utf8, bytesRecord(noName)}}), QStringLiteral("(none)")) << noName;
-    // A name that only decodes to a reserved one is no reserved one.
+    // A name that only decodes to a reserved one is an ordinary one.
     EXPECT_EQ(parsedDirectory({{QByteArray("..\0", 3), bytesRecord("x")}})->description(),
               QStringLiteral("<FileWrapper: directory, 1 entries>"));
 }
@@ -130,7 +124,7 @@ QByteArray attributes(const std::vector<std::pair<QByteArray, quint32>>& entries
     return bytesRecord(table);
 }
 
-TEST(FileWrapper, TellsSymbolicLinksByTheirAttributes) {
+TEST(FileWrapper, RecognisesSymbolicLinksByTheirAttributes) {
     const auto link = [](const QByteArray& table) {
         const auto wrapper = parsedDirectory({{"..", bytesRecord("../Büro/a.txt")},
                                               {"__@PreferredName@__", bytesRecord("a")},
@@ -203,19 +197,17 @@ TEST(FileWrapper, RefusesMalformedBytes) {
     EXPECT_TRUE(parseSerializedFileWrapper(whole));
 }
 
-TEST(FileWrapper, IsEqualByWhatItHolds) {
-    const auto parsed = [](const char* name, const char* contents) {
-        return parseSerializedFileWrapper(serializedFileWrapper(
-            {.name = QStringLiteral("d"),
-             .children = std::vector<FileDraft>{
-                 {.name = QString::fromLatin1(name), .contents = contents}}}));
+TEST(FileWrapper, ComparesByContent) {
+    const auto folder = [](const QByteArray& name, const QByteArray& contents) {
+        return *parsedDirectory({{name, bytesRecord(contents)}});
     };
-    EXPECT_TRUE(*parsed("a", "1") == *parsed("a", "1"));
-    EXPECT_FALSE(*parsed("a", "1") == *parsed("a", "2"));
-    EXPECT_FALSE(*parsed("a", "1") == *parsed("b", "1"));
-    EXPECT_EQ(qHash(*parsed("a", "1")), qHash(*parsed("a", "1")));
-    EXPECT_NE(qHash(*parsed("a", "1")), qHash(*parsed("a", "2")));
-    EXPECT_NE(qHash(*parsed("a", "1")), qHash(*parsed("b", "1")));
+    const FileWrapper wrapper = folder("a", "1");
+    EXPECT_TRUE(wrapper == folder("a", "1"));
+    EXPECT_EQ(qHash(wrapper), qHash(folder("a", "1")));
+    for (const FileWrapper& other : {folder("a", "2"), folder("b", "1")}) {
+        EXPECT_FALSE(wrapper == other);
+        EXPECT_NE(qHash(wrapper), qHash(other));
+    }
     EXPECT_FALSE(FileWrapper(Data()) == FileWrapper(FileWrapper::Kind::regularFile));
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::string_literals;
 
-/// The root object as its bytes stand behind the mark of a new object.
+/// An archive of these bytes behind the mark of a new object.
 QByteArray rootObject(const std::string& bytes) {
     return archived(raw("@", '\x84' + bytes + '\x86'));
 }
@@ -58,11 +58,11 @@ TEST(Unarchiver, RefusesMalformedArchives) {
         {"nil type string", good.first(16) + '\x85'},
         {"type string past the table", good.first(16) + '\x92'},
         {"object past the table", probe("@", "\x70")},
-        {"class where an object is wanted", probe("@", "\x93")},
-        {"C string where an object is wanted",
+        {"class in place of an object", probe("@", "\x93")},
+        {"C string in place of an object",
          archived(obj("Probe", {raw("*", "\x84\x84\1c"), raw("@", "\x95")}))},
-        {"object where a class is wanted", probe("@", "\x84\x92\x86")},
-        {"object where a C string is wanted", probe("*", "\x92")},
+        {"object in place of a class", probe("@", "\x84\x92\x86")},
+        {"object in place of a C string", probe("*", "\x92")},
         {"C string without a body", probe("*", "\x84\x85")},
         {"object of class nil", rootObject("\x85")},
         {"class without a name", rootObject("\x84\x85")},
@@ -73,8 +73,8 @@ TEST(Unarchiver, RefusesMalformedArchives) {
                     '\x85')},
         {"object without an end", good.chopped(1)},
         {"reserved head of an integer", probe("i", "\x80")},
-        {"mark where an integer is wanted", probe("i", "\x84")},
-        {"real where an integer is wanted", probe("i", "\x83\1\2\3\4")},
+        {"mark in place of an integer", probe("i", "\x84")},
+        {"real in place of an integer", probe("i", "\x83\1\2\3\4")},
         {"negative length", probe("+", "\xff")},
         {"length past the end", probe("+", "\x82\xff\xff\xff\x7f")},
         {"characters past the end", probe("[99999999c]", "abc")},
@@ -99,7 +99,7 @@ TEST(Unarchiver, RefusesMalformedArchives) {
         EXPECT_TRUE(read(bytes).isNothing()) << fault;
 }
 
-TEST(Unarchiver, AnswersNothingForEveryProperPrefix) {
+TEST(Unarchiver, RefusesEveryProperPrefix) {
     const QByteArray bytes = archived(
         array({obj("Probe",
                    {obj("NSDate", {raw("d", "\x83zzzzzzzz")}), raw("I", "\xff"), data("abc")}),
@@ -110,7 +110,7 @@ TEST(Unarchiver, AnswersNothingForEveryProperPrefix) {
     ASSERT_FALSE(read(bytes).isNothing());
     for (qsizetype size = 0; size < bytes.size(); ++size)
         EXPECT_TRUE(read(bytes.first(size)).isNothing()) << size;
-    EXPECT_FALSE(read(bytes + "\xff\xff").isNothing()) << "what follows the root is nobody's";
+    EXPECT_FALSE(read(bytes + "\xff\xff").isNothing()) << "what follows the root is ignored";
 }
 
 TEST(Unarchiver, RefusesGraphsOutOfProportionToTheirArchive) {
@@ -119,7 +119,7 @@ TEST(Unarchiver, RefusesGraphsOutOfProportionToTheirArchive) {
         return read(archived([&](auto& a) { a.array(count, [&] { group(a); }); }));
     };
     EXPECT_FALSE(nils(5000).isNothing());
-    EXPECT_TRUE(nils(6000).isNothing()) << "more elements than honest bytes can tell";
+    EXPECT_TRUE(nils(6000).isNothing()) << "more elements than a real archive has";
 
     const auto chain = [](int length) {
         return read(archived([&](auto& a) {
@@ -133,7 +133,7 @@ TEST(Unarchiver, RefusesGraphsOutOfProportionToTheirArchive) {
     EXPECT_FALSE(chain(200).isNothing());
     EXPECT_TRUE(chain(300).isNothing()) << "nested too deep by reference";
 
-    // Nobody keeps them: 98 is the class of the first.
+    // They are not kept: 98 is the class of the first.
     const auto empties = [](int count) {
         const QByteArray objects = QByteArray("\x84\x98\x86").repeated(count);
         const Piece many = raw(QByteArray(count, '@'), objects);
@@ -143,7 +143,7 @@ TEST(Unarchiver, RefusesGraphsOutOfProportionToTheirArchive) {
     EXPECT_TRUE(empties(600'000).isNothing()) << "empty instances";
 }
 
-// Each of these would take minutes if work were repeated for every byte that refers to it.
+// Each of these would take minutes if work were repeated for each reference.
 TEST(Unarchiver, WorksOnceOnWhatManyBytesReferTo) {
     const std::string length = "\x82\x40\x42\x0f\0"s;  // of a million
     const std::string name(1'000'000, 'N');

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What well-formed non-keyed archives become.
+// Well-formed non-keyed archives.
 #include <gtest/gtest.h>
 
 #include "foundation/runs_text.h"
@@ -78,7 +78,7 @@ TEST(Unarchiver, RebuildsValueClassesInBothByteOrders) {
     }
 }
 
-TEST(Unarchiver, CountsCollectionsByWhatIsThere) {
+TEST(Unarchiver, CollectionsHoldTheElementsThatExist) {
     const auto elements = [](QByteArrayView count) {
         return described(obj("NSArray", {raw("i", count), str("a"), str("b")}));
     };
@@ -91,7 +91,7 @@ TEST(Unarchiver, CountsCollectionsByWhatIsThere) {
               "NSDictionary {k = v;}");
 }
 
-TEST(Unarchiver, HandsApplicationClassesTheirValuesByPosition) {
+TEST(Unarchiver, ApplicationClassesDecodeByPosition) {
     struct Row {
         const char* name;
         Pieces pieces;
@@ -159,7 +159,7 @@ TEST(Unarchiver, SharesWhatIsReferredToTwiceAndLeavesOutCycles) {
     int self = 0;
     EXPECT_EQ(described(named(self, array({ref(self), obj("Probe", {ref(self)})}))),
               "NSArray (nil, <Probe>)");
-    // A dictionary is looked into late; what was unfinished when it ended must stay absent.
+    // A dictionary is made on first use; what was unfinished when it ended must stay absent.
     int outer = 0;
     const Piece inside = obj("Unknown", {named(pairs, dictionary({str("k"), ref(outer)}))});
     EXPECT_EQ(described(array({named(outer, array({inside})), ref(pairs)})),

