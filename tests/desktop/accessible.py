@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 #
-# The program as assistive technology sees it.
+# The program as assistive technology sees it. Desktop.accessible() returns this module.
 
 import os
 
@@ -47,7 +47,7 @@ def holding(text):
 
 
 def windows(role=None, name=None):
-    """The windows of all programs on this desktop that are shown."""
+    """The windows that all programs on this desktop show."""
     found = []
     desktop = pyatspi.Registry.getDesktop(0)
     for application in list(desktop):
@@ -96,6 +96,30 @@ def place(node):
 def text(node):
     content = node.queryText()
     return content.getText(0, content.characterCount)
+
+
+def has_role(node, role):
+    return _is(node, role, None)
+
+
+def focus(node):
+    """Moves the keyboard there; whether it has arrived and the node is on the screen."""
+    try:
+        node.queryComponent().grabFocus()
+        return node.getState().contains(pyatspi.STATE_FOCUSED) and showing(node)
+    except Exception:  # not there yet
+        return False
+
+
+def play(*steps):
+    """Takes the steps in order; when one fails, what the windows show is printed."""
+    for step in steps:
+        print(step.__name__, flush=True)
+        try:
+            step()
+        except AssertionError:
+            dump()
+            raise
 
 
 def dump():

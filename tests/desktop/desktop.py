@@ -1,14 +1,14 @@
 # SPDX-License-Identifier: MIT
 #
-# A desktop of its own for a test: an X server on a display number that was free, a session bus, a
-# window manager, and folders that are nobody's. Everything that was started, and nothing else, has
-# ended when the test leaves it.
+# A private desktop for a test: an X server on a free display, a session bus, a window manager, and
+# empty folders. Whatever was started on it, and nothing else, has ended when the test leaves it.
 #
 #     with Desktop() as desktop:
 #         vell = desktop.start("vell", "chat.ichat")
 #         wait_for(lambda: ..., "the window")
 
 import ctypes
+import importlib.util
 import os
 import shutil
 import signal
@@ -34,15 +34,29 @@ def need(*programs):
             skip(f"no {program} here")
 
 
+def need_tracing():
+    need("strace")
+    if subprocess.run(["strace", "-f", "-o", "/dev/null", "true"], capture_output=True,
+                      check=False).returncode != 0:
+        skip("processes can't be traced here")
+
+
+def need_accessibility():
+    if not importlib.util.find_spec("pyatspi"):
+        skip("no pyatspi for this Python")
+    if not os.path.exists("/usr/share/dbus-1/services/org.a11y.Bus.service"):
+        skip("no accessibility bus here")
+
+
 def wait_for(condition, what, seconds=40):
-    """The first true answer of the condition; a test never waits for anything else."""
+    """The first true result of the condition; a test never waits for anything else."""
     end = time.monotonic() + seconds
     while True:
-        answer = condition()
-        if answer:
-            return answer
+        result = condition()
+        if result:
+            return result
         if time.monotonic() > end:
-            raise AssertionError(f"waited in vain for {what}")
+            raise AssertionError(f"timed out waiting for {what}")
         time.sleep(0.05)
 
 
@@ -64,14 +78,14 @@ def descendants(of):
 
 
 class Desktop:
-    def __init__(self):
+    def __init__(self, **environment):
         need("Xvfb", "dbus-daemon", "openbox", "xdotool")
-        # Services that the bus starts would otherwise outlive it as children of nobody.
+        # Services that the bus starts would otherwise outlive it as orphans.
         ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
         self.folder = tempfile.mkdtemp(prefix="vell-desktop-")
         self.processes = []
         self.environment = {
-            "PATH": os.environ["PATH"],
+            "PATH": self.path("bin") + ":" + os.environ["PATH"],
             "HOME": self.path("home"),
             "XDG_CONFIG_HOME": self.path("home/.config"),
             "XDG_DATA_HOME": self.path("home/.local/share"),
@@ -84,10 +98,16 @@ class Desktop:
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
             "GSETTINGS_BACKEND": "memory",
             "GIO_USE_VFS": "local",
+            **environment,
         }
         for name in ("HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "TMPDIR"):
             os.makedirs(self.environment[name])
         os.mkdir(self.environment["XDG_RUNTIME_DIR"], 0o700)
+        # Addresses that programs open end up as lines of a file.
+        os.mkdir(self.path("bin"))
+        with open(self.path("bin/xdg-open"), "w", opener=lambda path, flags: os.open(
+                path, flags, 0o700)) as opener:
+            opener.write(f'#!/bin/sh\nprintf "%s\\n" "$1" >>{self.path("opened")}\n')
 
     def path(self, name):
         return os.path.join(self.folder, name)
@@ -102,10 +122,10 @@ class Desktop:
 
     def _begin(self):
         # Without -noreset the server forgets everything when its last client leaves.
-        self.environment["DISPLAY"] = ":" + self._told("Xvfb", "-screen", "0", "1600x1200x24",
+        self.environment["DISPLAY"] = ":" + self._ready("Xvfb", "-screen", "0", "1600x1200x24",
                                                        "-nolisten", "tcp", "-noreset",
                                                        option="-displayfd")
-        self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._told(
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._ready(
             "dbus-daemon", "--session", "--nofork", "--nopidfile",
             "--address=unix:path=" + self.path("run/bus"), option="--print-address")
         self.start("openbox", "--sm-disable", output="openbox.log")
@@ -139,18 +159,57 @@ class Desktop:
         return process
 
     def run(self, *command):
-        """Runs a program to its end and answers the bytes it wrote; none when it failed."""
+        """Runs a program to its end and returns the bytes it wrote; none when it failed."""
         done = subprocess.run(command, env=self.environment, stdin=subprocess.DEVNULL,
                               capture_output=True, check=False, timeout=60)
         return done.stdout if done.returncode == 0 else b""
 
-    def _told(self, *command, option):
-        """Starts a server and answers the line it writes once it is ready."""
+    def text(self, *command):
+        return self.run(*command).decode()
+
+    def opened(self):
+        """The addresses that programs have opened."""
+        try:
+            with open(self.path("opened"), encoding="utf-8") as addresses:
+                return addresses.read().splitlines()
+        except FileNotFoundError:
+            return []
+
+    def setting(self, key):
+        """A setting of the program as it stands on the disk."""
+        try:
+            with open(os.path.join(self.environment["XDG_CONFIG_HOME"], "quillmark",
+                                   "vell.conf")) as settings:
+                return next((line.split("=", 1)[1].strip() for line in settings
+                             if line.startswith(key + "=")), None)
+        except FileNotFoundError:
+            return None
+
+    def window(self, title):
+        """The number of the visible window whose title begins like this."""
+        return wait_for(lambda: self.text("xdotool", "search", "--onlyvisible", "--name",
+                                          "^" + title).split(), f"the window {title}")[0]
+
+    def activate(self, window):
+        def is_active():
+            self.run("xdotool", "windowactivate", window)
+            return self.text("xdotool", "getactivewindow").strip() == window
+
+        wait_for(is_active, f"window {window} to be active")
+
+    def accessible(self):
+        """The windows of this desktop as assistive technology sees them."""
+        os.environ.update(self.environment)  # for the bindings in this process
+        import accessible
+        return accessible
+
+    def _ready(self, *command, option):
+        """Starts a server and returns the line it writes once it is ready."""
         reading, writing = os.pipe()
         argument = [f"{option}={writing}"] if option.startswith("--") else [option, str(writing)]
         self.start(*command, *argument, pass_fds=[writing])
         os.close(writing)
         with open(reading) as line:
-            answer = line.readline().strip()
-        assert answer, f"{command[0]} did not start"
-        return answer
+            written = line.readline().strip()
+        assert written, f"{command[0]} did not start"
+        return written

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The other side of the desktop tests: makes the transcript, finds its picture on the screen, and
-// is the program that a picture is dragged to.
+// A helper for the desktop tests: writes transcripts, finds a picture on the screen, and is the
+// program that a picture is dragged to.
 //
 //     partner make TRANSCRIPT PICTURE    writes a chat with one picture, and the picture's bytes
 //     partner wrap TRANSCRIPT FILE…    writes a chat with these files in one message each
@@ -27,7 +27,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// No desktop has this colour.
+// A colour that no desktop uses.
 constexpr QRgb colour = qRgb(255, 0, 255);
 constexpr int fewestPixels = 2000;
 
@@ -80,7 +80,7 @@ int find() {
     return 0;
 }
 
-/// Says on standard output what happens to it.
+/// Prints what happens to it.
 class Taker final : public QWidget {
   public:
     explicit Taker(const QString& path) : path_(path) {

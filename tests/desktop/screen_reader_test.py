@@ -1,69 +1,18 @@
-#!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Reads a conversation as a screen reader does: lists every message of a sample in order, with its
-sender, text and time, whether it is on the screen or not, and follows a link.
-
-usage: with_desktop.sh screen_reader_test.py VELL VELL_EXPORT SAMPLE
-"""
+#
+# Reads a conversation as a screen reader does: every message of a sample in order, with its sender,
+# text and time, whether it is on the screen or not; then follows a link.
+#
+# usage: screen_reader_test.py VELL VELL_EXPORT SAMPLE
 
 import json
-import os
-import subprocess
 import sys
-import time
 
-try:
-    import pyatspi
-except ImportError:
-    print("skipped: no pyatspi here")
-    sys.exit(77)
-
-PATIENCE = 60  # seconds
+from desktop import Desktop, need_accessibility, wait_for
 
 
-def wait_for(what, find):
-    """The first true answer of find(); objects may come and go while it looks."""
-    end = time.monotonic() + PATIENCE
-    while time.monotonic() < end:
-        try:
-            found = find()
-        except Exception as error:  # the bus tells every kind of absence as one of its own
-            found, problem = None, error
-        else:
-            problem = "nothing"
-        if found:
-            return found
-        time.sleep(0.05)
-    sys.exit(f"waited for {what} and found {problem}")
-
-
-def descendant(node, is_wanted, depth=8):
-    if is_wanted(node):
-        return node
-    if depth == 0:
-        return None
-    for index in range(min(node.childCount, 50)):
-        child = node.getChildAtIndex(index)
-        found = child and descendant(child, is_wanted, depth - 1)
-        if found:
-            return found
-    return None
-
-
-def conversation(pid):
-    """The list of messages in the program's window."""
-    desktop = pyatspi.Registry.getDesktop(0)
-    for application in desktop:
-        if application and application.get_process_id() == pid:
-            return descendant(
-                application, lambda node: node.getRole() == pyatspi.ROLE_LIST and node.childCount > 20
-            )
-    return None
-
-
-def expected_rows(export, sample):
+def expected_rows(log):
     """Role and name of each row, made from the exported conversation."""
-    log = json.loads(subprocess.check_output([export, "--format", "json", sample]))
     rows = []
     for event in log["events"]:
         date, clock = event["timestamp"].split("T")
@@ -71,10 +20,10 @@ def expected_rows(export, sample):
         sender = event["sender"] and event["sender"]["userID"]
         kind = event["kind"]
         if kind in ("newDay", "newMinute"):
-            rows.append((pyatspi.ROLE_HEADING, ("", date[:4] if kind == "newDay" else "", clock)))
+            rows.append(("heading", ("", date[:4] if kind == "newDay" else "", clock)))
         elif kind == "user":
             if sender:
-                rows.append((pyatspi.ROLE_LABEL, ("End of messages by " + sender,)))
+                rows.append(("label", ("End of messages by " + sender,)))
         else:
             text = {
                 "plainText": lambda: event["text"],
@@ -82,69 +31,49 @@ def expected_rows(export, sample):
                 "image": lambda: "Picture " + event["path"],
                 "file": lambda: "File: ",
             }[kind]()
-            role = pyatspi.ROLE_LINK if kind == "link" else pyatspi.ROLE_LIST_ITEM
+            role = "link" if kind == "link" else "list item"
             rows.append((role, ((sender + ": ") if sender else "", text, ", " + clock)))
-    links = [event["url"] for event in log["events"] if event["kind"] == "link"]
-    return rows, links
+    return rows
 
 
-def check_rows(messages, expected):
-    if messages.childCount != len(expected):
-        sys.exit(f"{messages.childCount} rows, not {len(expected)}")
-    hidden = 0
-    for index, (role, parts) in enumerate(expected):
-        item = messages.getChildAtIndex(index)
-        name = item.name
-        if item.getRole() != role:
-            sys.exit(f"row {index} ({name}) is a {item.getRoleName()}")
-        if not (name.startswith(parts[0]) and name.endswith(parts[-1])):
-            sys.exit(f"row {index} is called {name!r}, not {parts}")
-        if not all(part in name for part in parts):
-            sys.exit(f"row {index} is called {name!r}, not {parts}")
-        hidden += not item.getState().contains(pyatspi.STATE_SHOWING)
-    if hidden < len(expected) // 2:
-        sys.exit(f"only {hidden} rows of {len(expected)} are beyond the window")
+class Reading:
+    def __init__(self, desktop, vell, export, sample):
+        self.desktop, self.vell, self.sample = desktop, vell, sample
+        self.log = json.loads(desktop.run(export, "--format", "json", sample))
+        self.expected = expected_rows(self.log)
+
+    def start(self):
+        self.desktop.start(self.vell, self.sample)
+        self.messages = a11y.wait_find(a11y.window(a11y.holding("jonas_at_home"), "frame"), "list")
+        wait_for(lambda: self.messages.childCount > 0, "messages")
+
+    def read(self):
+        assert self.messages.childCount == len(self.expected), self.messages.childCount
+        hidden = 0
+        for index, (role, parts) in enumerate(self.expected):
+            item = self.messages.getChildAtIndex(index)
+            name = item.name
+            assert a11y.has_role(item, role), f"row {index} ({name}) is a {item.getRoleName()}"
+            assert (name.startswith(parts[0]) and name.endswith(parts[-1]) and
+                    all(part in name for part in parts)), f"row {index}: {name!r}, not {parts}"
+            hidden += not a11y.showing(item)
+        assert hidden >= len(self.expected) // 2, f"only {hidden} rows are beyond the window"
+
+    def follow_link(self):
+        index = [role for role, _ in self.expected].index("link")
+        a11y.press(self.messages.getChildAtIndex(index))
+        address = next(event["url"] for event in self.log["events"] if event["kind"] == "link")
+        assert wait_for(self.desktop.opened, "the link to be opened") == [address]
+
+    def go_to_last(self):
+        """A row that was never on the screen comes there when the reader goes to it."""
+        last = self.messages.childCount - 1
+        wait_for(lambda: a11y.focus(self.messages.getChildAtIndex(last)),
+                 "the focus on the last row")
 
 
-def go_to_last(messages):
-    """Rows that were never on the screen come there when the reader goes to them."""
-    item = messages.getChildAtIndex(messages.childCount - 1)
-
-    def has_focus():
-        item.queryComponent().grabFocus()
-        state = item.getState()
-        return state.contains(pyatspi.STATE_FOCUSED) and state.contains(pyatspi.STATE_SHOWING)
-
-    wait_for("the focus on the last row", has_focus)
-
-
-def press_link(messages, expected, address):
-    index = [role for role, _ in expected].index(pyatspi.ROLE_LINK)
-    action = messages.getChildAtIndex(index).queryAction()
-    names = [action.getName(i) for i in range(action.nActions)]
-    action.doAction(names.index("Press"))
-
-    def opened():
-        with open(os.environ["OPENED"], encoding="utf-8") as file:
-            return file.read().splitlines()
-
-    addresses = wait_for("the link to be opened", opened)
-    if addresses != [address]:
-        sys.exit(f"opened {addresses}, not {address}")
-
-
-def main():
-    vell, export, sample = sys.argv[1:]
-    expected, links = expected_rows(export, sample)
-    program = subprocess.Popen([vell, "--new-instance", sample])
-    try:
-        messages = wait_for("the conversation", lambda: conversation(program.pid))
-        check_rows(messages, expected)
-        press_link(messages, expected, links[0])
-        go_to_last(messages)
-    finally:
-        program.terminate()
-        program.wait(PATIENCE)
-
-
-main()
+need_accessibility()
+with Desktop(LC_ALL="en_GB.UTF-8", TZ="UTC") as desktop:
+    a11y = desktop.accessible()
+    reading = Reading(desktop, *sys.argv[1:4])
+    a11y.play(reading.start, reading.read, reading.follow_link, reading.go_to_last)

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 #
-# The program never uses the network: watches every socket it makes while it opens transcripts, is
-# started again, and quits. Left out where processes can't be traced.
+# The program never uses the network: every socket it creates is traced while it opens transcripts,
+# is started again, and quits.
 #
 # usage: sockets_test.py VELL FOLDER…
 
@@ -9,13 +9,12 @@ import os
 import pathlib
 import re
 import signal
-import subprocess
 import sys
 
-from desktop import Desktop, descendants, need, skip, wait_for
+from desktop import Desktop, descendants, need_tracing, wait_for
 
-# Whom a desktop program may speak to: the display, the buses, itself; and the C library's own
-# questions about users, which never leave the machine.
+# What a desktop program may connect to: the display, the buses, itself; and the name service of the
+# C library, which stays on the machine.
 ALLOWED = [
     r"/tmp/\.X11-unix/X\d+",
     r"{folder}/run/bus",
@@ -27,13 +26,8 @@ ALLOWED = [
 ]
 
 
-def can_trace():
-    return subprocess.run(["strace", "-f", "-o", "/dev/null", "true"], capture_output=True,
-                          check=False).returncode == 0
-
-
-def strangers(log, folder):
-    """The calls that have to do with anybody else."""
+def foreign_calls(log, folder):
+    """The system calls that involve any other socket."""
     allowed = re.compile("|".join(ALLOWED).replace("{folder}", re.escape(folder)))
     found = []
     sockets = 0
@@ -47,16 +41,14 @@ def strangers(log, folder):
             addressed = re.search(r"\b(connect|bind|send\w+)\(", line)
             if "AF_UNIX" not in line or (addressed and not (path and allowed.fullmatch(path[1]))):
                 found.append(line)
-    assert sockets > 0, "the trace saw nothing"
+    assert sockets > 0, "the trace is empty"
     return found
 
 
 def main():
     vell, *folders = sys.argv[1:]
     transcripts = [str(file) for folder in folders for file in pathlib.Path(folder).glob("*.ichat")]
-    need("strace")
-    if not can_trace():
-        skip("processes can't be traced here")
+    need_tracing()
     with Desktop() as desktop:
         trace = desktop.path("trace")
         strace = ["strace", "-f", "-qq", "-s", "256", "-e", "trace=%network", "-o"]
@@ -78,8 +70,8 @@ def main():
         assert running.wait(60) == 0, "quitting failed"
         for name in (trace, trace + ".second"):
             with open(name, errors="replace") as log:
-                found = strangers(log, desktop.folder)
-            assert not found, "sockets of others:\n" + "".join(found)
+                found = foreign_calls(log, desktop.folder)
+            assert not found, "unexpected sockets:\n" + "".join(found)
 
 
 main()

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 #
-# A whole visit, played with the keyboard and through assistive technology: read, enlarge, find,
-# copy, open a second transcript and a broken one, see names from an address book, quit, and be back
-# where one was.
+# A whole session, played with the keyboard and through assistive technology: read, enlarge, find,
+# copy, open a second transcript and a damaged one, see names from an address book, quit, and return
+# to the same place.
 #
 # usage: visit_test.py VELL VELL-EXPORT SAMPLES
 
@@ -12,7 +12,7 @@ import signal
 import sys
 import time
 
-from desktop import Desktop, need, skip, wait_for
+from desktop import Desktop, need, need_accessibility, wait_for
 
 CARD = """BEGIN:VCARD
 VERSION:3.0
@@ -40,29 +40,11 @@ class Visit:
         shutil.copy(os.path.join(samples, name), self.desktop.path(name))
         return self.desktop.path(name)
 
-    def run(self, *command):
-        return self.desktop.run(*command).decode()
-
-    def keys(self, window, *keys):
+    def keys(self, title, *keys):
         """Types into a window, which comes to the front first."""
-        number = wait_for(lambda: self.run("xdotool", "search", "--onlyvisible", "--name",
-                                           "^" + window).split(), f"the window {window}")[0]
-
-        def is_active():
-            self.run("xdotool", "windowactivate", number)
-            return self.run("xdotool", "getactivewindow").strip() == number
-
-        wait_for(is_active, f"{window} to be active")
+        self.desktop.activate(self.desktop.window(title))
         for key in keys:
-            self.run("xdotool", "key", "--clearmodifiers", key)
-
-    def setting(self, key):
-        path = os.path.join(self.desktop.environment["XDG_CONFIG_HOME"], "quillmark", "vell.conf")
-        if not os.path.exists(path):
-            return None
-        with open(path) as settings:
-            return next((line.split("=", 1)[1].strip() for line in settings
-                         if line.startswith(key + "=")), None)
+            self.desktop.run("xdotool", "key", "--clearmodifiers", key)
 
     # ---- the steps, in order ----
 
@@ -79,12 +61,12 @@ class Visit:
 
     def enlarge(self):
         self.keys("jonas", "ctrl+equal", "ctrl+equal")
-        wait_for(lambda: self.setting("TimelineFontSize") == "18", "a larger type")
+        wait_for(lambda: self.desktop.setting("TimelineFontSize") == "18", "a larger type")
 
     def find(self):
         self.keys("jonas", "ctrl+f")
         a11y.wait_find(self.window, "text", a11y.named("Find in chat"))
-        self.run("xdotool", "type", "--delay", "5", "LANDLORD")
+        self.desktop.run("xdotool", "type", "--delay", "5", "LANDLORD")
         a11y.wait_find(self.window, "label", a11y.named("1 of 2"))
         self.keys("jonas", "Escape")
         wait_for(lambda: not a11y.find(self.window, "label", a11y.named("1 of 2")),
@@ -119,7 +101,7 @@ class Visit:
         log = a11y.window(a11y.named("Vell Load Log"))
         assert time.monotonic() - began >= 0.8, "the log came before its time"
         shown = a11y.text(a11y.wait_find(log, "text"))
-        version = self.run(self.vell, "--version").split()[1]
+        version = self.desktop.text(self.vell, "--version").split()[1]
         for part in (f"#  App Version: {version} Build ", "w/ size: 27\n", "|this was never a|",
                      "74 68 69 73"):
             assert part in shown, f"{part!r} is missing in\n{shown}"
@@ -154,7 +136,7 @@ class Visit:
         wait_for(lambda: not a11y.windows("frame"), "all windows to go")
         self.running = self.desktop.start(self.vell)
         wait_for(lambda: self.places() == places, f"the same places as {places}")
-        assert self.setting("TimelineFontSize") == "18"
+        assert self.desktop.setting("TimelineFontSize") == "18"
         self.running.send_signal(signal.SIGTERM)
         assert self.running.wait(60) == 0
 
@@ -169,27 +151,10 @@ class Visit:
         return shown[0].name if shown else None
 
 
-def main():
-    need("xdotool", "xclip")
-    try:
-        import pyatspi  # noqa: F401
-    except ImportError:
-        skip("no pyatspi for this Python")
-    if not os.path.exists("/usr/share/dbus-1/services/org.a11y.Bus.service"):
-        skip("no accessibility bus here")
-    with Desktop() as desktop:
-        os.environ.update(desktop.environment)  # for the accessibility bindings in this process
-        global a11y
-        import accessible as a11y
-        visit = Visit(desktop, *sys.argv[1:4])
-        for step in (visit.start, visit.read, visit.enlarge, visit.find, visit.copy_all, visit.open_second,
-                     visit.open_broken, visit.name_people, visit.about_twice, visit.come_back):
-            print(step.__name__, flush=True)
-            try:
-                step()
-            except AssertionError:
-                a11y.dump()
-                raise
-
-
-main()
+need("xclip")
+need_accessibility()
+with Desktop() as desktop:
+    a11y = desktop.accessible()
+    visit = Visit(desktop, *sys.argv[1:4])
+    a11y.play(visit.start, visit.read, visit.enlarge, visit.find, visit.copy_all, visit.open_second,
+              visit.open_broken, visit.name_people, visit.about_twice, visit.come_back)
