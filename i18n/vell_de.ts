@@ -63,18 +63,18 @@
         <translation>• die Adressbücher des Systems (Evolution)</translation>
     </message>
     <message>
-        <source>Vell would like to read your contacts, to show names and pictures instead of chat addresses.</source>
-        <translation>Vell möchte Ihre Kontakte lesen, um Namen und Bilder statt Chat-Adressen zu zeigen.</translation>
+        <source>Vell would like to read your contacts to show names and pictures instead of chat addresses.</source>
+        <translation>Vell möchte Ihre Kontakte lesen, um Namen und Bilder statt Chat-Adressen anzuzeigen.</translation>
     </message>
     <message>
-        <source>It would read:
+        <source>Vell would read:
 %1
 
-Nothing is written to them or sent anywhere. You can change your answer in the preferences.</source>
-        <translation>Gelesen würden:
+Nothing is written to them or sent anywhere. You can change this in the preferences.</source>
+        <translation>Vell würde lesen:
 %1
 
-Nichts davon wird geändert oder irgendwohin gesendet. In den Einstellungen können Sie Ihre Antwort ändern.</translation>
+Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Einstellungen ändern.</translation>
     </message>
     <message>
         <source>Don’t Allow</source>
@@ -286,12 +286,12 @@ Nichts davon wird geändert oder irgendwohin gesendet. In den Einstellungen kön
         <translation>Ganzen Chat kopieren</translation>
     </message>
     <message>
-        <source>The chat is too long to be copied as a whole.</source>
-        <translation>Der Chat ist zu lang, um ganz kopiert zu werden.</translation>
+        <source>The chat is too long to copy as a whole.</source>
+        <translation>Der Chat ist zu lang, um als Ganzes kopiert zu werden.</translation>
     </message>
     <message>
-        <source>As text it takes more than %1, far more than its file. Save it as Markdown, or copy a part of it.</source>
-        <translation>Als Text braucht er mehr als %1, weit mehr als seine Datei. Sichern Sie ihn als Markdown, oder kopieren Sie einen Teil davon.</translation>
+        <source>As text it takes more than %1, far more than its file. Save it as Markdown or copy part of it.</source>
+        <translation>Als Text braucht er mehr als %1, weit mehr als seine Datei. Sichern Sie ihn als Markdown oder kopieren Sie einen Teil davon.</translation>
     </message>
     <message>
         <source>Save a document that is far larger than the chat’s file?</source>
@@ -440,20 +440,20 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
         <translation>Das Dokument „%1“ konnte nicht geöffnet werden. Es gibt keine solche Datei.</translation>
     </message>
     <message>
-        <source>The document “%1” could not be opened. You may not read it.</source>
-        <translation>Das Dokument „%1“ konnte nicht geöffnet werden. Sie dürfen es nicht lesen.</translation>
+        <source>The document “%1” could not be opened. You don’t have permission to read it.</source>
+        <translation>Das Dokument „%1“ konnte nicht geöffnet werden. Sie haben keine Berechtigung, es zu lesen.</translation>
     </message>
     <message>
-        <source>What was found in it follows in a window, from which you can send it to us.</source>
-        <translation>Was darin gefunden wurde, folgt in einem Fenster, aus dem Sie es uns senden können.</translation>
+        <source>A load log opens next; you can send it to us.</source>
+        <translation>Gleich öffnet sich ein Ladeprotokoll, das Sie uns senden können.</translation>
     </message>
     <message>
-        <source>It may have been moved, renamed or deleted. “Find iChat Files …” in the File menu looks for it on your disks.</source>
-        <translation>Sie wurde vielleicht verschoben, umbenannt oder gelöscht. „iChat-Dateien suchen …“ im Menü „Datei“ sucht sie auf Ihren Datenträgern.</translation>
+        <source>It may have been moved, renamed or deleted. “Find iChat Files …” in the File menu can search your disks for it.</source>
+        <translation>Es wurde vielleicht verschoben, umbenannt oder gelöscht. „iChat-Dateien suchen …“ im Menü „Datei“ sucht es auf Ihren Datenträgern.</translation>
     </message>
     <message>
-        <source>Ask whoever owns it for access, or for a copy of your own.</source>
-        <translation>Bitten Sie den Eigentümer um Zugriff oder um eine eigene Kopie.</translation>
+        <source>Ask its owner for access or for a copy.</source>
+        <translation>Bitten Sie den Eigentümer um Zugriff oder um eine Kopie.</translation>
     </message>
     <message>
         <source>Documents that could not be opened</source>
@@ -467,16 +467,16 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
         </translation>
     </message>
     <message>
-        <source>What was found in damaged ones follows in a window each, from which you can send it to us.</source>
-        <translation>Was in beschädigten gefunden wurde, folgt in je einem Fenster, aus dem Sie es uns senden können.</translation>
+        <source>A load log opens next for each damaged one; you can send it to us.</source>
+        <translation>Für jedes beschädigte öffnet sich gleich ein Ladeprotokoll, das Sie uns senden können.</translation>
     </message>
     <message>
         <source>The document “%1” could not be opened. It is larger than Vell can read.</source>
         <translation>Das Dokument „%1“ konnte nicht geöffnet werden. Es ist größer, als Vell lesen kann.</translation>
     </message>
     <message>
-        <source>Transcripts hardly ever have more than some megabytes: it is probably another kind of file.</source>
-        <translation>Mitschnitte sind selten größer als einige Megabyte: Wahrscheinlich ist es eine Datei anderer Art.</translation>
+        <source>Transcripts are rarely larger than a few megabytes; this is probably another kind of file.</source>
+        <translation>Mitschnitte sind selten größer als einige Megabyte; wahrscheinlich ist dies eine andere Art von Datei.</translation>
     </message>
 </context>
 <context>
@@ -505,8 +505,8 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
         <translation>Namen und Bilder aus dem &amp;Adressbuch lesen</translation>
     </message>
     <message>
-        <source>The address book is the desktop’s own, with the vCard files in your contacts folders. Nothing is ever written to it.</source>
-        <translation>Das Adressbuch ist das des Systems, mit den vCard-Dateien in Ihren Kontakte-Ordnern. Nie wird etwas hineingeschrieben.</translation>
+        <source>This is the desktop’s address book and the vCard files in your contacts folders. Nothing is ever written to them.</source>
+        <translation>Das sind das Adressbuch des Systems und die vCard-Dateien in Ihren Kontakte-Ordnern. Es wird nie etwas hineingeschrieben.</translation>
     </message>
     <message>
         <source>vCard files</source>
@@ -549,8 +549,8 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
         <translation>Fenster</translation>
     </message>
     <message>
-        <source>Open the windows of the last visit &amp;again</source>
-        <translation>Fenster des letzten Besuchs &amp;wieder öffnen</translation>
+        <source>Reopen &amp;windows from the last session</source>
+        <translation>Fenster der letzten Sitzung &amp;wieder öffnen</translation>
     </message>
 </context>
 <context>

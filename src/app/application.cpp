@@ -42,7 +42,7 @@ Application::Application(std::shared_ptr<FileReader> reader)
             bringToFront(*windows_.back().window);
         }
     });
-    // When the session ends, nobody closes the windows one by one.
+    // When the desktop session ends, the windows aren't closed one by one.
     connect(qApp, &QGuiApplication::commitDataRequest, this, &Application::rememberPlaces,
             Qt::DirectConnection);
     qApp->installEventFilter(this);
@@ -127,9 +127,10 @@ void Application::openWithoutFiles() {
     if (settings_.restoresWindows()) {
         QStringList paths = settings_.lastWindows();
         const auto facts = fileFacts(paths);
-        // Each is remembered again once it is shown: one that ends the program does so only once.
+        // Each is remembered again once it is shown: one that crashes the program does so only
+        // once.
         settings_.setLastWindows({});
-        // What has gone since the last visit is no error now.
+        // A file that was removed since the last session is not an error.
         for (qsizetype i = paths.size(); i-- > 0;) {
             const auto& known = facts[static_cast<size_t>(i)];
             if (known && !known->exists) paths.removeAt(i);
@@ -141,11 +142,11 @@ void Application::openWithoutFiles() {
 
 void Application::giveUp(DocumentWindow* window, const foundation::Error& error) {
     remove(window);
-    if (windows_.empty()) showWelcome();  // a way on
+    if (windows_.empty()) showWelcome();  // or the program would end
     reportFailure(window->path(), error);
 }
 
-// One message for all that fail at about the same time: no dialog ever covers another.
+// One dialog for all that fail at about the same time, so that none covers another.
 void Application::reportFailure(const QString& path, const foundation::Error& error) {
     const bool isTooLarge = error.code() == qint64(foundation::ReadErrorCode::tooLarge);
     auto cause = isTooLarge ? OpenFailures::Cause::tooLarge : OpenFailures::Cause::damaged;
@@ -215,8 +216,8 @@ void Application::showPreferences() {
     bringToFront(*preferences_);
 }
 
-// Closing the last window ends the program: what it showed is what the next visit begins with. A
-// transcript that isn't shown yet may turn out to be broken, or end the program.
+// Closing the last window ends the program, and the next session begins with what it showed. A
+// transcript that isn't shown yet may turn out to be damaged, or crash the program.
 void Application::rememberWindows() {
     QStringList paths;
     for (const OpenWindow& open : windows_) {
@@ -226,7 +227,7 @@ void Application::rememberWindows() {
     if (!isQuitting_ && !paths.isEmpty()) settings_.setLastWindows(paths);
 }
 
-// However the program is told to quit, what is open now is what the next visit begins with.
+// However the program is quit, the next session begins with what is open now.
 void Application::beginQuitting() {
     rememberWindows();
     isQuitting_ = true;

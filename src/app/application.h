@@ -38,9 +38,9 @@ class Application final : public QObject, public Commands {
     explicit Application(std::shared_ptr<FileReader> reader = nullptr);
     ~Application() override;
 
-    /// What a start without files shows: the windows of the last visit, else the welcome.
+    /// What a start without files shows: the windows of the last session, else the welcome window.
     void openWithoutFiles();
-    /// Takes over the files of later starts of the program, unless another instance does already.
+    /// Opens the files of later starts of the program, unless another instance does already.
     bool listenForOtherStarts();
 
     void open(const QStringList& paths) override;
@@ -58,7 +58,7 @@ class Application final : public QObject, public Commands {
   private:
     struct OpenWindow {
         DocumentWindow* window;  // deletes itself on closing
-        QString canonicalPath;   // empty when it wasn't told in time
+        QString canonicalPath;   // empty if the file system didn't respond in time
     };
 
     void openContacts();

@@ -18,15 +18,15 @@ CommandLine CommandLine::parse(const QStringList& arguments) {
                                   QStringLiteral("Show this help."));
     const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
                                      QStringLiteral("Show the version."));
-    const QCommandLineOption newInstance(
-        QStringLiteral("new-instance"),
-        QStringLiteral("Keep apart from a vell that runs already."));
+    const QCommandLineOption newInstance(QStringLiteral("new-instance"),
+                                         QStringLiteral("Start a separate instance."));
     const QCommandLineOption render(
         QStringLiteral("render"),
-        QStringLiteral("Paint what the window would show into a picture, without a display."),
+        QStringLiteral("Save a picture of what the window would show, without a display."),
         QStringLiteral("OUT.png"));
-    const QCommandLineOption dark(QStringLiteral("dark"),
-                                  QStringLiteral("With --render, in dark colours."));
+    const QCommandLineOption dark(
+        QStringLiteral("dark"),
+        QStringLiteral("With --render: use the colours of a dark desktop."));
     parser.addOptions({help, version, newInstance, render, dark});
     parser.addPositionalArgument(QStringLiteral("FILE"),
                                  QStringLiteral("A transcript, a folder to search, or - for "
@@ -34,16 +34,16 @@ CommandLine CommandLine::parse(const QStringList& arguments) {
                                  QStringLiteral("[FILE…]"));
     CommandLine result;
     if (!parser.parse(arguments)) {
-        result.answer = Answer{QStringLiteral("vell: ") + parser.errorText(), 2};
+        result.reply = Reply{QStringLiteral("vell: ") + parser.errorText(), 2};
         return result;
     }
     if (parser.isSet(help)) {
-        result.answer = Answer{parser.helpText(), 0};
+        result.reply = Reply{parser.helpText(), 0};
     } else if (parser.isSet(version)) {
         const ApplicationInfo info = applicationInfo();
-        result.answer = Answer{info.appName + u' ' + info.version, 0};
+        result.reply = Reply{info.appName + u' ' + info.version, 0};
     } else if (parser.isSet(render) && parser.positionalArguments().size() != 1) {
-        result.answer = Answer{QStringLiteral("vell: --render paints exactly one file"), 2};
+        result.reply = Reply{QStringLiteral("vell: --render takes exactly one file"), 2};
     }
     result.files = parser.positionalArguments();
     result.newInstance = parser.isSet(newInstance);

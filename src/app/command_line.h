@@ -12,15 +12,15 @@ namespace vell {
 struct CommandLine {
     QStringList files;  ///< as written
     bool newInstance = false;
-    std::optional<QString> renderTarget;  ///< paint the first file into this picture and end
-    bool isDark = false;                  ///< in the colours of a dark desktop
+    std::optional<QString> renderTarget;  ///< save a picture of the first file and exit
+    bool isDark = false;                  ///< use the colours of a dark desktop
 
-    /// The text and exit code of a command line that asks for no window: help, version, mistakes.
-    struct Answer {
+    /// The text and exit code of a command line that opens no window: help, version, errors.
+    struct Reply {
         QString text;
         int exitCode = 0;
     };
-    std::optional<Answer> answer;
+    std::optional<Reply> reply;
 
     /// Reads the arguments, the program's name first. Needs an application object of any kind.
     static CommandLine parse(const QStringList& arguments);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// vell [FILE…]: opens transcripts in windows. With --render it paints one into a picture instead.
+// vell [FILE…]: opens transcripts in windows. With --render it saves a picture of one instead.
 
 #include <QApplication>
 #include <QDir>
@@ -47,27 +47,28 @@ bool hasDisplay() {
 #endif
 }
 
-/// What the toolkit says while it looks for a display; printed once it has one.
+/// Messages of the toolkit while it connects to a display; printed once it has one.
 QStringList heldBack;
 
-/// When there is none, it goes on with a list of plug-ins and an abort; this ends with a sentence.
+/// Without a display the toolkit lists its plug-ins and aborts; this exits with one sentence
+/// instead.
 void holdBack(QtMsgType type, const QMessageLogContext& context, const QString& message) {
     if (type != QtFatalMsg) {
         heldBack.append(qFormatLogMessage(type, context, message));
         return;
     }
-    QStringList asked;
+    QStringList tried;
     for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"}) {
         if (!qEnvironmentVariableIsEmpty(name))
-            asked.append(QLatin1String(name) + u'=' + qEnvironmentVariable(name));
+            tried.append(QLatin1String(name) + u'=' + qEnvironmentVariable(name));
     }
-    std::fprintf(stderr,
-                 "vell: no display answers (%s); --render OUT.png FILE paints without one\n",
-                 qUtf8Printable(asked.join(QStringLiteral(", "))));
+    std::fprintf(
+        stderr, "vell: cannot connect to a display (%s); --render OUT.png FILE works without one\n",
+        qUtf8Printable(tried.join(QStringLiteral(", "))));
     std::_Exit(1);
 }
 
-/// The desktop's language, for our texts and for those of the toolkit's own dialogs.
+/// The desktop's language, for our texts and for the toolkit's own dialogs.
 void installTranslations(QApplication& application) {
     for (const auto& [name, folder] :
          {std::pair(QStringLiteral("vell"), QStringLiteral(":/i18n")),
@@ -88,15 +89,15 @@ void setIcon() {
 int run(int argc, char** argv) {
     setNames();
     const vell::CommandLine line = parse(argc, argv);
-    if (line.answer) {
-        std::fprintf(line.answer->exitCode == 0 ? stdout : stderr, "%s\n",
-                     qUtf8Printable(line.answer->text));
-        return line.answer->exitCode;
+    if (line.reply) {
+        std::fprintf(line.reply->exitCode == 0 ? stdout : stderr, "%s\n",
+                     qUtf8Printable(line.reply->text));
+        return line.reply->exitCode;
     }
     if (line.renderTarget) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     } else if (!hasDisplay()) {
-        std::fputs("vell: there is no display; --render OUT.png FILE paints without one\n", stderr);
+        std::fputs("vell: there is no display; --render OUT.png FILE works without one\n", stderr);
         return 1;
     }
 
@@ -116,14 +117,14 @@ int run(int argc, char** argv) {
     if (shared && vell::SingleInstance::handOver(paths)) return 0;
     vell::Application vellApplication;
     const vell::QuitSignals quitSignals;
-    // Another start may have been a moment faster.
+    // Another start may have been faster.
     if (shared && !vellApplication.listenForOtherStarts() && vell::SingleInstance::handOver(paths))
         return 0;
     if (paths.isEmpty()) {
         setIcon();
         vellApplication.openWithoutFiles();
     } else {
-        // Drawing the icon takes a while, and the first window needn't wait for it.
+        // Rendering the icon takes a while, and the first window needn't wait for it.
         QTimer::singleShot(iconDelay, &application, setIcon);
         vellApplication.open(paths);
     }
@@ -132,7 +133,7 @@ int run(int argc, char** argv) {
 
 }  // namespace
 
-// Threads that wait for a stalled disk are never joined: no static object may end before they do.
+// Threads that wait for a stalled disk are never joined, so static objects must not be destroyed.
 int main(int argc, char** argv) {
     const int exitCode = run(argc, argv);
     std::fflush(nullptr);

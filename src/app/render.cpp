@@ -20,7 +20,7 @@ namespace vell {
 namespace {
 
 constexpr QSize windowSize(520, 720);
-constexpr int patience = 10'000;  // milliseconds for pictures to be decoded
+constexpr int decodingTimeout = 10'000;  // milliseconds
 
 QPalette darkPalette() {
     QPalette palette(QColor(53, 53, 56), QColor(44, 44, 47));
@@ -49,13 +49,13 @@ int render(const QString& path, const QString& target, bool isDark) {
         TimelineView view(document.sharedChatlog(), contacts, pictures);
         view.resize(windowSize);
         view.show();
-        // Painting asks for pictures, and another row may come into view when one can't be drawn.
+        // Painting requests pictures, and one that can't be drawn may bring another row into view.
         QElapsedTimer total;
         total.start();
         do {
             QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
             view.grab();
-        } while (pictures.isBusy() && !total.hasExpired(patience));
+        } while (pictures.isBusy() && !total.hasExpired(decodingTimeout));
         if (view.grab().save(target, "PNG")) return 0;
         std::fprintf(stderr, "vell: %s can't be written\n", qUtf8Printable(target));
     } catch (const foundation::Error& error) {

@@ -7,7 +7,7 @@
 
 namespace vell {
 
-/// Paints the window's timeline of the transcript at the path; answers the program's exit code.
+/// Paints the window's timeline of the transcript at the path; returns the program's exit code.
 [[nodiscard]] int render(const QString& path, const QString& target, bool isDark);
 
 }  // namespace vell

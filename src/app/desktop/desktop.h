@@ -24,7 +24,7 @@ enum class InfoAddress { support, supportMail, publisher, bugReporter, identicon
 /// Shows the window in front of all others, with the keyboard in it.
 void bringToFront(QWidget& window);
 
-/// The text as a menu shows it to the letter, without mnemonics and shortcuts.
+/// The text escaped for a menu, where it has no mnemonics and shortcuts.
 [[nodiscard]] QString menuText(QString text);
 
 /// Opens the address with the desktop's own program; returns whether one took it.

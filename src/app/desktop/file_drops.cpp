@@ -44,7 +44,7 @@ bool FileDrops::eventFilter(QObject* object, QEvent* event) {
 }
 
 bool FileDrops::take(QDropEvent& event, bool isDropped) {
-    // A picture of ours would be written to a file for who asks for its address.
+    // Reading the address of a picture dragged from our own window would write it to a file.
     if (event.source()) return false;
     const QStringList files = localFiles(*event.mimeData());
     if (files.isEmpty()) return false;

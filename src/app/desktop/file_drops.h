@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// FileDrops: lets every window of the program take files that are dropped on it from others,
-// wherever in it they land. What is dragged out of our own windows is left alone.
+// FileDrops: lets every window of the program accept files dropped from other programs anywhere in
+// it. Drags from our own windows are ignored.
 
 #include <QObject>
 #include <QStringList>

@@ -17,10 +17,10 @@ namespace {
 
 constexpr int quitSignals[] = {SIGHUP, SIGINT, SIGTERM};
 
-// A handler may do next to nothing: it writes into a pipe that the event loop listens to.
+// A signal handler may do very little: it writes to a pipe that the event loop watches.
 int ends[2] = {-1, -1};
 
-void tell(int) {
+void notify(int) {
     const char byte = 0;
     [[maybe_unused]] const auto written = ::write(ends[1], &byte, 1);
 }
@@ -39,7 +39,7 @@ QuitSignals::QuitSignals(QObject* parent) : QObject(parent) {
         QCoreApplication::quit();
     });
     struct sigaction action {};
-    action.sa_handler = tell;
+    action.sa_handler = notify;
     action.sa_flags = SA_RESTART | SA_RESETHAND;  // the second one ends the program at once
     for (const int signal : quitSignals)
         ::sigaction(signal, &action, nullptr);

@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// QuitSignals: makes the signals with which sessions and terminals end a program quit it in order,
-// so that windows and places are remembered. One object for the whole run; does nothing where there
-// are no such signals.
+// QuitSignals: lets SIGHUP, SIGINT and SIGTERM quit the program in order, so that windows and
+// places are remembered. One object for the whole run; does nothing on systems without these
+// signals.
 
 #include <QObject>
 

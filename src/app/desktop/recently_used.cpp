@@ -16,7 +16,7 @@ namespace vell::recentlyUsed {
 namespace {
 
 const QString ownName = QStringLiteral("Vell");
-constexpr qint64 largestList = 32 << 20;  // bytes; a longer one is somebody's accident
+constexpr qint64 largestList = 32 << 20;  // bytes; beyond it something is wrong with the list
 
 QString listPath() {
     return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation))
@@ -82,7 +82,7 @@ QDomElement addBookmark(QDomElement list, const QString& address, const QString&
     return bookmark;
 }
 
-/// Other programs change the list too: it is locked, read, edited and replaced whole.
+/// Other programs change the list too: it is locked, read, edited and replaced as a whole.
 void edit(const std::function<std::optional<QByteArray>(const QByteArray&)>& change) {
     const QString path = listPath();
     QLockFile lock(path + QStringLiteral(".vell-lock"));

@@ -14,7 +14,7 @@ const QString lastWindowsKey = QStringLiteral("LastWindows");
 const QString contactsFilesKey = QStringLiteral("ContactsFiles");
 const QString placesOrderKey = QStringLiteral("WindowPlaces/Order");
 
-/// Paths hold separators that a settings key can't.
+/// A settings key can't contain the separators of a path.
 QString placeKey(const QString& path) {
     const QByteArray digest =
         QCryptographicHash::hash(path.toUtf8(), QCryptographicHash::Sha1).toHex();

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Settings: what the program remembers between visits, one object shared by all windows. A change
-// made in one window is told to all. Lives on the window thread.
+// Settings: what the program remembers between sessions, one object shared by all windows, which
+// its signals keep in step. Window thread only.
 
 #include <QByteArray>
 #include <QObject>
@@ -30,7 +30,7 @@ class Settings final : public QObject {
     [[nodiscard]] qint64 timelineFontSize() const;
     void setTimelineFontSize(qint64 points);
 
-    /// Whether the windows of the last visit are opened again; true until changed.
+    /// Whether the windows of the last session are opened again; true until changed.
     [[nodiscard]] bool restoresWindows() const;
     void setRestoresWindows(bool restores);
     [[nodiscard]] QStringList lastWindows() const;

@@ -19,13 +19,13 @@
 namespace vell {
 namespace {
 
-constexpr int patience = 2000;               // milliseconds
-constexpr int answerPatience = 20000;        // for one that is there, but busy opening files
+constexpr int connectTimeout = 2000;         // milliseconds
+constexpr int replyTimeout = 20000;          // milliseconds; it may be busy opening files
 constexpr qint64 largestRequest = 16 << 20;  // bytes; longer than any command line
-const QByteArray answer("\x06");             // that the files arrived whole
+const QByteArray acknowledgement("\x06");    // all files have arrived
 
-// A request: the paths in UTF-16 as they are in memory, each with a zero behind it, and one zero
-// more. No count is told that would have to be believed.
+// A request: the paths in UTF-16 in native byte order, each terminated by a zero, and a final zero.
+// There is no count that would have to be trusted.
 QByteArray encoded(const QStringList& paths) {
     QString request;
     for (const QString& path : paths)
@@ -34,7 +34,7 @@ QByteArray encoded(const QStringList& paths) {
     return {reinterpret_cast<const char*>(request.utf16()), request.size() * 2};
 }
 
-/// Nothing while the request isn't complete.
+/// Nothing until the request is complete.
 std::optional<QStringList> decoded(const QByteArray& bytes) {
     if (bytes.size() % 2 != 0) return std::nullopt;
     QString request(bytes.size() / 2, Qt::Uninitialized);
@@ -68,7 +68,7 @@ bool isOurs(const QLocalSocket& socket) {
 #endif
 }
 #else
-// Pipes with names are the user's own there.
+// Named pipes belong to the user there.
 bool isPrivate(const QString& folder) {
     return !folder.isEmpty();
 }
@@ -77,7 +77,8 @@ bool isOurs(const QLocalSocket&) {
 }
 #endif
 
-/// One socket for each user and display, in the user's own run-time folder; nothing without one.
+/// One socket for each user and display, in the user's runtime folder; nothing without such a
+/// folder.
 std::optional<QString> socketPath() {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
     if (!isPrivate(folder)) return std::nullopt;
@@ -100,21 +101,22 @@ bool SingleInstance::handOver(const QStringList& paths) {
     if (!path) return false;
     QLocalSocket socket;
     socket.connectToServer(*path);
-    if (!socket.waitForConnected(patience) || !isOurs(socket)) return false;
+    if (!socket.waitForConnected(connectTimeout) || !isOurs(socket)) return false;
     socket.write(encoded(paths));
     socket.flush();
-    return socket.waitForReadyRead(answerPatience) && socket.read(answer.size()) == answer;
+    return socket.waitForReadyRead(replyTimeout) &&
+           socket.read(acknowledgement.size()) == acknowledgement;
 }
 
 bool SingleInstance::listen() {
     const auto path = socketPath();
     if (!path) return false;
-    // Listening takes the socket from whoever has it, so nobody may come in between.
+    // Listening replaces an existing socket, so no other start may do the same meanwhile.
     QLockFile lock(*path + QStringLiteral(".lock"));
-    if (!lock.tryLock(patience)) return false;
+    if (!lock.tryLock(connectTimeout)) return false;
     QLocalSocket other;
     other.connectToServer(*path);
-    if (other.waitForConnected(patience)) return false;
+    if (other.waitForConnected(connectTimeout)) return false;
     QLocalServer::removeServer(*path);
     return server_.listen(*path);
 }
@@ -134,7 +136,7 @@ void SingleInstance::accept() {
             const auto paths = decoded(socket->peek(largestRequest));
             if (!paths) return;
             socket->disconnect(this);
-            socket->write(answer);
+            socket->write(acknowledgement);
             socket->flush();
             Q_EMIT received(*paths);
         });

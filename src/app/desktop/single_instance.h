@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// SingleInstance: a second start of the program hands its files to the one that runs already, over
-// a socket of the same user on the same display. Both ends make sure of whom they speak to; where
-// there is no folder that only the user can enter, every start runs on its own.
+// SingleInstance: a second start of the program hands its files to the running one, over a socket
+// for the same user and display. Both ends check the user at the other end; without a folder that
+// only the user can enter, every start runs on its own.
 
 #include <QLocalServer>
 #include <QObject>
@@ -17,11 +17,11 @@ class SingleInstance final : public QObject {
   public:
     explicit SingleInstance(QObject* parent = nullptr);
 
-    /// Hands the files (absolute paths; none just asks for the front) to a running instance;
-    /// answers whether one took them.
+    /// Hands the files (absolute paths; none: it just comes to the front) to a running instance;
+    /// returns whether one took them.
     [[nodiscard]] static bool handOver(const QStringList& paths);
 
-    /// Becomes the instance that later starts hand over to, unless another one is that already.
+    /// Becomes the instance that later starts hand over to, unless there is one already.
     bool listen();
 
   Q_SIGNALS:

@@ -10,8 +10,8 @@
 namespace vell {
 namespace {
 
-constexpr int batchInterval = 40;        // milliseconds between batches
-constexpr size_t mostMatches = 1 << 20;  // beyond it nobody counts
+constexpr int batchInterval = 40;       // milliseconds between batches
+constexpr size_t maxMatches = 1 << 20;  // more are of no use
 
 }  // namespace
 
@@ -35,7 +35,7 @@ void ChatSearch::start(const QString& text) {
     if (!search.isEmpty()) {
         running_ = std::make_shared<Run>(*this);
         foundation::runDetached([run = running_, log = log_, search] { find(run, *log, search); },
-                                [run = running_] { tell(run, {}, true); });
+                                [run = running_] { report(run, {}, true); });
     }
     Q_EMIT changed();
 }
@@ -53,7 +53,7 @@ void ChatSearch::append(const std::vector<TextSpan>& found, bool isLast) {
     Q_EMIT changed();
 }
 
-void ChatSearch::tell(const std::shared_ptr<Run>& run, std::vector<TextSpan> found, bool isLast) {
+void ChatSearch::report(const std::shared_ptr<Run>& run, std::vector<TextSpan> found, bool isLast) {
     run->callbacks.post([run, found = std::move(found), isLast] {
         if (!run->cancelled) run->search.append(found, isLast);
     });
@@ -65,7 +65,7 @@ void ChatSearch::find(const std::shared_ptr<Run>& run, const TesselChatLog& log,
     size_t total = 0;
     QElapsedTimer sinceBatch;
     sinceBatch.start();
-    for (qsizetype event = 0; event < std::ssize(log.events()) && total < mostMatches; ++event) {
+    for (qsizetype event = 0; event < std::ssize(log.events()) && total < maxMatches; ++event) {
         if (run->cancelled) return;
         for (const auto& range :
              text.matches(searchableText(log.events()[static_cast<size_t>(event)]))) {
@@ -73,11 +73,11 @@ void ChatSearch::find(const std::shared_ptr<Run>& run, const TesselChatLog& log,
             ++total;
         }
         if (!found.empty() && sinceBatch.hasExpired(batchInterval)) {
-            tell(run, std::exchange(found, {}), false);
+            report(run, std::exchange(found, {}), false);
             sinceBatch.restart();
         }
     }
-    tell(run, std::move(found), true);
+    report(run, std::move(found), true);
 }
 
 }  // namespace vell

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// ChatSearch: finds a text in all events of a chat on a thread of its own, so that typing never
-// waits; results arrive in event order, in batches, on the window thread.
+// ChatSearch: finds a text in all events of a chat on a thread of its own, so that typing is never
+// held up; results arrive in event order, in batches, on the window thread.
 
 #include <QObject>
 #include <atomic>
@@ -23,10 +23,10 @@ class ChatSearch final : public QObject {
     explicit ChatSearch(std::shared_ptr<const TesselChatLog> log, QObject* parent = nullptr);
     ~ChatSearch() override;
 
-    /// Begins anew; earlier results no longer hold. An empty text finds nothing.
+    /// Starts a new search and drops earlier results. An empty text finds nothing.
     void start(const QString& text);
     [[nodiscard]] bool isRunning() const { return running_ != nullptr; }
-    /// What has been found so far, from the top down.
+    /// The matches found so far, in order.
     [[nodiscard]] const std::vector<TextSpan>& matches() const { return matches_; }
 
   Q_SIGNALS:
@@ -42,7 +42,7 @@ class ChatSearch final : public QObject {
     };
     void cancel();
     void append(const std::vector<TextSpan>& found, bool isLast);
-    static void tell(const std::shared_ptr<Run>& run, std::vector<TextSpan> found, bool isLast);
+    static void report(const std::shared_ptr<Run>& run, std::vector<TextSpan> found, bool isLast);
     static void find(const std::shared_ptr<Run>& run, const TesselChatLog& log,
                      const TextSearch& text);
 

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// ContactsBar: the row below a timeline that offers names and pictures from the address book, as
-// long as nobody has answered yet.
+// ContactsBar: the row below a timeline that offers names and pictures from the address book until
+// the user has decided.
 
 #include <QWidget>
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // VellDocument: one opened transcript, its converted chat and the bytes it came from. Read once,
-// never changed, never written: saving hands back what was opened.
+// never changed, never written: saving returns what was opened.
 
 #include <QString>
 #include <QStringList>

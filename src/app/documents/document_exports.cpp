@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What leaves a document window as a whole: the chat on the clipboard and in a file.
+// Copying and saving the whole chat of a document window.
 #include <QClipboard>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -17,8 +17,7 @@
 namespace vell {
 namespace {
 
-/// The disk takes no more.
-struct SavingFailed {};
+struct SavingFailed {};  // QSaveFile knows the reason
 
 QMessageBox* openBox(QWidget* window, const QString& title, const QString& text,
                      const QString& details, QMessageBox::StandardButtons buttons) {
@@ -47,9 +46,9 @@ QString DocumentWindow::sizeLimit() const {
 
 void DocumentWindow::copyWholeChat() {
     if (isOutOfProportion()) {
-        openBox(this, tr("Copy Whole Chat"), tr("The chat is too long to be copied as a whole."),
-                tr("As text it takes more than %1, far more than its file. Save it as Markdown, or "
-                   "copy a part of it.")
+        openBox(this, tr("Copy Whole Chat"), tr("The chat is too long to copy as a whole."),
+                tr("As text it takes more than %1, far more than its file. Save it as Markdown or "
+                   "copy part of it.")
                     .arg(sizeLimit()),
                 QMessageBox::Ok);
         return;

@@ -63,7 +63,7 @@ DocumentLoader::Ticket DocumentLoader::load(const QString& path, Completion comp
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
             [stillWanted, result = std::move(result)] {
-                if (const auto tell = stillWanted.lock()) (*tell)(result);
+                if (const auto complete = stillWanted.lock()) (*complete)(result);
             },
             Qt::QueuedConnection);
     };

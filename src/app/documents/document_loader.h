@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// DocumentLoader: opens transcripts without ever keeping the window thread waiting. Bytes are read
-// on a detached thread each, which owns all it touches, so that a file on a stalled mount holds
-// back nothing but itself; conversions run on the load thread. Lives on the window thread.
+// DocumentLoader: opens transcripts without ever blocking the window thread. Each file is read on a
+// detached thread, which owns all it touches, so that a file on a stalled mount delays no other;
+// conversions run on the load thread. Lives on the window thread.
 
 #include <QString>
 #include <functional>
@@ -24,14 +24,14 @@ class DocumentLoader {
     };
     using Completion = std::function<void(Result)>;
 
-    /// Keeps a load wanted; without its ticket nobody hears of its end any more.
+    /// Destroying the ticket cancels the load: its completion is not called.
     using Ticket = std::shared_ptr<void>;
 
     /// `presentLoadLogWindow` is called on the load thread when a load has failed.
     DocumentLoader(std::shared_ptr<FileReader> reader, std::shared_ptr<LoadThread::Queue> queue,
                    std::function<void()> presentLoadLogWindow);
 
-    /// Starts a load; the completion is called on the window thread while the ticket lives.
+    /// Starts a load; the completion is called on the window thread unless the ticket is destroyed.
     [[nodiscard]] Ticket load(const QString& path, Completion completion);
 
     [[nodiscard]] const std::shared_ptr<FileReader>& reader() const { return reader_; }

@@ -27,9 +27,9 @@ namespace {
 
 constexpr QSize minimumContent(272, 320);
 constexpr QSize idealContent(520, 720);
-constexpr int spinnerDelay = 200;  // milliseconds; most transcripts are there sooner
+constexpr int spinnerDelay = 200;  // milliseconds; most transcripts are loaded sooner
 
-/// Shown while a transcript is read: nothing at first, then a bar that moves.
+/// Shown while a transcript is read: nothing at first, then a progress bar.
 QWidget* loadingPage() {
     auto* page = new QWidget;
     page->setAutoFillBackground(true);
@@ -131,7 +131,7 @@ void DocumentWindow::showTitle() {
     } else {
         title = isStandardInput(path_) ? tr("Standard Input") : QFileInfo(path_).completeBaseName();
     }
-    // To Qt the mark "[*]" is a place for its own star.
+    // Qt replaces "[*]" by its own mark for unsaved changes.
     setWindowTitle(title.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
 }
 
@@ -161,7 +161,7 @@ void DocumentWindow::copy() {
     }
 }
 
-// Made when it is first wanted: the window itself is there sooner.
+// Created on first use, so that the window opens sooner.
 void DocumentWindow::makeFindBar() {
     findBar_ = new FindBar;
     auto* layout = static_cast<QVBoxLayout*>(centralWidget()->layout());
@@ -194,7 +194,8 @@ void DocumentWindow::showMatches() {
     const auto& matches = search_->matches();
     const bool isNew = currentMatch_ < 0;
     if (isNew) {
-        // The first match at or below what is on screen, so that typing does not jump about.
+        // The first match at or below what is on screen, so that typing doesn't scroll back and
+        // forth.
         const auto next =
             std::partition_point(matches.begin(), matches.end(),
                                  [top = timeline_->scroller().topRow()](const TextSpan& match) {

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// DocumentWindow: one transcript on screen. It shows at once, fills when the transcript has been
-// read, and deletes itself on closing, which also cancels a load under way.
+// DocumentWindow: one transcript on screen. It opens at once, fills when the transcript has been
+// read, and deletes itself when it is closed, which also cancels a load in progress.
 
 #include <QMainWindow>
 #include <memory>
@@ -60,7 +60,7 @@ class DocumentWindow final : public QMainWindow {
     void showTitle();
     void restorePlace();
 
-    /// The selection, without one the whole chat.
+    /// Copies the selection, or the whole chat without one.
     void copy();
     void copyWholeChat();
     void saveAsMarkdown();
@@ -89,13 +89,13 @@ class DocumentWindow final : public QMainWindow {
     qsizetype currentMatch_ = -1;
 
     QStackedWidget* pages_ = nullptr;
-    TimelineView* timeline_ = nullptr;  // null until the transcript is there
+    TimelineView* timeline_ = nullptr;  // null until the transcript is loaded
     FindBar* findBar_ = nullptr;        // null until it is first opened
     ContactsBar* contactsBar_ = nullptr;
     QAction* copyAction_ = nullptr;
     QFontDialog* fontPanel_ = nullptr;
-    QFont panelFont_;                  // as the panel showed it last
-    QList<QAction*> documentActions_;  // enabled once the transcript is there
+    QFont panelFont_;                  // what the panel showed last
+    QList<QAction*> documentActions_;  // enabled once the transcript is loaded
 };
 
 }  // namespace vell

@@ -44,7 +44,7 @@ std::shared_ptr<const FileWrapper> DiskFileReader::read(const QString& path) {
     wrapper->filename = info.fileName();
     wrapper->preferredFilename = wrapper->filename;
     if (!info.exists()) {
-        // A name in no known encoding can be opened, but nothing else is told of it.
+        // A name in an unknown encoding can be opened, but QFileInfo knows nothing about it.
         wrapper->contents = readBytes(path);
         if (info.isSymLink()) wrapper->kind = FileWrapper::Kind::symbolicLink;
         return wrapper;
@@ -53,7 +53,7 @@ std::shared_ptr<const FileWrapper> DiskFileReader::read(const QString& path) {
         foundation::Date::fromMillisecondsSinceEpoch(info.lastModified().toMSecsSinceEpoch());
     if (info.isDir()) {
         wrapper->kind = FileWrapper::Kind::directory;
-    } else if (info.isFile()) {  // never a device or a pipe, which might have no end
+    } else if (info.isFile()) {  // not a device or a pipe, which might be endless
         wrapper->contents = readBytes(path);
     }
     return wrapper;

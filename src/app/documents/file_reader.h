@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // FileReader: from a path to a file wrapper with its bytes. May block for as long as a slow disk
-// does, so it is only called on threads that nobody waits for.
+// does, so it is only called on detached threads.
 
 #include <QString>
 #include <memory>
@@ -14,14 +14,14 @@ namespace vell {
 class FileReader {
   public:
     virtual ~FileReader() = default;
-    /// The wrapper of what stands at the path; contents are absent when it is no regular file or
-    /// can't be opened. Throws an Error when it is too large or reading it fails. Called on any
+    /// A wrapper of what is at the path; contents are absent if it is not a regular file or
+    /// can't be opened. Throws an Error if it is too large or reading it fails. Called on any
     /// thread, several at once.
     virtual std::shared_ptr<const foundation::FileWrapper> read(const QString& path) = 0;
 };
 
-/// Reads from the disk. Symbolic links are followed, under the link's own name; one that leads
-/// nowhere stays a link. Files are opened for reading only and closed before the call returns.
+/// Reads from the disk. Symbolic links are followed, but the wrapper has the link's name; a
+/// dangling one stays a link. Files are opened for reading only and closed before the call returns.
 class DiskFileReader final : public FileReader {
   public:
     std::shared_ptr<const foundation::FileWrapper> read(const QString& path) override;

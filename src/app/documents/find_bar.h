@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// FindBar: the row below a timeline in which a person types what to find. It knows nothing of
-// timelines: it tells what was typed and which match is wanted, and shows the count it is given.
+// FindBar: the row below a timeline for typing what to find. It knows nothing about timelines: it
+// signals what was typed and which match to go to, and shows the count it is given.
 
 #include <QLabel>
 #include <QLineEdit>
@@ -20,7 +20,7 @@ class FindBar final : public QWidget {
     /// Shows the bar with the keyboard in it and what was typed last selected.
     void open();
     [[nodiscard]] QString text() const { return edit_->text(); }
-    /// Shows "3 of 120"; current counts from 1, 0 for none. `counting` while more may come.
+    /// Shows "3 of 120"; current counts from 1, 0 for none. `counting` while there may be more.
     void setCount(qsizetype current, qsizetype total, bool counting);
 
   Q_SIGNALS:

@@ -23,7 +23,7 @@
 namespace vell {
 namespace {
 
-constexpr int presentationDelay = 800;  // milliseconds, so that the error dialog comes first
+constexpr int presentationDelay = 800;  // milliseconds; the error dialog comes first
 constexpr QSize iconSize(64, 64);
 
 std::vector<QWidget*>& openWindows() {
@@ -111,14 +111,13 @@ QWidget* linksRow() {
     return row;
 }
 
-/// What stands above every log.
 QString header(const ApplicationInfo& info) {
     return QStringLiteral("#  App Version: ") + info.version + QStringLiteral(" Build ") +
            info.build + QStringLiteral("\n## Date:        ") +
            foundation::Date::now().description() + QStringLiteral("\n---\n\n");
 }
 
-/// An editor, which gives way to a sentence once everything in it has been deleted.
+/// An editor, replaced by a sentence once its whole text has been deleted.
 QWidget* output(const QString& text) {
     auto* editor = new QPlainTextEdit(text);
     editor->setObjectName(QStringLiteral("loadLogText"));
@@ -142,9 +141,9 @@ QWidget* output(const QString& text) {
 void presentLoadLogWindowIfNecessary() {
     const auto log = tesselLoadLog();
     if (!log) return;
-    // Taken now: by the time the window opens, the log may speak of another file.
+    // Copied now: by the time the window opens, the log may be about another file.
     QMetaObject::invokeMethod(qApp, [text = log->grabLog()] {
-        // Whoever closes the last window meanwhile has not seen this one yet.
+        // Closing the last window meanwhile must not end the program.
         const auto running = std::make_shared<QEventLoopLocker>();
         QTimer::singleShot(presentationDelay, qApp, [text, running] { showWindow(text); });
     });

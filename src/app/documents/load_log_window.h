@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The window that shows the load log of a transcript that could not be opened, with the program's
-// version, so that a person can send it in. Every failure gets a window of its own.
+// version, so that it can be sent in. Every failure gets a window of its own.
 
 #include <QWidget>
 #include <vector>

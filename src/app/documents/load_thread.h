@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// LoadThread: one thread on which transcripts are converted one after the other, because the load
-// log they write is one. Opened documents go before the summaries that the search window asks for.
+// LoadThread: converts transcripts one after the other, because they share one load log. Opened
+// documents take precedence over summaries for the search window.
 
 #include <condition_variable>
 #include <deque>
@@ -15,12 +15,11 @@ namespace vell {
 
 class LoadThread {
   public:
-    /// Reports its own failure and throws nothing.
+    /// Reports its own failure and never throws.
     using Job = std::function<void()>;
     enum class Priority { document, summary };
 
-    /// Where jobs are posted, by threads that may outlive the load thread; jobs posted after its
-    /// end are dropped.
+    /// For threads that may outlive the load thread: jobs posted after its end are dropped.
     class Queue {
       public:
         void post(Priority priority, Job job);
@@ -35,7 +34,7 @@ class LoadThread {
     };
 
     LoadThread();
-    /// Drops what has not begun and waits for the job that has.
+    /// Drops jobs that have not begun and waits for the one that has.
     ~LoadThread();
     LoadThread(const LoadThread&) = delete;
     LoadThread& operator=(const LoadThread&) = delete;

@@ -24,8 +24,9 @@ QString sentence(const QString& name, OpenFailures::Cause cause) {
             return OpenFailures::tr("The document “%1” could not be opened. There is no such file.")
                 .arg(name);
         case OpenFailures::Cause::unreadable:
-            return OpenFailures::tr("The document “%1” could not be opened. You may not read it.")
-                .arg(name);
+            return OpenFailures::
+                tr("The document “%1” could not be opened. You don’t have permission to read it.")
+                    .arg(name);
         case OpenFailures::Cause::tooLarge:
             return OpenFailures::tr(
                        "The document “%1” could not be opened. It is larger than Vell can read.")
@@ -34,21 +35,19 @@ QString sentence(const QString& name, OpenFailures::Cause cause) {
     Q_UNREACHABLE();
 }
 
-QString wayOn(OpenFailures::Cause cause) {
+QString remedy(OpenFailures::Cause cause) {
     switch (cause) {
         case OpenFailures::Cause::damaged:
-            return OpenFailures::tr(
-                "What was found in it follows in a window, from which you can send it to us.");
+            return OpenFailures::tr("A load log opens next; you can send it to us.");
         case OpenFailures::Cause::missing:
             return OpenFailures::tr(
-                "It may have been moved, renamed or deleted. “Find iChat Files "
-                "…” in the File menu looks for it on your disks.");
+                "It may have been moved, renamed or deleted. “Find iChat Files …” in the File menu "
+                "can search your disks for it.");
         case OpenFailures::Cause::unreadable:
-            return OpenFailures::tr("Ask whoever owns it for access, or for a copy of your own.");
+            return OpenFailures::tr("Ask its owner for access or for a copy.");
         case OpenFailures::Cause::tooLarge:
             return OpenFailures::tr(
-                "Transcripts hardly ever have more than some megabytes: it is probably another "
-                "kind "
+                "Transcripts are rarely larger than a few megabytes; this is probably another kind "
                 "of file.");
     }
     Q_UNREACHABLE();
@@ -65,7 +64,7 @@ QLabel* plainLabel() {
 }  // namespace
 
 OpenFailures::OpenFailures()
-    : text_(plainLabel()), wayOn_(plainLabel()), list_(new QPlainTextEdit) {
+    : text_(plainLabel()), remedy_(plainLabel()), list_(new QPlainTextEdit) {
     setObjectName(QStringLiteral("openFailed"));
     setWindowTitle(applicationInfo().appName);
     setAttribute(Qt::WA_DeleteOnClose);
@@ -86,7 +85,7 @@ OpenFailures::OpenFailures()
     layout->setHorizontalSpacing(defaultPadding);
     layout->addWidget(icon, 0, 0, 3, 1, Qt::AlignTop);
     layout->addWidget(text_, 0, 1);
-    layout->addWidget(wayOn_, 1, 1);
+    layout->addWidget(remedy_, 1, 1);
     layout->addWidget(list_, 2, 1);
     layout->addWidget(buttons, 3, 0, 1, 2);
     layout->setColumnStretch(1, 1);
@@ -97,14 +96,12 @@ void OpenFailures::add(const QString& name, Cause cause) {
     if (sentences_.size() == 1) {
         text_->setText(sentences_.front());
         setAccessibleDescription(sentences_.front());
-        wayOn_->setText(wayOn(cause));
+        remedy_->setText(remedy(cause));
         list_->setPlainText(sentences_.front());
         return;
     }
     text_->setText(tr("%n documents could not be opened.", nullptr, int(sentences_.size())));
-    wayOn_->setText(
-        tr("What was found in damaged ones follows in a window each, from which you "
-           "can send it to us."));
+    remedy_->setText(tr("A load log opens next for each damaged one; you can send it to us."));
     list_->appendPlainText(sentences_.back());
     list_->show();
 }

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// OpenFailures: the one dialog that tells which documents could not be opened, why, and what can be
-// done. It blocks nothing, and what fails while it is open joins the list instead of covering it.
+// OpenFailures: the one dialog that lists which documents could not be opened, why, and what to do.
+// It is not modal; documents that fail while it is open are added to it.
 
 #include <QDialog>
 #include <QStringList>
@@ -20,13 +20,13 @@ class OpenFailures final : public QDialog {
 
     OpenFailures();
 
-    /// Adds a document; `name` is what the user knows the file by.
+    /// Adds a document; `name` is the file's name as the user knows it.
     void add(const QString& name, Cause cause);
 
   private:
     QStringList sentences_;
     QLabel* text_;
-    QLabel* wayOn_;
+    QLabel* remedy_;
     QPlainTextEdit* list_;
 };
 

@@ -15,34 +15,34 @@
 namespace vell {
 namespace {
 
-constexpr std::chrono::milliseconds patience(100);
-constexpr int mostThreads = 16;
+constexpr std::chrono::milliseconds timeout(100);
+constexpr int maxThreads = 16;
 
-/// Never deleted: nobody waits for a thread on a mount that doesn't answer.
+/// Never deleted: that would wait for threads on a mount that doesn't respond.
 QThreadPool& threads() {
     static auto* const pool = [] {
         auto* made = new QThreadPool;
-        made->setMaxThreadCount(mostThreads);
+        made->setMaxThreadCount(maxThreads);
         return made;
     }();
     return *pool;
 }
 
-FileFacts ask(const QString& path) {
+FileFacts query(const QString& path) {
     const QFileInfo info(foundation::localPath(path));
     return {info.exists(), info.isDir(), info.isReadable(), info.canonicalFilePath()};
 }
 
-/// Shared with threads that may outlive the question.
-struct Answers {
+/// Shared with threads that may outlive the call.
+struct Results {
     std::mutex mutex;
     std::condition_variable changed;
     std::vector<std::optional<FileFacts>> facts;
     size_t missing = 0;
 
-    void set(size_t i, std::optional<FileFacts> answer) {
+    void set(size_t i, std::optional<FileFacts> result) {
         const std::lock_guard lock(mutex);
-        facts[i] = std::move(answer);
+        facts[i] = std::move(result);
         if (--missing == 0) changed.notify_all();
     }
 };
@@ -50,25 +50,25 @@ struct Answers {
 }  // namespace
 
 std::vector<std::optional<FileFacts>> fileFacts(const QStringList& paths) {
-    const auto answers = std::make_shared<Answers>();
-    answers->facts.resize(static_cast<size_t>(paths.size()));
-    answers->missing = answers->facts.size();
-    for (size_t i = 0; i < answers->facts.size(); ++i) {
-        // What waits for a thread until nobody waits for it any more is dropped then.
-        const std::weak_ptr<Answers> asked = answers;
+    const auto results = std::make_shared<Results>();
+    results->facts.resize(static_cast<size_t>(paths.size()));
+    results->missing = results->facts.size();
+    for (size_t i = 0; i < results->facts.size(); ++i) {
+        // A query that is still queued when the caller has stopped waiting is dropped.
+        const std::weak_ptr<Results> weak = results;
         threads().start(foundation::guarded(
-            [asked, path = paths[static_cast<qsizetype>(i)], i] {
-                if (asked.expired()) return;
-                FileFacts facts = ask(path);
-                if (const auto to = asked.lock()) to->set(i, std::move(facts));
+            [weak, path = paths[static_cast<qsizetype>(i)], i] {
+                if (weak.expired()) return;
+                FileFacts facts = query(path);
+                if (const auto to = weak.lock()) to->set(i, std::move(facts));
             },
-            [asked, i] {
-                if (const auto to = asked.lock()) to->set(i, std::nullopt);
+            [weak, i] {
+                if (const auto to = weak.lock()) to->set(i, std::nullopt);
             }));
     }
-    std::unique_lock lock(answers->mutex);
-    answers->changed.wait_for(lock, patience, [&] { return answers->missing == 0; });
-    return answers->facts;
+    std::unique_lock lock(results->mutex);
+    results->changed.wait_for(lock, timeout, [&] { return results->missing == 0; });
+    return results->facts;
 }
 
 std::optional<FileFacts> fileFacts(const QString& path) {

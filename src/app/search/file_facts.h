@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// What the file system says about paths, asked without ever waiting long: a path may lie on a mount
-// that no longer answers.
+// What the file system knows about paths, without ever waiting long: a path may be on a mount that
+// no longer responds.
 
 #include <QString>
 #include <QStringList>
@@ -18,8 +18,8 @@ struct FileFacts {
     QString canonicalPath;  ///< empty for what doesn't exist
 };
 
-/// The facts of each path; nothing for those that weren't told within a moment. Blocks for at most
-/// that moment, however many paths there are.
+/// The facts of each path; nothing for those that weren't known within 100 milliseconds. Blocks for
+/// no longer than that, however many paths there are.
 [[nodiscard]] std::vector<std::optional<FileFacts>> fileFacts(const QStringList& paths);
 
 /// The same for one path.

@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 
 constexpr int reportInterval = 100;  // milliseconds
 
-/// Kinds of file system that hold no documents and may have no end.
+/// Types of file system that hold no documents and may be endless.
 bool isVirtual(const QByteArray& fileSystemType) {
     static const std::set<QByteArray> types{
         "proc",    "sysfs",    "devtmpfs", "devpts",     "cgroup", "cgroup2",    "securityfs",
@@ -34,13 +34,13 @@ bool isVirtual(const QByteArray& fileSystemType) {
     return types.contains(fileSystemType);
 }
 
-/// Kinds that are no disks of the user's, but may be searched when asked for by name.
+/// Types that aren't disks of the user's; they are searched only if a folder on them is named.
 bool isTransient(const QByteArray& fileSystemType) {
     static const std::set<QByteArray> types{"tmpfs", "ramfs", "squashfs", "overlay"};
     return types.contains(fileSystemType);
 }
 
-/// The user's home and the mounted disks; may stall with a disk.
+/// The user's home and the mounted disks; blocks if a disk does.
 QStringList homeAndDisks() {
     QStringList folders{QDir::homePath()};
     for (const QStorageInfo& storage : QStorageInfo::mountedVolumes()) {
@@ -82,7 +82,7 @@ bool isTranscript(const QString& path, const QString& name) {
 
 }  // namespace
 
-/// What the walking thread owns; it speaks to the walker through the window thread only.
+/// What the walking thread owns; it reaches the walker through the window thread only.
 struct FileWalker::Walk : std::enable_shared_from_this<FileWalker::Walk> {
     explicit Walk(FileWalker& owner) : walker(owner), callbacks(&owner) {}
     std::atomic<bool> cancelled = false;
@@ -102,11 +102,11 @@ struct FileWalker::Walk : std::enable_shared_from_this<FileWalker::Walk> {
     void visit(const fs::directory_entry& entry, std::vector<fs::path>& pending);
     void report(const fs::path& folder);
     template <class Function>
-    void tell(Function function);
+    void post(Function function);
 };
 
 template <class Function>
-void FileWalker::Walk::tell(Function function) {
+void FileWalker::Walk::post(Function function) {
     callbacks.post([walk = shared_from_this(), function = std::move(function)] {
         if (!walk->cancelled) function(walk->walker);
     });
@@ -132,7 +132,7 @@ void FileWalker::Walk::run(QStringList folders) {
 }
 
 void FileWalker::Walk::end() {
-    tell([](FileWalker& to) {
+    post([](FileWalker& to) {
         to.walk_.reset();
         Q_EMIT to.finished();
     });
@@ -147,7 +147,7 @@ void FileWalker::Walk::enter(const fs::path& folder, std::vector<fs::path>& pend
         try {
             visit(*entries, pending);
         } catch (const std::exception&) {
-            continue;  // one file that can't be looked at hides no other
+            continue;  // the other files are still listed
         }
         if (sinceReport.elapsed() >= reportInterval) report(folder);
     }
@@ -173,7 +173,7 @@ void FileWalker::Walk::visit(const fs::directory_entry& entry, std::vector<fs::p
 
 void FileWalker::Walk::report(const fs::path& folder) {
     sinceReport.restart();
-    tell([files = std::exchange(batch, {}), count = fileCount,
+    post([files = std::exchange(batch, {}), count = fileCount,
           where = QFile::decodeName(folder.c_str())](FileWalker& to) {
         if (!files.isEmpty()) Q_EMIT to.found(files);
         Q_EMIT to.progressed(count, where);

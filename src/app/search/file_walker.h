@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// FileWalker: goes through folders on a thread of its own and hands over the transcripts it meets,
-// in batches, on the window thread. Follows no links, enters no folder twice, and leaves virtual
-// file systems alone. Destroying it cancels the walk without waiting for a stalled disk.
+// FileWalker: walks folders on a thread of its own and reports the transcripts it finds, in
+// batches, on the window thread. Follows no links, enters no folder twice, and skips virtual file
+// systems. Destroying it cancels the walk without waiting for a stalled disk.
 
 #include <QDateTime>
 #include <QObject>
@@ -26,8 +26,8 @@ class FileWalker final : public QObject {
     explicit FileWalker(QObject* parent = nullptr);
     ~FileWalker() override;
 
-    /// Begins at the folders, in order, or at the user's home and the mounted disks when none is
-    /// given; a walk under way is cancelled first.
+    /// Walks the folders in order, or the user's home and the mounted disks if there are none; a
+    /// walk in progress is cancelled first.
     void start(const QStringList& folders, bool hiddenFolders);
     void cancel();
     [[nodiscard]] bool isRunning() const { return walk_ != nullptr; }

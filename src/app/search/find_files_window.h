@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The window behind "Find iChat Files …": walks folders in the background and lists the transcripts
-// it meets, sortable and filterable while it runs.
+// it finds, sortable and filterable while it runs.
 
 #include <QLabel>
 #include <QLineEdit>
@@ -23,7 +23,7 @@ class FindFilesWindow final : public QWidget {
     Q_OBJECT
 
   public:
-    /// Searches the folders, or the user's home and disks when none is given.
+    /// Searches the folders, or the user's home and disks if there are none.
     FindFilesWindow(const DocumentLoader& loader, QStringList folders, QWidget* parent = nullptr);
 
   Q_SIGNALS:

@@ -18,8 +18,7 @@ const QString fileName = QStringLiteral("Finder-Find-iChat-Files.savedSearch");
 
 }  // namespace
 
-// Installed files lie in PREFIX/share/vell beside PREFIX/bin; a build keeps them beside the
-// program.
+// Installed files are in PREFIX/share/vell beside PREFIX/bin, those of a build beside the program.
 const std::optional<QString>& searchQueryPath() {
     static const std::optional<QString> path = []() -> std::optional<QString> {
         const QDir programs(QCoreApplication::applicationDirPath());
@@ -41,7 +40,7 @@ bool openSavedSearch() {
 #ifdef Q_OS_MACOS
     return openWithDesktop(QUrl::fromLocalFile(*searchQueryPath()));
 #else
-    // No desktop here knows the format; a text editor would take it and show the user markup.
+    // No desktop here knows the format; a text editor would open it and show markup.
     return false;
 #endif
 }

@@ -9,11 +9,11 @@
 
 namespace vell {
 
-/// Where the saved search lies, looked up once; nothing when the resource is missing.
+/// The path of the saved search, looked up once; nothing if the resource is missing.
 [[nodiscard]] const std::optional<QString>& searchQueryPath();
 
-/// Has the desktop open the saved search; answers whether a program for it took it. A missing
-/// search is logged.
+/// Opens the saved search with the desktop; returns whether a program took it. A missing search is
+/// logged.
 bool openSavedSearch();
 
 }  // namespace vell

@@ -15,7 +15,7 @@ bool beginsLikeArchive(QByteArrayView head) {
 }
 
 bool looksLikeTranscript(QByteArrayView head) {
-    // A chat in which nobody said anything has participants all the same.
+    // A chat without messages still has participants.
     return beginsLikeArchive(head) &&
            (head.contains(QByteArrayView("InstantMessage")) ||
             head.contains(QByteArrayView("Presentity"))) &&

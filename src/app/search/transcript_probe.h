@@ -8,9 +8,9 @@
 
 namespace vell {
 
-/// How many leading bytes looksLikeTranscript wants, where the file has them.
+/// How many leading bytes looksLikeTranscript expects, if the file has them.
 inline constexpr qsizetype transcriptProbeSize = 65536;
-/// How many of them decide that a file is none.
+/// How many of them are enough to reject a file.
 inline constexpr qsizetype archiveMagicSize = 13;
 
 /// Whether the name ends in ".ichat", in any letter case.

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// TranscriptTable: the transcripts a search has met, as rows for a table view. Participants and the
-// number of messages are filled in as files are read, one after the other.
+// TranscriptTable: the transcripts a search has found, as rows for a table view. Participants and
+// the number of messages are filled in as the files are read, one after the other.
 
 #include <QAbstractTableModel>
 #include <QList>
@@ -63,7 +63,7 @@ class TranscriptTable final : public QAbstractTableModel {
     QList<Row> rows_;
     int nextSummary_ = 0;
     bool summarising_ = false;
-    /// Dropped by clear(), so that a summary that was under way is forgotten.
+    /// Replaced by clear(), so that a summary in progress is dropped.
     std::shared_ptr<TranscriptTable*> self_;
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Commands: what windows ask of the program as a whole. Window thread only.
+// Commands: the program as its windows see it. Window thread only.
 
 #include <QCoreApplication>
 #include <QStringList>

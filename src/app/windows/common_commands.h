@@ -14,7 +14,7 @@ namespace vell {
 class Commands;
 class RecentFiles;
 
-/// The desktop's keys for a command; the customary ones where it has none.
+/// The desktop's keys for a command, and the usual ones where it has none.
 [[nodiscard]] QList<QKeySequence> keysFor(QKeySequence::StandardKey command);
 
 /// Adds an entry to a menu: text, shortcuts, what it does.
@@ -36,7 +36,7 @@ void addClosingCommands(QMenu& menu, Commands& commands, QWidget& window);
 /// The Help menu: help, About, "Report Bug …".
 void addHelpMenu(QMenuBar& menuBar, Commands& commands);
 
-/// Lets a window without menus be closed, and the program be quit from it, with the usual keys.
+/// Adds the usual keys for closing and quitting to a window without menus.
 void addClosingShortcuts(QWidget& window);
 
 }  // namespace vell

@@ -23,18 +23,18 @@ void ContactsDialog::ask(Answered answer) {
     places.append(tr("• the desktop’s address books (Evolution)"));
 
     box_ = new QMessageBox(QMessageBox::Question, QApplication::applicationDisplayName(),
-                           tr("Vell would like to read your contacts, to show names and pictures "
+                           tr("Vell would like to read your contacts to show names and pictures "
                               "instead of chat addresses."),
                            QMessageBox::NoButton, QApplication::activeWindow());
     box_->setObjectName(QStringLiteral("contactsPrompt"));
     box_->setAttribute(Qt::WA_DeleteOnClose);
     box_->setInformativeText(
-        tr("It would read:\n%1\n\nNothing is written to them or sent anywhere. You "
-           "can change your answer in the preferences.")
+        tr("Vell would read:\n%1\n\nNothing is written to them or sent anywhere. You "
+           "can change this in the preferences.")
             .arg(places.join(u'\n')));
     const QAbstractButton* refuse = box_->addButton(tr("Don’t Allow"), QMessageBox::NoRole);
     const QAbstractButton* allow = box_->addButton(tr("Allow"), QMessageBox::AcceptRole);
-    // What the Escape key and closing the dialog mean.
+    // For the Escape key and closing the dialog, too.
     box_->setEscapeButton(box_->addButton(tr("Not Now"), QMessageBox::RejectRole));
     QObject::connect(box_, &QMessageBox::finished, box_, [this, refuse, allow] {
         const QAbstractButton* clicked = box_->clickedButton();

@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// ContactsDialog: asks the user once whether the address book may be read, naming what would be.
-// Only its two answers are answers: put off, closed or gone with its window, it will be asked
-// again.
+// ContactsDialog: asks the user once whether the address book may be read, and names what that
+// covers. Only "Allow" and "Don't Allow" are answers: after "Not Now", or when it is closed or its
+// window closes, it is asked again.
 
 #include <QCoreApplication>
 #include <QMessageBox>

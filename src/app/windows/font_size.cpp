@@ -17,10 +17,10 @@ constexpr qint64 largestPainted = 288;
 
 /// The size with its fraction dropped.
 qint64 wholePoints(double size) {
-    // 2^63 itself is a double but no 64-bit integer.
+    // 2^63 is a double but not a 64-bit integer.
     constexpr double limit = 9223372036854775808.0;
     if (!std::isfinite(size) || size >= limit || size < -limit)
-        foundation::fatal("a font size that is no integer");
+        foundation::fatal("a font size that is not an integer");
     return static_cast<qint64>(size);
 }
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What font commands do to the timeline's font size: steps of one, any size from the font panel, no
-// bounds; arithmetic that can't be done stops the program.
+// bounds; arithmetic that overflows stops the program.
 
 #include <QFont>
 #include <optional>
@@ -25,10 +25,10 @@ enum class FontAction : int {
 /// the size of the panel's selected font, used for viaPanel alone.
 [[nodiscard]] qint64 fontSizeAfter(FontAction action, qint64 fontSize, double panelPointSize);
 
-/// What a person did in the font panel, from the font before and after.
+/// What the user did in the font panel, derived from the font before and after.
 [[nodiscard]] FontAction panelAction(const QFont& before, const QFont& after);
 
-/// The size that can be painted: what fonts and layouts can do, whatever the setting says.
+/// The nearest size that fonts and layouts can handle, whatever the setting is.
 [[nodiscard]] double paintableFontSize(qint64 fontSize);
 
 }  // namespace vell

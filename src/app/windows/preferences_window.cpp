@@ -49,8 +49,8 @@ QWidget* PreferencesWindow::contactsBox() {
         contacts_.requestAccess();
     });
     QLabel* explanation = secondaryLabel(
-        tr("The address book is the desktop’s own, with the vCard files in your contacts folders. "
-           "Nothing is ever written to it."));
+        tr("This is the desktop’s address book and the vCard files in your contacts folders. "
+           "Nothing is ever written to them."));
     explanation->setWordWrap(true);
 
     files_ = new QListWidget;
@@ -99,7 +99,7 @@ QWidget* PreferencesWindow::contactsBox() {
 
 QWidget* PreferencesWindow::windowsBox() {
     auto* box = new QGroupBox(tr("Windows"));
-    auto* restore = new QCheckBox(tr("Open the windows of the last visit &again"));
+    auto* restore = new QCheckBox(tr("Reopen &windows from the last session"));
     restore->setChecked(settings_.restoresWindows());
     connect(restore, &QCheckBox::toggled, &settings_, &Settings::setRestoresWindows);
     auto* layout = new QVBoxLayout(box);

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Preferences: whether the address book may be read, which vCard files are used, and whether the
-// windows of the last visit come back. Changes take effect at once.
+// windows of the last session are reopened. Changes take effect at once.
 
 #include <QDialog>
 

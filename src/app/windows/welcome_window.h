@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// What the program shows when it is started without a file: recent transcripts, and the two ways to
-// others.
+// What the program shows when it is started without a file: recent transcripts, and the commands
+// that find others.
 
 #include <QListWidget>
 #include <QWidget>

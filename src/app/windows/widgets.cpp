@@ -12,7 +12,7 @@
 namespace vell {
 namespace {
 
-/// Keeps its text in the placeholder colour of whatever palette it stands in.
+/// Keeps its text in the placeholder colour of the palette, even if that changes.
 class SecondaryLabel final : public QLabel {
   public:
     explicit SecondaryLabel(const QString& text) : QLabel(text) { setTextFormat(Qt::PlainText); }

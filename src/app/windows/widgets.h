@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Small widgets that several windows share. Whoever asks for one owns it.
+// Small widgets that several windows share. The caller owns them.
 
 #include <QFrame>
 #include <QLabel>
