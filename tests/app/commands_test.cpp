@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The commands of the windows, given by their keys and menus as a person would.
+// The commands of the windows, given by their keys and menus as a user would.
 #include <QAction>
 #include <QClipboard>
 #include <QDropEvent>
@@ -64,7 +64,7 @@ class CommandsTest : public Windows {
     QPointer<DocumentWindow> window;
 };
 
-TEST_F(CommandsTest, TheFontSizeIsOneForAllWindowsAndStaysUnbounded) {
+TEST_F(CommandsTest, FontSizeIsSharedAndUnbounded) {
     DocumentWindow* other = opened(file(u"other.ichat"_s, chat(3)));
     const auto bothShow = [&](qint64 size) {
         EXPECT_EQ(timeline(window).fontSize(), size);
@@ -92,14 +92,18 @@ TEST_F(CommandsTest, TheContentHasItsSizes) {
     EXPECT_EQ(window->findChild<QToolBar*>()->actions().front()->text(), u"Copy"_s);
 }
 
-TEST_F(CommandsTest, TheTitleNamesPeopleAndDaysAsSoonAsTheyAreKnown) {
-    EXPECT_TRUE(window->windowTitle().contains(u"bob — "_s));
+TEST_F(CommandsTest, TitleNamesParticipantsAndDays) {
+    const QString day = QLocale().toString(QDate(2004, 3, 3), QLocale::ShortFormat);
+    EXPECT_EQ(opened(file(u"short.ichat"_s, chat(3)))->windowTitle(), u"ann, bob — "_s + day);
+    EXPECT_EQ(opened(file(u"long.ichat"_s, chat(2000)))->windowTitle(),
+              u"ann, bob — %1 to %2"_s.arg(
+                  day, QLocale().toString(QDate(2004, 3, 5), QLocale::ShortFormat)));
     const DocumentWindow* odd = opened(file(u"odd.ichat"_s, chat(3, u"a[*]b\n & c"_s)));
     EXPECT_TRUE(odd->windowTitle().startsWith(u"a[*][*]b & c, ann — "_s))
         << odd->windowTitle().toStdString();
 }
 
-TEST_F(CommandsTest, FindCountsGoesRoundAndKeepsThePlace) {
+TEST_F(CommandsTest, FindCountsWrapsAndKeepsThePlace) {
     press(window, QKeySequence::Find);
     auto* bar = window->findChild<vell::FindBar*>();
     ASSERT_TRUE(bar->isVisible());
@@ -144,21 +148,23 @@ TEST_F(CommandsTest, OneFileHasOneWindow) {
     EXPECT_FALSE(openWindow("findFilesWindow"));
 }
 
-TEST_F(CommandsTest, TheWindowMenuLeadsToEachWindow) {
+TEST_F(CommandsTest, WindowMenuRaisesEachWindow) {
     DocumentWindow* other = opened(file(u"other.ichat"_s, chat(3, u"Tom & Jerry"_s)));
     window->showMinimized();
     choose(other, {u"Window"_s, window->windowTitle()});
     EXPECT_FALSE(window->isMinimized());
     QAction* own = entry(window, {u"Window"_s, QString(other->windowTitle()).remove(u'&')});
     ASSERT_TRUE(own);
-    EXPECT_TRUE(own->text().contains(u"Tom && Jerry"_s)) << "a name is no mnemonic";
+    EXPECT_TRUE(own->text().contains(u"Tom && Jerry"_s)) << "the name has no mnemonic";
 }
 
 TEST_F(CommandsTest, RecentFilesAreListedAndCleared) {
     opened(file(u"this & that.ichat"_s, chat(3)));
     const auto recent = [] { return QSettings().value(u"RecentFiles"_s).toStringList(); };
     EXPECT_EQ(recent().size(), 2);
-    choose(window, {u"File"_s, u"Open Recent"_s, u"this  that.ichat"_s});
+    QAction* recentFile = entry(window, {u"File"_s, u"Open Recent"_s, u"this  that.ichat"_s});
+    ASSERT_TRUE(recentFile);
+    EXPECT_EQ(recentFile->text(), u"this && that.ichat"_s) << "the name has no mnemonic";
     choose(window, {u"File"_s, u"Open Recent"_s, u"Clear Menu"_s});
     EXPECT_TRUE(recent().isEmpty());
     EXPECT_FALSE(entry(window, {u"File"_s, u"Open Recent"_s, u"Clear Menu"_s})->isEnabled());
@@ -169,7 +175,8 @@ TEST_F(CommandsTest, AboutIsOneWindow) {
         choose(window, {u"Help"_s, u"About Vell …"_s});
         QWidget* about = openWindow("aboutWindow");
         ASSERT_TRUE(about);
-        EXPECT_EQ(about->size(), QSize(320, 400));
+        EXPECT_EQ(about->minimumSize(), QSize(320, 400));
+        EXPECT_EQ(about->maximumSize(), QSize(320, 400));
         choose(window, {u"Help"_s, u"About Vell …"_s});
         EXPECT_EQ(openWindow("aboutWindow"), about);
         press(about, closing);
@@ -177,7 +184,7 @@ TEST_F(CommandsTest, AboutIsOneWindow) {
     }
 }
 
-TEST_F(CommandsTest, AChatIsSavedAsTheMarkdownThatIsCopied) {
+TEST_F(CommandsTest, SavedMarkdownIsTheCopiedOne) {
     choose(window, {u"File"_s, u"Save Chat as Markdown …"_s});
     auto* dialog = window->findChild<QFileDialog*>();
     ASSERT_TRUE(dialog);
@@ -190,7 +197,7 @@ TEST_F(CommandsTest, AChatIsSavedAsTheMarkdownThatIsCopied) {
               timeline(window).chatlog().generatePlainText(vell::ContactsStore()));
 }
 
-TEST_F(CommandsTest, WhatIsFarLargerThanItsFileIsNotCopiedAndSavedAfterAQuestion) {
+TEST_F(CommandsTest, HugeMarkdownIsNotCopiedAndSavedAfterAQuestion) {
     support::Transcript transcript{u"AIM"_s, {{u"ann"_s}}, {}, {}};
     transcript.messages.resize(800, {.sender = 0, .originalText = u"word "_s.repeated(20'000)});
     DocumentWindow* large = opened(file(u"large.ichat"_s, support::keyedTranscript(transcript)));
@@ -247,7 +254,7 @@ TEST_F(CommandsTest, ClosingAndQuittingHaveTheirKeys) {
     EXPECT_TRUE(documentWindows().empty());
 }
 
-TEST_F(CommandsTest, CopyTakesTheSelectionAndWithoutOneTheWholeChat) {
+TEST_F(CommandsTest, CopyTakesTheSelectionOrTheWholeChat) {
     const auto copied = [] { return QGuiApplication::clipboard()->mimeData(); };
     press(window, QKeySequence::Copy);
     const QString whole = copied()->text();
@@ -267,7 +274,7 @@ TEST_F(CommandsTest, CopyTakesTheSelectionAndWithoutOneTheWholeChat) {
     EXPECT_EQ(copied()->text(), whole);
 }
 
-TEST_F(CommandsTest, TheStatusBarTellsWhereALinkLeads) {
+TEST_F(CommandsTest, StatusBarShowsTheAddressOfALink) {
     Q_EMIT timeline(window).linkHovered(u"http://example.com/"_s);
     EXPECT_EQ(window->findChild<QStatusBar*>()->currentMessage(), u"http://example.com/"_s);
     Q_EMIT timeline(window).linkHovered({});

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/search/file_walker.h"
 
-#include <gtest/gtest.h>
-
-#include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QSet>
-#include <QTemporaryDir>
+#include <QTest>
+
+#include "windows.h"
 
 namespace {
 
@@ -32,17 +30,13 @@ QSet<QString> walk(const QStringList& folders, bool hidden) {
     bool done = false;
     QObject::connect(&walker, &FileWalker::found, [&](const QList<FileWalker::Found>& files) {
         for (const auto& file : files) {
-            EXPECT_FALSE(found.contains(file.path)) << "met twice: " << file.path.toStdString();
+            EXPECT_FALSE(found.contains(file.path)) << "found twice: " << file.path.toStdString();
             found.insert(file.path);
         }
     });
     QObject::connect(&walker, &FileWalker::finished, [&] { done = true; });
     walker.start(folders, hidden);
-    QElapsedTimer timer;
-    timer.start();
-    while (!done && !timer.hasExpired(20000))
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
-    EXPECT_TRUE(done);
+    EXPECT_TRUE(vell::test::waitUntil([&] { return done; }));
     return found;
 }
 
@@ -84,10 +78,7 @@ TEST(FileWalker, ACancelledWalkIsSilent) {
     QObject::connect(&walker, &FileWalker::finished, [] { ADD_FAILURE(); });
     walker.start({tree.root.path()}, false);
     walker.cancel();
-    QElapsedTimer timer;
-    timer.start();
-    while (!timer.hasExpired(200))
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    QTest::qWait(200);
     EXPECT_FALSE(walker.isRunning());
 }
 

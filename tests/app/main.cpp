@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Windows need an application object, and settings a place that is nobody's own.
+// Windows need an application object, and settings a place of their own.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -13,6 +13,7 @@ int main(int argc, char** argv) {
     const QTemporaryDir home;
     for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR", "HOME"})
         qputenv(variable, home.path().toUtf8());
+    qputenv("TZ", "UTC");
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("vell-tests"));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Memory runs out at each point where a thread wants much of it, in turn: it is the failure of that
-// file, and the program goes on.
+// Each large allocation outside the window thread fails, in turn: that file fails, and the program
+// goes on.
 #include <QSignalSpy>
 #include <atomic>
 #include <cstdlib>
@@ -21,7 +21,7 @@ thread_local bool isWindowThread = false;
 }  // namespace
 
 void* operator new(std::size_t size) {
-    // The toolkit's own small objects don't outlive a failure in the middle of their making.
+    // The toolkit doesn't survive a failure while it constructs its own small objects.
     constexpr std::size_t large = 4096;
     if (size >= large && !isWindowThread && untilFailure >= 0 && untilFailure.fetch_sub(1) == 0)
         throw std::bad_alloc();
@@ -49,19 +49,19 @@ class OutOfMemory : public Windows {
     OutOfMemory() { isWindowThread = true; }
     ~OutOfMemory() override { untilFailure = -1; }
 
-    /// Does the work again and again, until it comes to its end without an allocation that fails.
+    /// Repeats the work with the next allocation failing, until none fails.
     static void failEverywhere(const char* name, const std::function<bool()>& work) {
         int failures = 0;
         for (bool hasFailed = true; hasFailed; ++failures) {
             untilFailure = failures;
-            ASSERT_TRUE(work()) << name << " never ended; allocation " << failures;
+            ASSERT_TRUE(work()) << name << " did not end; allocation " << failures;
             hasFailed = untilFailure.exchange(-1) < 0;
         }
-        EXPECT_GT(failures, 1) << name << ": nothing was put to the test";
+        EXPECT_GT(failures, 1) << name << ": no allocation failed";
     }
 };
 
-TEST_F(OutOfMemory, IsTheFailureOfOneFile) {
+TEST_F(OutOfMemory, OneFileFailsAndTheProgramGoesOn) {
     const QString path = file(u"a.ichat"_s, chat(3000));
     const auto log = std::make_shared<const vell::TesselChatLog>(
         vell::TesselChatLog::fromFile(path, foundation::Calendar::current()));
@@ -69,12 +69,12 @@ TEST_F(OutOfMemory, IsTheFailureOfOneFile) {
     DocumentLoader loader(std::make_shared<vell::DiskFileReader>(), thread.queue(), [] {});
 
     failEverywhere("document", [&] {
-        int told = 0;
+        int reports = 0;
         const auto ticket = loader.load(path, [&](const DocumentLoader::Result& result) {
             EXPECT_NE(result.document != nullptr, result.error.has_value());
-            ++told;
+            ++reports;
         });
-        return waitUntil([&] { return told > 0; }) && told == 1;
+        return waitUntil([&] { return reports > 0; }) && reports == 1;
     });
     failEverywhere("summary", [&] {
         vell::TranscriptTable table(loader);

@@ -42,7 +42,7 @@ QStringList applications(const QByteArray& list, const QString& address) {
     return names;
 }
 
-TEST(RecentlyUsed, EntriesOfOthersSurviveOurs) {
+TEST(RecentlyUsed, EntriesOfOtherProgramsAreKept) {
     const QString theirs = QStringLiteral("file:///a%20b.txt");
     const QString ours = QStringLiteral("file:///chat.ichat");
     auto list = recentlyUsed::withEntry(others, ours, moment);
@@ -61,7 +61,7 @@ TEST(RecentlyUsed, EntriesOfOthersSurviveOurs) {
     EXPECT_EQ(applications(*cleared, theirs), QStringList{QStringLiteral("Editor 3")});
 }
 
-TEST(RecentlyUsed, ABrokenListIsLeftAlone) {
+TEST(RecentlyUsed, AMalformedListIsNotChanged) {
     for (const QByteArray& list : {QByteArray("<xbel"), QByteArray("<html/>"), QByteArray("\0", 1)})
         EXPECT_FALSE(recentlyUsed::withEntry(list, QStringLiteral("file:///x"), moment));
     EXPECT_TRUE(recentlyUsed::withEntry({}, QStringLiteral("file:///x"), moment));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What one visit leaves to the next, and one start of the program to another.
+// What one session leaves to the next, and one start of the program to another.
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -29,7 +29,7 @@ using vell::TimelineView;
 
 using Session = Windows;
 
-TEST_F(Session, TheNextVisitBeginsWhereTheLastOneEnded) {
+TEST_F(Session, WindowsAndPlacesAreRestored) {
     struct Place {
         QString path;
         QRect geometry;
@@ -53,7 +53,7 @@ TEST_F(Session, TheNextVisitBeginsWhereTheLastOneEnded) {
     program->openWithoutFiles();
     EXPECT_FALSE(openWindow("welcomeWindow"));
     const auto windows = documentWindows();
-    ASSERT_EQ(windows.size(), 2u) << "what has gone meanwhile is no error";
+    ASSERT_EQ(windows.size(), 2u) << "a removed file is not an error";
     for (const size_t i : {0u, 1u}) {
         const Place& place = places[i * 2];
         ASSERT_EQ(windows[i]->path(), place.path);
@@ -64,7 +64,7 @@ TEST_F(Session, TheNextVisitBeginsWhereTheLastOneEnded) {
         EXPECT_EQ(timeline->scroller().topRow(), place.row);
         EXPECT_EQ(timeline->scroller().pointsAbove(), place.pointsAbove);
     }
-    // Closed one after the other, the last one is what the next visit begins with.
+    // Closed one after the other, the last one is restored.
     windows[0]->close();
     windows[1]->close();
     deleteDeferred();
@@ -82,14 +82,14 @@ TEST_F(Session, TheNextVisitBeginsWhereTheLastOneEnded) {
     EXPECT_TRUE(openWindow("welcomeWindow"));
 }
 
-TEST_F(Session, AQuestionThatGoesAwayIsAskedAgain) {
+TEST_F(Session, AnUnansweredQuestionIsAskedAgain) {
     const auto ask = [&] {
         DocumentWindow* window = documentWindows().front();
         window->activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(window));
         window->findChild<QPushButton*>(u"grantOrDeny"_s)->click();
         auto* question = openWindow<QMessageBox>("contactsPrompt");
-        EXPECT_TRUE(question) << "the button is dead";
+        EXPECT_TRUE(question) << "the button does nothing";
         return question;
     };
     const QString path = file(u"a.ichat"_s, chat(3));
@@ -131,11 +131,12 @@ TEST_F(Session, ALaterStartHandsItsFilesOver) {
     QObject::connect(&first, &SingleInstance::received,
                      [&](const QStringList& paths) { received.append(paths); });
     const auto handOver = [](const QStringList& paths) {
-        auto answer =
+        auto handedOver =
             std::async(std::launch::async, [paths] { return SingleInstance::handOver(paths); });
-        EXPECT_TRUE(waitUntil(
-            [&] { return answer.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
-        return answer.get();
+        EXPECT_TRUE(waitUntil([&] {
+            return handedOver.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+        }));
+        return handedOver.get();
     };
     QStringList many;
     for (int i = 0; i < 5000; ++i)
@@ -145,7 +146,7 @@ TEST_F(Session, ALaterStartHandsItsFilesOver) {
     EXPECT_TRUE(handOver(many));
     EXPECT_EQ(received, QList<QStringList>({{u"/a.ichat"_s, u"/b.ichat"_s}, {}, many}));
 
-    // Others on the socket do no harm.
+    // Malformed requests do no harm.
     const QDir runtime(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation));
     const QStringList sockets = runtime.entryList({u"dev.quillmark.vell-*"_s}, QDir::System);
     ASSERT_EQ(sockets.size(), 1);
@@ -161,7 +162,7 @@ TEST_F(Session, ALaterStartHandsItsFilesOver) {
         stranger.abort();
         QCoreApplication::processEvents();
     }
-    // A start that came at the same moment takes nothing away from the first.
+    // A start at the same moment doesn't replace the first.
     SingleInstance second;
     EXPECT_FALSE(second.listen());
     received.clear();
@@ -169,12 +170,11 @@ TEST_F(Session, ALaterStartHandsItsFilesOver) {
     EXPECT_EQ(received, QList<QStringList>({{u"/c.ichat"_s}}));
 }
 
-TEST_F(Session, NobodyElseHandsFilesOver) {
+TEST_F(Session, FilesOfOtherUsersAreRefused) {
     const QDir runtime(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation));
     const QByteArray folder = QFile::encodeName(runtime.path());
     {
-        // A folder that others can enter holds neither socket nor lock, and the current one
-        // neither.
+        // Neither a folder that others can enter nor the current one gets a socket or lock.
         ASSERT_EQ(::chmod(folder.constData(), 0750), 0);
         const QByteArray temporary = qgetenv("TMPDIR");
         qputenv("TMPDIR", QFile::encodeName(this->folder.path()));
@@ -190,7 +190,7 @@ TEST_F(Session, NobodyElseHandsFilesOver) {
         temporary.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", temporary);
         ::chmod(folder.constData(), 0700);
     }
-    if (::geteuid() != 0) GTEST_SKIP() << "only root can be somebody else";
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can be another user";
     SingleInstance ours;
     QSignalSpy received(&ours, &SingleInstance::received);
     ASSERT_TRUE(ours.listen());
@@ -205,13 +205,13 @@ TEST_F(Session, NobodyElseHandsFilesOver) {
     ASSERT_EQ(::seteuid(0), 0);
     ::chmod(folder.constData(), 0700);
     ASSERT_TRUE(isConnected);
-    stranger.write(QByteArray("\0\0", 2));  // asks for the front
+    stranger.write(QByteArray("\0\0", 2));  // brings it to the front
     stranger.flush();
     EXPECT_TRUE(waitUntil([&] { return stranger.state() == QLocalSocket::UnconnectedState; }));
     EXPECT_TRUE(received.isEmpty());
 }
 
-TEST_F(Session, ASocketOfTheDeadIsTakenOver) {
+TEST_F(Session, StaleSocketIsReplaced) {
     const QDir runtime(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation));
     {
         SingleInstance first;
@@ -227,9 +227,9 @@ TEST_F(Session, ASocketOfTheDeadIsTakenOver) {
     SingleInstance next;
     QSignalSpy received(&next, &SingleInstance::received);
     next.listen();
-    auto answer = std::async(std::launch::async, [] { return SingleInstance::handOver({}); });
+    auto handedOver = std::async(std::launch::async, [] { return SingleInstance::handOver({}); });
     EXPECT_TRUE(waitUntil([&] { return received.size() == 1; }));
-    EXPECT_TRUE(answer.get());
+    EXPECT_TRUE(handedOver.get());
 }
 
 }  // namespace

@@ -51,7 +51,7 @@ class Translation : public Windows {
     QTranslator translator_;
 };
 
-TEST_F(Translation, MenusAndDialogsSpeakGermanAndTheChatStaysAsItIs) {
+TEST_F(Translation, MenusAreGermanAndTheChatIsUnchanged) {
     const QString path = file(u"chat.ichat"_s, chat(5));
     vell::DocumentWindow* window = opened(path);
     checkMnemonics(window->menuBar()->actions());

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 #
-# Collects the texts anew into a copy of each translation: it must come out as it is, and complete.
+# Updates a copy of each translation from the sources: nothing may change, and nothing be missing.
 #
 # usage: translations_test.sh LUPDATE SOURCE
 set -eu

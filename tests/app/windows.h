@@ -12,7 +12,9 @@
 #include <QPointer>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include "app/application.h"
@@ -31,7 +33,7 @@ bool waitUntil(Condition condition) {
     return condition();
 }
 
-/// What was scheduled to be deleted is gone afterwards.
+/// Deletes what was scheduled to be deleted.
 inline void deleteDeferred() {
     QCoreApplication::processEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -61,6 +63,29 @@ inline QByteArray chat(int messages, const QString& other = QStringLiteral("bob"
     return support::keyedTranscript(transcript);
 }
 
+/// Reads from the disk; reading what has "stalled" in its name blocks until it is released.
+class StallingReader final : public FileReader {
+  public:
+    std::shared_ptr<const foundation::FileWrapper> read(const QString& path) override {
+        if (path.contains(QLatin1String("stalled"))) {
+            std::unique_lock lock(mutex_);
+            released_.wait(lock, [this] { return isReleased_; });
+        }
+        return disk_.read(path);
+    }
+    void release() {
+        const std::lock_guard lock(mutex_);
+        isReleased_ = true;
+        released_.notify_all();
+    }
+
+  private:
+    DiskFileReader disk_;
+    std::mutex mutex_;
+    std::condition_variable released_;
+    bool isReleased_ = false;
+};
+
 class Windows : public testing::Test {
   protected:
     Windows() {
@@ -73,7 +98,7 @@ class Windows : public testing::Test {
         foundation::setPrintFunction({});
     }
 
-    /// Begins a visit, with files read by the reader.
+    /// Starts the program, with files read by the reader.
     void start(std::shared_ptr<FileReader> reader = nullptr) {
         program = std::make_unique<Application>(std::move(reader));
     }
