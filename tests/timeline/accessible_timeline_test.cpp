@@ -117,7 +117,7 @@ TEST_F(AccessibleTimelineTest, PlacesOnTheScreenAreThoseOfTheRows) {
     EXPECT_TRUE(list.rect().contains(list.child(250)->rect()));
 }
 
-TEST_F(AccessibleTimelineTest, ItemsAreGivenUpAndMadeAnewWithoutEnd) {
+TEST_F(AccessibleTimelineTest, ItemsAreBoundedAndRecreated) {
     constexpr int count = static_cast<int>(3 * AccessibleTimeline::mostItems);
     LogBuilder log;
     for (int i = 0; i < count; ++i)

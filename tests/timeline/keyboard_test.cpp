@@ -32,7 +32,7 @@ TesselChatLog manyRows() {
     return log.log();
 }
 
-TEST(Keyboard, GoesFromRowToRowAndThroughHighOnes) {
+TEST(Keyboard, MovesByRowAndThroughTallRows) {
     Window window(manyRows());
     TimelineLayout& timeline = window.view.timeline();
     const qsizetype high = 50;
@@ -72,7 +72,7 @@ TEST(Keyboard, GoesFromRowToRowAndThroughHighOnes) {
     EXPECT_GT(steps_, 10);
 }
 
-TEST(Keyboard, PagesLeaveNothingOutAndEndAtTheEnds) {
+TEST(Keyboard, PagesOverlapAndStopAtTheEnds) {
     Window window(manyRows());
     TimelineLayout& timeline = window.view.timeline();
     window.key(Qt::Key_Home);
@@ -92,7 +92,7 @@ TEST(Keyboard, PagesLeaveNothingOutAndEndAtTheEnds) {
     EXPECT_EQ(window.view.currentRow(), 51);
 }
 
-TEST(Keyboard, TheRingIsThereForWhoUsesTheKeyboard) {
+TEST(Keyboard, RingIsShownForTheKeyboardOnly) {
     Window window(
         LogBuilder().text(bob, QStringLiteral("one")).text(me, QStringLiteral("two")).log());
     const auto painted = [&] { return window.view.grab().toImage(); };
@@ -107,7 +107,7 @@ TEST(Keyboard, TheRingIsThereForWhoUsesTheKeyboard) {
     EXPECT_EQ(painted(), plain);
 }
 
-TEST(Keyboard, RowsOfferWhatCanBeDoneWithThem) {
+TEST(Keyboard, RowMenusOfferTheirCommands) {
     foundation::setPrintFunction([](QStringView) {});
     auto attachment = std::make_shared<foundation::FileWrapper>(foundation::Data(QByteArray("x")));
     const auto url = std::make_shared<foundation::URL>(QStringLiteral("http://example.com/%20"));

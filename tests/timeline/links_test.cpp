@@ -19,7 +19,7 @@ using test::bob;
 using test::LogBuilder;
 using test::Window;
 
-TEST(Links, OnlyWhatLeadsWhereItSeemsToIsOpenedWithoutAQuestion) {
+TEST(Links, OnlyPlainLinksOpenWithoutAQuestion) {
     const std::string endless(20'000, 'x');
     const struct {
         const char* why;
@@ -85,7 +85,7 @@ TEST(Links, OnlyWhatLeadsWhereItSeemsToIsOpenedWithoutAQuestion) {
     }
 }
 
-TEST(Links, AddressesAreShownAsOneLineThatDeceivesNobody) {
+TEST(Links, AddressesAreShownOnOneLineAndEncoded) {
     EXPECT_EQ(shownAddress(QString::fromUtf8("http://a.b/c\n\u202etxt.exe\u200d\u2028")),
               QStringLiteral("http://a.b/c%0A%E2%80%AEtxt.exe%E2%80%8D%E2%80%A8"));
     const QString endless = QStringLiteral("http://a.b/") + QString(100'000, u'x');
@@ -144,7 +144,7 @@ TEST(Links, ClicksOpenAndDragsSelect) {
     }
 }
 
-TEST(Links, HoveringTellsTheAddressAndChangesTheCursor) {
+TEST(Links, HoveringShowsTheAddressAndChangesTheCursor) {
     Window window(twoLinks());
     QSignalSpy hovered(&window.view, &TimelineView::linkHovered);
     window.move(window.place(0, 4));
@@ -160,7 +160,7 @@ TEST(Links, HoveringTellsTheAddressAndChangesTheCursor) {
     EXPECT_EQ(hovered[1][0].toString(), QString());
 }
 
-TEST(Links, ToolTipsTellSenderAndDateAndTakeNothingForMarkup) {
+TEST(Links, ToolTipsShowSenderAndDateAsPlainText) {
     const TesselUserID mallory{TesselServiceID::aim, QStringLiteral("<b>mallory</b>")};
     Window window(LogBuilder().text(mallory, QStringLiteral("some text")).log());
     const QPoint place = window.place(0, 3);

@@ -73,7 +73,7 @@ class PictureWindow : public test::Window {
     }
 };
 
-TEST(GifInTimeline, StandsStillUntilItIsClickedAndPlaysOnlyWhileSeen) {
+TEST(GifInTimeline, PlaysOnClickAndOnlyWhileVisible) {
     PictureWindow window(shownPicture(test::gif(QSize(40, 40), {Qt::red, Qt::blue}, 3)));
     ASSERT_TRUE(window.shows(Qt::red));
     QTest::qWait(150);
@@ -96,7 +96,7 @@ TEST(GifInTimeline, StandsStillUntilItIsClickedAndPlaysOnlyWhileSeen) {
     EXPECT_TRUE(window.shows(Qt::red));
 }
 
-TEST(GifInTimeline, WhatCannotPlayStaysAPicture) {
+TEST(GifInTimeline, UnplayablePicturesStayStill) {
     GifPlayer player;
     const auto still = shownPicture(test::gif(QSize(8, 8), {Qt::red}, 3));
     player.toggle(0, still.image(), QSize(8, 8));
@@ -116,7 +116,7 @@ TEST(GifInTimeline, WhatCannotPlayStaysAPicture) {
     EXPECT_LT(player.row(), 0) << "a second click doesn't stop it";
 }
 
-TEST(PictureInTimeline, WhatCannotBeDrawnTellsItsNameTypeAndWhy) {
+TEST(PictureInTimeline, UndrawablePicturesShowNameTypeAndReason) {
     const QByteArray whole = png(QSize(300, 300), Qt::red);
     QByteArray huge = whole;
     huge.replace(16, 8, QByteArray::fromHex("0000753000007530"));
@@ -181,7 +181,7 @@ void expectConfined(pid_t process) {
 #endif
 }
 
-TEST(PictureInTimeline, AProcessThatIsKilledCostsOneRow) {
+TEST(PictureInTimeline, KilledProcessCostsOneRow) {
     const auto slow = shownPicture(longDrawing());
     const auto blue = shownPicture(png(QSize(90, 60), Qt::blue));
     PictureWindow window(slow, blue);
@@ -208,7 +208,7 @@ TEST(PictureInTimeline, AProcessThatIsKilledCostsOneRow) {
     EXPECT_TRUE(waitFor([&] { return !next.text(1).isEmpty(); }, 3000)) << "tried again";
 }
 
-TEST(PictureCache, KeepsItsBoundAndForgetsWhatIsGone) {
+TEST(PictureCache, StaysWithinItsBudgetAndForgetsClosedLogs) {
     constexpr qsizetype bound = 4 * 100 * 100 * 4;
     PictureCache cache(bound);
     LogBuilder log;

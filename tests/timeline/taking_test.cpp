@@ -42,7 +42,7 @@ class Printed {
     QStringList lines;
 };
 
-TEST(DataItemProvider, GivesItsBytesUnderItsTypeAndNoOther) {
+TEST(DataItemProvider, ProvidesItsBytesUnderItsOwnTypeOnly) {
     const TesselChatLog::Image picture = image("public.png");
     const DataItemProvider provider(picture.data(), picture.type());
     Printed printed;
@@ -87,7 +87,7 @@ TEST(DataItemProvider, ClipboardsHoldOneTypeOfData) {
     }
 }
 
-TEST(DataItemProvider, DragsWriteAFileOnlyForWhoAsks) {
+TEST(DataItemProvider, DragsWriteAFileOnRequest) {
     Printed printed;
     const TesselChatLog::Image picture =
         image("public.png", "/Users/x/Desktop/../.cat\u202egnp.sh");
@@ -121,7 +121,7 @@ TEST(DataItemProvider, PrivateFilesGoWithTheirOwner) {
     EXPECT_FALSE(QFile::exists(QFileInfo(path).path()));
 }
 
-TEST(SafeFileName, HidesAndDeceivesNothing) {
+TEST(SafeFileName, NamesAreVisibleAndHarmless) {
     const QString long_(400, u'x');
     const QString cats = QString::fromUtf8("🐈").repeated(400);
     const struct {

@@ -235,7 +235,7 @@ TEST(TimelineLayout, RevealShowsTheRowAndMovesNoFurtherThanNeeded) {
     }
 }
 
-TEST(TimelineLayout, EstimatesComeNear) {
+TEST(TimelineLayout, EstimatesAreClose) {
     const Context context;
     const auto log = shared(test::randomLog(3000, 17));
     for (const int width : {300, 700, 2000}) {

@@ -84,7 +84,7 @@ TEST(TimelineView, ContactsThatComeLaterChangeCaptionsAndNoBubble) {
     EXPECT_EQ(view.viewport()->grab().toImage().pixelColor(icon), QColor(Qt::red));
 }
 
-TEST(SmoothScroll, TakesManySmallerStepsToTheVeryPixel) {
+TEST(SmoothScroll, SlowsDownAndEndsOnThePixel) {
     for (const double distance : {120.0, -120.0, 1.0, -3.0, 5000.0}) {
         SmoothScroll scroll;
         scroll.add(distance);
@@ -127,7 +127,7 @@ TEST(TimelineView, WheelGoesAllTheWaySmoothlyAndTheBarFollows) {
     EXPECT_EQ(bar.maximum(), view.timeline().contentHeight() - view.timeline().viewportHeight());
 }
 
-TEST(TimelineView, IdlePassWaitsUntilNobodyScrollsAndMovesNothing) {
+TEST(TimelineView, IdlePassWaitsForScrollingToEndAndMovesNothing) {
     test::Window window(test::randomLog(3000, 6));
     TimelineView& view = window.view;
     view.scroller().scrollToRow(1500);
