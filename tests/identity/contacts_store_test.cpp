@@ -272,6 +272,9 @@ TEST_F(ContactsStoreTest, IsDestroyedWhileAReadHangs) {
 TEST_F(ContactsStoreTest, ScalesPicturesToOneSize) {
     QImage wide(100, 50, QImage::Format_RGB32);
     wide.fill(Qt::red);
+    for (int x = 50; x < 100; x++)
+        for (int y = 0; y < 50; y++)
+            wide.setPixelColor(x, y, Qt::blue);
     QByteArray png;
     QBuffer buffer(&png);
     ASSERT_TRUE(wide.save(&buffer, "PNG"));
@@ -284,6 +287,8 @@ TEST_F(ContactsStoreTest, ScalesPicturesToOneSize) {
     EXPECT_EQ(image->size(), QSize(76, 76));
     EXPECT_EQ(image->deviceIndependentSize(), QSizeF(38, 38));
     EXPECT_EQ(image->pixelColor(0, 75), QColor(Qt::red)) << "stretched, not fitted";
+    EXPECT_EQ(image->pixelColor(35, 40), QColor(Qt::red)) << "sharp";
+    EXPECT_EQ(image->pixelColor(40, 40), QColor(Qt::blue)) << "sharp";
     EXPECT_FALSE(store->addressToContact().value("b@x").image);
     EXPECT_FALSE(store->addressToContact().value("c@x").image);
 }

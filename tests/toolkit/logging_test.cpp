@@ -196,6 +196,9 @@ TEST(ModuleLogger, FiltersTwiceAndForwardsPlainLines) {
     EXPECT_TRUE(err.bytes->empty());
 
     out.bytes->clear();
+    parent->setLogLevel(LogLevel::log);
+    log.info("too fine for the parent");
+    EXPECT_TRUE(out.bytes->empty());
     parent->setLogLevel(LogLevel::warn);
     bool evaluated = false;
     log.warn([&evaluated] {
