@@ -98,6 +98,9 @@ TEST(Calendar, CachedStretchesAgreeWithTheZone) {
     const auto localDay = [&zone](qint64 second) {
         return QDateTime::fromSecsSinceEpoch(second, zone).date();
     };
+    constexpr qint64 spring = 1238288400;  // 2009-03-29T01:00:00Z, asked before what precedes it
+    EXPECT_EQ(offsetAt(calendar, spring), 3600);
+    EXPECT_EQ(offsetAt(calendar, spring - 1), 0);
     // Back and forth through two centuries, so that stretches are met out of order.
     quint32 random = 1;
     for (int i = 0; i < 3000; ++i) {

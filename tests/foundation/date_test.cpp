@@ -23,6 +23,8 @@ TEST(Date, TextOfAnyDouble) {
          "2000-12-31 23:59:59 +0000"},
         {"a millisecond that no double holds exactly", 268405445.999, "2009-07-04T13:04:05.999Z",
          "2009-07-04 13:04:05 +0000"},
+        {"the double before a millisecond", std::nextafter(268405445.022, 0.0),
+         "2009-07-04T13:04:05.021Z", "2009-07-04 13:04:05 +0000"},
         {"leap day of a century", -26524800.0, "2000-02-29T00:00:00.000Z",
          "2000-02-29 00:00:00 +0000"},
         {"1900 is no leap year", -3182198400.0, "1900-03-01T00:00:00.000Z",

@@ -6,6 +6,7 @@
 
 #include "foundation/keyed_fixture.h"
 #include "foundation/url.h"
+#include "support/file_wrapper_writer.h"
 
 namespace foundation::test {
 namespace {
@@ -95,6 +96,15 @@ TEST_F(KeyedUnarchiverTest, RechecksAnObjectThatWasDecodedUnchecked) {
     const Uid url = archive_.object({"NSURL", "NSObject"}, {{"NS.relative", text}});
     EXPECT_EQ(readRoot(archive_.array({url})).description(), "(http://example.org/)");
     EXPECT_THAT(errorOfRoot(archive_.array({url, text})), HasSubstr("class 'NSMutableString'"));
+    // Nor does an object that was decoded as a part count as checked.
+    allowed_.assign({registry_.find("NSArray"), registry_.find("NSTextAttachment")});
+    const Uid file = archive_.object(
+        {"NSFileWrapper", "NSObject"},
+        {{"NSFileWrapperData", archive_.direct(support::serializedFileWrapper({}))}});
+    const Uid attachment =
+        archive_.object({"NSTextAttachment", "NSObject"}, {{"NSFileWrapper", file}});
+    EXPECT_THAT(errorOfRoot(archive_.array({attachment, file})),
+                HasSubstr("class 'NSFileWrapper'"));
 }
 
 TEST_F(KeyedUnarchiverTest, ResolvesClassesByNameThenSuperclassesThenHints) {
