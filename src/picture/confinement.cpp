@@ -6,6 +6,7 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sched.h>
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -21,8 +22,10 @@
 namespace vell::confinement {
 namespace {
 
-/// Room for the largest picture that is decoded, its bytes and the libraries.
-[[maybe_unused]] constexpr rlim_t addressSpace = rlim_t{2560} * 1024 * 1024;
+/// Room for the largest picture that is decoded and for the libraries.
+[[maybe_unused]] constexpr rlim_t writableMemory = rlim_t{2560} << 20;
+/// Libraries reserve far more addresses than they ever use: the decoder of PDF 16 GiB at once.
+[[maybe_unused]] constexpr rlim_t addressSpace = rlim_t{256} << 30;
 
 void limit(int resource, rlim_t value) {
     const rlimit both{value, value};
@@ -52,8 +55,7 @@ struct LandlockRules {
 #ifdef VELL_SECCOMP_ARCHITECTURE
 
 constexpr std::uint32_t allowedCalls[] = {
-    // memory
-    __NR_mmap,
+    // memory; new mappings are checked below
     __NR_munmap,
     __NR_mremap,
     __NR_mprotect,
@@ -125,6 +127,15 @@ std::vector<sock_filter> filter() {
         skipUnless(BPF_JEQ, __NR_clone3, 1),
         result(missing),
     };
+    // Shared memory of no file counts against no limit of this process.
+    rules.insert(rules.end(), {
+                                  skipUnless(BPF_JEQ, __NR_mmap, 5),
+                                  load(offsetof(seccomp_data, args) + 3 * sizeof(std::uint64_t)),
+                                  skipUnless(BPF_JSET, MAP_ANONYMOUS, 2),
+                                  skipUnless(BPF_JSET, MAP_SHARED, 1),
+                                  result(fail),
+                                  result(SECCOMP_RET_ALLOW),
+                              });
     for (const std::uint32_t call : allowedCalls) {
         rules.push_back(skipUnless(BPF_JEQ, call, 1));
         rules.push_back(result(SECCOMP_RET_ALLOW));
@@ -158,6 +169,7 @@ void limitResources() {
     limit(RLIMIT_CORE, 0);
     limit(RLIMIT_FSIZE, 0);
 #if !defined(__SANITIZE_ADDRESS__)  // which reserves terabytes
+    limit(RLIMIT_DATA, writableMemory);
     limit(RLIMIT_AS, addressSpace);
 #endif
     // Where memory runs out all the same, this is the one to go.
