@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// Whatever a file holds, a file of twice the size costs about twice as much: loaded, and written in
-// each format. A refusal is a cheap answer, and a right one where a format would write what the
-// file stores once many times over.
+// Whatever a file contains, a file of twice the size costs about twice as much: loaded, and written
+// in each format. Refusing it is cheap, and right where a format would write many times over what
+// the file stores once.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -10,9 +10,9 @@
 #include <unistd.h>
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <algorithm>
-#include <array>
 #include <functional>
 
 #include "foundation/error.h"
@@ -24,8 +24,8 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr qsizetype kSize = 200'000;
-constexpr double kMiB = 1 << 20;
+constexpr qsizetype fileSize = 200'000;
+constexpr double mebibyte = 1 << 20;
 
 struct Cost {
     double seconds = 0;  ///< of the processor
@@ -33,13 +33,13 @@ struct Cost {
     bool isRefused = false;
 };
 
-/// What a process of its own needs for the task, which answers whether it was refused.
+/// The cost of the task, which returns whether it was refused, in a process of its own.
 Cost costOf(const std::function<bool()>& task) {
     const pid_t child = fork();
     if (child == 0) {
-        const int nowhere = open("/dev/null", O_WRONLY);
-        dup2(nowhere, STDOUT_FILENO);
-        dup2(nowhere, STDERR_FILENO);
+        const int null = open("/dev/null", O_WRONLY);
+        dup2(null, STDOUT_FILENO);
+        dup2(null, STDERR_FILENO);
         _exit(task() ? 1 : 0);
     }
     int status = 0;
@@ -67,6 +67,26 @@ bool exportAs(const char* format, const QByteArray& path) {
     return _exit(127), true;
 }
 
+QByteArray writeFile(const QTemporaryDir& folder, const char* name, const QByteArray& bytes) {
+    QFile file(folder.filePath(QString::fromUtf8(name)));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    return file.fileName().toUtf8();
+}
+
+TEST(Growth, LogsStayInProportionToTheirFiles) {
+    const QTemporaryDir folder;
+    for (const HostileFile& log : multipliedLogs()) {
+        SCOPED_TRACE(log.name);
+        const QByteArray path = writeFile(folder, "log", log.make(3 << 20));
+        const Cost cost = costOf([&] { return load(path); });
+        EXPECT_EQ(cost.isRefused, log.isRefused);
+#if !defined(__SANITIZE_ADDRESS__)
+        const auto size = static_cast<double>(QFileInfo(QString::fromUtf8(path)).size());
+        EXPECT_LT(cost.peak, size * 24 + 160 * mebibyte);
+#endif
+    }
+}
+
 TEST(Growth, CostsTwiceForTwiceTheSize) {
     const std::pair<const char*, std::function<bool(const QByteArray&)>> tasks[] = {
         {"load", load},
@@ -76,18 +96,13 @@ TEST(Growth, CostsTwiceForTwiceTheSize) {
     };
     const QTemporaryDir folder;
     for (const HostileFile& hostile : hostileFiles()) {
-        std::array<QByteArray, 2> paths;
-        for (const std::size_t i : {0, 1}) {
-            paths[i] = folder.filePath(QString::number(i)).toUtf8();
-            QFile file(QString::fromUtf8(paths[i]));
-            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-            file.write(hostile.make(kSize << i));
-        }
+        const QByteArray paths[] = {writeFile(folder, "once", hostile.make(fileSize)),
+                                    writeFile(folder, "twice", hostile.make(2 * fileSize))};
         for (const auto& [name, task] : tasks) {
             SCOPED_TRACE(testing::Message() << hostile.name << ", " << name);
             Cost once{1e9};
             Cost twice{1e9};
-            // Whatever else the machine does only ever adds: the least of three tries counts.
+            // Other work on the machine only adds to it: the least of three tries counts.
             const auto isTooMuch = [&] { return twice.seconds > 3 * once.seconds + 0.05; };
             for (int i = 0; i < 3 && (i == 0 || isTooMuch()); ++i) {
                 const auto cost = [&, run = &task](std::size_t n) {
@@ -101,7 +116,7 @@ TEST(Growth, CostsTwiceForTwiceTheSize) {
             EXPECT_TRUE(!isLoading || twice.isRefused == hostile.isRefused);
             EXPECT_FALSE(isTooMuch()) << once.seconds << " s, then " << twice.seconds;
 #if !defined(__SANITIZE_ADDRESS__)
-            EXPECT_LT(twice.peak, 2 * kSize * 32 + 160 * kMiB);
+            EXPECT_LT(twice.peak, 2 * fileSize * 32 + 160 * mebibyte);
 #endif
             if (qEnvironmentVariableIsSet("VELL_SHOW_COSTS"))
                 printf("%-42s %-9s %6.2f s %6.2f s %5.0f MB%s\n", hostile.name, name, once.seconds,

@@ -4,7 +4,7 @@
 #include <QtEndian>
 #include <vector>
 
-#include "support/keyed_archive_writer.h"
+#include "growth/keyed_file.h"
 #include "support/non_keyed_archive_writer.h"
 
 namespace vell::test {
@@ -14,7 +14,6 @@ using namespace Qt::StringLiterals;
 using support::KeyedArchiveWriter;
 using support::NonKeyedArchiveWriter;
 using support::Uid;
-using Members = KeyedArchiveWriter::Members;
 
 /// Half of a file is what is shared, the other half names it: so many times at so many bytes each.
 int timesIn(qsizetype size, int bytes) {
@@ -25,35 +24,16 @@ QString longText(qsizetype size) {
     return QString(size / 2, u'a');
 }
 
-class KeyedFile {
-  public:
-    Uid person(Uid id, Uid service = KeyedArchiveWriter::nil) {
-        return archive.object({u"Presentity"_s, u"NSObject"_s},
-                              {{u"ID"_s, id}, {u"ServiceName"_s, service}});
-    }
-    void message(const Members& members) {
-        messages.push_back(archive.object({u"InstantMessage"_s, u"NSObject"_s}, members));
-    }
-    /// A message of one unit for each of these attribute dictionaries.
-    void messageWith(const std::vector<Uid>& attributes) {
-        std::vector<KeyedArchiveWriter::Run> runs;
-        for (const Uid each : attributes)
-            runs.push_back({1, each});
-        const Uid text = archive.string(QString(static_cast<qsizetype>(runs.size()), u'x'));
-        message({{u"Sender"_s, person(archive.string(u"ann"_s))},
-                 {u"MessageText"_s, archive.attributedString(text, runs)}});
-    }
-    QByteArray bytes() {
-        const Uid service = archive.string(u"AIM"_s);
-        archive.setTop(u"root"_s, archive.array({service, service, archive.array(messages),
-                                                 archive.array(people)}));
-        return archive.binary();
-    }
-
-    KeyedArchiveWriter archive;
-    std::vector<Uid> messages;
-    std::vector<Uid> people;
-};
+/// A message of one unit for each of these attribute dictionaries.
+QByteArray messageWith(KeyedFile& file, const std::vector<Uid>& attributes) {
+    std::vector<KeyedArchiveWriter::Run> runs;
+    for (const Uid each : attributes)
+        runs.push_back({1, each});
+    const Uid text = file.archive.string(QString(static_cast<qsizetype>(runs.size()), u'x'));
+    file.message({{u"Sender"_s, file.person(file.archive.string(u"ann"_s))},
+                  {u"MessageText"_s, file.archive.attributedString(text, runs)}});
+    return file.bytes();
+}
 
 QByteArray keyedPeople(qsizetype size, const QString& prefix, const QString& service) {
     KeyedFile file;
@@ -153,8 +133,7 @@ QByteArray attachments(qsizetype size, int count, const QByteArray& name, const 
             archive.object({u"NSTextAttachment"_s}, {{u"NSFileWrapper"_s, wrapper}});
         attributes.push_back(archive.dictionary({{archive.string(u"NSAttachment"_s), attachment}}));
     }
-    file.messageWith(attributes);
-    return file.bytes();
+    return messageWith(file, attributes);
 }
 
 QByteArray wrappersThatFailAtTheirEnd(qsizetype size) {
@@ -189,7 +168,7 @@ QByteArray messagesWithoutContent(qsizetype size) {
     return file.bytes();
 }
 
-/// Two who speak in turn; only the last letter tells their names apart.
+/// Two senders in turn, whose names differ in the last letter.
 QByteArray talkOfLongNames(qsizetype size) {
     KeyedFile file;
     const Uid hi = file.archive.string(u"hi"_s);
@@ -209,8 +188,7 @@ QByteArray links(qsizetype size, bool areDifferent) {
         const Uid url = archive.url(areDifferent ? QString::number(i) : u"x"_s, base);
         attributes.push_back(archive.dictionary({{archive.string(u"NSLink"_s), url}}));
     }
-    file.messageWith(attributes);
-    return file.bytes();
+    return messageWith(file, attributes);
 }
 
 QByteArray equalLinksOnOneLongBase(qsizetype size) {
@@ -239,7 +217,87 @@ QByteArray textsOfOneRunTable(qsizetype size) {
     return file.bytes();
 }
 
-constexpr HostileFile kFiles[] = {
+QByteArray peopleOfOneLongClassName(qsizetype size) {
+    KeyedFile file;
+    const Uid id = file.archive.string(u"ann"_s);
+    const QString name = longText(size);
+    for (int i = 0; i < timesIn(size, 60); ++i)
+        file.people.push_back(
+            file.archive.object({name, u"Presentity"_s, QString::number(i)}, {{u"ID"_s, id}}));
+    return file.bytes();
+}
+
+QByteArray nonKeyedPeopleOfOneLongClassName(qsizetype size) {
+    NonKeyedArchiveWriter archive;
+    archive.array(4, [&] {
+        archive.string(u"AIM"_s);
+        archive.string({});
+        archive.array(0, [] {});
+        const int count = timesIn(size, 8);
+        archive.array(count, [&] {
+            for (int i = 0; i < count; ++i)
+                archive.object({{QByteArray(size / 2, 'a'), 0}, {"NSObject", 0}}, [] {});
+        });
+    });
+    return archive.bytes();
+}
+
+constexpr int overlapStep = 8;
+
+/// An object of which `overlapping` makes a long one.
+Uid placeholder(KeyedArchiveWriter& archive, int number) {
+    QByteArray bytes(4, '\0');
+    qToBigEndian(number, bytes.data());
+    return archive.direct("hold" + bytes);
+}
+
+/// The file, its placeholders being strings or data of a quarter of `size` that all lie in the same
+/// bytes. `type` is the upper half of the first byte of such an object.
+QByteArray overlapping(KeyedFile& file, int count, qsizetype size, char type) {
+    QByteArray head(overlapStep, '\0');
+    head[0] = static_cast<char>(type | 0x0f);
+    head[1] = 0x12;
+    qToBigEndian(static_cast<quint32>(size / 4), head.data() + 2);
+    file.archive.direct(head.repeated(count) + QByteArray(size / 4, 'a'));
+    QByteArray bytes = file.bytes();
+
+    const auto begin = bytes.indexOf(head);
+    const auto width = bytes[bytes.size() - 26];
+    const auto table = qFromBigEndian<qint64>(bytes.constData() + bytes.size() - 8);
+    for (auto entry = table; entry + width <= bytes.size() - 32; entry += width) {
+        const auto offset = bytes.mid(entry, width).toHex().toLongLong(nullptr, 16);
+        if (bytes.mid(offset + 1, 4) != "hold") continue;
+        const auto number = qFromBigEndian<qint32>(bytes.constData() + offset + 5);
+        QByteArray target(8, '\0');
+        qToBigEndian(begin + number * overlapStep, target.data());
+        bytes.replace(entry, width, target.right(width));
+    }
+    return bytes;
+}
+
+QByteArray namesThatOverlap(qsizetype size) {
+    KeyedFile file;
+    const int count = timesIn(size, 60);
+    for (int i = 0; i < count; ++i)
+        file.people.push_back(file.person(placeholder(file.archive, i)));
+    return overlapping(file, count, size, 0x50);
+}
+
+QByteArray attachmentsThatOverlap(qsizetype size) {
+    KeyedFile file;
+    KeyedArchiveWriter& archive = file.archive;
+    const int count = timesIn(size, 90);
+    std::vector<Uid> attributes;
+    for (int i = 0; i < count; ++i) {
+        const Uid attachment =
+            archive.object({u"NSTextAttachment"_s}, {{u"NS.contents"_s, placeholder(archive, i)}});
+        attributes.push_back(archive.dictionary({{archive.string(u"NSAttachment"_s), attachment}}));
+    }
+    messageWith(file, attributes);
+    return overlapping(file, count, size, 0x40);
+}
+
+constexpr HostileFile files[] = {
     {"people of one long name", peopleOfOneLongName},
     {"people of one long name with a prefix", prefixedPeople},
     {"the same, non-keyed", nonKeyedPrefixedPeople},
@@ -254,12 +312,16 @@ constexpr HostileFile kFiles[] = {
     {"equal links on one long base", equalLinksOnOneLongBase},
     {"different links on one long base", differentLinksOnOneLongBase, true},
     {"texts of one table of runs", textsOfOneRunTable, true},
+    {"people of one long class name", peopleOfOneLongClassName},
+    {"the same, non-keyed, of no known class", nonKeyedPeopleOfOneLongClassName},
+    {"names that overlap", namesThatOverlap, true},
+    {"attachments that overlap", attachmentsThatOverlap},
 };
 
 }  // namespace
 
 std::span<const HostileFile> hostileFiles() {
-    return kFiles;
+    return files;
 }
 
 }  // namespace vell::test

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Files that store something long once and name it many times over. What a program does for each
-// name then adds up to far more than the file: each row is a way in which one did.
+// Small files that describe far more than they store: something long that is named many times over.
+// Each row is a way in which reading or writing one was once too expensive.
 
 #include <QByteArray>
 #include <span>
@@ -17,6 +17,9 @@ struct HostileFile {
     bool isRefused = false;
 };
 
+/// What each name costs must not add up.
 [[nodiscard]] std::span<const HostileFile> hostileFiles();
+/// Messages whose log is far larger than the file, or nearly so; a few megabytes for 3 MiB.
+[[nodiscard]] std::span<const HostileFile> multipliedLogs();
 
 }  // namespace vell::test
