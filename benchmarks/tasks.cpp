@@ -9,6 +9,7 @@
 #include <ctime>
 #include <exception>
 
+#include "export/markdown.h"
 #include "figures.h"
 #include "identity/contacts/contacts_store.h"
 #include "transcript/chat_log.h"
@@ -63,7 +64,7 @@ double load(const QByteArray& bytes, const foundation::Calendar& calendar, bool 
     if (!withMarkdown) return loading.seconds();
     const vell::ContactsStore contacts;
     const Stopwatch exporting;
-    return log.generatePlainText(contacts).isEmpty() ? -1 : exporting.seconds();
+    return generatePlainText(log, contacts).isEmpty() ? -1 : exporting.seconds();
 }
 
 double readFile(const QString& path) {

@@ -9,8 +9,8 @@
 #include <cstdlib>
 #include <exception>
 
-#include "export/chat_log_text.h"
 #include "export/expansion.h"
+#include "export/markdown.h"
 #include "foundation/print.h"
 #include "identity/contacts/contacts_store.h"
 #include "transcript/chat_log.h"
@@ -42,8 +42,9 @@ std::size_t mostAllocated(std::size_t inputSize) {
 void convert(const QByteArray& input) {
     static const foundation::Calendar calendar(QTimeZone("Europe/Berlin"));
     static const vell::ContactsStore contacts;
-    const auto log = vell::TesselChatLog::fromData(foundation::Data(input),
-                                                   foundation::Date::distantPast, calendar);
+    vell::TesselLoadLog loadLog;
+    const auto log = vell::TesselChatLog::fromData(
+        foundation::Data(input), foundation::Date::distantPast, calendar, &loadLog);
     qint64 sequence = 0;
     for (const auto& event : log.events())
         if (event.sequence != ++sequence) std::abort();
@@ -51,7 +52,7 @@ void convert(const QByteArray& input) {
         vell::writeMarkdown(log, contacts, sink);
     };
     if (vell::expandsBeyond(vell::exportLimit(input.size()), log, contacts, false, write)) return;
-    if (!log.events().empty() && log.generatePlainText(contacts).isEmpty()) std::abort();
+    if (!log.events().empty() && vell::generatePlainText(log, contacts).isEmpty()) std::abort();
 }
 
 }  // namespace
@@ -59,7 +60,6 @@ void convert(const QByteArray& input) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     static const bool isCounting = (countAllocations(), true);
     foundation::setPrintFunction([](QStringView) {});
-    if (const auto log = vell::tesselLoadLog()) log->reset();
 
     allocated = 0;
     try {

@@ -23,10 +23,10 @@ using foundation::localPath;
 
 namespace {
 
-constexpr int kDone = 0;
-constexpr int kSomeFailed = 1;
-constexpr int kUsage = 2;
-constexpr qsizetype kManyFiles = 10;  // worth telling how far we are
+constexpr int exitSuccess = 0;
+constexpr int exitFailure = 1;
+constexpr int exitUsage = 2;
+constexpr qsizetype manyFiles = 10;  // from here on progress is shown
 
 void writeError(const QString& text) {
     const QByteArray bytes = text.toUtf8();
@@ -34,7 +34,7 @@ void writeError(const QString& text) {
     std::fflush(stderr);
 }
 
-/// On one line, without what could move a terminal's cursor.
+/// On one line, without characters that move a terminal's cursor.
 QString oneLine(QString text) {
     for (QChar& c : text) {
         if (c.category() == QChar::Other_Control) c = u' ';
@@ -42,7 +42,7 @@ QString oneLine(QString text) {
     return text;
 }
 
-/// The reason of a failure for people.
+/// The reason of a failure in plain words.
 QString reasonOf(const std::exception& error) {
     if (dynamic_cast<const std::bad_alloc*>(&error)) return u"there is not enough memory"_s;
     const auto* archive = dynamic_cast<const foundation::Error*>(&error);
@@ -53,9 +53,9 @@ QString reasonOf(const std::exception& error) {
         archive->code() == static_cast<qint64>(foundation::CoderErrorCode::readCorrupt) ||
         archive->code() == static_cast<qint64>(foundation::CoderErrorCode::valueNotFound);
     if (!isUnreadable) return text;
-    // The name of the platform's function in front says nothing to people.
+    // The name of the platform's function in front means nothing to users.
     const auto prefix = text.startsWith(u"*** -[") ? text.indexOf(u"]: ") : -1;
-    return u"no transcript, or damaged: "_s + (prefix < 0 ? text : text.mid(prefix + 3));
+    return u"not a transcript, or damaged: "_s + (prefix < 0 ? text : text.mid(prefix + 3));
 }
 
 ContactsStore::Table contactsOf(const Options& options) {
@@ -71,14 +71,14 @@ int printInformation(const Information& information) {
         Sink sink(STDOUT_FILENO);
         sink.write(information.text.toUtf8());
         sink.flush();
-        return kDone;
+        return exitSuccess;
     } catch (const WriteError& error) {
         writeError(u"vell-export: standard output: "_s + error.reason + u'\n');
-        return kSomeFailed;
+        return exitFailure;
     }
 }
 
-/// How people are told of a file.
+/// A file's name in messages.
 QString displayName(const QString& file) {
     return file == u"-" ? u"stdin"_s : file;
 }
@@ -86,9 +86,12 @@ QString displayName(const QString& file) {
 }  // namespace
 
 Exporter::Exporter(const Options& options)
-    : options_(options), contacts_(contactsOf(options)), output_(options) {
+    : options_(options),
+      contacts_(contactsOf(options)),
+      context_(options.calendar, options.dateLocale, contacts_),
+      output_(options) {
     const bool sharesTerminal = output_.isStream() && isatty(STDOUT_FILENO) != 0;
-    showsProgress_ = !options.quiet && options.files.size() >= kManyFiles && !sharesTerminal &&
+    showsProgress_ = !options.quiet && options.files.size() >= manyFiles && !sharesTerminal &&
                      isatty(STDERR_FILENO) != 0;
     foundation::setPrintFunction([this](QStringView line) { printDiagnostic(line); });
 }
@@ -115,7 +118,8 @@ bool Exporter::exportOne() {
     QString reason;
     try {
         input = readInput(file_, log.get());
-        chatLog.emplace(TesselChatLog::fromData(input.bytes, input.date, options_.calendar));
+        chatLog.emplace(
+            TesselChatLog::fromData(input.bytes, input.date, options_.calendar, log.get()));
     } catch (const ReadError& error) {
         reason = error.reason;
     } catch (const std::exception& error) {
@@ -139,8 +143,7 @@ bool Exporter::exportOne() {
 }
 
 void Exporter::write(const Input& input, const TesselChatLog& log) {
-    const FormatContext context{options_.calendar, options_.locale, contacts_};
-    const auto writeTo = [&](const ByteSink& sink) { options_.format->write(log, context, sink); };
+    const auto writeTo = [&](const ByteSink& sink) { options_.format->write(log, context_, sink); };
     const quint64 limit = exportLimit(input.bytes.size());
     if (!options_.expand &&
         expandsBeyond(limit, log, contacts_, options_.format->readsAttachments, writeTo)) {
@@ -159,7 +162,7 @@ void Exporter::report(const QString& reason) const {
                u'\n');
 }
 
-/// With several files each line tells which one it is about.
+/// With several files each line begins with the file's name.
 void Exporter::printDiagnostic(QStringView line) const {
     if (options_.quiet) return;
     clearProgress();
@@ -185,16 +188,16 @@ int runExport(const QStringList& arguments) {
         FileOutputStream(stderr), FileOutputStream(stderr), LogLevel::defaultLevel()));
     try {
         const Options options = parseOptions(arguments);
-        return Exporter(options).run() ? kDone : kSomeFailed;
+        return Exporter(options).run() ? exitSuccess : exitFailure;
     } catch (const Information& information) {
         return printInformation(information);
     } catch (const WriteError& error) {
         writeError(u"vell-export: "_s + oneLine(error.reason) + u'\n');
-        return kSomeFailed;
+        return exitFailure;
     } catch (const UsageError& error) {
         writeError(u"vell-export: "_s + oneLine(error.reason) +
                    u"\nTry 'vell-export --help' for more.\n"_s);
-        return kUsage;
+        return exitUsage;
     }
 }
 

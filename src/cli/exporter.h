@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Exporter: takes the files of a run one after the other, reads each, writes it in the format asked
-// for, and tells what went wrong without stopping.
+// Exporter: reads the files of a run one after the other, writes each in the requested format, and
+// reports failures without stopping.
 
 #include <QStringList>
 #include <QStringView>
@@ -15,18 +15,20 @@ namespace vell {
 
 class Exporter {
   public:
-    /// Throws UsageError when the contacts can't be read or the output can't serve for these files.
+    /// Throws UsageError when the contacts can't be read or the output isn't possible for these
+    /// files.
     explicit Exporter(const Options& options);
     ~Exporter();
     Exporter(const Exporter&) = delete;
     Exporter& operator=(const Exporter&) = delete;
 
-    /// Exports all files; answers whether nothing failed.
+    /// Exports all files. Returns whether all succeeded.
     bool run();
 
   private:
     const Options& options_;
     const ContactsStore contacts_;
+    const FormatContext context_;
     Output output_;
     QString file_;  // the one at hand
     bool showsProgress_ = false;
@@ -39,7 +41,7 @@ class Exporter {
     void clearProgress() const;
 };
 
-/// Runs the program: parses, exports, reports. Answers the exit status.
+/// Runs the program: parses, exports, reports. Returns the exit status.
 int runExport(const QStringList& arguments);
 
 }  // namespace vell

@@ -2,29 +2,21 @@
 #include "cli/format.h"
 
 #include <algorithm>
+#include <utility>
 
-#include "export/chat_log_json.h"
-#include "export/chat_log_text.h"
+#include "export/json.h"
+#include "export/markdown.h"
 #include "export/terminal_text.h"
-#include "toolkit/date_formatters.h"
 
 namespace vell {
 namespace {
 
-void tellDatesAsAsked(const FormatContext& context) {
-    setSharedDateFormat(
-        context.locale.isEmpty() ? environmentDateLocale() : context.locale.toUtf8(),
-        context.calendar);
-}
-
 void markdown(const TesselChatLog& log, const FormatContext& context, const ByteSink& output) {
-    tellDatesAsAsked(context);
-    writeMarkdown(log, context.contacts, output);
+    writeMarkdown(log, context.contacts(), output, context.settings());
 }
 
 void text(const TesselChatLog& log, const FormatContext& context, const ByteSink& output) {
-    tellDatesAsAsked(context);
-    writeTerminalText(log, context.contacts, output);
+    writeTerminalText(log, context.contacts(), output, context.settings());
 }
 
 void json(const TesselChatLog& log, const FormatContext& /*context*/, const ByteSink& output) {
@@ -33,13 +25,27 @@ void json(const TesselChatLog& log, const FormatContext& /*context*/, const Byte
 
 }  // namespace
 
+FormatContext::FormatContext(foundation::Calendar calendar, QByteArray dateLocale,
+                             const ContactsStore& contacts)
+    : calendar_(std::move(calendar)), dateLocale_(std::move(dateLocale)), contacts_(contacts) {}
+
+const TextRenderSettings& FormatContext::settings() const {
+    if (!settings_) {
+        using Style = DateFormatter::Style;
+        day_.emplace(Style::mediumDateShortTime, dateLocale_, calendar_);
+        time_.emplace(Style::shortTime, dateLocale_, calendar_);
+        settings_.emplace(*day_, *time_);
+    }
+    return *settings_;
+}
+
 std::span<const Format> formats() {
-    static constexpr Format kFormats[] = {
+    static constexpr Format all[] = {
         {"markdown", "md", "\n", false, &markdown},
         {"text", "txt", "\n", false, &text},
         {"json", "json", "", true, &json},
     };
-    return kFormats;
+    return all;
 }
 
 const Format* findFormat(const QString& name) {

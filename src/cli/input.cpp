@@ -21,7 +21,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// What stands at the path behind all links, and of a link that leads nowhere itself.
+/// What is at the path, links followed; of a dangling link the link itself.
 foundation::FileWrapper wrapperOf(const QString& name) {
     using Kind = foundation::FileWrapper::Kind;
     foundation::FileWrapper wrapper(Kind::regularFile);

@@ -22,12 +22,12 @@ struct ReadError {
 struct Input {
     QString name;                          ///< as given; "-" is standard input
     foundation::Data bytes;                ///< all of them
-    std::optional<foundation::Date> date;  ///< when it was changed last; unknown for "-"
-    std::optional<mode_t> permissions;     ///< absent for what is no file on disk
+    std::optional<foundation::Date> date;  ///< of its last change; unknown for "-"
+    std::optional<mode_t> permissions;     ///< absent when it is no file on disk
 };
 
-/// Reads the file whole; links are followed. The log, if there is one, starts afresh with what was
-/// found and ends with the reason of a failure. Throws ReadError.
+/// Reads the whole file; links are followed. The log, if there is one, is started for this file,
+/// and ends with the reason of a failure. Throws ReadError.
 [[nodiscard]] Input readInput(const QString& name, TesselLoadLog* log);
 
 }  // namespace vell

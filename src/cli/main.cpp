@@ -12,8 +12,8 @@
 
 namespace {
 
-/// Keeps the files that we open from becoming a standard stream that the shell has closed. Opened
-/// the wrong way round, so that using it fails as on a closed one.
+/// Keeps files that we open from becoming a standard stream that the shell has closed. Opened in
+/// the wrong direction, so that using it fails as on a closed one.
 void occupyStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(stream, F_GETFD) < 0)
@@ -25,7 +25,7 @@ void occupyStandardStreams() {
 
 int main(int argc, char** argv) {
     occupyStandardStreams();
-    signal(SIGXFSZ, SIG_IGN);  // a file beyond the limit is told like a full disk
+    signal(SIGXFSZ, SIG_IGN);  // a file beyond the limit is reported like a full disk
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(foundation::pathFromArgument(argv[i]));

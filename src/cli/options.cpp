@@ -28,25 +28,24 @@ QString helpText() {
            "\n"
            "  -f, --format NAME     %1 (default: %2)\n"
            "  -o, --output NAME     where to write: a file, a folder that exists or ends with\n"
-           "                        \"/\", a pipe or a device; \"-\" is standard output, which\n"
-           "                        is also where documents go without this option\n"
-           "  -d, --output-dir DIR  write into this folder, which is made if need be\n"
-           "      --force           replace files that exist\n"
-           "      --expand          write documents that are far larger than their files, too\n"
-           "      --files0-from LIST  export the files named in LIST, each name ended by a\n"
-           "                        null byte; \"-\" is standard input\n"
-           "      --contacts FILE   name people from these vCards; may be given several times\n"
-           "      --time-zone ZONE  whose days and hours to tell, e.g. Europe/Berlin;\n"
-           "                        without it your own\n"
-           "      --locale LOCALE   how to write dates for people, e.g. en_GB; without it\n"
-           "                        your own\n"
-           "      --load-log        print what was tried for a file that can't be read\n"
-           "  -q, --quiet           tell of failures only\n"
+           "                        \"/\", a pipe or a device; \"-\" is standard output, the\n"
+           "                        default\n"
+           "  -d, --output-dir DIR  write into this folder, which is created if necessary\n"
+           "      --force           replace existing files\n"
+           "      --expand          also write documents that are far larger than their files\n"
+           "      --files0-from LIST  export the files named in LIST, each name terminated by\n"
+           "                        a null byte; \"-\" is standard input\n"
+           "      --contacts FILE   take the names of people from these vCards; may be repeated\n"
+           "      --time-zone ZONE  time zone of days and times, such as Europe/Berlin\n"
+           "                        (default: yours)\n"
+           "      --locale LOCALE   language and style of dates, such as en_GB (default: yours)\n"
+           "      --load-log        for a file that can't be read, print what was tried\n"
+           "  -q, --quiet           report failures only\n"
            "      --version         print the version\n"
-           "  -h, --help            print this text\n"
+           "  -h, --help            print this help\n"
            "\n"
-           "In a folder documents are named after their files. Exit status: 0 all done, 1 some\n"
-           "file couldn't be read or written, 2 wrong usage.\n"_s.arg(
+           "In a folder, documents are named after their files. Exit status: 0 success, 1 a file\n"
+           "couldn't be read or written, 2 wrong usage.\n"_s.arg(
                formatNames(), QString::fromLatin1(formats()[0].name));
 }
 
@@ -97,11 +96,11 @@ foundation::Calendar chosenCalendar(const Arguments& given) {
     return *std::move(calendar);
 }
 
-QString chosenLocale(const Arguments& given) {
+QByteArray chosenDateLocale(const Arguments& given) {
+    if (!given.parser.isSet(given.locale)) return environmentDateLocale();
     const QString locale = given.parser.value(given.locale);
-    if (given.parser.isSet(given.locale) && !isKnownLocale(locale.toUtf8()))
-        throw UsageError{u"unknown locale: "_s + locale};
-    return locale;
+    if (!isKnownLocale(locale.toUtf8())) throw UsageError{u"unknown locale: "_s + locale};
+    return locale.toUtf8();
 }
 
 QStringList listedFiles(const QString& list) {
@@ -125,12 +124,12 @@ QStringList listedFiles(const QString& list) {
 QStringList chosenFiles(const Arguments& given) {
     QStringList files = given.parser.positionalArguments();
     if (given.parser.isSet(given.files0From)) {
-        if (!files.isEmpty()) throw UsageError{u"files are named here and in a list"_s};
+        if (!files.isEmpty()) throw UsageError{u"files are given as arguments and in a list"_s};
         files = listedFiles(given.parser.value(given.files0From));
     } else if (files.isEmpty()) {
         throw UsageError{u"no file given"_s};
     }
-    if (files.contains(QString())) throw UsageError{u"a file without a name"_s};
+    if (files.contains(QString())) throw UsageError{u"a file has no name"_s};
     return files;
 }
 
@@ -141,7 +140,7 @@ void chooseOutput(const Arguments& given, Options& options) {
         throw UsageError{u"--output and --output-dir exclude each other"_s};
     if (parser.isSet(given.output)) options.output = parser.value(given.output);
     if (parser.isSet(given.outputDir)) options.output = parser.value(given.outputDir);
-    if (options.output.isEmpty()) throw UsageError{u"an output without a name"_s};
+    if (options.output.isEmpty()) throw UsageError{u"the output has no name"_s};
     options.outputIsFolder = parser.isSet(given.outputDir) || options.output.endsWith(u'/');
 }
 
@@ -163,7 +162,7 @@ Options parseOptions(const QStringList& arguments) {
         .printsLoadLog = parser.isSet(given.loadLog),
         .contacts = parser.values(given.contacts),
         .calendar = chosenCalendar(given),
-        .locale = chosenLocale(given),
+        .dateLocale = chosenDateLocale(given),
     };
     chooseOutput(given, result);
     result.files = chosenFiles(given);

@@ -1,8 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// What vell-export was asked to do, from its arguments.
+// What vell-export is to do, from its arguments.
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -15,17 +16,17 @@ struct Options {
     const Format* format = nullptr;  ///< never null
     QStringList files;               ///< "-" is standard input
     QString output;                  ///< "-" is standard output
-    bool outputIsFolder = false;     ///< by how it was named, whether or not it is there
+    bool outputIsFolder = false;     ///< by its name, whether or not it exists
     bool force = false;
-    bool expand = false;  ///< also what grows out of all proportion
+    bool expand = false;  ///< also out of all proportion
     bool quiet = false;
     bool printsLoadLog = false;
     QStringList contacts;  ///< vCard files
     foundation::Calendar calendar;
-    QString locale;  ///< empty: the user's own
+    QByteArray dateLocale;
 };
 
-/// Arguments that make no sense; says why.
+/// Why arguments make no sense.
 struct UsageError {
     QString reason;
 };

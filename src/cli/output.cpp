@@ -20,7 +20,6 @@ namespace {
 
 using Status = struct stat;
 
-/// Nothing when there is nothing at the path.
 std::optional<Status> statusOf(const QByteArray& path) {
     Status status{};
     if (::stat(path.constData(), &status) != 0) return std::nullopt;
@@ -38,8 +37,8 @@ bool isLink(const QByteArray& path) {
     return ::lstat(path.constData(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
-/// The descriptor that the name stands for. Opening such a name anew would begin the file afresh
-/// that the shell has opened, perhaps for appending.
+/// The descriptor that the name stands for. Opening such a name would truncate a file that the
+/// shell has opened, perhaps for appending.
 std::optional<int> descriptorOf(const QString& name) {
     if (name == u"-" || name == u"/dev/stdout") return STDOUT_FILENO;
     if (name == u"/dev/stderr") return STDERR_FILENO;
@@ -51,7 +50,7 @@ std::optional<int> descriptorOf(const QString& name) {
     return std::nullopt;
 }
 
-/// What new files get that are made from no file.
+/// The permissions of documents that are made from no file.
 mode_t ordinaryPermissions() {
     const mode_t masked = ::umask(0);
     ::umask(masked);
@@ -71,7 +70,7 @@ QString OutputNames::nameFor(const QString& input, const QString& extension) {
         const QFileInfo info(foundation::localPath(input));
         name = info.completeBaseName().isEmpty() ? info.fileName() : info.completeBaseName();
     }
-    // Bytes that are no text in the input's name become U+FFFD.
+    // Bytes in the input's name that are no text become U+FFFD.
     const QList<uint> characters = name.toUcs4();
     name =
         QString::fromUcs4(reinterpret_cast<const char32_t*>(characters.data()), characters.size());
@@ -115,18 +114,19 @@ void Output::open(const QString& name) {
         ownsStream_ = true;
         openStream(descriptor);
     } else if (options_.files.size() > 1) {
-        throw UsageError{name + u" is no folder; several files need one (--output-dir)"_s};
+        throw UsageError{name + u" is not a folder; several files need one (--output-dir)"_s};
     }
 }
 
 void Output::openFolder(const QString& name) {
     const QByteArray path = pathBytes(name);
     if (const auto status = statusOf(path); status && !S_ISDIR(status->st_mode))
-        throw UsageError{name + u" is no folder"_s};
+        throw UsageError{name + u" is not a folder"_s};
     std::error_code error;
     std::filesystem::create_directories(path.toStdString(), error);
     if (error)
-        throw WriteError{u"the folder can't be made: "_s + QString::fromStdString(error.message())};
+        throw WriteError{u"the folder can't be created: "_s +
+                         QString::fromStdString(error.message())};
     isFolder_ = true;
 }
 
@@ -134,7 +134,7 @@ void Output::openStream(int descriptor) {
     stream_ = descriptor;
     const auto status = statusOf(descriptor);
     if (status && transcripts_.contains({status->st_dev, status->st_ino}))
-        throw WriteError{u"a transcript itself, never written to"_s};
+        throw WriteError{u"it is a transcript, which is never written to"_s};
 }
 
 void Output::write(const Input& input, const Write& write) {
@@ -166,10 +166,10 @@ void Output::writeToFile(const Input& input, const Write& write, const QString& 
     const QByteArray path = pathBytes(name);
     const auto there = statusOf(path);
     if (there && transcripts_.contains({there->st_dev, there->st_ino}))
-        throw WriteError{u"a transcript itself, never replaced"_s};
+        throw WriteError{u"it is a transcript, which is never replaced"_s};
     if ((there || isLink(path)) && !options_.force)
         throw WriteError{u"the file exists (--force replaces it)"_s};
-    if (there && !S_ISREG(there->st_mode)) throw WriteError{u"it is no regular file"_s};
+    if (there && !S_ISREG(there->st_mode)) throw WriteError{u"it is not a regular file"_s};
 
     // A link is replaced by a new file, whatever it leads to.
     mode_t permissions = ordinaryPermissions();

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Output: where the documents of a run go. A stream (standard output, a pipe, a device) takes them
-// one after the other; a file or a file in a folder is written whole to a temporary one beside it
-// and then renamed. What exists is replaced only on demand, and a transcript never.
+// one after the other; a file is first written to a temporary one in the same folder, then renamed.
+// What exists is replaced only on demand, and a transcript never.
 //
 //     output.write(input, [&](Sink& sink) { format.write(log, context, sink); });
 
@@ -36,7 +36,7 @@ class Output {
   public:
     using Write = std::function<void(Sink&)>;
 
-    /// Opens the stream or makes the folder. Throws UsageError when the output can't serve for
+    /// Opens the stream or makes the folder. Throws UsageError when the output isn't possible for
     /// these files, WriteError when the system refuses.
     explicit Output(const Options& options);
     ~Output();
@@ -46,9 +46,9 @@ class Output {
     /// Writes the document that was made from this input. Throws WriteError, and what `write`
     /// throws; then no file has changed.
     void write(const Input& input, const Write& write);
-    /// A stream failed: it would take no further document.
+    /// Whether a stream failed, so that it takes no further document.
     [[nodiscard]] bool isBroken() const { return isBroken_; }
-    /// Documents go to standard output or the like.
+    /// Whether documents go to standard output or the like.
     [[nodiscard]] bool isStream() const { return stream_ >= 0; }
 
   private:

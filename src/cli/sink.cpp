@@ -11,7 +11,7 @@
 namespace vell {
 namespace {
 
-constexpr qsizetype kHeldSize = 1 << 16;
+constexpr qsizetype maxHeldSize = 1 << 16;
 
 }  // namespace
 
@@ -20,8 +20,8 @@ QString systemReason() {
 }
 
 void Sink::write(QByteArrayView bytes) {
-    if (held_.size() + bytes.size() > kHeldSize) flush();
-    if (bytes.size() > kHeldSize)
+    if (held_.size() + bytes.size() > maxHeldSize) flush();
+    if (bytes.size() > maxHeldSize)
         writeNow(bytes);
     else
         held_ += bytes;
@@ -38,7 +38,7 @@ void Sink::writeNow(QByteArrayView bytes) const {
             ::write(descriptor_, bytes.data(), static_cast<std::size_t>(bytes.size()));
         if (written >= 0) {
             bytes = bytes.sliced(written);
-        } else if (errno == EAGAIN) {  // a pipe that somebody at its other end made so
+        } else if (errno == EAGAIN) {  // a pipe that its other end has made non-blocking
             pollfd ready{descriptor_, POLLOUT, 0};
             poll(&ready, 1, -1);
         } else if (errno != EINTR) {

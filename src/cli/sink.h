@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Sink: where a document goes, piece by piece, so that none is ever held whole. The first failure
-// throws and so ends the document.
+// Sink: writes a document to a descriptor piece by piece, so that none is ever in memory as a
+// whole. The first failure throws and so ends the document.
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -15,7 +15,7 @@ struct WriteError {
     QString reason;
 };
 
-/// What errno stands for now.
+/// The meaning of the current errno.
 [[nodiscard]] QString systemReason();
 
 class Sink {
@@ -25,8 +25,7 @@ class Sink {
 
     /// Takes a piece of any size. Throws WriteError.
     void write(QByteArrayView bytes);
-    /// Passes on what is still held back; whoever made the sink calls it at the end. Throws
-    /// WriteError.
+    /// Writes what is still buffered; to be called at the end. Throws WriteError.
     void flush();
 
   private:

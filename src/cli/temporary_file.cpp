@@ -15,21 +15,21 @@
 namespace vell {
 namespace {
 
-constexpr int kEnding[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+constexpr int endingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
 
 /// The path for the handler below; null without a file.
 std::atomic<const char*> current{nullptr};
 static_assert(std::atomic<const char*>::is_always_lock_free);
 
-/// Removes the file and lets the signal do what it does without us.
+/// Removes the file, then lets the signal take its default action.
 void removeAndEnd(int signal) {
     if (const char* path = current.load()) ::unlink(path);
-    ::raise(signal);  // held back until we return, and then no longer ours
+    ::raise(signal);  // delivered when we return, with its default action
 }
 
-/// What the shell or nohup told us to ignore stays ignored.
+/// Signals that the shell or nohup has set to be ignored stay ignored.
 void handleEndingSignals() {
-    for (const int signal : kEnding) {
+    for (const int signal : endingSignals) {
         struct sigaction action {};
         if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) continue;
         action.sa_handler = removeAndEnd;
@@ -38,13 +38,13 @@ void handleEndingSignals() {
     }
 }
 
-/// While one lives the ending signals wait.
+/// Blocks the ending signals while it lives.
 class SignalPause {
   public:
     SignalPause() {
         sigset_t ending;
         ::sigemptyset(&ending);
-        for (const int signal : kEnding)
+        for (const int signal : endingSignals)
             ::sigaddset(&ending, signal);
         ::pthread_sigmask(SIG_BLOCK, &ending, &before_);
     }
@@ -78,17 +78,17 @@ TemporaryFile::~TemporaryFile() {
 }
 
 void TemporaryFile::keepAs(const QByteArray& path, mode_t permissions, bool replacesExisting) {
-    // File systems that know no permissions refuse; there the file has what all others have.
+    // File systems without permissions refuse; there the file has those of all others.
     [[maybe_unused]] const int refused = ::fchmod(descriptor_, permissions);
-    // Some file systems tell only now that they are full.
+    // Some file systems report only now that they are full.
     if (::close(std::exchange(descriptor_, -1)) != 0) throw WriteError{systemReason()};
     if (!replacesExisting) {
         if (::link(path_.constData(), path.constData()) == 0) return;
         struct stat there {};
         if (errno == EEXIST || ::lstat(path.constData(), &there) == 0)
             throw WriteError{QStringLiteral("the file exists (--force replaces it)")};
-        // Nothing is there, and not every file system has links. If that wasn't the reason, the
-        // new name fails for the same.
+        // Nothing is there, and not every file system has links. If it failed for another reason,
+        // renaming fails too.
     }
     if (::rename(path_.constData(), path.constData()) != 0) throw WriteError{systemReason()};
     path_.clear();

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// TemporaryFile: a file that becomes a document once it is whole, so that nobody ever finds half of
-// one. Unless it was kept it is gone in the end, also when SIGINT, SIGTERM, SIGHUP or SIGPIPE ends
+// TemporaryFile: a file that becomes a document once it is complete, so that no partial document is
+// ever visible. Unless it was kept it is removed, also when SIGINT, SIGTERM, SIGHUP or SIGPIPE ends
 // the program.
 
 #include <sys/types.h>
@@ -13,15 +13,15 @@ namespace vell {
 
 class TemporaryFile {
   public:
-    /// Makes the file, readable for its owner only; there is one at a time. Throws WriteError.
+    /// Creates the file, readable for its owner only; there is one at a time. Throws WriteError.
     explicit TemporaryFile(const QByteArray& folder);
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     [[nodiscard]] int descriptor() const { return descriptor_; }
-    /// Gives the file its permissions and its name; nothing in between sees neither or half of it.
-    /// Throws WriteError; then nothing at the path has changed.
+    /// Sets the file's permissions and gives it its name. Throws WriteError; then nothing at the
+    /// path has changed.
     void keepAs(const QByteArray& path, mode_t permissions, bool replacesExisting);
 
   private:

@@ -16,57 +16,57 @@ namespace {
 
 using foundation::Data;
 
-constexpr quint64 kPerByte = 16;
-constexpr quint64 kAllowance = quint64(64) << 20;
+constexpr quint64 limitPerByte = 16;
+constexpr quint64 baseLimit = quint64(64) << 20;
 
-// What formats write at most: marks, members and dates around a text or an attachment, and for each
-// UTF-16 unit.
-constexpr quint64 kAroundText = 256;
-constexpr quint64 kAroundAttachment = 640;
-constexpr quint64 kPerUnit = 7;
+// Upper bounds, in bytes, of what formats write: marks, members and dates around a text or an
+// attachment, and for each UTF-16 unit.
+constexpr quint64 aroundText = 256;
+constexpr quint64 aroundAttachment = 640;
+constexpr quint64 perUnit = 7;
 /// An address is escaped in other ways than a text, and may be written twice.
-constexpr quint64 kPerAddressUnit = 16;
+constexpr quint64 perAddressUnit = 16;
 
 quint64 units(const std::optional<QString>& text) {
     return text ? static_cast<quint64>(text->size()) : 0;
 }
 
-/// The bytes that an event takes at most beside its sender.
+/// The bytes that an event takes at most, without its sender.
 struct MostOfEvent {
     quint64 operator()(const TesselChatLog::PlainText& value) const {
-        return kAroundText + units(value.text) * kPerUnit;
+        return aroundText + units(value.text) * perUnit;
     }
     quint64 operator()(const TesselChatLog::Image& value) const {
-        return kAroundAttachment + units(value.type()) * kPerUnit +
-               units(value.path()) * kPerAddressUnit;
+        return aroundAttachment + units(value.type()) * perUnit +
+               units(value.path()) * perAddressUnit;
     }
     quint64 operator()(const TesselChatLog::File& value) const {
         const auto& wrapper = *value.wrapper;
-        return kAroundAttachment +
-               std::max(units(wrapper.filename), units(wrapper.preferredFilename)) * kPerUnit;
+        return aroundAttachment +
+               std::max(units(wrapper.filename), units(wrapper.preferredFilename)) * perUnit;
     }
     quint64 operator()(const TesselChatLog::Link& value) const {
-        return kAroundText + units(value.url->absoluteString()) * kPerAddressUnit +
-               units(value.title) * kPerUnit;
+        return aroundText + units(value.url->absoluteString()) * perAddressUnit +
+               units(value.title) * perUnit;
     }
     template <class Marker>
     quint64 operator()(const Marker&) const {
-        return kAroundText;
+        return aroundText;
     }
 };
 
 quint64 mostOfUser(const TesselUserID& user, const ContactsStore& contacts) {
     return (units(user.serviceID.rawValue) + units(user.userID) +
             units(senderName(user, contacts))) *
-           kPerUnit;
+           perUnit;
 }
 
-/// Whether a document of any format may come to more than the limit.
+/// Whether a document of any format may exceed the limit.
 bool mayExpandBeyond(quint64 limit, const TesselChatLog& log, const ContactsStore& contacts) {
-    quint64 most = kAroundText + mostOfUser(log.ownUserID(), contacts);
+    quint64 most = aroundText + mostOfUser(log.ownUserID(), contacts);
     for (const TesselUserID& user : log.otherUserIDs()) {
         if (most > limit) return true;
-        most += kAroundText + mostOfUser(user, contacts);
+        most += aroundText + mostOfUser(user, contacts);
     }
     std::unordered_map<const TesselUserID*, quint64> senders;
     for (const TesselChatLog::Event& event : log.events()) {
@@ -86,8 +86,8 @@ const Data* attachedData(const TesselChatLog::Event& event) {
     return file && file->wrapper->contents ? &*file->wrapper->contents : nullptr;
 }
 
-/// Whether the bytes attached come to more than the limit, each slice of the file counted once.
-/// Slices may overlap.
+/// Whether the attached bytes exceed the limit; each slice of the file counts once, and slices may
+/// overlap.
 bool readsBeyond(quint64 limit, const TesselChatLog& log) {
     quint64 sum = 0;
     for (const TesselChatLog::Event& event : log.events()) {
@@ -105,13 +105,13 @@ bool readsBeyond(quint64 limit, const TesselChatLog& log) {
     return false;
 }
 
-/// Ends a document that came to its limit.
+/// Ends a document that has reached the limit.
 struct LimitReached {};
 
 }  // namespace
 
 quint64 exportLimit(qsizetype transcriptSize) {
-    return static_cast<quint64>(transcriptSize) * kPerByte + kAllowance;
+    return static_cast<quint64>(transcriptSize) * limitPerByte + baseLimit;
 }
 
 bool expandsBeyond(quint64 limit, const TesselChatLog& log, const ContactsStore& contacts,

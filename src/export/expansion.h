@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// What an export may come to. Messages share texts, and people and addresses theirs, so that a
-// small file can make a document thousands of times its size: that is told before anything is
+// How large an export may become. Messages share texts, and people and addresses theirs, so that a
+// small file can make a document thousands of times its size; this is found out before anything is
 // written.
 
 #include <functional>
@@ -14,12 +14,12 @@ namespace vell {
 class ContactsStore;
 class TesselChatLog;
 
-/// The bytes that an export of a transcript of this size may take without being asked for again.
+/// The bytes that an export of a transcript of this size may take without further confirmation.
 [[nodiscard]] quint64 exportLimit(qsizetype transcriptSize);
 
-/// Whether `write` writes more than `limit` bytes, or has to read more than that of what is
-/// attached if it reads that. Most often a look at the sizes of the log's texts is enough; else it
-/// is tried, up to the limit, without keeping anything.
+/// Whether `write` writes more than `limit` bytes or, if it reads attachments, reads more than
+/// that. Usually the sizes of the log's texts decide; otherwise it is run up to the limit, and its
+/// output discarded.
 [[nodiscard]] bool expandsBeyond(quint64 limit, const TesselChatLog& log,
                                  const ContactsStore& contacts, bool readsAttachments,
                                  const std::function<void(const ByteSink&)>& write);

@@ -34,7 +34,7 @@ void JsonWriter::number(double value) {
         return;
     }
     beginValue();
-    // Shortest digits; an exponent only where plain digits would be a long row of zeros.
+    // The fewest digits; an exponent only where there would be a long row of zeros.
     const double size = std::abs(value);
     const bool isPlain = value == 0 || (size >= 1e-6 && size < 1e15);
     char digits[32];
@@ -72,7 +72,7 @@ void JsonWriter::beginValue() {
 }
 
 void JsonWriter::appendEscaped(QStringView text) {
-    constexpr char kDigits[] = "0123456789abcdef";
+    constexpr char hexDigits[] = "0123456789abcdef";
     qsizetype begin = 0;  // of what was not yet written
     const auto flush = [&](qsizetype end) {
         if (end > begin) buffer_ += text.sliced(begin, end - begin).toUtf8();
@@ -91,14 +91,14 @@ void JsonWriter::appendEscaped(QStringView text) {
             buffer_ += static_cast<char>(unit);
         } else if (unit < 0x20) {
             flush(i);
-            constexpr char kNamed[] = "btn\0fr";  // from U+0008 on
+            constexpr char namedEscapes[] = "btn\0fr";  // from U+0008 on
             buffer_ += '\\';
-            if (unit >= 8 && unit <= 13 && kNamed[unit - 8] != 0) {
-                buffer_ += kNamed[unit - 8];
+            if (unit >= 8 && unit <= 13 && namedEscapes[unit - 8] != 0) {
+                buffer_ += namedEscapes[unit - 8];
             } else {
                 buffer_ += "u00";
-                buffer_ += kDigits[unit >> 4];
-                buffer_ += kDigits[unit & 15];
+                buffer_ += hexDigits[unit >> 4];
+                buffer_ += hexDigits[unit & 15];
             }
         }
     }

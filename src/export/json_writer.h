@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// JsonWriter: writes JSON piece by piece, members in the order in which they are given. The text is
-// UTF-8; what isn't valid Unicode becomes U+FFFD, so that every reader accepts it.
+// JsonWriter: writes JSON piece by piece, members in the given order. The text is UTF-8; what isn't
+// valid Unicode becomes U+FFFD, so that every reader accepts it.
 //
 //     writer.beginObject();
 //     writer.key("sequence");
@@ -26,7 +26,7 @@ class JsonWriter {
 
     void string(QStringView text);
     void number(qint64 value);
-    /// With as many digits as bring the same double back; null when it is no finite number.
+    /// With as many digits as restore the same double; null when it is no finite number.
     void number(double value);
     void boolean(bool value);
     void null();

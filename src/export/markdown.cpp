@@ -1,252 +1,185 @@
 // SPDX-License-Identifier: MIT
 #include "export/markdown.h"
 
-#include <QByteArray>
-#include <array>
+#include <QHash>
+
+#include "export/chat_log_visitor.h"
+#include "export/markdown_writer.h"
+#include "identity/contacts/contacts_store.h"
+#include "identity/contacts/sender_name.h"
 
 namespace vell {
 namespace {
 
-/// The longest name of an HTML character reference has 31 letters.
-constexpr qsizetype kLongestEntity = 31;
-/// A longer number starts no list.
-constexpr qsizetype kLongestListNumber = 9;
+using Next = MarkdownWriter::Next;
 
-bool isAsciiAlphanumeric(char16_t unit) {
-    return (unit >= u'0' && unit <= u'9') || (unit >= u'a' && unit <= u'z') ||
-           (unit >= u'A' && unit <= u'Z');
+constexpr qsizetype unitsPerEvent = 64;
+
+/// Longer headings are not kept: many names may share their characters.
+constexpr qsizetype longestKeptHeading = 256;
+
+class Renderer final : public ChatLogVisitor {
+  public:
+    Renderer(const TesselChatLog& log, const ContactsStore& contacts,
+             const TextRenderSettings& settings, TextSink& sink)
+        : ownUser_(log.ownUserID()), contacts_(contacts), settings_(settings), sink_(sink) {}
+
+    void newDay(const Event& event) override;
+    void newMinute(const Event& event) override;
+    void senderChange(const Event* next) override;
+    void systemMessage(Message message) override;
+    void message(Message message) override;
+
+    // Each writes one piece of a message.
+    void operator()(const QString& text);
+    void operator()(const TesselChatLog::Link* link);
+    void operator()(const TesselChatLog::Image* image);
+    void operator()(const TesselChatLog::File* file);
+
+  private:
+    const SharedUserID ownUser_;
+    const ContactsStore& contacts_;
+    const TextRenderSettings& settings_;
+    TextSink& sink_;
+    QString& out_{sink_.text()};
+    MarkdownWriter writer_{sink_};
+    QHash<SharedUserID, QString> headings_;
+    /// The sender of the latest heading; none after a system message.
+    SharedUserID headed_;
+    bool followsBody_ = false;
+    /// What comes after the piece at hand.
+    Next next_ = Next::blockEnd;
+
+    void heading(QStringView linePrefix, QStringView prefix, QStringView text,
+                 QStringView lineSuffix);
+    void senderHeading(const SharedUserID& sender);
+    [[nodiscard]] QString headingOf(const TesselUserID& sender) const;
+    void pieces(Message message);
+};
+
+void Renderer::newDay(const Event& event) {
+    heading(settings_.dayLinePrefix, settings_.dayPrefix,
+            settings_.dayFormatter.string(event.timestamp), settings_.dayLineSuffix);
 }
 
-bool isDigit(char16_t unit) {
-    return unit >= u'0' && unit <= u'9';
+void Renderer::newMinute(const Event& event) {
+    heading(settings_.timeLinePrefix, settings_.timePrefix,
+            settings_.timeFormatter.string(event.timestamp), settings_.timeLineSuffix);
 }
 
-/// The ASCII characters that a scan has to stop at: controls and what Markdown gives a meaning.
-constexpr std::array<bool, 128> kStops = [] {
-    std::array<bool, 128> stops{};
-    for (std::size_t unit = 0; unit < 0x20; ++unit)
-        stops[unit] = true;
-    for (const char16_t unit : u"\\`*_[]<&~|!\x7f")
-        stops[unit] = true;
-    stops['\t'] = false;
-    return stops;
-}();
-
-/// Headings, lists, rules and quotes, at a line's start.
-bool startsBlock(char16_t unit) {
-    return unit == u'#' || unit == u'+' || unit == u'-' || unit == u'=' || unit == u'>';
+void Renderer::heading(QStringView linePrefix, QStringView prefix, QStringView text,
+                       QStringView lineSuffix) {
+    out_ += linePrefix;
+    out_ += prefix;
+    out_ += text;
+    out_ += lineSuffix;
+    followsBody_ = false;
 }
 
-/// Beyond ASCII: controls, line and paragraph separators, and surrogates, which may be lone.
-bool stopsScan(char16_t unit) {
-    if (unit < 0x80) return kStops[unit];
-    return unit < 0xA0 || unit == 0x2028 || unit == 0x2029 || QChar::isSurrogate(unit);
+/// The marker ends a run, but readers look for who speaks from here on.
+void Renderer::senderChange(const Event* next) {
+    headed_ = {};
+    if (next) senderHeading(next->sender);
 }
 
-/// What must not stand in an address as it is.
-bool isControl(char16_t unit) {
-    return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x2028 || unit == 0x2029;
-}
-
-qsizetype nextStop(QStringView text, qsizetype from) {
-    const char16_t* const end = text.utf16() + text.size();
-    const char16_t* at = text.utf16() + from;
-    while (at != end && !stopsScan(*at))
-        ++at;
-    return at - text.utf16();
-}
-
-bool isSurrogatePair(QStringView text, qsizetype at) {
-    return QChar::isHighSurrogate(text[at].unicode()) && at + 1 < text.size() &&
-           QChar::isLowSurrogate(text[at + 1].unicode());
-}
-
-/// Whether an ampersand here would start a character reference.
-bool startsEntity(QStringView text, qsizetype ampersand) {
-    qsizetype at = ampersand + 1;
-    if (at < text.size() && text[at] == u'#') return true;
-    const qsizetype limit = qMin(text.size(), at + kLongestEntity);
-    while (at < limit && isAsciiAlphanumeric(text[at].unicode()))
-        ++at;
-    return at > ampersand + 1 && at < text.size() && text[at] == u';';
-}
-
-/// Whether an underscore here stands inside a word, where it is no mark.
-bool isInsideWord(QStringView text, qsizetype at) {
-    return at > 0 && at + 1 < text.size() && isAsciiAlphanumeric(text[at - 1].unicode()) &&
-           isAsciiAlphanumeric(text[at + 1].unicode());
-}
-
-/// scheme ":" and then anything but blanks, controls, "<" and ">".
-bool isAutolink(QStringView address) {
-    const qsizetype colon = address.indexOf(u':');
-    if (colon < 2 || colon > 32 || !QChar(address[0]).isLetter()) return false;
-    for (qsizetype i = 0; i < colon; ++i) {
-        const char16_t unit = address[i].unicode();
-        if (!isAsciiAlphanumeric(unit) && unit != u'+' && unit != u'.' && unit != u'-')
-            return false;
+void Renderer::senderHeading(const SharedUserID& sender) {
+    const auto known = headings_.constFind(sender);
+    if (known != headings_.cend()) {
+        out_ += *known;
+    } else {
+        const QString text = headingOf(*sender);
+        out_ += text;
+        if (text.size() <= longestKeptHeading) headings_.insert(sender, text);
     }
-    for (qsizetype i = colon + 1; i < address.size(); ++i) {
-        const char16_t unit = address[i].unicode();
-        if (unit == u'<' || unit == u'>' || QChar::isSpace(unit) || unit < 0x20 ||
-            (unit >= 0x7F && unit < 0xA0)) {
-            return false;
-        }
-        if (unit == u'&' && startsEntity(address, i)) return false;
-        if (QChar::isSurrogate(unit)) {
-            if (!isSurrogatePair(address, i)) return false;
-            ++i;
-        }
+    sink_.endPiece();
+    headed_ = sender;
+    followsBody_ = false;
+}
+
+QString Renderer::headingOf(const TesselUserID& sender) const {
+    QString name = senderName(sender, contacts_);
+    name.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
+    name.replace(u'\n', u' ').replace(u'\r', u' ');
+    TextSink heading;
+    heading.text() = settings_.newUserLinePrefix + settings_.newUserPrefix;
+    MarkdownWriter(heading).literal(name.trimmed(), Next::more);
+    return heading.take() + settings_.newUserLineSuffix;
+}
+
+void Renderer::systemMessage(Message message) {
+    out_ += settings_.systemLinePrefix;
+    out_ += settings_.systemPrefix;
+    writer_.beginBlock({});
+    pieces(message);
+    // Two underscores with nothing between them would be plain underscores.
+    if (writer_.isAtLineStart()) out_ += u"<!-- -->";
+    out_ += settings_.systemSuffix;
+    headed_ = {};
+    followsBody_ = false;
+}
+
+void Renderer::message(Message message) {
+    const SharedUserID& sender = message.front().sender;
+    if (headed_ != sender) senderHeading(sender);
+    const bool isQuoted = settings_.quoteOtherMessages && sender != ownUser_;
+    const bool isBlank = isEmpty(message);
+    if (isBlank && !isQuoted) return;
+    // Without an empty line paragraphs are joined, and an unquoted one becomes part of a quote.
+    if (followsBody_ || !isQuoted) out_ += u'\n';
+    writer_.beginBlock(isQuoted ? (isBlank ? u">" : u"> ") : u"");
+    pieces(message);
+    out_ += u'\n';
+    sink_.endPiece();
+    followsBody_ = true;
+}
+
+void Renderer::pieces(Message message) {
+    PieceReader reader(message);
+    for (std::optional<Piece> piece = reader.next(); piece;) {
+        std::optional<Piece> following = reader.next();
+        next_ = !following ? Next::blockEnd : following->needsOwnLine ? Next::line : Next::more;
+        if (piece->needsOwnLine && !writer_.isAtLineStart() && !piece->beginsWithLineBreak())
+            writer_.lineBreak();
+        std::visit(*this, piece->content);
+        sink_.endPiece();
+        piece = std::move(following);
     }
-    return true;
+}
+
+void Renderer::operator()(const QString& text) {
+    writer_.literal(text, next_);
+}
+
+void Renderer::operator()(const TesselChatLog::Link* link) {
+    writer_.link(link->url->absoluteString(), ownTitle(*link));
+}
+
+void Renderer::operator()(const TesselChatLog::Image* image) {
+    const QString path = picturePath(*image);
+    writer_.image(pictureName(path), path);
+}
+
+void Renderer::operator()(const TesselChatLog::File* file) {
+    writer_.literal(fileLine(*file->wrapper), next_);
 }
 
 }  // namespace
 
-void MarkdownWriter::beginBlock(QStringView linePrefix) {
-    prefix_ = linePrefix;
-    out_ += prefix_;
-    lineStart_ = sink_.size();
+QString generatePlainText(const TesselChatLog& log, const ContactsStore& contacts,
+                          const TextRenderSettings& settings) {
+    TextSink sink;
+    sink.text().reserve(static_cast<qsizetype>(log.events().size()) * unitsPerEvent);
+    Renderer renderer(log, contacts, settings, sink);
+    visit(log, renderer);
+    return sink.take();
 }
 
-void MarkdownWriter::lineBreak() {
-    out_ += u"\\\n";
-    beginBlock(prefix_);
-}
-
-void MarkdownWriter::reference(char16_t unit) {
-    out_ += u"&#";
-    out_ += QString::number(unit);
-    out_ += u';';
-}
-
-void MarkdownWriter::literal(QStringView text, Next next) {
-    const qsizetype size = text.size();
-    qsizetype lineBegin = 0;
-    qsizetype clean = startLine(text, 0);  // what is before it has been written
-    qsizetype at = clean;
-    while (at < size) {
-        at = nextStop(text, at);
-        if (at == size) break;
-        const char16_t unit = text[at].unicode();
-        if (isSurrogatePair(text, at)) {
-            at += 2;
-            continue;
-        }
-        out_ += text.sliced(clean, at - clean);
-        if (unit != u'\n' && unit != u'\r') {
-            clean = at = escape(text, at, next);
-            continue;
-        }
-        endLine(text, lineBegin, at);
-        at += unit == u'\r' && at + 1 < size && text[at + 1] == u'\n' ? 2 : 1;
-        lineBegin = at;
-        // A backslash before the end of a block would be a backslash.
-        if (at == size && next == Next::blockEnd) {
-            reference(u'\n');
-            return;
-        }
-        lineBreak();
-        clean = at = startLine(text, at);
-    }
-    out_ += text.sliced(clean);
-    if (next != Next::more) endLine(text, lineBegin, size);
-}
-
-/// Takes its meaning from what has one only at a line's start; answers where to go on.
-qsizetype MarkdownWriter::startLine(QStringView text, qsizetype at) {
-    if (at >= text.size() || !isAtLineStart()) return at;
-    const char16_t unit = text[at].unicode();
-    if (unit == u'\n' || unit == u'\r') return at;
-    if (QChar::isSpace(unit)) {
-        reference(unit);
-        return at + 1;
-    }
-    if (startsBlock(unit)) out_ += u'\\';
-    if (!isDigit(unit)) return at;
-    qsizetype end = at;
-    while (end < text.size() && isDigit(text[end].unicode()))
-        ++end;
-    const bool isListNumber = end - at <= kLongestListNumber && end < text.size() &&
-                              (text[end] == u'.' || text[end] == u')') &&
-                              (end + 1 == text.size() || text[end + 1].isSpace());
-    if (!isListNumber) return at;
-    out_ += text.sliced(at, end - at);
-    out_ += u'\\';
-    return end;
-}
-
-/// Keeps white space that a reader would drop before a line's end.
-void MarkdownWriter::endLine(QStringView text, qsizetype begin, qsizetype end) {
-    if (end == begin) return;
-    const QChar last = text[end - 1];
-    if (!last.isSpace() || out_.back() != last) return;
-    out_.chop(1);
-    reference(last.unicode());
-}
-
-/// Writes the unit at which a scan has stopped; answers where to go on.
-qsizetype MarkdownWriter::escape(QStringView text, qsizetype at, Next next) {
-    const char16_t unit = text[at].unicode();
-    if (unit == 0 || QChar::isSurrogate(unit)) {
-        out_ += QChar::ReplacementCharacter;
-        return at + 1;
-    }
-    // Controls as well: whoever looks at the text in a terminal gets no commands from it.
-    if (unit < 0x20 || unit >= 0x7F) {
-        reference(unit);
-        return at + 1;
-    }
-    bool isPlain = false;
-    if (unit == u'_') isPlain = isInsideWord(text, at);
-    if (unit == u'&') isPlain = !startsEntity(text, at);
-    // Only right before a link of ours does it make a picture of it.
-    if (unit == u'!') isPlain = at + 1 < text.size() || next != Next::more;
-    if (!isPlain) out_ += u'\\';
-    out_ += unit;
-    return at + 1;
-}
-
-void MarkdownWriter::link(const QString& address, const QString& title) {
-    if (title.isEmpty() && isAutolink(address)) {
-        out_ += u'<';
-        out_ += address;
-        out_ += u'>';
-        return;
-    }
-    out_ += u'[';
-    literal(title.isEmpty() ? address : title, Next::more);
-    out_ += u']';
-    destination(address);
-}
-
-void MarkdownWriter::image(const QString& name, const QString& path) {
-    out_ += u"![";
-    literal(name, Next::more);
-    out_ += u']';
-    destination(path);
-}
-
-void MarkdownWriter::destination(QStringView address) {
-    out_ += u"(<";
-    for (qsizetype at = 0; at < address.size(); ++at) {
-        const QChar unit = address[at];
-        const bool isEdge = at == 0 || at + 1 == address.size();
-        if (isSurrogatePair(address, at)) {
-            out_ += address.sliced(at++, 2);
-        } else if (unit.isSurrogate()) {
-            out_ += QChar::ReplacementCharacter;
-        } else if (isControl(unit.unicode()) || (isEdge && unit == u' ')) {
-            out_ += QLatin1StringView(QString(unit).toUtf8().toPercentEncoding());
-        } else if (unit == u'&' && startsEntity(address, at)) {
-            // Some readers look for references before they look for backslashes.
-            out_ += u"&amp;";
-        } else {
-            if (unit == u'<' || unit == u'>' || unit == u'\\') out_ += u'\\';
-            out_ += unit;
-        }
-    }
-    out_ += u">)";
+void writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts, const ByteSink& output,
+                   const TextRenderSettings& settings) {
+    TextSink sink(output);
+    Renderer renderer(log, contacts, settings, sink);
+    visit(log, renderer);
+    sink.passOn();
 }
 
 }  // namespace vell

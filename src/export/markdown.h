@@ -1,53 +1,22 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// MarkdownWriter: appends to a Markdown text such that a CommonMark reader finds exactly the
-// words that were given, whatever they hold. It knows where the current line began, since most
-// marks mean something only there. Every line it begins inside a block starts with a prefix: "> "
-// inside a quote.
+// A chat log as Markdown.
 
-#include <QString>
-#include <QStringView>
-
+#include "export/text_render_settings.h"
 #include "export/text_sink.h"
 
 namespace vell {
 
-class MarkdownWriter {
-  public:
-    /// What comes after a literal.
-    enum class Next {
-        more,      ///< something on the same line
-        line,      ///< another line of the same block
-        blockEnd,  ///< nothing more in this block
-    };
+class ContactsStore;
+class TesselChatLog;
 
-    /// The sink outlives the writer, which ends no pieces.
-    explicit MarkdownWriter(TextSink& sink) : sink_(sink), out_(sink.text()) {}
+/// The whole document.
+[[nodiscard]] QString generatePlainText(const TesselChatLog& log, const ContactsStore& contacts,
+                                        const TextRenderSettings& settings = TextRenderSettings());
 
-    /// Starts a line of a block; what is between its lines starts with the prefix as well.
-    void beginBlock(QStringView linePrefix);
-    /// Text as it stands. CR LF, CR and LF are line breaks; NUL and lone surrogates become U+FFFD.
-    void literal(QStringView text, Next next);
-    /// A break between two lines of the same block.
-    void lineBreak();
-    /// Whether nothing is on the current line yet.
-    [[nodiscard]] bool isAtLineStart() const { return sink_.size() == lineStart_; }
-    /// An empty title: the address alone, in the short form where the syntax allows it.
-    void link(const QString& address, const QString& title);
-    void image(const QString& name, const QString& path);
-
-  private:
-    TextSink& sink_;
-    QString& out_;
-    QStringView prefix_;
-    qsizetype lineStart_ = -1;
-
-    void reference(char16_t unit);
-    qsizetype startLine(QStringView text, qsizetype at);
-    void endLine(QStringView text, qsizetype begin, qsizetype end);
-    qsizetype escape(QStringView text, qsizetype at, Next next);
-    void destination(QStringView address);
-};
+/// Writes it piece by piece. What the output throws passes through.
+void writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts, const ByteSink& output,
+                   const TextRenderSettings& settings = TextRenderSettings());
 
 }  // namespace vell

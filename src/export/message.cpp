@@ -2,33 +2,32 @@
 #include "export/message.h"
 
 #include <algorithm>
-#include <variant>
+#include <utility>
 
 namespace vell {
 namespace {
 
 using Event = TesselChatLog::Event;
 
-struct RoleOf {
-    bool isSystemMessage;
-
-    EventRole operator()(const TesselChatLog::NewDay&) const { return EventRole::newDay; }
-    EventRole operator()(const TesselChatLog::NewMinute&) const { return EventRole::newMinute; }
-    EventRole operator()(const TesselChatLog::User&) const { return EventRole::senderChange; }
-    // Pictures, files and links without a sender too: below anybody's heading they would lie.
-    EventRole operator()(const TesselChatLog::PlainText&) const { return content(); }
-    EventRole operator()(const TesselChatLog::Image&) const { return content(); }
-    EventRole operator()(const TesselChatLog::File&) const { return content(); }
-    EventRole operator()(const TesselChatLog::Link&) const { return content(); }
-
-  private:
-    [[nodiscard]] EventRole content() const {
-        return isSystemMessage ? EventRole::systemMessage : EventRole::content;
-    }
-};
-
 const TesselChatLog::PlainText* plainText(const Event& event) {
     return std::get_if<TesselChatLog::PlainText>(&event.value);
+}
+
+/// Nothing for markers, which are never part of a message.
+struct ContentOf {
+    using Content = std::optional<Piece::Content>;
+    Content operator()(const TesselChatLog::PlainText& value) const { return value.text; }
+    Content operator()(const TesselChatLog::Link& value) const { return &value; }
+    Content operator()(const TesselChatLog::Image& value) const { return &value; }
+    Content operator()(const TesselChatLog::File& value) const { return &value; }
+    Content operator()(const TesselChatLog::NewDay&) const { return std::nullopt; }
+    Content operator()(const TesselChatLog::NewMinute&) const { return std::nullopt; }
+    Content operator()(const TesselChatLog::User&) const { return std::nullopt; }
+};
+
+bool isEmptyText(const Event& event) {
+    const auto* text = plainText(event);
+    return text && text->text.isEmpty();
 }
 
 QString counted(qsizetype count, const char* one, const char* many) {
@@ -37,48 +36,36 @@ QString counted(qsizetype count, const char* one, const char* many) {
 
 }  // namespace
 
-EventRole eventRole(const Event& event) {
-    return std::visit(RoleOf{event.isSystemMessage()}, event.value);
+bool Piece::beginsWithLineBreak() const {
+    const auto* text = std::get_if<QString>(&content);
+    return text && (text->startsWith(u'\n') || text->startsWith(u'\r'));
 }
 
-std::span<const Event> messageAt(const TesselChatLog& log, std::size_t first) {
-    std::size_t end = first + 1;
-    while (log.continuesMessage(end))
-        ++end;
-    return std::span(log.events()).subspan(first, end - first);
-}
-
-std::optional<QString> textAt(std::span<const Event> message, std::size_t& index) {
-    const auto* text = plainText(message[index]);
-    if (!text) return std::nullopt;
-    QString result = text->text;
-    for (; index + 1 < message.size() && (text = plainText(message[index + 1])); ++index)
-        result += text->text;
-    return result;
-}
-
-bool isEmptyText(const Event& event) {
-    const auto* text = plainText(event);
-    return text && text->text.isEmpty();
-}
-
-bool isEmpty(std::span<const Event> message) {
-    return std::all_of(message.begin(), message.end(), isEmptyText);
-}
-
-bool beginsWithLineBreak(const Event& event) {
-    const auto* text = plainText(event);
-    return text && (text->text.startsWith(u'\n') || text->text.startsWith(u'\r'));
-}
-
-const Event* NextSender::after(std::size_t index) {
-    if (next_ <= index) next_ = index + 1;
-    for (; next_ < events_.size(); ++next_) {
-        const EventRole role = eventRole(events_[next_]);
-        if (role == EventRole::content) return &events_[next_];
-        if (role == EventRole::systemMessage) break;
+std::optional<Piece> PieceReader::next() {
+    while (index_ < message_.size()) {
+        std::optional<Piece::Content> content = std::visit(ContentOf(), message_[index_++].value);
+        if (!content) continue;
+        if (auto* text = std::get_if<QString>(&*content)) {
+            appendTextsTo(*text);
+            if (text->isEmpty()) continue;
+        }
+        const bool isFile = std::holds_alternative<const TesselChatLog::File*>(*content);
+        const bool followsFile = std::exchange(followsFile_, isFile);
+        return Piece{*std::move(content), isFile || followsFile};
     }
-    return nullptr;
+    return std::nullopt;
+}
+
+void PieceReader::appendTextsTo(QString& text) {
+    for (; index_ < message_.size(); ++index_) {
+        const auto* more = plainText(message_[index_]);
+        if (!more) return;
+        text += more->text;
+    }
+}
+
+bool isEmpty(Message message) {
+    return std::all_of(message.begin(), message.end(), isEmptyText);
 }
 
 QString fileLine(const foundation::FileWrapper& wrapper) {
@@ -114,8 +101,8 @@ QString pictureName(const QString& path) {
     return name.isEmpty() ? path : name;
 }
 
-bool hasOwnTitle(const QString& title, const QString& address) {
-    return !title.isEmpty() && title != address;
+QString ownTitle(const TesselChatLog::Link& link) {
+    return link.title == link.url->absoluteString() ? QString() : link.title;
 }
 
 }  // namespace vell

@@ -1,82 +1,50 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// How a text sees the flat list of events: which of them is a heading, which is told by nobody, and
-// which stand together as one message. Every format for people walks over them in the same way:
-//
-//     walk(log, renderer);
+// A message as formats for people write it: pieces of text, links, pictures and files, and the
+// words that stand for what isn't text.
 
 #include <QString>
 #include <cstddef>
 #include <optional>
 #include <span>
-#include <vector>
+#include <variant>
 
 #include "transcript/chat_log.h"
 
 namespace vell {
 
-enum class EventRole { newDay, newMinute, senderChange, systemMessage, content };
+/// The events of one message.
+using Message = std::span<const TesselChatLog::Event>;
 
-[[nodiscard]] EventRole eventRole(const TesselChatLog::Event& event);
+/// Texts that stand side by side are one piece: what they mean may depend on what comes next.
+struct Piece {
+    using Content = std::variant<QString, const TesselChatLog::Link*, const TesselChatLog::Image*,
+                                 const TesselChatLog::File*>;
+    Content content;
+    bool needsOwnLine = false;  ///< a file, or what comes after one
 
-/// The event at `first` and what follows of the same message.
-[[nodiscard]] std::span<const TesselChatLog::Event> messageAt(const TesselChatLog& log,
-                                                              std::size_t first);
-
-/// The texts that stand side by side from `index` on, as one; `index` moves to the last of them.
-/// Null when there is no text. What text means may depend on what comes next to it.
-[[nodiscard]] std::optional<QString> textAt(std::span<const TesselChatLog::Event> message,
-                                            std::size_t& index);
-
-/// Text without a character: nothing was written.
-[[nodiscard]] bool isEmptyText(const TesselChatLog::Event& event);
-/// A message of nothing else.
-[[nodiscard]] bool isEmpty(std::span<const TesselChatLog::Event> message);
-/// Text that starts on a new line by itself.
-[[nodiscard]] bool beginsWithLineBreak(const TesselChatLog::Event& event);
-
-/// Answers which sender's content follows an event; asked in rising order, all answers together
-/// cost one walk over the events.
-class NextSender {
-  public:
-    explicit NextSender(const std::vector<TesselChatLog::Event>& events) : events_(events) {}
-    /// The next content's event after `index`; null when a system message or the end comes first.
-    [[nodiscard]] const TesselChatLog::Event* after(std::size_t index);
-
-  private:
-    const std::vector<TesselChatLog::Event>& events_;
-    std::size_t next_ = 0;
+    /// Whether it is text that starts on a new line by itself.
+    [[nodiscard]] bool beginsWithLineBreak() const;
 };
 
-/// Hands the log to a renderer part by part, in order.
-template <class Renderer>
-void walk(const TesselChatLog& log, Renderer& renderer) {
-    const auto& events = log.events();
-    NextSender nextSender(events);
-    for (std::size_t i = 0; i < events.size();) {
-        const TesselChatLog::Event& event = events[i];
-        const auto message = messageAt(log, i);
-        switch (eventRole(event)) {
-            case EventRole::newDay:
-                renderer.newDay(event);
-                break;
-            case EventRole::newMinute:
-                renderer.newMinute(event);
-                break;
-            case EventRole::senderChange:
-                renderer.senderChange(nextSender.after(i));
-                break;
-            case EventRole::systemMessage:
-                renderer.systemMessage(message);
-                break;
-            case EventRole::content:
-                renderer.message(message);
-                break;
-        }
-        i += message.size();
-    }
-}
+/// Divides a message, which outlives it, into its pieces. Empty texts are left out.
+class PieceReader {
+  public:
+    explicit PieceReader(Message message) : message_(message) {}
+    /// Nothing at the message's end.
+    [[nodiscard]] std::optional<Piece> next();
+
+  private:
+    Message message_;
+    std::size_t index_ = 0;
+    bool followsFile_ = false;
+
+    void appendTextsTo(QString& text);
+};
+
+/// Whether the message consists of empty texts.
+[[nodiscard]] bool isEmpty(Message message);
 
 /// "File: NAME (1234 bytes)", "Folder: NAME (2 entries)", "Symbolic link: NAME"; not escaped.
 [[nodiscard]] QString fileLine(const foundation::FileWrapper& wrapper);
@@ -84,7 +52,7 @@ void walk(const TesselChatLog& log, Renderer& renderer) {
 [[nodiscard]] QString picturePath(const TesselChatLog::Image& image);
 /// The last component of such a path.
 [[nodiscard]] QString pictureName(const QString& path);
-/// Whether a link has words of its own besides the address.
-[[nodiscard]] bool hasOwnTitle(const QString& title, const QString& address);
+/// The words of a link besides its address; empty when it has none.
+[[nodiscard]] QString ownTitle(const TesselChatLog::Link& link);
 
 }  // namespace vell

@@ -2,30 +2,24 @@
 #include "export/terminal_text.h"
 
 #include <optional>
-#include <span>
-#include <variant>
 
-#include "export/message.h"
-#include "export/text_sink.h"
+#include "export/chat_log_visitor.h"
 #include "foundation/line_break.h"
 #include "identity/contacts/sender_name.h"
-#include "toolkit/date_formatters.h"
-#include "transcript/chat_log.h"
 
 using namespace Qt::StringLiterals;
 
 namespace vell {
 namespace {
 
-using Event = TesselChatLog::Event;
 using foundation::isLineBreak;
 
-constexpr char16_t kControlPictures = 0x2400;
-constexpr char16_t kDeletePicture = 0x2421;
+constexpr char16_t controlPictures = 0x2400;
+constexpr char16_t deletePicture = 0x2421;
 
-enum class LineBreaks { indented, blanks };
+enum class LineBreaks { indented, asBlanks };
 
-/// Embeddings, overrides and isolates: they would let words stand where nobody wrote them.
+/// Embeddings, overrides and isolates, which could reorder the words of a line.
 bool turnsDirection(char16_t unit) {
     return (unit >= 0x202A && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
 }
@@ -36,28 +30,36 @@ bool isHarmless(char16_t unit) {
                            !QChar::isSurrogate(unit));
 }
 
-/// What stands for a control: its picture, or the replacement character where there is none.
+/// A control's picture, or the replacement character if it has none.
 char16_t shownControl(char16_t unit) {
-    if (unit < 0x20) return static_cast<char16_t>(kControlPictures + unit);
-    return unit == 0x7F ? kDeletePicture : static_cast<char16_t>(QChar::ReplacementCharacter);
+    if (unit < 0x20) return static_cast<char16_t>(controlPictures + unit);
+    return unit == 0x7F ? deletePicture : static_cast<char16_t>(QChar::ReplacementCharacter);
 }
 
-class Renderer {
+class Renderer final : public ChatLogVisitor {
   public:
-    Renderer(const ContactsStore& contacts, TextSink& sink) : contacts_(contacts), sink_(sink) {}
+    Renderer(const ContactsStore& contacts, const TextRenderSettings& settings, TextSink& sink)
+        : contacts_(contacts), settings_(settings), sink_(sink) {}
 
-    void newDay(const Event& event);
-    void newMinute(const Event& event) { minute_ = event.timestamp; }
-    void senderChange(const Event* /*next*/) { headed_ = {}; }
-    void systemMessage(std::span<const Event> message);
-    void message(std::span<const Event> message);
+    void newDay(const Event& event) override;
+    void newMinute(const Event& event) override { minute_ = event.timestamp; }
+    void senderChange(const Event* /*next*/) override { headed_ = {}; }
+    void systemMessage(Message message) override;
+    void message(Message message) override;
+
+    // Each writes one piece of a message.
+    void operator()(const QString& text) { write(text); }
+    void operator()(const TesselChatLog::Link* link);
+    void operator()(const TesselChatLog::Image* image);
+    void operator()(const TesselChatLog::File* file);
 
   private:
     const ContactsStore& contacts_;
+    const TextRenderSettings& settings_;
     TextSink& sink_;
     QString& out_{sink_.text()};
     SharedUserID headed_;
-    /// The minute that the next content opens, told beside its sender.
+    /// The minute that begins with the next content, shown next to its sender.
     std::optional<foundation::Date> minute_;
 
     QStringView indentation_;
@@ -67,21 +69,20 @@ class Renderer {
     void minute();
     void begin(QStringView firstLine, QStringView furtherLines);
     void newLine();
-    void pieces(std::span<const Event> message);
-    void piece(const Event& event);
-    void text(QStringView text, LineBreaks breaks = LineBreaks::indented);
+    void pieces(Message message);
+    void write(QStringView text, LineBreaks breaks = LineBreaks::indented);
     void clean(QStringView text);
 };
 
 void Renderer::newDay(const Event& event) {
     if (!sink_.isEmpty()) out_ += u"\n\n";
-    out_ += daySeparatorFormatter().string(event.timestamp);
+    out_ += settings_.dayFormatter.string(event.timestamp);
     out_ += u'\n';
     minute_.reset();
     headed_ = {};
 }
 
-void Renderer::systemMessage(std::span<const Event> message) {
+void Renderer::systemMessage(Message message) {
     if (!sink_.isEmpty()) out_ += u'\n';
     begin(u"* ", u"  ");
     pieces(message);
@@ -94,18 +95,18 @@ void Renderer::heading(const SharedUserID& sender) {
     if (headed_ == sender && !minute_) return;
     if (!sink_.isEmpty()) out_ += u'\n';
     begin({}, {});
-    text(senderName(*sender, contacts_).trimmed(), LineBreaks::blanks);
+    write(senderName(*sender, contacts_).trimmed(), LineBreaks::asBlanks);
     minute();
     out_ += u":\n";
     headed_ = sender;
 }
 
 void Renderer::minute() {
-    if (minute_) clean(u" ("_s + timeSeparatorFormatter().string(*minute_) + u')');
+    if (minute_) clean(u" ("_s + settings_.timeFormatter.string(*minute_) + u')');
     minute_.reset();
 }
 
-void Renderer::message(std::span<const Event> message) {
+void Renderer::message(Message message) {
     heading(message.front().sender);
     begin(isEmpty(message) ? u"" : u"    ", u"      ");
     pieces(message);
@@ -113,21 +114,14 @@ void Renderer::message(std::span<const Event> message) {
     sink_.endPiece();
 }
 
-void Renderer::pieces(std::span<const Event> message) {
+void Renderer::pieces(Message message) {
+    PieceReader reader(message);
     bool isFirst = true;
-    bool followsFile = false;
-    for (std::size_t i = 0; i < message.size(); ++i) {
-        const Event& event = message[i];
-        if (isEmptyText(event)) continue;
-        const bool isFile = std::holds_alternative<TesselChatLog::File>(event.value);
-        if ((isFile || followsFile) && !isFirst && !beginsWithLineBreak(event)) newLine();
-        if (const auto words = textAt(message, i))
-            text(*words);
-        else
-            piece(event);
+    while (const std::optional<Piece> piece = reader.next()) {
+        if (piece->needsOwnLine && !isFirst && !piece->beginsWithLineBreak()) newLine();
+        std::visit(*this, piece->content);
         sink_.endPiece();
         isFirst = false;
-        followsFile = isFile;
     }
 }
 
@@ -142,33 +136,23 @@ void Renderer::newLine() {
     needsIndentation_ = true;
 }
 
-void Renderer::piece(const Event& event) {
-    struct {
-        Renderer& to;
-        void operator()(const TesselChatLog::Link& link) {
-            const QString address = link.url->absoluteString();
-            const bool isTitled = hasOwnTitle(link.title, address);
-            to.text(isTitled ? link.title + u" <"_s + address + u'>' : address);
-        }
-        void operator()(const TesselChatLog::Image& image) {
-            const QString path = picturePath(image);
-            const QString name = pictureName(path);
-            to.text(u"[Picture: "_s + name + (name == path ? u"]"_s : u", "_s + path + u']'));
-        }
-        void operator()(const TesselChatLog::File& file) {
-            to.text(u'[' + fileLine(*file.wrapper) + u']');
-        }
-        // Told by the caller.
-        void operator()(const TesselChatLog::PlainText&) {}
-        // Headings, never a piece of a message.
-        void operator()(const TesselChatLog::NewDay&) {}
-        void operator()(const TesselChatLog::NewMinute&) {}
-        void operator()(const TesselChatLog::User&) {}
-    } write{*this};
-    std::visit(write, event.value);
+void Renderer::operator()(const TesselChatLog::Link* link) {
+    const QString address = link->url->absoluteString();
+    const QString title = ownTitle(*link);
+    write(title.isEmpty() ? address : title + u" <"_s + address + u'>');
 }
 
-void Renderer::text(QStringView text, LineBreaks breaks) {
+void Renderer::operator()(const TesselChatLog::Image* image) {
+    const QString path = picturePath(*image);
+    const QString name = pictureName(path);
+    write(u"[Picture: "_s + name + (name == path ? u"]"_s : u", "_s + path + u']'));
+}
+
+void Renderer::operator()(const TesselChatLog::File* file) {
+    write(u'[' + fileLine(*file->wrapper) + u']');
+}
+
+void Renderer::write(QStringView text, LineBreaks breaks) {
     qsizetype start = 0;
     for (qsizetype at = 0; at < text.size(); ++at) {
         const char16_t unit = text[at].unicode();
@@ -204,10 +188,10 @@ void Renderer::clean(QStringView text) {
 }  // namespace
 
 void writeTerminalText(const TesselChatLog& log, const ContactsStore& contacts,
-                       const ByteSink& output) {
+                       const ByteSink& output, const TextRenderSettings& settings) {
     TextSink sink(output);
-    Renderer renderer(contacts, sink);
-    walk(log, renderer);
+    Renderer renderer(contacts, settings, sink);
+    visit(log, renderer);
     sink.passOn();
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// A chat log for reading in a terminal: the same story as the Markdown, without its marks. Nothing
-// in a transcript can give the terminal a command: controls are shown as pictures of themselves,
-// and what turns the direction of text about is left out.
+// A chat log for reading in a terminal: the same content as the Markdown, without its marks.
+// Nothing in a transcript can command the terminal: controls are shown as their pictures, and
+// characters that change the direction of text are left out.
 //
 //     Jan 2, 2006, 22:04
 //
@@ -17,6 +17,7 @@
 //
 //     * Bob has left the chat.
 
+#include "export/text_render_settings.h"
 #include "export/text_sink.h"
 
 namespace vell {
@@ -24,9 +25,10 @@ namespace vell {
 class ContactsStore;
 class TesselChatLog;
 
-/// UTF-8 with line feeds only, the last line ended; nothing without events. What the output
-/// throws passes through.
+/// UTF-8 with line feeds only, the last line ended; nothing without events. Of the settings only
+/// the formatters are used. What the output throws passes through.
 void writeTerminalText(const TesselChatLog& log, const ContactsStore& contacts,
-                       const ByteSink& output);
+                       const ByteSink& output,
+                       const TextRenderSettings& settings = TextRenderSettings());
 
 }  // namespace vell

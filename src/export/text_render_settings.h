@@ -2,18 +2,20 @@
 // SPDX-License-Identifier: MIT
 //
 // TextRenderSettings: every piece of decoration that the Markdown of a chat log has around day,
-// minute and sender headings and around system messages. They are constants.
+// minute and sender headings and around system messages, and the dates in all texts for people.
 
 #include <QString>
 
 #include "toolkit/date_formatters.h"
-#include "transcript/chat_log.h"
 
 namespace vell {
 
-struct TesselChatLog::TextRenderSettings {
-    /// Takes the formatters of the calling thread and so belongs to it.
+struct TextRenderSettings {
+    /// Dates read like the separators on screen. Belongs to the calling thread, as its formatters.
     TextRenderSettings() = default;
+    /// Borrows the formatters.
+    TextRenderSettings(const DateFormatter& day, const DateFormatter& time)
+        : dayFormatter(day), timeFormatter(time) {}
 
     const QString dayLinePrefix = QStringLiteral("\n");
     const QString dayPrefix = QStringLiteral("# ");
@@ -28,7 +30,6 @@ struct TesselChatLog::TextRenderSettings {
     const QString systemPrefix = QStringLiteral("_");
     const QString systemSuffix = QStringLiteral("_\n---\n\n");
     const bool quoteOtherMessages = true;
-    /// The ones that separators on screen are made with.
     const DateFormatter& dayFormatter = daySeparatorFormatter();
     const DateFormatter& timeFormatter = timeSeparatorFormatter();
 };

@@ -6,8 +6,8 @@ namespace vell {
 void TextSink::passOn() {
     next_(text_.toUtf8());
     gone_ += text_.size();
-    // The room of a giant piece isn't kept for the small ones behind it.
-    if (text_.capacity() <= kPassedOnSize * 4)
+    // The capacity for a giant piece isn't kept for the small ones after it.
+    if (text_.capacity() <= pieceSize * 4)
         text_.resize(0);
     else
         text_ = QString();

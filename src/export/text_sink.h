@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// TextSink: a text on its way out, in UTF-8. Its end can still be changed until a piece of it is
-// declared complete; complete pieces leave by and by, so that no document is ever in memory as a
-// whole. A sink that leads nowhere keeps everything for take().
+// TextSink: buffers a text and passes it on as UTF-8. The end of the text can be changed until a
+// piece is declared complete; complete pieces are passed on, so that no document is ever in memory
+// as a whole. A sink without a destination keeps everything for take().
 
 #include <QByteArrayView>
 #include <QString>
@@ -20,20 +20,20 @@ class TextSink {
     TextSink() = default;
     explicit TextSink(ByteSink next) : next_(std::move(next)) {}
 
-    /// Where to append. Only what was appended since the last endPiece() is sure to be there.
+    /// Where to append. What was appended before the last endPiece() may be gone.
     [[nodiscard]] QString& text() { return text_; }
-    /// How much was appended in all.
+    /// The number of units appended so far.
     [[nodiscard]] qsizetype size() const { return gone_ + text_.size(); }
     [[nodiscard]] bool isEmpty() const { return size() == 0; }
     void endPiece() {
-        if (next_ && text_.size() >= kPassedOnSize) passOn();
+        if (next_ && text_.size() >= pieceSize) passOn();
     }
-    /// Passes on what is left; whoever writes a document calls it at its end.
+    /// Passes on what is left; to be called at the end of a document.
     void passOn();
     [[nodiscard]] QString take() { return std::move(text_); }
 
   private:
-    static constexpr qsizetype kPassedOnSize = 1 << 15;
+    static constexpr qsizetype pieceSize = 1 << 15;
 
     ByteSink next_;
     QString text_;

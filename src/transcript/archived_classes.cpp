@@ -65,7 +65,7 @@ const ClassRegistry& sharedClassRegistry() {
 namespace {
 
 std::vector<const ClassInfo*> findAllowedClasses() {
-    constexpr const char* kNames[] = {
+    constexpr const char* allowedNames[] = {
         "InstantMessage",
         "IMHandle",
         "IMDirectlyObservableObject",
@@ -93,7 +93,7 @@ std::vector<const ClassInfo*> findAllowedClasses() {
         "NSFileWrapper",
     };
     std::vector<const ClassInfo*> result;
-    for (const char* name : kNames) {
+    for (const char* name : allowedNames) {
         if (const ClassInfo* info = sharedClassRegistry().find(name)) result.push_back(info);
     }
     return result;

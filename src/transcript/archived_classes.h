@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// The classes that a transcript's archive may name: the five of its own (three of them are mere
+// The classes that a transcript's archive may name: the five of its own (three of them
 // placeholders) beside the platform's, and which of them a keyed archive may hold.
 
 #include <vector>

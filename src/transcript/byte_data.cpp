@@ -8,7 +8,7 @@
 namespace vell {
 namespace {
 
-/// What isprint says in the POSIX locale, whatever the locale is now.
+/// Like isprint in the POSIX locale, whatever the current locale is.
 bool isPrintable(unsigned char byte) {
     return byte >= 0x20 && byte <= 0x7e;
 }
@@ -24,14 +24,14 @@ std::vector<QByteArrayView> chunk(QByteArrayView data, qsizetype size) {
 }
 
 QString hexdump(QByteArrayView data, qsizetype bytesPerLine) {
-    constexpr char16_t kDigits[] = u"0123456789abcdef";
+    constexpr char16_t hexDigits[] = u"0123456789abcdef";
     QString result;
     result.reserve(data.size() * 4);
     for (const QByteArrayView line : chunk(data, bytesPerLine)) {
         for (const char c : line) {
             const auto byte = static_cast<unsigned char>(c);
-            result += QChar(kDigits[byte >> 4]);
-            result += QChar(kDigits[byte & 15]);
+            result += QChar(hexDigits[byte >> 4]);
+            result += QChar(hexDigits[byte & 15]);
             result += u' ';
         }
         result += QStringView(u" |");

@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Bytes cut into pieces and bytes as people read them, for the load log.
+// Bytes in pieces and as people read them, for the load log.
 
 #include <QByteArrayView>
 #include <QString>

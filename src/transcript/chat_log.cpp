@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 namespace vell {
 namespace {
 
-/// The tail of an event's description: its kind and what tells it from its neighbours.
+/// The end of an event's description: its kind and what distinguishes it from its neighbours.
 struct Describe {
     QString operator()(const TesselChatLog::PlainText& v) const { return u" \""_s + v.text + u'"'; }
     QString operator()(const TesselChatLog::Image& v) const {
@@ -29,7 +29,7 @@ struct Describe {
     QString operator()(const TesselChatLog::User&) const { return u" user"_s; }
 };
 
-/// Payloads without fields are told apart by their kind alone.
+/// Payloads without fields differ in their kind alone.
 struct Hash {
     size_t seed;
     template <class T>

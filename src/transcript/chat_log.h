@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // TesselChatLog: a transcript as everything else sees it, a flat list of events numbered from 1.
-// An immutable value; copies share their events' content. Reading one is in chat_log_reader's
-// hands: TesselChatLog::fromData.
+// An immutable value; copies share their events' content. TesselChatLog::fromData reads one.
 
 #include <QString>
 #include <memory>
@@ -24,7 +23,7 @@ class ClassRegistry;
 
 namespace vell {
 
-class ContactsStore;
+class TesselLoadLog;
 
 class TesselChatLog {
   public:
@@ -112,44 +111,39 @@ class TesselChatLog {
         [[nodiscard]] size_t hash(size_t seed = 0) const;
     };
 
-    /// `continuations` may end early; every event behind it begins something new.
+    /// `continuations` may end early; every event after it begins a new message.
     TesselChatLog(TesselServiceID serviceID, TesselUserID ownUserID,
                   QSet<TesselUserID> otherUserIDs, std::vector<Event> events,
                   std::vector<bool> continuations = {});
 
-    /// Reads a transcript's bytes, keyed or non-keyed. Writes its steps to the load log and throws
-    /// the keyed reader's error when neither form can be read. `fileDate` dates the events of an
-    /// empty transcript.
-    static TesselChatLog fromData(const foundation::Data& data,
-                                  std::optional<foundation::Date> fileDate,
-                                  const foundation::Calendar& calendar);
+    /// Reads a transcript's bytes, keyed or non-keyed. Throws the keyed reader's error when neither
+    /// form can be read. `fileDate` dates the events of an empty transcript. The steps are written
+    /// to the log, if there is one; files without a common log can be read side by side.
     static TesselChatLog fromData(const foundation::Data& data,
                                   std::optional<foundation::Date> fileDate,
                                   const foundation::Calendar& calendar,
+                                  TesselLoadLog* log = nullptr);
+    static TesselChatLog fromData(const foundation::Data& data,
+                                  std::optional<foundation::Date> fileDate,
+                                  const foundation::Calendar& calendar, TesselLoadLog* log,
                                   const foundation::ClassRegistry& registry);
     /// Reads the file at the path whole, dated by its modification time; also throws
     /// foundation::Error when it can't be read.
-    static TesselChatLog fromFile(const QString& path, const foundation::Calendar& calendar);
+    static TesselChatLog fromFile(const QString& path, const foundation::Calendar& calendar,
+                                  TesselLoadLog* log = nullptr);
 
     [[nodiscard]] const TesselServiceID& serviceID() const { return serviceID_; }
-    /// The user who owned the transcript; "?" on the transcript's service when nobody can tell.
+    /// The user who owned the transcript; "?" on the transcript's service when unknown.
     [[nodiscard]] const TesselUserID& ownUserID() const { return ownUserID_; }
     [[nodiscard]] const QSet<TesselUserID>& otherUserIDs() const { return otherUserIDs_; }
     [[nodiscard]] const std::vector<Event>& events() const { return events_; }
     /// Whether the event at the index is a further piece of the message that the one before it
-    /// belongs to: messages of one sender at one instant can't be told apart otherwise.
+    /// belongs to: messages of one sender at one instant couldn't be distinguished otherwise.
     [[nodiscard]] bool continuesMessage(std::size_t index) const {
         return index < continuations_.size() && continuations_[index];
     }
 
-    /// The decoration of the text rendering; defined by export.
-    struct TextRenderSettings;
-    /// The whole log as Markdown; defined by export.
-    [[nodiscard]] QString generatePlainText(const ContactsStore& contacts) const;
-    [[nodiscard]] QString generatePlainText(const ContactsStore& contacts,
-                                            const TextRenderSettings& settings) const;
-
-    /// Compares what is told above except where messages end.
+    /// Compares all of the above except where messages end.
     friend bool operator==(const TesselChatLog& a, const TesselChatLog& b) {
         return a.serviceID_ == b.serviceID_ && a.ownUserID_ == b.ownUserID_ &&
                a.otherUserIDs_ == b.otherUserIDs_ && a.events_ == b.events_;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// From a file's bytes to a chat log: reads the timeline, then walks its messages once and writes
-// the events.
+// From a file's bytes to a chat log: reads the timeline, then converts its messages to events in
+// one pass.
 #include <QDateTime>
 #include <QFile>
 #include <QStringList>
@@ -31,7 +31,7 @@ namespace {
 
 using Event = TesselChatLog::Event;
 
-/// The texts of senderless messages, where a placeholder stands for somebody's name. A text that
+/// The texts of messages without a sender, in which a placeholder stands for a name. A text that
 /// several messages share is replaced once.
 class SystemTexts {
   public:
@@ -44,7 +44,7 @@ class SystemTexts {
 
   private:
     struct Text {
-        QString original;  // keeps the address of its characters from being used again
+        QString original;  // keeps the address of its characters in use
         QString replaced;
     };
     std::unordered_map<const QChar*, Text> known_;
@@ -68,10 +68,10 @@ void printErrors(const Extraction& extraction) {
         foundation::print(line);
 }
 
-/// The ids of those who spoke last: few people write most of a transcript.
+/// The ids of the latest senders: few people write most of a transcript.
 class RecentSenders {
   public:
-    /// Nobody when the person isn't among them.
+    /// None when the person isn't among them.
     [[nodiscard]] SharedUserID find(const Presentity* person) const {
         for (const Sender& sender : senders_)
             if (sender.person.get() == person) return sender.id;
@@ -85,7 +85,7 @@ class RecentSenders {
 
   private:
     struct Sender {
-        std::shared_ptr<const Presentity> person;  // keeps its address from being used again
+        std::shared_ptr<const Presentity> person;  // keeps its address in use
         SharedUserID id;
     };
     std::array<Sender, 8> senders_;
@@ -100,7 +100,7 @@ QSet<TesselUserID> usersOf(const QSet<SharedUserID>& shared) {
 }
 
 /// Reads the keyed form, failing that the non-keyed one; throws what the keyed reader threw when
-/// neither can be read. Running out of memory tells nothing of the form.
+/// neither can be read. Running out of memory says nothing about the form.
 iChatTimeline readTimeline(const foundation::Data& data, const foundation::ClassRegistry& registry,
                            TesselLoadLog* log) {
     if (log) log->logPreambleOfData(data.view());
@@ -182,7 +182,7 @@ TesselChatLog Conversion::run() {
     foundation::useLargePages(events_.data(), events_.capacity() * sizeof(Event));
     for (auto& message : timeline_.messages) {
         convert(message);
-        message.reset();  // its memory serves the events that follow
+        message.reset();  // its memory is reused for the events that follow
     }
     return finish();
 }
@@ -193,7 +193,7 @@ SharedUserID Conversion::userID(const Presentity& presentity) {
         {service ? TesselServiceID{*service} : serviceID_, presentity.accountName});
 }
 
-/// Built in its place: events are most of what a conversion writes.
+/// Built in place: events are most of what a conversion writes.
 template <class Payload>
 void Conversion::append(Date timestamp, const SharedUserID& sender, Payload payload) {
     Event& event = events_.emplace_back();
@@ -212,7 +212,7 @@ void Conversion::convert(const std::shared_ptr<const InstantMessage>& message) {
     appendContent(*message, message.use_count() > 1);
 }
 
-/// Makes this the current sender, and ends the run of the one before when it is somebody else.
+/// Makes this the current sender, and ends the run of the previous one if it is another.
 void Conversion::takeSender(const std::shared_ptr<const Presentity>& presentity, Date date) {
     if (presentity == presentity_) return;
     presentity_ = presentity;
@@ -302,7 +302,7 @@ void Conversion::appendEmptyTranscript() {
     append(date, std::nullopt, TesselChatLog::PlainText{u"Participants: "_s + names.join(u", "_s)});
 }
 
-/// The owner is the one who speaks without being listed among the participants.
+/// The owner is the one sender who isn't listed among the participants.
 TesselChatLog Conversion::finish() {
     QSet<SharedUserID> others = participants_;
     others.unite(seen_);
@@ -319,18 +319,16 @@ TesselChatLog Conversion::finish() {
 }  // namespace
 
 TesselChatLog TesselChatLog::fromData(const foundation::Data& data, std::optional<Date> fileDate,
-                                      const foundation::Calendar& calendar) {
-    return fromData(data, fileDate, calendar, sharedClassRegistry());
+                                      const foundation::Calendar& calendar, TesselLoadLog* log) {
+    return fromData(data, fileDate, calendar, log, sharedClassRegistry());
 }
 
 TesselChatLog TesselChatLog::fromData(const foundation::Data& data, std::optional<Date> fileDate,
-                                      const foundation::Calendar& calendar,
+                                      const foundation::Calendar& calendar, TesselLoadLog* log,
                                       const foundation::ClassRegistry& registry) {
     const foundation::PrintingOfOneFile printing;
-    const auto log = tesselLoadLog();
     try {
-        Conversion conversion(readTimeline(data, registry, log.get()), data.size(), fileDate,
-                              calendar);
+        Conversion conversion(readTimeline(data, registry, log), data.size(), fileDate, calendar);
         try {
             return conversion.run();
         } catch (const foundation::Error& error) {
@@ -343,7 +341,8 @@ TesselChatLog TesselChatLog::fromData(const foundation::Data& data, std::optiona
     }
 }
 
-TesselChatLog TesselChatLog::fromFile(const QString& path, const foundation::Calendar& calendar) {
+TesselChatLog TesselChatLog::fromFile(const QString& path, const foundation::Calendar& calendar,
+                                      TesselLoadLog* log) {
     QFile file;
     if (!foundation::openForReading(file, path))
         throw foundation::Error(u"NSCocoaErrorDomain"_s,
@@ -354,7 +353,7 @@ TesselChatLog TesselChatLog::fromFile(const QString& path, const foundation::Cal
     const QDateTime modified = file.fileTime(QFileDevice::FileModificationTime);
     if (modified.isValid())
         fileDate = Date::fromMillisecondsSinceEpoch(modified.toMSecsSinceEpoch());
-    return fromData(foundation::Data(bytes), fileDate, calendar);
+    return fromData(foundation::Data(bytes), fileDate, calendar, log);
 }
 
 }  // namespace vell

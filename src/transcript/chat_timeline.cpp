@@ -20,13 +20,12 @@ using foundation::Value;
 
 namespace {
 
-/// Of a name in the load log.
-constexpr qsizetype kLongestClassName = 200;
+constexpr qsizetype longestLoggedName = 200;
 
 template <class T>
 using Objects = std::vector<std::shared_ptr<const T>>;
 
-/// Each conversion answers nothing when the value is of another type.
+/// Each conversion leaves the result empty when the value is of another type.
 void convert(const Value& value, std::optional<QString>& result) {
     if (const QString* string = value.string()) result = *string;
 }
@@ -35,7 +34,7 @@ void convert(const Value& value, std::optional<qint64>& result) {
     if (const foundation::Number* number = value.number()) result = number->toInt64();
 }
 
-/// An array converts when all that it holds does; places that hold nothing are left out.
+/// An array converts when all of its elements do; empty ones are skipped.
 template <class T>
 void convert(const Value& value, std::optional<Objects<T>>& result) {
     const auto array = value.object<Array>();
@@ -51,7 +50,7 @@ void convert(const Value& value, std::optional<Objects<T>>& result) {
     result = std::move(objects);
 }
 
-/// The root array's element at an index, converted; nothing, silently, when there is none.
+/// The root array's element at an index, converted; nothing, without a diagnostic, if it has none.
 template <class T>
 std::optional<T> element(const Array& values, std::size_t index) {
     std::optional<T> result;
@@ -80,13 +79,14 @@ iChatTimeline fromArray(const Array& values, ReadFourth readFourth) {
     return result;
 }
 
-/// Measures the log that the messages will make, and refuses one out of all proportion to the file:
-/// a few bytes can name one message a million times. The root array must be gone by now.
+/// Estimates the log that the messages will make, and refuses one out of all proportion to the
+/// file: a few bytes can name one message a million times. The root array must be released before.
 void measureLog(iChatTimeline& timeline, qsizetype fileSize) {
-    constexpr quint64 kPerByte = 16;
-    constexpr quint64 kAllowance = quint64(64) << 20;
+    constexpr quint64 budgetPerByte = 16;
+    constexpr quint64 baseBudget = quint64(64) << 20;
     timeline.logSize = estimateLogSize(timeline.messages);
-    if (timeline.logSize.bytes <= static_cast<quint64>(fileSize) * kPerByte + kAllowance) return;
+    if (timeline.logSize.bytes <= static_cast<quint64>(fileSize) * budgetPerByte + baseBudget)
+        return;
     throw foundation::coderError(foundation::CoderErrorCode::readCorrupt,
                                  u"the messages expand to more than their data can hold"_s);
 }
@@ -165,7 +165,7 @@ iChatTimeline iChatTimeline::fromNonKeyedData(const foundation::Data& data,
         if (log) {
             log->writeln(
                 u"The non-keyed root object doesn't cast to [Any]: "_s +
-                foundation::printable(QString::fromUtf8(root.className), kLongestClassName));
+                foundation::printable(QString::fromUtf8(root.className), longestLoggedName));
         }
         throw NonKeyed::UnexpectedRootObject(std::move(root.object));
     }

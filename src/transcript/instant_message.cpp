@@ -50,7 +50,7 @@ foundation::Value InstantMessage::initWithCoder(foundation::Coder& coder) {
 }
 
 QString InstantMessage::description() const {
-    // Each text may be long and shared by many messages.
+    // Each text may be long, and shared by many messages.
     const auto part = [](const QString& text) {
         return foundation::elided(text, foundation::longestPrintedLine);
     };

@@ -13,9 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype kDumpBytesPerLine = 16;
-/// Of an extension.
-constexpr qsizetype kLongestName = 200;
+constexpr qsizetype dumpBytesPerLine = 16;
+constexpr qsizetype longestExtension = 200;
 
 std::atomic<std::shared_ptr<TesselLoadLog>>& sharedLog() {
     static std::atomic<std::shared_ptr<TesselLoadLog>> shared(std::make_shared<TesselLoadLog>());
@@ -50,7 +49,7 @@ void TesselLoadLog::logPreambleOfData(QByteArrayView data) {
         text += u"  *DATA IS EMTPY*\n\n"_s;
     } else {
         const auto length = std::clamp<qint64>(tesselDataPrefixLogLength, 0, data.size());
-        text += hexdump(data.first(length), kDumpBytesPerLine) + u"---\n\n"_s;
+        text += hexdump(data.first(length), dumpBytesPerLine) + u"---\n\n"_s;
     }
     write(text);
 }
@@ -76,7 +75,7 @@ void TesselLoadLog::openFile(const foundation::FileWrapper& wrapper) {
     const auto dot = name.lastIndexOf(u'.');
     if (dot >= 0)
         text += u"  Extension: "_s +
-                foundation::printable(QStringView(name).sliced(dot), kLongestName) + u'\n';
+                foundation::printable(QStringView(name).sliced(dot), longestExtension) + u'\n';
     else
         text += u"  No filename extension?\n"_s;
     text += u"---\n\n\n"_s;

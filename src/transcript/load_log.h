@@ -34,7 +34,7 @@ class TesselLoadLog {
     void logPreambleOfData(QByteArrayView data);
     /// Appends domain, code and text of an error of the keyed reader, and its underlying errors.
     void logKeyedArchivedError(const foundation::Error& error);
-    /// Starts afresh for a newly opened file, of whose name only the extension is told.
+    /// Starts afresh for a newly opened file, of whose name only the extension is written.
     void openFile(const foundation::FileWrapper& wrapper);
 
   private:

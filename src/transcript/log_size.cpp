@@ -12,17 +12,17 @@ namespace {
 
 using foundation::AttributedString;
 
-// What a text, and a run's payload, take beside their content; generous.
-constexpr quint64 kTextOverhead = 48;
-constexpr quint64 kPayloadSize = 256;
+// Upper bounds of what a text and a run's payload take besides their content.
+constexpr quint64 textOverhead = 48;
+constexpr quint64 payloadSize = 256;
 
 class LogSizeEstimate {
   public:
     void add(const std::shared_ptr<const InstantMessage>& message);
-    [[nodiscard]] LogSize result() const { return {events_, events_ * kEventSize + extra_}; }
+    [[nodiscard]] LogSize result() const { return {events_, events_ * eventSize + extra_}; }
 
   private:
-    static constexpr quint64 kEventSize = sizeof(TesselChatLog::Event);
+    static constexpr quint64 eventSize = sizeof(TesselChatLog::Event);
     quint64 events_ = 0;
     quint64 extra_ = 0;  // bytes
     std::optional<foundation::Date> previousDate_;
@@ -71,16 +71,16 @@ quint64 LogSizeEstimate::countRunsOf(const std::shared_ptr<const InstantMessage>
 
 void LogSizeEstimate::countNew(const AttributedString& string, const RunCensus& census,
                                bool isSystem) {
-    if (census.runs > 1) extra_ += census.runs * (kTextOverhead + kPayloadSize);
+    if (census.runs > 1) extra_ += census.runs * (textOverhead + payloadSize);
     // A system message's pieces are copied once more, at most twice as long.
     extra_ += census.copiedUnits * sizeof(QChar) * (isSystem ? 3 : 1);
     if (isSystem && census.copiedUnits == 0) countReplaced(string.text());
 }
 
-/// The copy in which placeholders have become words, once for each text.
+/// The copy in which placeholders are replaced, once for each text.
 void LogSizeEstimate::countReplaced(const QString& text) {
     if (replacedTexts_.insert(text.constData()).second && text.contains(u"%@"))
-        extra_ += kTextOverhead + static_cast<quint64>(text.size()) * 2 * sizeof(QChar);
+        extra_ += textOverhead + static_cast<quint64>(text.size()) * 2 * sizeof(QChar);
 }
 
 }  // namespace

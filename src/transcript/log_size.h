@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// How large the log of some messages will be, told before it is made: what a conversion reserves,
-// and what a reader refuses when an archive's references multiply few bytes into many events.
+// Estimates how large the log of some messages will be before it is made: conversions reserve that
+// much, and readers refuse archives whose references multiply few bytes into many events.
 
 #include <QtGlobal>
 #include <memory>
@@ -18,8 +18,7 @@ struct LogSize {
     quint64 bytes = 0;  ///< events, and text that they can't share with the messages
 };
 
-/// Counts each attributed string's own part once. Messages that are held elsewhere too cost a
-/// little more time.
+/// Counts each attributed string once. Messages that are held elsewhere too take a little longer.
 [[nodiscard]] LogSize estimateLogSize(
     std::span<const std::shared_ptr<const InstantMessage>> messages);
 

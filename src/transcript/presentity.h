@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Presentity: a participant as archived, an account and perhaps the service that it is on. Two
-// participants are the same person when both agree; that question belongs to TesselUserID.
+// Presentity: a participant as archived, an account and, if known, its service. To compare
+// people use TesselUserID.
 
 #include <QString>
 #include <optional>

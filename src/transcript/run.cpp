@@ -25,7 +25,7 @@ bool splitsCharacter(const QString& text, qsizetype place) {
            text[place - 1].isHighSurrogate();
 }
 
-/// A plain stretch that is still growing while ranges are walked.
+/// A plain run that grows while the ranges are read.
 class PlainStretch {
   public:
     /// The range must lie behind those added before.

@@ -37,7 +37,7 @@ struct Extraction {
 /// Appends them instead, so that one vector can serve many strings.
 void extractRuns(const foundation::AttributedString& string, Extraction& result);
 
-/// What extractRuns would make of the string, at most.
+/// What extractRuns makes of the string, at most.
 struct RunCensus {
     std::size_t runs = 0;
     std::size_t copiedUnits = 0;  ///< UTF-16 units that the runs can't share with the string

@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Who somebody is in a transcript: a service and the account name on it.
+// Identifies a user of a transcript: a service and the account name on it.
 
 #include <QHash>
 #include <QSet>
@@ -13,7 +13,7 @@
 
 namespace vell {
 
-/// Whether two texts are equal; those that share their characters are not looked at.
+/// Whether two texts are equal; quick for those that share their characters.
 [[nodiscard]] inline bool isSameText(const QString& a, const QString& b) {
     return (a.constData() == b.constData() && a.size() == b.size()) || a == b;
 }
@@ -48,9 +48,8 @@ struct TesselUserID {
     }
 };
 
-/// A user that many events share, or nobody; reads like an optional at a third of its size. Its
-/// hash is kept beside it, so that neither hashing nor telling two users apart costs as much as
-/// their names are long.
+/// A user that many events share, or none; reads like an optional at a third of its size. The hash
+/// is kept with it, so that neither hashing nor comparing depends on the length of the names.
 class SharedUserID {
   public:
     SharedUserID() = default;
@@ -85,7 +84,7 @@ class SharedUserID {
     std::shared_ptr<const Shared> shared_;
 };
 
-/// The users by service, then user id, both by code unit: the order wherever a set becomes text.
+/// The users by service, then user id, both by code unit: the order in every text made of a set.
 [[nodiscard]] std::vector<TesselUserID> sorted(const QSet<TesselUserID>& users);
 
 }  // namespace vell

@@ -9,8 +9,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Hashing shorter names costs no more than looking for their characters.
-constexpr qsizetype kLongName = 64;
+/// Hashing shorter names is no more expensive than looking up their characters.
+constexpr qsizetype longName = 64;
 
 }  // namespace
 
@@ -20,7 +20,7 @@ UserIDTable::UserIDTable(qsizetype fileSize)
 SharedUserID UserIDTable::shared(const TesselUserID& user) {
     const qsizetype length = user.serviceID.rawValue.size() + user.userID.size();
     const std::pair characters(user.serviceID.rawValue.constData(), user.userID.constData());
-    if (length >= kLongName) {
+    if (length >= longName) {
         const auto known = byCharacters_.find(characters);
         if (known != byCharacters_.end()) return known->second.shared;
         if (static_cast<quint64>(length) > unitsLeft_)
@@ -30,7 +30,7 @@ SharedUserID UserIDTable::shared(const TesselUserID& user) {
     }
     SharedUserID& shared = byContent_[user];
     if (!shared) shared = SharedUserID(user);
-    if (length >= kLongName) byCharacters_.emplace(characters, Known{user, shared});
+    if (length >= longName) byCharacters_.emplace(characters, Known{user, shared});
     return shared;
 }
 

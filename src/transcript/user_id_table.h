@@ -1,9 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// UserIDTable: who is who in one transcript. An archive may share a long name among thousands of
-// people, and every question who somebody is costs as much as the name is long; so it is asked once
-// for all people that share the characters.
+// UserIDTable: the users of one transcript. An archive may share a long name among thousands of
+// people, and every comparison costs as much as the name is long; so people that share the
+// characters are looked up once.
 
 #include <QHash>
 #include <map>
@@ -19,12 +19,12 @@ class UserIDTable {
     explicit UserIDTable(qsizetype fileSize);
 
     /// The one shared id of the user. Throws foundation::Error when the names of all users together
-    /// are out of proportion to the file: one long service on which everybody is.
+    /// are out of proportion to the file, as when all are on one service with a long name.
     [[nodiscard]] SharedUserID shared(const TesselUserID& user);
 
   private:
     struct Known {
-        TesselUserID user;  // keeps the addresses of its characters from being used again
+        TesselUserID user;  // keeps the addresses of its characters in use
         SharedUserID shared;
     };
     quint64 unitsLeft_;

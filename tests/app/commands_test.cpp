@@ -17,6 +17,7 @@
 
 #include "app/documents/find_bar.h"
 #include "app/documents/load_log_window.h"
+#include "export/markdown.h"
 #include "identity/contacts/contacts_store.h"
 #include "timeline/timeline_view.h"
 #include "windows.h"
@@ -194,7 +195,7 @@ TEST_F(CommandsTest, SavedMarkdownIsTheCopiedOne) {
     QFile saved(target);
     ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
     EXPECT_EQ(QString::fromUtf8(saved.readAll()),
-              timeline(window).chatlog().generatePlainText(vell::ContactsStore()));
+              generatePlainText(timeline(window).chatlog(), vell::ContactsStore()));
 }
 
 TEST_F(CommandsTest, HugeMarkdownIsNotCopiedAndSavedAfterAQuestion) {

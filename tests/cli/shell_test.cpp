@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The program as scripts meet it: each row is a command line for the shell, in a fresh folder.
+// The program as scripts use it: each row is a command line for the shell, in a fresh folder.
 #include <gmock/gmock.h>
 #include <signal.h>
 
@@ -90,8 +90,8 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         {"v --locale en_UK a.ichat", 2, "", "unknown locale: en_UK\n"},
         {"v --locale '' a.ichat", 2, "", "unknown locale: \n"},
         {"v --locale sr_RS@latin a.ichat && v --locale C.UTF-8 a.ichat", 0, "<a><a>", ""},
-        {"v -o '' a.ichat", 2, "", "an output without a name\n"},
-        {"v a.ichat ''", 2, "", "a file without a name\n"},
+        {"v -o '' a.ichat", 2, "", "the output has no name\n"},
+        {"v a.ichat ''", 2, "", "a file has no name\n"},
         {"v -d out -o new a.ichat", 2, "", "exclude each other\n"},
         {"vell-export --version | cut -d' ' -f1", 0, "vell-export\n", ""},
         {"vell-export -h > /dev/full", 1, "", "standard output: No space left on device\n"},
@@ -119,8 +119,8 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         {"v -o new a.ichat b.ichat; ls", 0,
          "a.ichat\nb.ichat\nbad.ichat\nlong\nold\nout\n"
          "warn.ichat\nx\n",
-         "new is no folder; several files need one (--output-dir)\n"},
-        {"v -o new a.ichat a.ichat", 2, "", "new is no folder"},
+         "new is not a folder; several files need one (--output-dir)\n"},
+        {"v -o new a.ichat a.ichat", 2, "", "new is not a folder"},
         {"v -o new/ a.ichat; cat new/a.json", 0, "<a>", ""},
         {"v -d new/er a.ichat; cat new/er/*", 0, "<a>", ""},
         {"cp a.ichat a-2.ichat; cp a.ichat .hid; cp a.ichat b.c.ichat; mkdir new\n"
@@ -134,28 +134,28 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
          ""},
         {"v --files0-from /dev/null", 0, "", ""},
         {"v --files0-from nothing", 2, "", "the list of files can't be read: No such file"},
-        {"v --files0-from old a.ichat", 2, "", "files are named here and in a list\n"},
+        {"v --files0-from old a.ichat", 2, "", "files are given as arguments and in a list\n"},
         {"printf '%s\\0' - | v --files0-from -", 2, "", "standard input can't be both"},
         // Failures
         {"v -d out bad.ichat nothing . a.ichat; ls out", 0, "a.json\n",
          "vell-export: nothing: No such file or directory\nvell-export: .: it is a folder\n"},
-        {"v bad.ichat", 1, "", "vell-export: bad.ichat: no transcript, or damaged: "},
-        {"n='bad\nname'; cp bad.ichat \"$n\"; v \"$n\"", 1, "", "vell-export: bad name: no tr"},
+        {"v bad.ichat", 1, "", "vell-export: bad.ichat: not a transcript, or damaged: "},
+        {"n='bad\nname'; cp bad.ichat \"$n\"; v \"$n\"", 1, "", "vell-export: bad name: not a tr"},
         {"v -o no/such a.ichat", 1, "", "a.ichat: no/such: No such file or directory\n"},
-        {"v -d old a.ichat", 2, "", "old is no folder\n"},
-        {"v -d old/new a.ichat", 1, "", "old/new: the folder can't be made: Not a directory\n"},
+        {"v -d old a.ichat", 2, "", "old is not a folder\n"},
+        {"v -d old/new a.ichat", 1, "", "old/new: the folder can't be created: Not a directory\n"},
         {"v -o $(printf %0300d 0) a.ichat", 1, "", "0: File name too long\n"},
         {"n=$(printf %0255d 0); cp a.ichat $n; v -d out $n; ls -A out", 0, "",
          "0.json: File name too long\n"},
         {"v -o old a.ichat; cat old", 0, "old", "old: the file exists (--force replaces it)\n"},
         {"v --force -o old a.ichat; cat old; ls -A | grep -c vell-export", 1, "<a>0\n", ""},
         {"cp a.ichat a.json; v --force -d . a.json; v --force -o a.json a.json; cmp a.ichat a.json",
-         0, "", "a.json: a transcript itself, never replaced\n"},
-        {"cp a.ichat c; v c >> c; cmp a.ichat c", 0, "", "standard output: a transcript itself"},
+         0, "", "a.json: it is a transcript, which is never replaced\n"},
+        {"cp a.ichat c; v c >> c; cmp a.ichat c", 0, "", "standard output: it is a transcript"},
         {"ln -s ../old out/a.json; chmod 600 a.ichat; v --force -d out a.ichat\n"
          "cat old out/a.json; stat -c %a out/a.json",
          0, "old<a>600\n", ""},
-        {"mkdir out/a.json; v --force -d out a.ichat", 1, "", "it is no regular file\n"},
+        {"mkdir out/a.json; v --force -d out a.ichat", 1, "", "it is not a regular file\n"},
         {"v long a.ichat > /dev/full", 1, "",
          "vell-export: long: standard output: No space left on device\n"},
         {"ulimit -f 8; v -d out long a.ichat; echo $?; ls -A out; cat out/*", 0, "1\na.json\n<a>",

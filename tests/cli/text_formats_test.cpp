@@ -14,7 +14,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Two people in a winter night, and a message with nothing in it, which is worth a warning.
+/// Two people, and a message without content, which causes a warning.
 QByteArray transcript() {
     support::Transcript result{
         .service = u"AIM"_s, .people = {{u"ann"_s}, {u"bob"_s}}, .participants = {1}};
@@ -23,7 +23,7 @@ QByteArray transcript() {
     return support::keyedTranscript(result);
 }
 
-TEST(TextFormats, MarkdownIsTheDefaultAndTellsDatesAsAsked) {
+TEST(TextFormats, MarkdownIsTheDefaultAndDatesFollowTheOptions) {
     const QStringList place{u"--time-zone"_s, u"Asia/Kolkata"_s, u"--locale"_s, u"de_DE"_s};
     EXPECT_EQ(run(place + QStringList{u"-"_s}, transcript()).output,
               "\n# 06.01.2006, 02:34\n\n*ann:*\n\nHi\\*\n\n*bob:*\n\n### 02:35\n>\n");
@@ -75,7 +75,7 @@ struct Process {
     }
 };
 
-TEST(StandardOutput, HoldsTheDocumentAloneWhateverIsLogged) {
+TEST(StandardOutput, ContainsOnlyTheDocument) {
     for (const QString& level : {u"trace"_s, u"nonsense"_s}) {
         const Process process(level);
         EXPECT_TRUE(QJsonDocument::fromJson(process.output).isObject())

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Whole transcripts of both archive forms against the events that they must give; the README beside
-// them tells how they are compared.
+// Whole transcripts of both archive forms against their expected events; the README beside them
+// says how they are compared.
 #include <gtest/gtest.h>
 
 #include <QDateTime>
@@ -72,7 +72,7 @@ void compareEvents(const QJsonObject& expected, const QJsonObject& actual, const
     }
 }
 
-TEST(Transcripts, GiveTheEventsBesideThem) {
+TEST(Transcripts, HaveTheExpectedEvents) {
     const QDir folder(QStringLiteral(VELL_TEST_DATA "/transcripts"));
     const QStringList files = folder.entryList({u"*.ichat"_s});
     ASSERT_GE(files.size(), 30);

@@ -5,6 +5,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QXmlStreamReader>
 #include <ostream>
 
 namespace vell::test {
@@ -12,65 +13,22 @@ namespace {
 
 struct Node {
     QString name;
-    QString attributes;
+    QXmlStreamAttributes attributes;
     QString text;
     std::vector<Node> children;
 };
 
-QString decoded(QStringView xml) {
-    QString text = xml.toString();
-    text.replace(QStringLiteral("&lt;"), QStringLiteral("<"));
-    text.replace(QStringLiteral("&gt;"), QStringLiteral(">"));
-    text.replace(QStringLiteral("&quot;"), QStringLiteral("\""));
-    return text.replace(QStringLiteral("&amp;"), QStringLiteral("&"));
+/// The element that the reader has just begun.
+Node readElement(QXmlStreamReader& xml) {
+    Node node{xml.name().toString(), xml.attributes(), {}, {}};
+    while (!xml.atEnd() && xml.readNext() != QXmlStreamReader::EndElement) {
+        if (xml.isStartElement()) node.children.push_back(readElement(xml));
+        if (xml.isCharacters()) node.text += xml.text();
+    }
+    return node;
 }
 
-QString attribute(const Node& node, QStringView name) {
-    const QString start = name.toString() + QStringLiteral("=\"");
-    const qsizetype at = node.attributes.indexOf(start);
-    if (at < 0) return {};
-    const qsizetype begin = at + start.size();
-    return decoded(QStringView(node.attributes).sliced(begin).split(u'"').first());
-}
-
-/// The reader's XML is simpler than XML: no comments, no quotes around ">", text in leaves only.
-class TreeParser {
-  public:
-    explicit TreeParser(QStringView xml) : rest_(xml) {}
-
-    Node parse() {
-        Node root;
-        parseInto(root);
-        return root;
-    }
-
-  private:
-    QStringView rest_;
-
-    void parseInto(Node& parent) {
-        for (;;) {
-            const qsizetype open = rest_.indexOf(u'<');
-            const qsizetype close = rest_.indexOf(u'>', open);
-            if (open < 0 || close < 0) return;
-            const QStringView before = rest_.first(open);
-            const QStringView tag = rest_.sliced(open + 1, close - open - 1);
-            rest_ = rest_.sliced(close + 1);
-            if (tag.startsWith(u'?') || tag.startsWith(u'!')) continue;
-            if (tag.startsWith(u'/')) {
-                if (parent.children.empty()) parent.text = decoded(before);
-                return;
-            }
-            const bool isLeaf = tag.endsWith(u'/');
-            Node node;
-            node.name = tag.split(u' ').first().toString().remove(u'/');
-            node.attributes = tag.toString();
-            if (!isLeaf) parseInto(node);
-            parent.children.push_back(std::move(node));
-        }
-    }
-};
-
-/// Adds the words below a node; false when there is something that is no word.
+/// Adds the words below a node. Returns false when there is something else.
 bool collect(const Node& node, Block& block) {
     bool good = true;
     for (const Node& child : node.children) {
@@ -79,7 +37,8 @@ bool collect(const Node& node, Block& block) {
         } else if (child.name == u"linebreak") {
             block.text += u'\n';
         } else if (child.name == u"link" || child.name == u"image") {
-            block.destinations += attribute(child, u"destination");
+            block.destinations +=
+                child.attributes.value(QLatin1StringView("destination")).toString();
             good = collect(child, block) && good;
         } else {
             good = good && child.name == u"html_inline" && child.text == u"<!-- -->";
@@ -100,7 +59,8 @@ Block blockOf(const Node& node) {
         block.text.chop(1);
     }
     if (node.name == u"heading") {
-        const bool isSystem = isEmphasis && attribute(node, u"level") == u"2";
+        const bool isSystem =
+            isEmphasis && node.attributes.value(QLatin1StringView("level")) == u"2";
         block.kind = isSystem ? Block::Kind::system : Block::Kind::heading;
     }
     if (node.name == u"block_quote" && content.name == u"paragraph") {
@@ -111,8 +71,9 @@ Block blockOf(const Node& node) {
 
 std::vector<Block> blocksOf(const QString& xml) {
     std::vector<Block> blocks;
-    const Node root = TreeParser(xml).parse();
-    for (const Node& node : root.children.at(0).children) {
+    QXmlStreamReader reader(xml);
+    reader.readNextStartElement();
+    for (const Node& node : readElement(reader).children) {
         if (node.name == u"thematic_break") {
             blocks.push_back({Block::Kind::rule, {}, {}});
         } else if (node.children.empty()) {

@@ -5,9 +5,9 @@
 
 #include <algorithm>
 
-#include "export/chat_log_json.h"
-#include "export/chat_log_text.h"
+#include "export/json.h"
 #include "export/log_builder.h"
+#include "export/markdown.h"
 #include "export/terminal_text.h"
 #include "identity/contacts/contacts_store.h"
 
@@ -26,7 +26,7 @@ void text(const TesselChatLog& log, const ByteSink& output) {
     writeTerminalText(log, contacts, output);
 }
 
-/// Messages with the same text, in turn by all senders.
+/// Messages with the same text, by all senders in turn.
 LogBuilder chat(int count, const QString& text, const QStringList& senders = {u"b"_s}) {
     LogBuilder log;
     for (int i = 0; i < count; ++i) {
@@ -37,7 +37,7 @@ LogBuilder chat(int count, const QString& text, const QStringList& senders = {u"
     return log;
 }
 
-/// As many slices of one buffer, each beginning `step` bytes behind the one before.
+/// Slices of one buffer, each beginning `step` bytes after the previous one.
 LogBuilder files(int count, qsizetype step) {
     const foundation::Data all(QByteArray(20'000, 'x'));
     LogBuilder log;
@@ -46,7 +46,7 @@ LogBuilder files(int count, qsizetype step) {
     return log;
 }
 
-TEST(Expansion, IsToldByWhatEachFormatWritesAndReads) {
+TEST(Expansion, CountsWhatEachFormatWritesAndReads) {
     const QString text(1000, u'a');
     const QString name(1000, u'n');
     const struct {
@@ -57,7 +57,7 @@ TEST(Expansion, IsToldByWhatEachFormatWritesAndReads) {
     } rows[] = {
         {"one text in many messages", chat(100, text), true, true},
         {"not yet too much, although escapes could make it so", chat(30, text), false, false},
-        {"a long name, told once or each time", chat(100, u"x"_s, {name}), false, true},
+        {"a long name, written once or each time", chat(100, u"x"_s, {name}), false, true},
         {"two long names in turn", chat(100, u"x"_s, {name, name + u'm'}), true, true},
         {"one file in many messages is read once", files(100, 0), false, false},
         {"files that overlap", files(100, 1), false, true},
@@ -74,7 +74,7 @@ TEST(Expansion, IsToldByWhatEachFormatWritesAndReads) {
     EXPECT_EQ(exportLimit(1'000'000), (64U << 20) + 16'000'000U);
 }
 
-TEST(Expansion, DocumentsLeavePieceByPiece) {
+TEST(Expansion, DocumentsAreWrittenPieceByPiece) {
     LogBuilder log;
     for (int i = 0; i < 10; ++i) {
         log.text(u"b"_s, QString(5'000, u'x'));

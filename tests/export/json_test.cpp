@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "export/chat_log_json.h"
+#include "export/json.h"
 #include "export/json_writer.h"
 #include "transcript/chat_log.h"
 

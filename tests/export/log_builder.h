@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// LogBuilder: a chat log written down event by event, on the service AIM, owned by "me".
+// LogBuilder: makes a chat log event by event, on the service AIM, owned by "me".
 
 #include <QString>
 #include <memory>
@@ -13,7 +13,7 @@
 
 namespace vell::test {
 
-/// "" stands for nobody: a system message.
+/// Empty for system messages.
 using Sender = QString;
 
 class LogBuilder {

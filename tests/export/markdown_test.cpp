@@ -3,7 +3,7 @@
 
 #include "export/commonmark.h"
 #include "export/log_builder.h"
-#include "export/text_render_settings.h"
+#include "export/markdown.h"
 #include "identity/contacts/contacts_store.h"
 
 using namespace Qt::StringLiterals;
@@ -12,7 +12,7 @@ namespace vell::test {
 namespace {
 
 std::string markdown(const LogBuilder& builder) {
-    return builder.log().generatePlainText(ContactsStore()).toStdString();
+    return generatePlainText(builder.log(), ContactsStore()).toStdString();
 }
 
 std::string day(double seconds) {
@@ -23,7 +23,7 @@ std::string time(double seconds) {
     return timeSeparatorFormatter().string({seconds}).toStdString();
 }
 
-TEST(Markdown, ATranscriptAsItIsConverted) {
+TEST(Markdown, WholeTranscript) {
     LogBuilder log;
     log.newDay().text(u"bob"_s, u"Hi,\nare you there?"_s).wait(5).text(u"bob"_s, u"Hello?"_s);
     log.wait(60).user(u"bob"_s).newMinute().text(u"me"_s, u"Yes!"_s).wait(5).text(u"me"_s, u""_s);
@@ -87,7 +87,7 @@ TEST(Markdown, RunsOfOneMessageAreOneBody) {
              .joined()
              .image(u"b"_s, std::nullopt),
          "> ![cat.png](<~/My Pictures/cat.png>)\\\n> ![picture.png](<picture.png>)\n"},
-        {"a file has a line of its own",
+        {"a file is on its own line",
          LogBuilder()
              .text(u"b"_s, u"here: "_s)
              .joined()
@@ -95,10 +95,10 @@ TEST(Markdown, RunsOfOneMessageAreOneBody) {
              .joined()
              .text(u"b"_s, u"ok"_s),
          "> here:&#32;\\\n> File: a\\*b.pdf (4 bytes)\\\n> ok\n"},
-        {"what one instant holds are messages of their own",
+        {"events at one instant are separate messages",
          LogBuilder().text(u"b"_s, u"one"_s).link(u"b"_s, u"xx:y"_s, u""_s).image(u"b"_s, u"z"_s),
          "> one\n\n> <xx:y>\n\n> ![z](<z>)\n"},
-        {"texts of one message mean what they mean together",
+        {"adjacent texts of one message are escaped as one",
          LogBuilder()
              .text(u"b"_s, u"1"_s)
              .joined()
@@ -137,16 +137,16 @@ TEST(Markdown, AddressesThatFitNoAutolinkAreSpelledOut) {
     }
 }
 
-TEST(Markdown, SendersOfOneNameStayApart) {
+TEST(Markdown, SendersOfOneNameAreSeparate) {
     ContactsStore contacts({{u"b1"_s, {u"1"_s, u"b1"_s, u"Bob"_s, std::nullopt}},
                             {u"b2"_s, {u"2"_s, u"b2"_s, u"Robert"_s, u"Bob"_s}}});
     LogBuilder log;
     log.text(u"b1"_s, u"x"_s).user(u"b1"_s).text(u"b2"_s, u"y"_s);
-    EXPECT_EQ(log.log().generatePlainText(contacts), u"\n*Bob:*\n> x\n\n*Bob:*\n> y\n");
+    EXPECT_EQ(generatePlainText(log.log(), contacts), u"\n*Bob:*\n> x\n\n*Bob:*\n> y\n");
 }
 
 TEST(Markdown, ControlsAreReferences) {
-    // The reader's XML can't carry them and so can't tell them from each other.
+    // XML can't carry them, so reading them back wouldn't distinguish them.
     LogBuilder log;
     log.text(u"me"_s, u"\v\f\u001b[0m\u0085"_s);
     EXPECT_EQ(markdown(log), "\n*me:*\n\n&#11;&#12;&#27;\\[0m&#133;\n");

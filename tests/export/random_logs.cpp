@@ -6,92 +6,23 @@
 #include "export/log_builder.h"
 
 namespace vell::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const char16_t* const kFragments[] = {
-    u"hello",
-    u"two words",
-    u"*",
-    u"**bold**",
-    u"_",
-    u"__",
-    u"_it_",
-    u"a_b",
-    u"`",
-    u"``code``",
-    u"```",
-    u"~~~",
-    u"~~gone~~",
-    u"\\",
-    u"\\\\",
-    u"[",
-    u"]",
-    u"[a](b)",
-    u"[a]: b",
-    u"![x](y)",
-    u"!",
-    u"<",
-    u"<b>",
-    u"<!-- x -->",
-    u"</pre>",
-    u"<http://a.b>",
-    u"&",
-    u"&amp;",
-    u"&copy",
-    u"&#65;",
-    u"&notanentity;",
-    u"#",
-    u"# one",
-    u"###### six",
-    u"+",
-    u"+ plus",
-    u"- minus",
-    u"---",
-    u"===",
-    u"=",
-    u"> quote",
-    u">",
-    u"1. one",
-    u"1)",
-    u"12345678901. x",
-    u"2009.",
-    u"|",
-    u"| a | b |\n|---|---|",
-    u":-)",
-    u"http://example.org/a_b_c",
-    u"me@example.org",
-    u"\t",
-    u"    four",
-    u" ",
-    u"  ",
-    u"\u00a0",
-    u"\u3000",
-    u"\u2003x",
-    u"\n",
-    u"\n\n",
-    u"\r\n",
-    u"\r",
-    u"\r\r\n",
-    u"\v",
-    u"\f",
-    u"\u0085",
-    u"\u2028",
-    u"\u2029",
-    u"\u001b[31m",
-    u"\u0001",
-    u"\u007f",
-    u"\ufeff",
-    u"\u200b",
-    u"\u202e",
-    u"\U0001F600",
-    u"e\u0301",
-    u"\u05d0\u05d1",
-    u"$x$",
-    u"www.example.org",
-    u":",
-    u"\u00e4",
-};
-const QChar kLone[] = {QChar(0xD83D), QChar(0xDE00), QChar(u'\0')};
+/// Separated by "§".
+const QStringList fragments =
+    u"hello§two words§*§**bold**§_§__§_it_§a_b§`§``code``§```§~~~§~~gone~~§\\§\\\\§[§]§"
+    u"[a](b)§[a]: b§![x](y)§!§<§<b>§<!-- x -->§</pre>§<http://a.b>§&§&amp;§&copy§&#65;§"
+    u"&notanentity;§#§# one§###### six§+§+ plus§- minus§---§===§=§> quote§>§1. one§1)§"
+    u"12345678901. x§2009.§|§| a | b |\n|---|---|§:-)§http://example.org/a_b_c§"
+    u"me@example.org§\t§    four§ §  §\u00a0§\u3000§\u2003x§\n§\n\n§\r\n§\r§\r\r\n§\v§\f§"
+    u"\u0085§\u2028§\u2029§\u001b[31m§\u0001§\u007f§\ufeff§\u200b§\u202e§\U0001F600§"
+    u"e\u0301§\u05d0\u05d1§$x$§www.example.org§:§\u00e4"_s.split(u'§');
+
+/// The halves of a pair, and NUL.
+const QList<QChar> oddUnits{QChar(0xD83D), QChar(0xDE00), QChar(u'\0')};
 
 int below(std::mt19937& random, int limit) {
     return static_cast<int>(random() % static_cast<unsigned>(limit));
@@ -100,12 +31,9 @@ int below(std::mt19937& random, int limit) {
 QString nasty(std::mt19937& random) {
     QString text;
     for (int count = below(random, 6); count > 0; --count) {
-        const int pick = below(random, static_cast<int>(std::size(kFragments) + std::size(kLone)));
-        if (pick < static_cast<int>(std::size(kFragments))) {
-            text += kFragments[pick];
-        } else {
-            text += kLone[pick - static_cast<int>(std::size(kFragments))];
-        }
+        const auto pick = below(random, static_cast<int>(fragments.size() + oddUnits.size()));
+        text +=
+            pick < fragments.size() ? fragments[pick] : QString(oddUnits[pick - fragments.size()]);
     }
     return text;
 }

@@ -1,19 +1,20 @@
 // SPDX-License-Identifier: MIT
 //
-// Reads Markdown back with an independent reader: the words are those that were typed, and stand
-// below the name of whoever typed them.
+// Reads Markdown back with an independent reader: the words are those that were typed, below the
+// name of their sender.
 #include <gtest/gtest.h>
 
 #include <random>
 
 #include "export/commonmark.h"
+#include "export/markdown.h"
 #include "export/random_logs.h"
 
 namespace vell::test {
 namespace {
 
-constexpr int kNastyLogs = 500;
-constexpr int kDisorderlyLogs = 300;
+constexpr int nastyLogCount = 500;
+constexpr int disorderlyLogCount = 300;
 
 std::vector<ExpectedLog> makeLogs(ExpectedLog (*make)(std::mt19937&), int count) {
     std::mt19937 random(2009);
@@ -26,14 +27,14 @@ std::vector<ExpectedLog> makeLogs(ExpectedLog (*make)(std::mt19937&), int count)
 QStringList rendered(const std::vector<ExpectedLog>& logs) {
     QStringList texts;
     for (const ExpectedLog& expected : logs) {
-        texts += expected.log.generatePlainText(ContactsStore(expected.contacts));
+        texts += generatePlainText(expected.log, ContactsStore(expected.contacts));
     }
     return texts;
 }
 
-TEST(ReadBack, EveryTextIsExactlyTheTypedOne) {
+TEST(ReadBack, EveryTextIsReadAsTyped) {
     if (!hasMarkdownReader()) GTEST_SKIP() << "cmark is not installed";
-    const auto logs = makeLogs(nastyLog, kNastyLogs);
+    const auto logs = makeLogs(nastyLog, nastyLogCount);
     const QStringList texts = rendered(logs);
     const auto found = readMarkdown(texts);
     ASSERT_EQ(found.size(), logs.size());
@@ -44,9 +45,9 @@ TEST(ReadBack, EveryTextIsExactlyTheTypedOne) {
     }
 }
 
-TEST(ReadBack, EveryBodyStandsBelowItsOwnSender) {
+TEST(ReadBack, EveryBodyFollowsItsSendersHeading) {
     if (!hasMarkdownReader()) GTEST_SKIP() << "cmark is not installed";
-    const auto logs = makeLogs(disorderlyLog, kDisorderlyLogs);
+    const auto logs = makeLogs(disorderlyLog, disorderlyLogCount);
     const QStringList texts = rendered(logs);
     const auto found = readMarkdown(texts);
     ASSERT_EQ(found.size(), logs.size());

@@ -20,7 +20,7 @@ std::string terminalText(const LogBuilder& builder) {
     return text;
 }
 
-TEST(TerminalText, TellsNamesTimesAndMessagesByIndentation) {
+TEST(TerminalText, ShowsNamesTimesAndIndentedMessages) {
     LogBuilder log;
     log.newDay().text(u"bob"_s, u"Hi,\r\n\nare you there?"_s).wait(5).text(u"bob"_s, u"Hello?"_s);
     log.wait(60).user(u"bob"_s).newMinute().text(u"me"_s, u"see "_s);
@@ -54,7 +54,7 @@ TEST(TerminalText, TellsNamesTimesAndMessagesByIndentation) {
     EXPECT_EQ(terminalText(LogBuilder()), "");
 }
 
-TEST(TerminalText, GivesTheTerminalNoCommands) {
+TEST(TerminalText, CannotCommandTheTerminal) {
     LogBuilder log;
     const QString all = [] {
         QString text;

@@ -18,7 +18,7 @@ using foundation::Number;
 using foundation::Value;
 using test::person;
 
-/// Answers from a list, as a non-keyed archive does; plain integers are told apart by their index.
+/// Decodes values from a list, in order, like a non-keyed archive.
 class ListCoder final : public foundation::Coder {
   public:
     explicit ListCoder(std::vector<Value> values) : values_(std::move(values)) {}
@@ -37,7 +37,7 @@ class ListCoder final : public foundation::Coder {
     std::size_t next_ = 0;
 };
 
-/// Answers by key.
+/// Decodes values by key.
 class MapCoder final : public foundation::Coder {
   public:
     explicit MapCoder(std::map<std::string, Value, std::less<>> values)
@@ -117,7 +117,7 @@ TEST(ArchivedClasses, Messages) {
               "<Message: date=2009-07-04 13:04:05 +0000 read>");
 }
 
-TEST(ArchivedClasses, TheAccountLayersPlaceholdersAnnounceThemselves) {
+TEST(ArchivedClasses, PlaceholdersPrintALine) {
     test::PrintedLines printed;
     MapCoder coder({});
     for (const char* name : {"IMHandle", "IMDirectlyObservableObject", "Person"})
@@ -128,7 +128,7 @@ TEST(ArchivedClasses, TheAccountLayersPlaceholdersAnnounceThemselves) {
                              }));
 }
 
-TEST(ArchivedClasses, TheAllowedListIsCompleteAndLeavesPersonOut) {
+TEST(ArchivedClasses, AllowedListIsCompleteWithoutPerson) {
     EXPECT_EQ(allowedClassList().size(), 25U);
     for (const foundation::ClassInfo* info : allowedClassList())
         EXPECT_TRUE(info->name != "Person" && info->supportsSecureCoding) << info->name.data();

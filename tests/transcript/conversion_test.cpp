@@ -45,11 +45,11 @@ TEST(Conversion, MarkersBetweenMessages) {
          "UTC",
          {say(alice, "2009-07-04T13:04:59Z"), say(bob, "2009-07-04T13:05:00Z")},
          {"day", "alice: text x", "alice: user", "minute", "bob: text x"}},
-        {"the same account on another service is somebody else",
+        {"the same account on another service is another user",
          "UTC",
          {say(alice, "2009-07-04T13:04:05Z"), say(alice2, "2009-07-04T13:04:05Z")},
          {"day", "alice: text x", "alice: user", "alice: text x"}},
-        {"a system message ends a run, and after it nobody's run ends",
+        {"a system message ends a run and begins none",
          "UTC",
          {say(alice, "2009-07-04T13:04:05Z"), say(nullptr, "2009-07-04T13:04:05Z"),
           say(alice, "2009-07-04T13:04:05Z")},
@@ -134,15 +134,15 @@ TEST(Conversion, Contents) {
          message(nullptr, std::nullopt, u"%@ left"_s),
          {"text User left"},
          {}},
-        {"but not in what somebody wrote",
+        {"but not in what a user wrote",
          message(alice, std::nullopt, std::nullopt, text(u"%@"_s)),
          {"alice: text %@"},
          {}},
-        {"nothing at all, by somebody",
+        {"nothing at all, by a user",
          message(alice, std::nullopt, std::nullopt),
          {"alice: text "},
          {"WARN: Found no content in message: <Message: alice read>"}},
-        {"nothing at all, by nobody",
+        {"nothing at all, without a sender",
          message(nullptr, std::nullopt, std::nullopt),
          {},
          {"WARN: Found no content in message: <Message: read>"}},
@@ -210,7 +210,7 @@ TEST(Conversion, OwnUserAndOthers) {
          {person("alice"), person("bob")},
          "<@me (AIM)>",
          {"<@alice (AIM)>", "<@bob (AIM)>"}},
-        {"nobody speaks but the listed",
+        {"only a listed one speaks",
          {say(person("alice"))},
          {person("alice")},
          "<@? (AIM)>",
@@ -267,7 +267,7 @@ TEST(Conversion, MessagesThatShareTheirTextShareTheEventsText) {
     EXPECT_EQ(characters(0), characters(2));
     EXPECT_EQ(characters(3), shared->text().constData());
 
-    // What is wrong with it is told for each of them.
+    // Errors are printed for each message.
     const auto attachment = std::make_shared<const foundation::TextAttachment>();
     const auto broken = std::make_shared<const foundation::AttributedString>(
         u"\ufffc"_s, std::make_shared<const foundation::Attributes>(

@@ -45,7 +45,7 @@ TesselChatLog convert(const Value& root, const char* zone,
                   .unarchiveObjectWithData = [&root](const foundation::Data&) { return root; }});
     // Large enough that no log is out of proportion to it.
     return TesselChatLog::fromData(QByteArray(1000, 'x'), fileDate,
-                                   *foundation::Calendar::named(zone), registry);
+                                   *foundation::Calendar::named(zone), nullptr, registry);
 }
 
 std::vector<std::string> summary(const TesselChatLog& log) {

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Messages and logs for tests of the conversion: the root array is handed to it by a class
-// registry whose non-keyed unarchiver answers just that.
+// registry whose non-keyed unarchiver returns just that.
 
 #include <memory>
 #include <vector>

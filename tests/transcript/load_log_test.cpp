@@ -78,9 +78,7 @@ TEST(LoadLog, Dumps) {
 TEST(LoadLog, UnderlyingErrors) {
     using foundation::Error;
     TesselLoadLog log;
-    log.logKeyedArchivedError(
-        Error(QStringLiteral("D"), 7, QStringLiteral("text"),
-              {Error(QStringLiteral("E"), 8), Error(QStringLiteral("F"), -9)}));
+    log.logKeyedArchivedError(Error(u"D"_s, 7, u"text"_s, {Error(u"E"_s, 8), Error(u"F"_s, -9)}));
     EXPECT_EQ(log.grabLog().toStdString(),
               "## The NSKeyedArchived threw an exception:\n\n"
               "- Domain : D\n"
@@ -110,7 +108,7 @@ std::unique_ptr<ClassRegistry> registryWith(Unarchiver unarchiver) {
 
 QByteArray keyedRoot(const std::function<support::Uid(KeyedArchiveWriter&)>& makeRoot) {
     KeyedArchiveWriter archive;
-    archive.setTop(QStringLiteral("root"), makeRoot(archive));
+    archive.setTop(u"root"_s, makeRoot(archive));
     return archive.binary();
 }
 
@@ -123,17 +121,16 @@ struct Outcome {
 Outcome load(const QByteArray& bytes, Unarchiver unarchiver) {
     const auto registry = registryWith(unarchiver);
     const test::PrintedLines printed;
-    const auto log = tesselLoadLog();
-    log->reset();
+    TesselLoadLog log;
     Outcome result;
     try {
-        TesselChatLog::fromData(bytes, {}, *foundation::Calendar::named("UTC"), *registry);
+        TesselChatLog::fromData(bytes, {}, *foundation::Calendar::named("UTC"), &log, *registry);
     } catch (const iChatTimeline::UnexpectedRootObject& error) {
         result.thrown = error.what() + (" " + error.object.className().toStdString());
     } catch (const std::exception& error) {
         result.thrown = error.what();
     }
-    result.log = log->grabLog().toStdString();
+    result.log = log.grabLog().toStdString();
     TesselLoadLog preamble;
     preamble.logPreambleOfData(bytes);
     result.preamble = preamble.grabLog().toStdString();
@@ -154,10 +151,10 @@ std::string keyedErrorLines(const std::string& text, int code = 4864) {
            std::to_string(code) + "\n- Error  : " + keyedError(text, code) + "\n";
 }
 
-const std::string kTryingNonKeyed = "\n---\n## Keyed loading failed, trying non-keyed\n\n";
-const std::string kNonKeyedFailed = "NSUnarchiver.unarchiveObjectWithData failed.\n";
-const std::string kThrowingOriginal = "Throwing original error\n";
-const std::string kInit =
+const std::string tryingNonKeyed = "\n---\n## Keyed loading failed, trying non-keyed\n\n";
+const std::string nonKeyedFailed = "NSUnarchiver.unarchiveObjectWithData failed.\n";
+const std::string throwingOriginal = "Throwing original error\n";
+const std::string initError =
     "*** -[NSKeyedUnarchiver _initForReadingFromData:error:throwLegacyExceptions:]: ";
 
 TEST(LoadLog, EachWayOfLoading) {
@@ -169,7 +166,7 @@ TEST(LoadLog, EachWayOfLoading) {
     const QByteArray empty =
         keyedRoot([](KeyedArchiveWriter& archive) { return archive.array({}); });
     NonKeyedArchiveWriter nonKeyedString;
-    nonKeyedString.string(QStringLiteral("AIM"));
+    nonKeyedString.string(u"AIM"_s);
     NonKeyedArchiveWriter nonKeyedSet;
     nonKeyedSet.object({{"My\x07Set", 0}, {"NSSet", 0}, {"NSObject", 0}}, [&] {
         nonKeyedSet.group("I");
@@ -179,15 +176,15 @@ TEST(LoadLog, EachWayOfLoading) {
     nonKeyedEmpty.array(0, [] {});
 
     const std::string isNonKeyed =
-        kInit + "non-keyed archive cannot be decoded by NSKeyedUnarchiver";
-    const std::string isNoList = kInit +
+        initError + "non-keyed archive cannot be decoded by NSKeyedUnarchiver";
+    const std::string isNoList = initError +
                                  "incomprehensible archive (0x74, 0x68, 0x69, 0x73, 0x20, "
                                  "0x69, 0x73, 0x20)";
-    const std::string isTruncated = kInit +
+    const std::string isTruncated = initError +
                                     "incomprehensible archive (0x62, 0x70, 0x6c, 0x69, "
                                     "0x73, 0x74, 0x30, 0x30)";
     const std::string isEmpty =
-        kInit + "data is empty; did you forget to send -finishEncoding to the NSKeyedArchiver?";
+        initError + "data is empty; did you forget to send -finishEncoding to the NSKeyedArchiver?";
     const std::string isNoArray =
         "UnexpectedRootObject: the root object of the keyed archive is no array ";
     const std::string dictionaryLines = "The root object doesn't cast to [Any]: Optional<Any>\n";
@@ -202,43 +199,42 @@ TEST(LoadLog, EachWayOfLoading) {
     const Row rows[] = {
         {"keyed, all well", empty, Unarchiver::real, "", ""},
         {"non-keyed, all well", nonKeyedEmpty.bytes(), Unarchiver::real,
-         keyedErrorLines(isNonKeyed) + kTryingNonKeyed, ""},
+         keyedErrorLines(isNonKeyed) + tryingNonKeyed, ""},
         {"no bytes", QByteArray(), Unarchiver::real,
-         keyedErrorLines(isEmpty) + kTryingNonKeyed + kNonKeyedFailed + kThrowingOriginal,
+         keyedErrorLines(isEmpty) + tryingNonKeyed + nonKeyedFailed + throwingOriginal,
          keyedError(isEmpty)},
         {"17 bytes of text", "this is no plist\n", Unarchiver::real,
-         keyedErrorLines(isNoList) + kTryingNonKeyed + kNonKeyedFailed + kThrowingOriginal,
+         keyedErrorLines(isNoList) + tryingNonKeyed + nonKeyedFailed + throwingOriginal,
          keyedError(isNoList)},
         {"truncated property list", empty.chopped(1), Unarchiver::real,
-         keyedErrorLines(isTruncated) + kTryingNonKeyed + kNonKeyedFailed + kThrowingOriginal,
+         keyedErrorLines(isTruncated) + tryingNonKeyed + nonKeyedFailed + throwingOriginal,
          keyedError(isTruncated)},
         {"keyed dictionary", dictionary, Unarchiver::real,
-         dictionaryLines + kTryingNonKeyed + kNonKeyedFailed + kThrowingOriginal,
+         dictionaryLines + tryingNonKeyed + nonKeyedFailed + throwingOriginal,
          isNoArray + "NSDictionary"},
         {"keyed address without a text", textlessUrl, Unarchiver::real,
-         dictionaryLines + kTryingNonKeyed + kNonKeyedFailed + kThrowingOriginal,
-         isNoArray + "NSURL"},
+         dictionaryLines + tryingNonKeyed + nonKeyedFailed + throwingOriginal, isNoArray + "NSURL"},
         {"keyed nil", nilRoot, Unarchiver::real,
-         "No root object as unarchived!\n" + kTryingNonKeyed + kNonKeyedFailed + kThrowingOriginal,
+         "No root object as unarchived!\n" + tryingNonKeyed + nonKeyedFailed + throwingOriginal,
          "NoRootObjectError: the keyed archive has no root object"},
         {"non-keyed string", nonKeyedString.bytes(), Unarchiver::real,
-         keyedErrorLines(isNonKeyed) + kTryingNonKeyed +
-             "The non-keyed root object doesn't cast to [Any]: NSString\n" + kThrowingOriginal,
+         keyedErrorLines(isNonKeyed) + tryingNonKeyed +
+             "The non-keyed root object doesn't cast to [Any]: NSString\n" + throwingOriginal,
          keyedError(isNonKeyed)},
         {"non-keyed object of an unknown subclass", nonKeyedSet.bytes(), Unarchiver::real,
-         keyedErrorLines(isNonKeyed) + kTryingNonKeyed +
-             "The non-keyed root object doesn't cast to [Any]: My\\u{7}Set\n" + kThrowingOriginal,
+         keyedErrorLines(isNonKeyed) + tryingNonKeyed +
+             "The non-keyed root object doesn't cast to [Any]: My\\u{7}Set\n" + throwingOriginal,
          keyedError(isNonKeyed)},
         {"no unarchiver class", nonKeyedEmpty.bytes(), Unarchiver::missing,
-         keyedErrorLines(isNonKeyed) + kTryingNonKeyed + "NSUnarchiver is not available.\n" +
-             kThrowingOriginal,
+         keyedErrorLines(isNonKeyed) + tryingNonKeyed + "NSUnarchiver is not available.\n" +
+             throwingOriginal,
          keyedError(isNonKeyed)},
         {"its name stands for no object class", nonKeyedEmpty.bytes(), Unarchiver::noObjectClass,
-         keyedErrorLines(isNonKeyed) + kTryingNonKeyed +
-             "NSUnarchiver cannot be cast to NSObject.\n" + kThrowingOriginal,
+         keyedErrorLines(isNonKeyed) + tryingNonKeyed +
+             "NSUnarchiver cannot be cast to NSObject.\n" + throwingOriginal,
          keyedError(isNonKeyed)},
         {"it has no such method", nonKeyedEmpty.bytes(), Unarchiver::noMethod,
-         keyedErrorLines(isNonKeyed) + kTryingNonKeyed + kNonKeyedFailed + kThrowingOriginal,
+         keyedErrorLines(isNonKeyed) + tryingNonKeyed + nonKeyedFailed + throwingOriginal,
          keyedError(isNonKeyed)},
     };
     for (const Row& row : rows) {
@@ -258,21 +254,22 @@ TEST(LoadLog, PreamblesOfSmallFiles) {
               "0a  |.|\n---\n\n");
 }
 
-TEST(LoadLog, ADictionaryGivesWayToAReadableNonKeyedForm) {
-    // No bytes are both; a registry whose unarchiver reads anything stands for them.
+TEST(LoadLog, KeyedDictionaryFallsBackToNonKeyed) {
+    // No bytes are valid in both forms, so this unarchiver reads anything.
     ClassRegistry registry;
     foundation::registerValueClasses(registry);
     registerTranscriptClasses(registry);
     registry.add({.name = "NSUnarchiver", .unarchiveObjectWithData = [](const foundation::Data&) {
-                      return test::root(QStringLiteral("AIM"), {});
+                      return test::root(u"AIM"_s, {});
                   }});
     const QByteArray bytes =
         keyedRoot([](KeyedArchiveWriter& archive) { return archive.dictionary({}); });
+    TesselLoadLog loadLog;
     const auto log =
-        TesselChatLog::fromData(bytes, {}, *foundation::Calendar::named("UTC"), registry);
-    EXPECT_EQ(log.serviceID().rawValue, QStringLiteral("AIM"));
-    EXPECT_TRUE(tesselLoadLog()->grabLog().endsWith(QString::fromStdString(
-        "The root object doesn't cast to [Any]: Optional<Any>\n" + kTryingNonKeyed)));
+        TesselChatLog::fromData(bytes, {}, *foundation::Calendar::named("UTC"), &loadLog, registry);
+    EXPECT_EQ(log.serviceID().rawValue, u"AIM"_s);
+    EXPECT_TRUE(loadLog.grabLog().endsWith(QString::fromStdString(
+        "The root object doesn't cast to [Any]: Optional<Any>\n" + tryingNonKeyed)));
 }
 
 TEST(LoadLog, EndsWithRunningOutOfMemory) {
@@ -281,71 +278,53 @@ TEST(LoadLog, EndsWithRunningOutOfMemory) {
                   .unarchiveObjectWithData = [](const foundation::Data&) -> foundation::Value {
                       throw std::bad_alloc();
                   }});
-    const auto load = [&registry] {
-        return TesselChatLog::fromData(QByteArray("x"), std::nullopt,
-                                       foundation::Calendar::current(), registry);
-    };
-    EXPECT_THROW(load(), std::bad_alloc);
-    EXPECT_TRUE(tesselLoadLog()->grabLog().endsWith(QStringLiteral("\nOut of memory.\n")));
+    TesselLoadLog log;
+    EXPECT_THROW(TesselChatLog::fromData(QByteArray("x"), std::nullopt,
+                                         foundation::Calendar::current(), &log, registry),
+                 std::bad_alloc);
+    EXPECT_TRUE(log.grabLog().endsWith(u"\nOut of memory.\n"_s));
 }
 
 TEST(LoadLog, ClassesThatMayNotBeRead) {
     const auto transcriptWith = [](const char* key, const QStringList& classes) {
         return keyedRoot([&](KeyedArchiveWriter& archive) {
             const auto odd = archive.object(classes, {});
-            const auto message =
-                archive.object({QStringLiteral("InstantMessage"), QStringLiteral("NSObject")},
-                               {{QString::fromUtf8(key), odd}});
-            return archive.array({archive.string(QStringLiteral("AIM")), archive.string(QString()),
-                                  archive.array({message})});
+            const auto message = archive.object({u"InstantMessage"_s, u"NSObject"_s},
+                                                {{QString::fromUtf8(key), odd}});
+            return archive.array(
+                {archive.string(u"AIM"_s), archive.string(QString()), archive.array({message})});
         });
     };
-    const QStringList person{QStringLiteral("Person"), QStringLiteral("NSObject")};
-    // Under a key that nobody asks for anything may stand.
+    const QStringList person{u"Person"_s, u"NSObject"_s};
+    // Values of unread keys may be of any class.
     EXPECT_EQ(load(transcriptWith("Person", person), Unarchiver::real).thrown, "");
 
-    const std::string isDisallowed =
-        "value for key 'Sender' was of unexpected class 'Person'.\nAllowed classes are:\n {(\n"
-        "    \"'InstantMessage'\",\n    \"'IMHandle'\",\n    \"'IMDirectlyObservableObject'\",\n"
-        "    \"'Presentity'\",\n    \"'NSArray'\",\n    \"'NSMutableArray'\",\n"
-        "    \"'NSDictionary'\",\n    \"'NSMutableDictionary'\",\n    \"'NSString'\",\n"
-        "    \"'NSMutableString'\",\n    \"'NSAttributedString'\",\n"
-        "    \"'NSMutableAttributedString'\",\n    \"'NSDate'\",\n    \"'NSCalendar'\",\n"
-        "    \"'NSData'\",\n    \"'NSMutableData'\",\n    \"'NSNumber'\",\n    \"'NSURL'\",\n"
-        "    \"'NSFont'\",\n    \"'NSParagraphStyle'\",\n    \"'NSMutableParagraphStyle'\",\n"
-        "    \"'NSTextAttachment'\",\n    \"'NSGlyphInfo'\",\n    \"'NSColor'\",\n"
-        "    \"'NSFileWrapper'\"\n)}";
-    const std::string isUnknown =
-        "*** -[NSKeyedUnarchiver decodeObjectForKey:]: cannot decode object of class (Foo) for key "
-        "(Sender) because no class named \"Foo\" was found; the class needs to be defined in "
-        "source "
-        "code or linked in from a library (ensure the class is part of the correct target). If the "
-        "class was renamed, use setClassName:forClass: to add a class translation mapping to "
-        "NSKeyedUnarchiver";
-    const std::string rest = kTryingNonKeyed + kNonKeyedFailed + kThrowingOriginal;
-    EXPECT_EQ(load(transcriptWith("Sender", person), Unarchiver::real).log,
-              keyedErrorLines(isDisallowed) + rest);
-    EXPECT_EQ(load(transcriptWith("Sender", {QStringLiteral("Foo")}), Unarchiver::real).log,
-              keyedErrorLines(isUnknown) + rest);
+    const std::string rest = tryingNonKeyed + nonKeyedFailed + throwingOriginal;
+    const std::string disallowed = load(transcriptWith("Sender", person), Unarchiver::real).log;
+    EXPECT_NE(disallowed.find("value for key 'Sender' was of unexpected class 'Person'.\n"
+                              "Allowed classes are:\n {(\n    \"'InstantMessage'\",\n"),
+              std::string::npos);
+    EXPECT_TRUE(disallowed.ends_with(rest));
     const QString longName = u"Foo\x1b"_s + QString(100000, u'x');
-    const std::string log = load(transcriptWith("Sender", {longName}), Unarchiver::real).log;
-    EXPECT_LT(log.size(), 3000U);
-    EXPECT_NE(log.find("class (Foo\\u{1B}xxx"), std::string::npos);
+    const std::string unknown = load(transcriptWith("Sender", {longName}), Unarchiver::real).log;
+    EXPECT_LT(unknown.size(), 3000U);
+    EXPECT_NE(unknown.find("class (Foo\\u{1B}xxx"), std::string::npos);
+    EXPECT_TRUE(unknown.ends_with(rest));
 }
 
-TEST(LoadLog, WithoutALogEverythingElseIsTheSame) {
+TEST(LoadLog, IsWrittenOnlyWhenHandedIn) {
     const auto shared = tesselLoadLog();
     ASSERT_TRUE(shared);
     const auto calendar = *foundation::Calendar::named("UTC");
-    shared->reset();
     EXPECT_THROW(TesselChatLog::fromData(QByteArray("x"), {}, calendar), foundation::Error);
-    EXPECT_TRUE(shared->grabLog().endsWith(QString::fromStdString(kThrowingOriginal)));
-
-    shared->reset();
-    setTesselLoadLog(nullptr);
-    EXPECT_THROW(TesselChatLog::fromData(QByteArray("x"), {}, calendar), foundation::Error);
-    setTesselLoadLog(shared);
     EXPECT_TRUE(shared->grabLog().isEmpty());
+    EXPECT_THROW(TesselChatLog::fromData(QByteArray("x"), {}, calendar, shared.get()),
+                 foundation::Error);
+    EXPECT_TRUE(shared->grabLog().endsWith(QString::fromStdString(throwingOriginal)));
+
+    setTesselLoadLog(nullptr);
+    EXPECT_FALSE(tesselLoadLog());
+    setTesselLoadLog(shared);
 }
 
 }  // namespace

@@ -15,10 +15,10 @@ using foundation::FileWrapper;
 using foundation::TextAttachment;
 using foundation::Value;
 
-constexpr char kGif[] = "GIF89a\x02\0\x03\0\x80\0\0\xff\xff\xff\0\0\0;";
+constexpr char gifBytes[] = "GIF89a\x02\0\x03\0\x80\0\0\xff\xff\xff\0\0\0;";
 
 foundation::Data gif() {
-    return QByteArray(kGif, sizeof(kGif) - 1);
+    return QByteArray(gifBytes, sizeof(gifBytes) - 1);
 }
 
 struct Piece {
@@ -152,7 +152,7 @@ TEST(Runs, KindsAndMerging) {
     }
 }
 
-TEST(Runs, AnEmptyAttachmentIsAnErrorAndStaysTextOfItsOwn) {
+TEST(Runs, EmptyAttachmentIsAnErrorAndStaysText) {
     const auto [runs, errors] =
         extractRuns(string({{u"a"_s, {}}, {u"\ufffc"_s, attachment(nullptr)}, {u"b"_s, {}}}));
     ASSERT_EQ(runs.size(), 2U);
@@ -163,7 +163,7 @@ TEST(Runs, AnEmptyAttachmentIsAnErrorAndStaysTextOfItsOwn) {
     EXPECT_EQ(errors, QStringList{u"ERROR: unexpected attachment run: <NSTextAttachment>"_s});
 }
 
-TEST(Runs, TheWholeTextIsSharedNotCopied) {
+TEST(Runs, WholeTextIsShared) {
     const AttributedString whole = string({{u"Hello "_s, {}}, {u"world"_s, {}}});
     EXPECT_EQ(std::get<PlainRun>(extractRuns(whole).runs[0]).text.constData(),
               whole.text().constData());

@@ -39,7 +39,7 @@ VellDocument VellDocument::read(const foundation::FileWrapper& file,
 
     try {
         return {TesselChatLog::fromData(*file.contents, file.modificationDate,
-                                        foundation::Calendar::current()),
+                                        foundation::Calendar::current(), log.get()),
                 *file.contents};
     } catch (const std::exception& error) {
         // The cause stays in the load log; callers only ever see one error.

@@ -10,8 +10,8 @@
 #include <QSaveFile>
 
 #include "app/documents/document_window.h"
-#include "export/chat_log_text.h"
 #include "export/expansion.h"
+#include "export/markdown.h"
 #include "transcript/content_types.h"
 
 namespace vell {
@@ -53,7 +53,7 @@ void DocumentWindow::copyWholeChat() {
                 QMessageBox::Ok);
         return;
     }
-    const QString text = document_->chatlog().generatePlainText(services_.contacts);
+    const QString text = generatePlainText(document_->chatlog(), services_.contacts);
     auto* item = new QMimeData;
     item->setText(text);
     item->setData(markdownType.mimeName.toString(), text.toUtf8());

@@ -74,8 +74,10 @@ void TranscriptTable::summarise() {
         [reader = reader_, queue = queue_, path = rows_[row].file.path, self, finish, fail] {
             const auto summariseIt = [file = reader->read(path), self, finish] {
                 if (self.expired()) return;
-                const VellDocument document = VellDocument::read(*file, [] {});
-                finish(Summary{participants(document.chatlog()), messageCount(document.chatlog())});
+                if (!file->isRegularFile() || !file->contents) return finish(std::nullopt);
+                const auto log = TesselChatLog::fromData(*file->contents, file->modificationDate,
+                                                         foundation::Calendar::current());
+                finish(Summary{participants(log), messageCount(log)});
             };
             queue->post(LoadThread::Priority::summary, foundation::guarded(summariseIt, fail));
         },

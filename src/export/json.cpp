@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "export/chat_log_json.h"
+#include "export/json.h"
 
 #include <QCryptographicHash>
 #include <map>
@@ -11,15 +11,15 @@
 namespace vell {
 namespace {
 
-constexpr qint64 kSchema = 1;
-constexpr qsizetype kPassedOnSize = 1 << 16;
+constexpr qint64 schemaVersion = 1;
+constexpr qsizetype pieceSize = 1 << 16;
 
 class JsonRenderer {
   public:
     explicit JsonRenderer(const ByteSink& output) : output_(output) {}
     void write(const TesselChatLog& log);
 
-    // Each writes the kind and the members that belong to it.
+    // Each writes the kind and its members.
     void operator()(const TesselChatLog::PlainText& value);
     void operator()(const TesselChatLog::Image& value);
     void operator()(const TesselChatLog::File& value);
@@ -31,7 +31,7 @@ class JsonRenderer {
   private:
     const ByteSink& output_;
     JsonWriter writer_;
-    // By where the bytes lie: one picture may stand in a log a thousand times.
+    // By where the bytes are: one picture may occur in a log a thousand times.
     std::map<std::pair<const char*, qsizetype>, QString> hashes_;
 
     void stringMember(const char* key, QStringView text);
@@ -46,7 +46,7 @@ class JsonRenderer {
 
 void JsonRenderer::write(const TesselChatLog& log) {
     writer_.beginObject();
-    numberMember("schema", kSchema);
+    numberMember("schema", schemaVersion);
     stringMember("serviceID", log.serviceID().rawValue);
     writer_.key("ownUserID");
     user(log.ownUserID());
@@ -71,7 +71,7 @@ void JsonRenderer::write(const TesselChatLog& log) {
 }
 
 void JsonRenderer::endPiece() {
-    if (writer_.size() >= kPassedOnSize) output_(writer_.take());
+    if (writer_.size() >= pieceSize) output_(writer_.take());
 }
 
 void JsonRenderer::event(const TesselChatLog::Event& event) {

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // A chat log as JSON: one object, its events one a line, members in a fixed order. Pictures and
-// files are told by their size and SHA-256; nothing is decoded.
+// files are identified by size and SHA-256; nothing is decoded.
 
 #include "export/text_sink.h"
 
