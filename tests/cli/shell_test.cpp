@@ -55,6 +55,7 @@ class Shell : public testing::Test {
             {"warn.ichat", transcriptWithoutContent()},
             {"bad.ichat", "nothing"},
             {"x/expands", expanding_},
+            {"x/empty", support::keyedTranscript({.service = u"AIM"_s})},
             {"old", "old"}};
         for (const auto& [name, bytes] : files)
             test::writeFile(folder_.filePath(QString::fromUtf8(name)), bytes);
@@ -108,6 +109,8 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
          " | grep -c alpha",
          0, "3\n1\n", ""},
         {"v a.ichat <&-", 0, "<a>", ""},
+        {"v x/empty | grep -c newDay; v - < x/empty | grep -c newDay", 1, "1\n0\n", ""},
+        {"vell-export -f md a.ichat long | tail -c 3", 0, "xx\n", ""},
         {"v a.ichat >&-", 1, "", "standard output: Bad file descriptor\n"},
         {"mkfifo p; v -o p bad.ichat a.ichat 2>&- & cat p; wait", 0, "<a>", ""},
         {"v < /dev/null -", 1, "", "vell-export: stdin: it is empty\n"},

@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 namespace vell::test {
 namespace {
 
-const ContactsStore contacts;
+const ContactsStore contacts({{u"c"_s, {u"1"_s, u"c"_s, QString(3000, u'n'), std::nullopt}}});
 
 void markdown(const TesselChatLog& log, const ByteSink& output) {
     writeMarkdown(log, contacts, output);
@@ -59,6 +59,7 @@ TEST(Expansion, CountsWhatEachFormatWritesAndReads) {
         {"not yet too much, although escapes could make it so", chat(30, text), false, false},
         {"a long name, written once or each time", chat(100, u"x"_s, {name}), false, true},
         {"two long names in turn", chat(100, u"x"_s, {name, name + u'm'}), true, true},
+        {"a long name of a contact, in turn", chat(60, u"x"_s, {u"b"_s, u"c"_s}), true, false},
         {"one file in many messages is read once", files(100, 0), false, false},
         {"files that overlap", files(100, 1), false, true},
     };

@@ -56,7 +56,8 @@ TEST(Json, EveryKindInItsFixedOrder) {
     const auto folder =
         std::make_shared<foundation::FileWrapper>(foundation::FileWrapper::Kind::directory);
     const foundation::Picture sized{bytes, foundation::PictureFormat::png, QSize(2, 3)};
-    const foundation::Picture unsized{bytes, foundation::PictureFormat::pdf, std::nullopt};
+    const foundation::Data others = QByteArray("xyz");
+    const foundation::Picture unsized{others, foundation::PictureFormat::pdf, std::nullopt};
     std::vector<TesselChatLog::Event> events;
     const auto add = [&events](double seconds, std::optional<TesselUserID> sender,
                                TesselChatLog::Event::Value value) {
@@ -66,7 +67,8 @@ TEST(Json, EveryKindInItsFixedOrder) {
     add(268405445.25, std::nullopt, TesselChatLog::NewDay());
     add(268405445.25, alice, TesselChatLog::PlainText{u"hi"_s});
     add(268405445.25, alice, TesselChatLog::Image(sized, bytes, u"public.png"_s, u"/a.png"_s));
-    add(268405445.25, alice, TesselChatLog::Image(unsized, bytes, u"public.image"_s, std::nullopt));
+    add(268405445.25, alice,
+        TesselChatLog::Image(unsized, others, u"public.image"_s, std::nullopt));
     add(268405445.25, alice, TesselChatLog::File{wrapper});
     add(268405445.25, alice, TesselChatLog::File{folder});
     add(9.4e12, alice,
@@ -85,6 +87,8 @@ TEST(Json, EveryKindInItsFixedOrder) {
     const std::string sender = R"("sender":{"serviceID":"AIM","userID":"alice"},)";
     const std::string hash =
         R"("byteCount":3,"sha256":"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad")";
+    const std::string otherHash =
+        R"("byteCount":3,"sha256":"3608bca1e44ea6c4d268eb6db02260269892c0b42b86bbf1e77a6fa16c3c9282")";
     const std::string expected =
         R"({"schema":1,"serviceID":"AIM","ownUserID":{"serviceID":"AIM","userID":"alice"},)"
         R"("otherUserIDs":[{"serviceID":"AIM","userID":"bob"},{"serviceID":"AIM","userID":"zoe"},)"
@@ -95,7 +99,7 @@ TEST(Json, EveryKindInItsFixedOrder) {
         R"("kind":"plainText","text":"hi"},)" + "\n" + R"({"sequence":3,)" + head + sender +
         R"("kind":"image","type":"public.png","path":"/a.png",)" + hash +
         R"(,"pixelWidth":2,"pixelHeight":3},)" + "\n" + R"({"sequence":4,)" + head + sender +
-        R"("kind":"image","type":"public.image","path":null,)" + hash +
+        R"("kind":"image","type":"public.image","path":null,)" + otherHash +
         R"(,"pixelWidth":null,"pixelHeight":null},)" + "\n" + R"({"sequence":5,)" + head + sender +
         R"("kind":"file","fileName":"a.txt","isDirectory":false,)" + hash + "},\n" +
         R"({"sequence":6,)" + head + sender +

@@ -25,8 +25,9 @@ TEST(TerminalText, ShowsNamesTimesAndIndentedMessages) {
     log.newDay().text(u"bob"_s, u"Hi,\r\n\nare you there?"_s).wait(5).text(u"bob"_s, u"Hello?"_s);
     log.wait(60).user(u"bob"_s).newMinute().text(u"me"_s, u"see "_s);
     log.joined().link(u"me"_s, u"http://a.b"_s, u"this"_s).file(u"me"_s, u"a.pdf"_s, "1");
-    log.joined().image(u"me"_s, u"/tmp/cat.png"_s).joined().text(u"me"_s, u"\nno"_s);
-    log.user(u"me"_s).system(u"User has left\nthe "_s).joined().link({}, u"a:b"_s, u"chat"_s);
+    log.joined().image(u"me"_s, u"/tmp/cat.png"_s).joined().text(u"me"_s, u"\nn\u2067o"_s);
+    log.wait(60).newMinute().text(u"me"_s, u"So."_s).user(u"me"_s).wait(60).newMinute();
+    log.system(u"User has left\nthe "_s).joined().link({}, u"a:b"_s, u"chat"_s);
     log.joined().text({}, u"."_s).wait(90000).newDay().text(u"bob"_s, u""_s);
     const auto day = [](double at) { return daySeparatorFormatter().string({at}).toStdString(); };
     const auto time = [](double at) { return timeSeparatorFormatter().string({at}).toStdString(); };
@@ -44,14 +45,25 @@ TEST(TerminalText, ShowsNamesTimesAndIndentedMessages) {
                                      "    [File: a.pdf (1 byte)]\n"
                                      "      [Picture: cat.png, /tmp/cat.png]\n"
                                      "      no\n"
+                                     "\nme (" +
+                                     time(125) +
+                                     "):\n"
+                                     "    So.\n"
                                      "\n* User has left\n"
-                                     "  the chat <a:b>.\n"
+                                     "  the chat <a:b>. (" +
+                                     time(185) +
+                                     ")\n"
                                      "\n\n" +
-                                     day(90065) +
+                                     day(90185) +
                                      "\n"
                                      "\nbob:\n"
                                      "\n");
     EXPECT_EQ(terminalText(LogBuilder()), "");
+
+    // What is long enough has been passed on before the next heading.
+    LogBuilder longLog;
+    longLog.text(u"bob"_s, QString(40'000, u'x')).user(u"bob"_s).text(u"me"_s, u"y"_s);
+    EXPECT_TRUE(terminalText(longLog).ends_with("x\n\nme:\n    y\n"));
 }
 
 TEST(TerminalText, CannotCommandTheTerminal) {
