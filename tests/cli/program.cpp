@@ -17,7 +17,7 @@ namespace {
 Result finish(QProcess& process, const QByteArray& input) {
     process.write(input);
     process.closeWriteChannel();
-    EXPECT_TRUE(process.waitForFinished()) << process.errorString().toStdString();
+    EXPECT_TRUE(process.waitForFinished(-1)) << process.errorString().toStdString();
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
     return {process.exitCode(), process.readAllStandardOutput(),
             QString::fromUtf8(process.readAllStandardError())};
