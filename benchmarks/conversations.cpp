@@ -4,13 +4,13 @@
 #include <array>
 #include <random>
 
-#include "support/transcript_writer.h"
+#include "writers/transcript_writer.h"
 
 namespace benchmarks {
 namespace {
 
-using support::Message;
-using support::Transcript;
+using writers::Message;
+using writers::Transcript;
 
 constexpr qsizetype textLength = 50;
 
@@ -51,10 +51,10 @@ class Conversation {
         Message message{.sender = random_() % 3, .date = time_, .originalText = words};
         if (number % 10 == 9) {
             message.body = {
-                support::words(words.first(30)),
-                support::linked(words.sliced(30), "http://example.org/" + QString::number(number))};
+                writers::words(words.first(30)),
+                writers::linked(words.sliced(30), "http://example.org/" + QString::number(number))};
         } else {
-            message.body = {support::words(words)};
+            message.body = {writers::words(words)};
         }
         return message;
     }
@@ -67,8 +67,8 @@ class Conversation {
 
 QByteArray conversation(std::size_t messages, Form form) {
     const Transcript transcript = Conversation().make(messages);
-    return form == Form::keyed ? support::keyedTranscript(transcript)
-                               : support::nonKeyedTranscript(transcript);
+    return form == Form::keyed ? writers::keyedTranscript(transcript)
+                               : writers::nonKeyedTranscript(transcript);
 }
 
 QByteArray pictures(std::size_t megabytes) {
@@ -79,9 +79,9 @@ QByteArray pictures(std::size_t megabytes) {
         QByteArray picture("\xff\xd8\xff\xc0\x00\x11\x08\x04\xb0\x06\x40\x03", 12);
         while (picture.size() < 1 << 20)
             picture.append(static_cast<char>(random()));
-        message.body.push_back(support::attached("IMG.jpg", picture));
+        message.body.push_back(writers::attached("IMG.jpg", picture));
     }
-    return support::keyedTranscript(transcript);
+    return writers::keyedTranscript(transcript);
 }
 
 }  // namespace benchmarks

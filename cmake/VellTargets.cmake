@@ -84,7 +84,7 @@ endfunction()
 function(vell_test name)
     cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
-    target_link_libraries(${name} PRIVATE ${arg_LINK} vell_test_support GTest::gmock
+    target_link_libraries(${name} PRIVATE ${arg_LINK} vell_writers GTest::gmock
                                           GTest::gtest_main)
     vell_use_precompiled(${name} vell_test_headers)
     add_test(NAME ${name} COMMAND ${name})

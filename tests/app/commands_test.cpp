@@ -199,9 +199,9 @@ TEST_F(CommandsTest, SavedMarkdownIsTheCopiedOne) {
 }
 
 TEST_F(CommandsTest, HugeMarkdownIsNotCopiedAndSavedAfterAQuestion) {
-    support::Transcript transcript{u"AIM"_s, {{u"ann"_s}}, {}, {}};
+    writers::Transcript transcript{u"AIM"_s, {{u"ann"_s}}, {}, {}};
     transcript.messages.resize(800, {.sender = 0, .originalText = u"word "_s.repeated(20'000)});
-    DocumentWindow* large = opened(file(u"large.ichat"_s, support::keyedTranscript(transcript)));
+    DocumentWindow* large = opened(file(u"large.ichat"_s, writers::keyedTranscript(transcript)));
     QGuiApplication::clipboard()->setText(u"before"_s);
     choose(large, {u"Edit"_s, u"Copy Whole Chat"_s});
     QPointer<QMessageBox> box = large->findChild<QMessageBox*>();

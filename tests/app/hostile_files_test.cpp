@@ -9,19 +9,19 @@
 #include <vector>
 
 #include "app/documents/load_log_window.h"
-#include "support/non_keyed_archive_writer.h"
 #include "windows.h"
+#include "writers/non_keyed_archive_writer.h"
 
 namespace {
 
 using namespace Qt::StringLiterals;
 using namespace vell::test;
 
-support::Transcript someChat() {
-    support::Transcript transcript{u"AIM"_s, {{u"ann"_s}, {u"bob"_s}}, {0, 1}, {}};
+writers::Transcript someChat() {
+    writers::Transcript transcript{u"AIM"_s, {{u"ann"_s}, {u"bob"_s}}, {0, 1}, {}};
     for (const char* text : {"one", "two", "three"})
         transcript.messages.push_back(
-            {.sender = 0, .date = 1e8, .body = {support::words(QString::fromUtf8(text))}});
+            {.sender = 0, .date = 1e8, .body = {writers::words(QString::fromUtf8(text))}});
     return transcript;
 }
 
@@ -57,7 +57,7 @@ void addForeign(std::vector<QByteArray>& files) {
         files.push_back(seed % 2 ? bytes : "bplist00" + bytes);
     }
     files.push_back(QByteArray(20'000'000, '\0'));
-    support::NonKeyedArchiveWriter deep;
+    writers::NonKeyedArchiveWriter deep;
     for (int i = 0; i < 100'000; ++i)
         deep.group("[2147483647[2147483647c]]");
     files.push_back(deep.bytes());

@@ -20,7 +20,7 @@
 #include "app/application.h"
 #include "app/documents/document_window.h"
 #include "foundation/print.h"
-#include "support/transcript_writer.h"
+#include "writers/transcript_writer.h"
 
 namespace vell::test {
 
@@ -51,16 +51,16 @@ Window* openWindow(const char* objectName) {
 
 /// A chat of so many messages, "first", then numbers, then "last".
 inline QByteArray chat(int messages, const QString& other = QStringLiteral("bob")) {
-    support::Transcript transcript{
+    writers::Transcript transcript{
         QStringLiteral("AIM"), {{QStringLiteral("ann")}, {other}}, {0, 1}, {}};
     for (int i = 0; i < messages; ++i) {
         QString text = QStringLiteral("number %1").arg(i);
         if (i == 0) text = QStringLiteral("first");
         if (i == messages - 1) text = QStringLiteral("last");
         transcript.messages.push_back(
-            {.sender = i % 2, .date = 1e8 + 100.0 * i, .body = {support::words(text)}});
+            {.sender = i % 2, .date = 1e8 + 100.0 * i, .body = {writers::words(text)}});
     }
-    return support::keyedTranscript(transcript);
+    return writers::keyedTranscript(transcript);
 }
 
 /// Reads from the disk; reading what has "stalled" in its name blocks until it is released.

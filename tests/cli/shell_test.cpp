@@ -10,7 +10,7 @@
 #include <filesystem>
 
 #include "cli/program.h"
-#include "support/transcript_writer.h"
+#include "writers/transcript_writer.h"
 
 namespace vell {
 namespace {
@@ -19,22 +19,22 @@ using namespace Qt::StringLiterals;
 using test::Result;
 
 QByteArray transcript(const QString& text) {
-    support::Transcript result{.service = u"AIM"_s, .people = {{u"ann"_s}}};
-    result.messages.push_back({.sender = 0, .date = 1000, .body = {support::words(text)}});
-    return support::keyedTranscript(result);
+    writers::Transcript result{.service = u"AIM"_s, .people = {{u"ann"_s}}};
+    result.messages.push_back({.sender = 0, .date = 1000, .body = {writers::words(text)}});
+    return writers::keyedTranscript(result);
 }
 
 QByteArray transcriptWithoutContent() {
-    support::Transcript result{.service = u"AIM"_s, .people = {{u"ann"_s}}};
+    writers::Transcript result{.service = u"AIM"_s, .people = {{u"ann"_s}}};
     result.messages.push_back({.sender = 0});
-    return support::keyedTranscript(result);
+    return writers::keyedTranscript(result);
 }
 
 /// One long text in many messages: 800 times as large when it is written out.
 QByteArray transcriptThatExpands() {
-    support::Transcript result{.service = u"AIM"_s, .people = {{u"ann"_s}}};
+    writers::Transcript result{.service = u"AIM"_s, .people = {{u"ann"_s}}};
     result.messages.resize(800, {.sender = 0, .originalText = QString(100'000, u'x')});
-    return support::keyedTranscript(result);
+    return writers::keyedTranscript(result);
 }
 
 /// A folder with an empty folder "out" and some files to export.
@@ -55,7 +55,7 @@ class Shell : public testing::Test {
             {"warn.ichat", transcriptWithoutContent()},
             {"bad.ichat", "nothing"},
             {"x/expands", expanding_},
-            {"x/empty", support::keyedTranscript({.service = u"AIM"_s})},
+            {"x/empty", writers::keyedTranscript({.service = u"AIM"_s})},
             {"old", "old"}};
         for (const auto& [name, bytes] : files)
             test::writeFile(folder_.filePath(QString::fromUtf8(name)), bytes);

@@ -7,7 +7,7 @@
 #include <QTemporaryDir>
 
 #include "cli/program.h"
-#include "support/transcript_writer.h"
+#include "writers/transcript_writer.h"
 
 namespace vell::test {
 namespace {
@@ -16,11 +16,11 @@ using namespace Qt::StringLiterals;
 
 /// Two people, and a message without content, which causes a warning.
 QByteArray transcript() {
-    support::Transcript result{
+    writers::Transcript result{
         .service = u"AIM"_s, .people = {{u"ann"_s}, {u"bob"_s}}, .participants = {1}};
-    result.messages.push_back({.sender = 0, .date = 158187845, .body = {support::words(u"Hi*"_s)}});
+    result.messages.push_back({.sender = 0, .date = 158187845, .body = {writers::words(u"Hi*"_s)}});
     result.messages.push_back({.sender = 1, .date = 158187905});
-    return support::keyedTranscript(result);
+    return writers::keyedTranscript(result);
 }
 
 TEST(TextFormats, MarkdownIsTheDefaultAndDatesFollowTheOptions) {

@@ -21,7 +21,7 @@
 #include <QWidget>
 #include <cstdio>
 
-#include "support/transcript_writer.h"
+#include "writers/transcript_writer.h"
 
 namespace {
 
@@ -41,27 +41,27 @@ int make(const QString& transcriptPath, const QString& picturePath) {
     image.fill(colour);
     QBuffer picture;
     image.save(&picture, "PNG");
-    support::Transcript transcript{u"AIM"_s, {{u"ann"_s}, {u"bob"_s}}, {0, 1}, {}};
+    writers::Transcript transcript{u"AIM"_s, {{u"ann"_s}, {u"bob"_s}}, {0, 1}, {}};
     transcript.messages = {
-        {.sender = 0, .date = 1e8, .body = {support::words(u"Look at this:"_s)}},
-        {.sender = 1, .date = 1e8, .body = {support::attached(u"field.png"_s, picture.data())}},
+        {.sender = 0, .date = 1e8, .body = {writers::words(u"Look at this:"_s)}},
+        {.sender = 1, .date = 1e8, .body = {writers::attached(u"field.png"_s, picture.data())}},
     };
-    const bool isWritten = write(transcriptPath, support::keyedTranscript(transcript)) &&
+    const bool isWritten = write(transcriptPath, writers::keyedTranscript(transcript)) &&
                            write(picturePath, picture.data());
     return isWritten ? 0 : 1;
 }
 
 int wrap(const QString& transcriptPath, const QStringList& paths) {
-    support::Transcript transcript{u"AIM"_s, {{u"ann"_s}, {u"bob"_s}}, {0, 1}, {}};
+    writers::Transcript transcript{u"AIM"_s, {{u"ann"_s}, {u"bob"_s}}, {0, 1}, {}};
     for (const QString& path : paths) {
         QFile file(path);
         if (!file.open(QIODevice::ReadOnly)) return 1;
         transcript.messages.push_back(
             {.sender = 1,
              .date = 1e8,
-             .body = {support::attached(QFileInfo(path).fileName(), file.readAll())}});
+             .body = {writers::attached(QFileInfo(path).fileName(), file.readAll())}});
     }
-    return write(transcriptPath, support::keyedTranscript(transcript)) ? 0 : 1;
+    return write(transcriptPath, writers::keyedTranscript(transcript)) ? 0 : 1;
 }
 
 int find() {

@@ -6,14 +6,14 @@
 #include <QStringList>
 #include <QtEndian>
 
-#include "support/file_wrapper_writer.h"
+#include "writers/file_wrapper_writer.h"
 
 namespace {
 
 using foundation::Data;
 using foundation::FileWrapper;
 using foundation::parseSerializedFileWrapper;
-using support::serializedFileWrapper;
+using writers::serializedFileWrapper;
 
 QByteArray word(quint32 value) {
     QByteArray bytes(4, Qt::Uninitialized);

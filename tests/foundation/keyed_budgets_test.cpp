@@ -6,13 +6,13 @@
 #include <gtest/gtest.h>
 
 #include "foundation/keyed_fixture.h"
-#include "support/file_wrapper_writer.h"
-#include "support/property_list_writer.h"
+#include "writers/file_wrapper_writer.h"
+#include "writers/property_list_writer.h"
 
 namespace foundation::test {
 namespace {
 
-using support::PropertyListWriter;
+using writers::PropertyListWriter;
 using Node = PropertyListWriter::Node;
 
 /// An archive whose references take one byte each, however often they come: the archiver's own form
@@ -104,9 +104,9 @@ QByteArray repeatedTexts(std::size_t times) {
 /// Attachments of one folder with many files.
 QByteArray repeatedFolder(std::size_t files, int times) {
     DenseArchive archive;
-    const std::vector<support::FileDraft> children(files, {.name = QStringLiteral("f")});
+    const std::vector<writers::FileDraft> children(files, {.name = QStringLiteral("f")});
     const Node folder = archive.add(archive.data(
-        support::serializedFileWrapper({.name = QStringLiteral("d"), .children = children})));
+        writers::serializedFileWrapper({.name = QStringLiteral("d"), .children = children})));
     std::vector<Node> all;
     for (int i = 0; i < times; ++i)
         all.push_back(archive.instance("NSFileWrapper", {{"NSFileWrapperData", folder}}));

@@ -8,13 +8,13 @@
 
 #include "foundation/error.h"
 #include "foundation/keyed_unarchiver.h"
-#include "support/keyed_archive_writer.h"
+#include "writers/keyed_archive_writer.h"
 
 namespace foundation::test {
 
-using support::Inline;
-using support::KeyedArchiveWriter;
-using support::Uid;
+using writers::Inline;
+using writers::KeyedArchiveWriter;
+using writers::Uid;
 
 /// An application class: keeps what it finds under "Held" and "$Held".
 inline Value initHolder(Coder& coder) {

@@ -6,13 +6,13 @@
 
 #include "foundation/keyed_fixture.h"
 #include "foundation/runs_text.h"
-#include "support/file_wrapper_writer.h"
+#include "writers/file_wrapper_writer.h"
 
 namespace foundation::test {
 namespace {
 
-using support::serializedFileWrapper;
 using testing::HasSubstr;
+using writers::serializedFileWrapper;
 using namespace std::string_literals;
 
 class KeyedTextTest : public KeyedArchiveTest {
@@ -130,7 +130,7 @@ TEST_F(KeyedTextTest, FindsTheFileOfAnAttachment) {
     const QByteArray file =
         serializedFileWrapper({.name = QStringLiteral("a.png"), .contents = "PNG"});
     const QByteArray folder = serializedFileWrapper(
-        {.name = QStringLiteral("d"), .children = std::vector<support::FileDraft>{}});
+        {.name = QStringLiteral("d"), .children = std::vector<writers::FileDraft>{}});
     const Inline gif = archive_.direct(QByteArray("GIF"));
     const Inline type = archive_.string("com.compuserve.gif");
     const Inline data = archive_.direct(file);

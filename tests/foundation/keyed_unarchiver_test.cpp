@@ -6,7 +6,7 @@
 
 #include "foundation/keyed_fixture.h"
 #include "foundation/url.h"
-#include "support/file_wrapper_writer.h"
+#include "writers/file_wrapper_writer.h"
 
 namespace foundation::test {
 namespace {
@@ -100,7 +100,7 @@ TEST_F(KeyedUnarchiverTest, RechecksAnObjectThatWasDecodedUnchecked) {
     allowed_.assign({registry_.find("NSArray"), registry_.find("NSTextAttachment")});
     const Uid file = archive_.object(
         {"NSFileWrapper", "NSObject"},
-        {{"NSFileWrapperData", archive_.direct(support::serializedFileWrapper({}))}});
+        {{"NSFileWrapperData", archive_.direct(writers::serializedFileWrapper({}))}});
     const Uid attachment =
         archive_.object({"NSTextAttachment", "NSObject"}, {{"NSFileWrapper", file}});
     EXPECT_THAT(errorOfRoot(archive_.array({attachment, file})),

@@ -10,13 +10,13 @@
 #include "foundation/plist/binary_property_list.h"
 #include "foundation/plist/xml_property_list_reader.h"
 #include "foundation/plist/xml_to_binary.h"
-#include "support/property_list_writer.h"
+#include "writers/property_list_writer.h"
 
 namespace {
 
 using foundation::BinaryPropertyList;
 using foundation::Data;
-using support::PropertyListWriter;
+using writers::PropertyListWriter;
 using Kind = BinaryPropertyList::Kind;
 using namespace std::string_literals;
 

@@ -6,11 +6,11 @@
 //     read(archived(array({str("a"), obj("NSFont", {raw("f", "\x0c")})})))
 
 #include "foundation/unarchiver.h"
-#include "support/non_keyed_archive_writer.h"
+#include "writers/non_keyed_archive_writer.h"
 
 namespace foundation::test {
 
-using support::NonKeyedArchiveWriter;
+using writers::NonKeyedArchiveWriter;
 using Order = NonKeyedArchiveWriter::ByteOrder;
 /// Writes some groups.
 using Piece = std::function<void(NonKeyedArchiveWriter&)>;

@@ -5,7 +5,7 @@
 
 #include "foundation/file_wrapper.h"
 #include "foundation/unarchiver_fixture.h"
-#include "support/file_wrapper_writer.h"
+#include "writers/file_wrapper_writer.h"
 
 namespace foundation::test {
 namespace {
@@ -158,11 +158,11 @@ TEST(Unarchiver, WorksOnceOnWhatManyBytesReferTo) {
         "A <A>");
     EXPECT_EQ(holder("\x84" + length + '{' + name.substr(4) + "=c}x", "\x94x"), "A <A>");
 
-    const std::vector<support::FileDraft> files(10'000, {.name = QStringLiteral("c")});
+    const std::vector<writers::FileDraft> files(10'000, {.name = QStringLiteral("c")});
     const auto wrappers = read(archived([&](auto& a) {
                               a.array(1000, [&] {
                                   const int folder =
-                                      a.data(support::serializedFileWrapper({.children = files}));
+                                      a.data(writers::serializedFileWrapper({.children = files}));
                                   for (int i = 1; i < 1000; ++i)
                                       a.object("NSFileWrapper", [&] { a.reference(folder); });
                               });

@@ -5,7 +5,7 @@
 
 #include "foundation/runs_text.h"
 #include "foundation/unarchiver_fixture.h"
-#include "support/file_wrapper_writer.h"
+#include "writers/file_wrapper_writer.h"
 
 namespace foundation::test {
 namespace {
@@ -220,11 +220,11 @@ QByteArray withAttachment(const Pieces& pieces) {
 }
 
 TEST(Unarchiver, FindsTheFileOfAnAttachmentByItsClass) {
-    using support::serializedFileWrapper;
+    using writers::serializedFileWrapper;
     const QByteArray file =
         serializedFileWrapper({.name = QStringLiteral("a.png"), .contents = "PNG"});
     const QByteArray folder = serializedFileWrapper(
-        {.name = QStringLiteral("d"), .children = std::vector<support::FileDraft>{}});
+        {.name = QStringLiteral("d"), .children = std::vector<writers::FileDraft>{}});
     const auto wrapper = [](const Piece& serialized) { return obj("NSFileWrapper", {serialized}); };
     const Data bytes(withAttachment({obj("NSTextAttachmentCell"), wrapper(data(file))}));
     const auto found = attachmentOf(unarchiveObjectWithData(bytes, registry()).object);

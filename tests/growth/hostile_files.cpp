@@ -5,15 +5,15 @@
 #include <vector>
 
 #include "growth/keyed_file.h"
-#include "support/non_keyed_archive_writer.h"
+#include "writers/non_keyed_archive_writer.h"
 
 namespace vell::test {
 namespace {
 
 using namespace Qt::StringLiterals;
-using support::KeyedArchiveWriter;
-using support::NonKeyedArchiveWriter;
-using support::Uid;
+using writers::KeyedArchiveWriter;
+using writers::NonKeyedArchiveWriter;
+using writers::Uid;
 
 /// Half of a file is what is shared, the other half names it: so many times at so many bytes each.
 int timesIn(qsizetype size, int bytes) {

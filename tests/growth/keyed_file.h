@@ -6,16 +6,16 @@
 
 #include <vector>
 
-#include "support/keyed_archive_writer.h"
+#include "writers/keyed_archive_writer.h"
 
 namespace vell::test {
 
 class KeyedFile {
   public:
-    using Members = support::KeyedArchiveWriter::Members;
-    using Uid = support::Uid;
+    using Members = writers::KeyedArchiveWriter::Members;
+    using Uid = writers::Uid;
 
-    Uid person(Uid id, Uid service = support::KeyedArchiveWriter::nil) {
+    Uid person(Uid id, Uid service = writers::KeyedArchiveWriter::nil) {
         return archive.object(
             {QStringLiteral("Presentity"), QStringLiteral("NSObject")},
             {{QStringLiteral("ID"), id}, {QStringLiteral("ServiceName"), service}});
@@ -32,7 +32,7 @@ class KeyedFile {
         return archive.binary();
     }
 
-    support::KeyedArchiveWriter archive;
+    writers::KeyedArchiveWriter archive;
     std::vector<Uid> messages;
     std::vector<Uid> people;
 };

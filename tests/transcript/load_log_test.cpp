@@ -5,14 +5,14 @@
 
 #include <gtest/gtest.h>
 
-#include "support/keyed_archive_writer.h"
-#include "support/non_keyed_archive_writer.h"
-#include "support/transcript_writer.h"
 #include "transcript/archived_classes.h"
 #include "transcript/byte_data.h"
 #include "transcript/chat_log.h"
 #include "transcript/chat_timeline.h"
 #include "transcript/fixture.h"
+#include "writers/keyed_archive_writer.h"
+#include "writers/non_keyed_archive_writer.h"
+#include "writers/transcript_writer.h"
 
 namespace vell {
 namespace {
@@ -20,8 +20,8 @@ namespace {
 using namespace Qt::StringLiterals;
 using foundation::ClassRegistry;
 using foundation::FileWrapper;
-using support::KeyedArchiveWriter;
-using support::NonKeyedArchiveWriter;
+using writers::KeyedArchiveWriter;
+using writers::NonKeyedArchiveWriter;
 
 TEST(LoadLog, OpenFile) {
     using Kind = FileWrapper::Kind;
@@ -106,7 +106,7 @@ std::unique_ptr<ClassRegistry> registryWith(Unarchiver unarchiver) {
     return registry;
 }
 
-QByteArray keyedRoot(const std::function<support::Uid(KeyedArchiveWriter&)>& makeRoot) {
+QByteArray keyedRoot(const std::function<writers::Uid(KeyedArchiveWriter&)>& makeRoot) {
     KeyedArchiveWriter archive;
     archive.setTop(u"root"_s, makeRoot(archive));
     return archive.binary();
@@ -160,7 +160,7 @@ const std::string initError =
 TEST(LoadLog, EachWayOfLoading) {
     const QByteArray dictionary =
         keyedRoot([](KeyedArchiveWriter& archive) { return archive.dictionary({}); });
-    const QByteArray nilRoot = keyedRoot([](KeyedArchiveWriter&) { return support::Uid(); });
+    const QByteArray nilRoot = keyedRoot([](KeyedArchiveWriter&) { return writers::Uid(); });
     const QByteArray textlessUrl =
         keyedRoot([](KeyedArchiveWriter& archive) { return archive.object({u"NSURL"_s}, {}); });
     const QByteArray empty =

@@ -19,10 +19,10 @@ struct Sample {
 
 std::vector<Sample> madeSamples() {
     return {
-        {"The cat in the bathtub.ichat", support::keyedTranscript(samples::catInTheBathtub())},
-        {"Two umbrellas.ichat", support::nonKeyedTranscript(samples::twoUmbrellas())},
-        {"A lamp in the window.ichat", support::keyedTranscript(samples::lampInTheWindow())},
-        {"Nobody said anything.ichat", support::keyedTranscript(samples::nobodySaidAnything())},
+        {"The cat in the bathtub.ichat", writers::keyedTranscript(samples::catInTheBathtub())},
+        {"Two umbrellas.ichat", writers::nonKeyedTranscript(samples::twoUmbrellas())},
+        {"A lamp in the window.ichat", writers::keyedTranscript(samples::lampInTheWindow())},
+        {"Nobody said anything.ichat", writers::keyedTranscript(samples::nobodySaidAnything())},
     };
 }
 

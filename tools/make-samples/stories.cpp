@@ -8,12 +8,12 @@
 namespace samples {
 namespace {
 
-using support::attached;
-using support::linked;
-using support::Message;
-using support::Piece;
-using support::Transcript;
-using support::words;
+using writers::attached;
+using writers::linked;
+using writers::Message;
+using writers::Piece;
+using writers::Transcript;
+using writers::words;
 
 /// The bytes of a file in attachments/.
 QByteArray contents(const char* name) {

@@ -3,17 +3,17 @@
 //
 // The conversations of the samples.
 
-#include "support/transcript_writer.h"
+#include "writers/transcript_writer.h"
 
 namespace samples {
 
 /// Three people, one cat, four days.
-[[nodiscard]] support::Transcript catInTheBathtub();
+[[nodiscard]] writers::Transcript catInTheBathtub();
 /// Two people and two umbrellas, years earlier.
-[[nodiscard]] support::Transcript twoUmbrellas();
+[[nodiscard]] writers::Transcript twoUmbrellas();
 /// In Hebrew, with numbers and Latin words between.
-[[nodiscard]] support::Transcript lampInTheWindow();
+[[nodiscard]] writers::Transcript lampInTheWindow();
 /// Two people who said nothing.
-[[nodiscard]] support::Transcript nobodySaidAnything();
+[[nodiscard]] writers::Transcript nobodySaidAnything();
 
 }  // namespace samples

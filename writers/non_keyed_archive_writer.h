@@ -17,7 +17,7 @@
 #include <utility>
 #include <vector>
 
-namespace support {
+namespace writers {
 
 class NonKeyedArchiveWriter {
   public:
@@ -92,4 +92,4 @@ class NonKeyedArchiveWriter {
     int objects_ = 0;
 };
 
-}  // namespace support
+}  // namespace writers

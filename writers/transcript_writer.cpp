@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "support/transcript_writer.h"
+#include "writers/transcript_writer.h"
 
 #include <QList>
 
-#include "support/keyed_archive_writer.h"
+#include "writers/keyed_archive_writer.h"
 
-namespace support {
+namespace writers {
 namespace {
 
 QString fullText(const Message& message) {
@@ -286,4 +286,4 @@ QByteArray nonKeyedTranscript(const Transcript& transcript,
     return NonKeyedTranscript(transcript, order).write();
 }
 
-}  // namespace support
+}  // namespace writers

@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-namespace support {
+namespace writers {
 
 /// Bytes per entry of the offset table and per reference; 0 is the least that does.
 struct Widths {
@@ -67,4 +67,4 @@ class PropertyListWriter {
     std::unordered_map<size_t, Node> shared_;  ///< by the hash of the encoded bytes
 };
 
-}  // namespace support
+}  // namespace writers

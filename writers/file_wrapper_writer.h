@@ -10,7 +10,7 @@
 #include <optional>
 #include <vector>
 
-namespace support {
+namespace writers {
 
 struct FileDraft {
     /// The preferred name; none writes no name entries.
@@ -24,4 +24,4 @@ struct FileDraft {
 
 [[nodiscard]] QByteArray serializedFileWrapper(const FileDraft& file);
 
-}  // namespace support
+}  // namespace writers

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "support/file_wrapper_writer.h"
+#include "writers/file_wrapper_writer.h"
 
 #include <QtEndian>
 #include <utility>
 
-namespace support {
+namespace writers {
 namespace {
 
 QByteArray word(quint32 value) {
@@ -65,4 +65,4 @@ QByteArray serializedFileWrapper(const FileDraft& file) {
     return "rtfd" + word(0) + directoryItem(file);
 }
 
-}  // namespace support
+}  // namespace writers

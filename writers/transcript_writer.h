@@ -13,11 +13,11 @@
 #include <optional>
 #include <vector>
 
-#include "support/file_wrapper_writer.h"
-#include "support/non_keyed_archive_writer.h"
-#include "support/property_list_writer.h"
+#include "writers/file_wrapper_writer.h"
+#include "writers/non_keyed_archive_writer.h"
+#include "writers/property_list_writer.h"
 
-namespace support {
+namespace writers {
 
 struct Person {
     QString account = {};
@@ -79,4 +79,4 @@ struct KeyedForm {
     const Transcript& transcript,
     NonKeyedArchiveWriter::ByteOrder order = NonKeyedArchiveWriter::ByteOrder::little);
 
-}  // namespace support
+}  // namespace writers

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "support/non_keyed_archive_writer.h"
+#include "writers/non_keyed_archive_writer.h"
 
 #include <bit>
 #include <cmath>
 #include <limits>
 
-namespace support {
+namespace writers {
 namespace {
 
 constexpr char newMark = '\x84';
@@ -222,4 +222,4 @@ NonKeyedArchiveWriter::ClassChain NonKeyedArchiveWriter::classes(const char* cla
     return chain;
 }
 
-}  // namespace support
+}  // namespace writers

@@ -19,9 +19,9 @@
 #include <variant>
 #include <vector>
 
-#include "support/property_list_writer.h"
+#include "writers/property_list_writer.h"
 
-namespace support {
+namespace writers {
 
 /// A reference to an object of an archive; 0 is nil.
 struct Uid {
@@ -110,4 +110,4 @@ class KeyedArchiveWriter {
     std::map<QString, std::optional<Node>> headers_;
 };
 
-}  // namespace support
+}  // namespace writers

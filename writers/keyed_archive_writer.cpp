@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "support/keyed_archive_writer.h"
+#include "writers/keyed_archive_writer.h"
 
 #include <algorithm>
 
-namespace support {
+namespace writers {
 namespace {
 
 /// Lengths and dictionary numbers of runs, as numbers of seven bits a byte, lowest first.
@@ -196,4 +196,4 @@ PropertyListWriter::Node KeyedArchiveWriter::top() {
     return list_.dictionary(pairs);
 }
 
-}  // namespace support
+}  // namespace writers

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/property_list_writer.h"
+#include "writers/property_list_writer.h"
 
 #include <QDateTime>
 #include <QHashFunctions>
@@ -10,7 +10,7 @@
 #include <cmath>
 #include <limits>
 
-namespace support {
+namespace writers {
 namespace {
 
 void appendBigEndian(QByteArray& bytes, quint64 value, int width) {
@@ -252,4 +252,4 @@ void PropertyListWriter::appendScalarXml(QByteArray& xml, QByteArrayView encoded
     xml += '\n';
 }
 
-}  // namespace support
+}  // namespace writers
