@@ -9,6 +9,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTest>
@@ -242,7 +243,9 @@ TEST_F(CommandsTest, FilesMayBeDroppedOnAnyWindow) {
         EXPECT_TRUE(drop.isAccepted()) << number;
         EXPECT_TRUE(waitUntil([&] { return windowOf(path) && windowOf(path)->isLoaded(); }));
     }
-    EXPECT_EQ(documentWindows().size(), std::size(targets) + 1) << "files only";
+    EXPECT_EQ(documentWindows().size(), std::size(targets) + 1);
+    const auto* failures = openWindow("openFailed")->findChild<QPlainTextEdit*>();
+    EXPECT_EQ(failures->toPlainText().count(u"could not be opened"_s), 1) << "files only";
     vell::logWindows().front()->close();
 }
 
