@@ -48,12 +48,17 @@ if(NOT VELL_CCACHE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     set(VELL_PRECOMPILE ON)
 endif()
 
-# vell_precompiled(NAME [LINK …] [HEADERS …]): headers that other targets then share.
+# vell_precompiled(NAME [EXECUTABLES] [LINK …] [HEADERS …]): headers that other libraries then share, or
+# other executables, which are compiled with other flags.
 function(vell_precompiled name)
-    cmake_parse_arguments(arg "" "" "LINK;HEADERS" ${ARGN})
+    cmake_parse_arguments(arg "EXECUTABLES" "" "LINK;HEADERS" ${ARGN})
     set(source "${CMAKE_BINARY_DIR}/${name}.cpp")
-    file(GENERATE OUTPUT "${source}" CONTENT "")
-    add_library(${name} OBJECT EXCLUDE_FROM_ALL "${source}")
+    file(GENERATE OUTPUT "${source}" CONTENT "int main() {}\n")
+    if(arg_EXECUTABLES)
+        add_executable(${name} EXCLUDE_FROM_ALL "${source}")
+    else()
+        add_library(${name} OBJECT EXCLUDE_FROM_ALL "${source}")
+    endif()
     set_target_properties(${name} PROPERTIES AUTOMOC OFF AUTORCC OFF)
     target_link_libraries(${name} PRIVATE ${arg_LINK})
     target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
