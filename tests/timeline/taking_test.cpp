@@ -9,6 +9,7 @@
 #include <QMimeData>
 #include <QTemporaryDir>
 #include <QUrl>
+#include <algorithm>
 #include <ctime>
 
 #include "foundation/print.h"
@@ -159,6 +160,12 @@ TEST(SafeFileName, NamesAreVisibleAndHarmless) {
               QStringLiteral("cat.jpg"));
 }
 
+double threadSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
 TEST(Saving, FoldersAreWrittenInsideThemselvesAndNothingCanBeRun) {
     const auto entry = [](const char* name, const char* bytes) {
         auto file = std::make_shared<FileWrapper>(Data(QByteArray(bytes)));
@@ -182,16 +189,23 @@ TEST(Saving, FoldersAreWrittenInsideThemselvesAndNothingCanBeRun) {
     EXPECT_NE(writeWrapper(path, folder), QString()) << "mixes two folders";
 
     const auto cost = [&](int count) {
+        const QTemporaryDir room;
         FileWrapper many(FileWrapper::Kind::directory);
         many.children.assign(static_cast<size_t>(count), entry("x", ""));
-        const QString into = home.filePath(QString::number(count));
-        const std::clock_t start = std::clock();
+        const QString into = room.filePath(QStringLiteral("many"));
+        const double start = threadSeconds();
         EXPECT_EQ(writeWrapper(into, many), QString());
         EXPECT_EQ(QDir(into).entryList(QDir::Files).size(), count);
-        return static_cast<double>(std::clock() - start);
+        return threadSeconds() - start;
     };
-    const double some = cost(500);
-    EXPECT_LT(cost(2000), 8 * some) << "quadratic in what has one name";
+    // Other work on the machine only adds to it: the least of three tries counts.
+    double some = cost(500);
+    double many = cost(2000);
+    for (int i = 0; i < 2 && many >= 8 * some; ++i) {
+        some = std::min(some, cost(500));
+        many = std::min(many, cost(2000));
+    }
+    EXPECT_LT(many, 8 * some) << "quadratic in what has one name";
 
     const QString program = home.filePath(QStringLiteral("program"));
     QFile old(program);
