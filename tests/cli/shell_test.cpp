@@ -142,7 +142,7 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         // Failures
         {"v -d out bad.ichat nothing . a.ichat; ls out", 0, "a.json\n",
          "vell-export: nothing: No such file or directory\nvell-export: .: it is a folder\n"},
-        {"v bad.ichat", 1, "", "vell-export: bad.ichat: not a transcript, or damaged: "},
+        {"v bad.ichat", 1, "", ": not a transcript, or damaged: incomprehensible archive ("},
         {"n='bad\nname'; cp bad.ichat \"$n\"; v \"$n\"", 1, "", "vell-export: bad name: not a tr"},
         {"v -o no/such a.ichat", 1, "", "a.ichat: no/such: No such file or directory\n"},
         {"v -d old a.ichat", 2, "", "old is not a folder\n"},
@@ -174,7 +174,8 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         // Diagnostics
         {"v warn.ichat >/dev/null", 0, "", "\nWARN: Found no content in message: <Message: ann"},
         {"v a.ichat warn.ichat >/dev/null", 0, "", "\nwarn.ichat: WARN: Found no content in"},
-        {"v -q warn.ichat a.ichat >/dev/null; v -q nothing", 1, "", "\nvell-export: nothing: No"},
+        {"v -q warn.ichat a.ichat >/dev/null", 0, "", ""},
+        {"v -q nothing", 1, "", "\nvell-export: nothing: No"},
         {"v --load-log a.ichat", 0, "<a>", ""},
         {"v --load-log nothing", 1, "",
          "\n---\n\n\nFailed to load the raw file into memory.\nNo such file or directory\n"},

@@ -54,6 +54,7 @@ TEST(Markdown, NothingIsWrittenBeforeTheFirstEventAndForMarkersAlone) {
 TEST(Markdown, ASystemMessageHasItsRulesForAllItsRuns) {
     LogBuilder log;
     log.system(u"see "_s).joined().link({}, u"a:b"_s, u"here"_s).joined().file({}, u"f"_s, "1");
+    log.joined().text({}, u""_s);
     log.link({}, u"cc:d"_s, u""_s);
     EXPECT_EQ(markdown(log),
               "\n---\n_see [here](<a:b>)\\\nFile: f (1 byte)_\n---\n\n"

@@ -59,11 +59,6 @@ TEST(TerminalText, ShowsNamesTimesAndIndentedMessages) {
                                      "\nbob:\n"
                                      "\n");
     EXPECT_EQ(terminalText(LogBuilder()), "");
-
-    // What is long enough has been passed on before the next heading.
-    LogBuilder longLog;
-    longLog.text(u"bob"_s, QString(40'000, u'x')).user(u"bob"_s).text(u"me"_s, u"y"_s);
-    EXPECT_TRUE(terminalText(longLog).ends_with("x\n\nme:\n    y\n"));
 }
 
 TEST(TerminalText, CannotCommandTheTerminal) {
