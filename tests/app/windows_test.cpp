@@ -76,6 +76,7 @@ TEST_F(OtherWindows, SearchSummarisesFiltersAndOpens) {
 TEST_F(OtherWindows, PreferencesKeepContactsAndTheirFiles) {
     const QStringList files{file(u"a.vcf"_s, {}), file(u"b.vcf"_s, {})};
     QSettings().setValue(u"ContactsFiles"_s, files);
+    QSettings().setValue(u"ContactsAccess"_s, true);
     program->showPreferences();
     const QWidget* preferences = openWindow("preferences");
     const auto* list = preferences->findChild<QListWidget*>();
@@ -85,9 +86,9 @@ TEST_F(OtherWindows, PreferencesKeepContactsAndTheirFiles) {
     EXPECT_EQ(QSettings().value(u"ContactsFiles"_s).toStringList(), QStringList{files[1]});
     EXPECT_EQ(list->count(), 1);
     auto* allow = preferences->findChild<QCheckBox*>(u"allowContacts"_s);
-    EXPECT_FALSE(allow->isChecked());
+    EXPECT_TRUE(allow->isChecked());
     allow->click();
-    EXPECT_TRUE(QSettings().value(u"ContactsAccess"_s).toBool());
+    EXPECT_FALSE(QSettings().value(u"ContactsAccess"_s, true).toBool());
 }
 
 }  // namespace
