@@ -24,7 +24,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr qsizetype fileSize = 200'000;
+constexpr qsizetype fileSize = 150'000;
 constexpr double mebibyte = 1 << 20;
 
 struct Cost {

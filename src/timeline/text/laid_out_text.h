@@ -108,7 +108,7 @@ class LaidOutText {
     int estimatedLine_ = 0;
     qreal estimatedCharacter_ = 0;
     mutable std::vector<std::unique_ptr<QTextLayout>> shortLayouts_;
-    mutable QCache<qsizetype, QTextLayout> longLayouts_{128 * 1024};  // in characters
+    mutable QCache<qsizetype, QTextLayout> longLayouts_{qsizetype{128} * 1024};  // in characters
 };
 
 }  // namespace vell
