@@ -101,19 +101,19 @@ function(vell_test name)
         "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;XDG_RUNTIME_DIR=${runtime}")
 endfunction()
 
-# vell_fuzz(NAME [SOURCES …] [LINK …] [DICTIONARY FILE]): the program fuzz_NAME around a
-# LLVMFuzzerTestOneInput, with its seeds and all earlier findings in fuzz/corpus/NAME. Under the fuzz
-# preset its test reads these and goes on from them for ten seconds; in every other build it is an
+# vell_fuzz(NAME [SOURCES …] [LINK …] [DICTIONARY FILE] [SEEDS FOLDER]): the program fuzz_NAME around a
+# LLVMFuzzerTestOneInput, with its seeds and all earlier findings in fuzz/corpus/NAME, and seeds that the
+# build makes in the folder. Under the fuzz preset its test reads these and goes on from them for ten seconds; in every other build it is an
 # ordinary program, and its test only replays them.
 function(vell_fuzz name)
-    cmake_parse_arguments(arg "" "DICTIONARY" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(arg "" "DICTIONARY;SEEDS" "SOURCES;LINK" ${ARGN})
     set(target fuzz_${name})
     set(corpus "${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name}")
     add_executable(${target} ${arg_SOURCES})
     target_link_libraries(${target} PRIVATE ${arg_LINK})
     if(NOT VELL_FUZZ)
         target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp")
-        add_test(NAME ${target} COMMAND ${target} "${corpus}")
+        add_test(NAME ${target} COMMAND ${target} "${corpus}" ${arg_SEEDS})
         return()
     endif()
     target_link_options(${target} PRIVATE -fsanitize=fuzzer)
@@ -125,5 +125,5 @@ function(vell_fuzz name)
     endif()
     add_test(NAME ${target}
              COMMAND ${target} -max_total_time=10 -timeout=5 -rss_limit_mb=512 -print_final_stats=1
-                     ${dictionary} "-artifact_prefix=${found}/" "${found}/corpus" "${corpus}")
+                     ${dictionary} "-artifact_prefix=${found}/" "${found}/corpus" "${corpus}" ${arg_SEEDS})
 endfunction()

@@ -16,8 +16,8 @@
 #include <functional>
 
 #include "foundation/error.h"
-#include "growth/hostile_files.h"
 #include "transcript/chat_log.h"
+#include "writers/hostile/hostile_files.h"
 
 namespace vell::test {
 namespace {
@@ -75,7 +75,7 @@ QByteArray writeFile(const QTemporaryDir& folder, const char* name, const QByteA
 
 TEST(Growth, LogsStayInProportionToTheirFiles) {
     const QTemporaryDir folder;
-    for (const HostileFile& log : multipliedLogs()) {
+    for (const writers::HostileFile& log : writers::multipliedLogs()) {
         SCOPED_TRACE(log.name);
         const QByteArray path = writeFile(folder, "log", log.make(3 << 20));
         const Cost cost = costOf([&] { return load(path); });
@@ -95,7 +95,7 @@ TEST(Growth, CostsTwiceForTwiceTheSize) {
         {"text", [](const QByteArray& path) { return exportAs("text", path); }},
     };
     const QTemporaryDir folder;
-    for (const HostileFile& hostile : hostileFiles()) {
+    for (const writers::HostileFile& hostile : writers::hostileFiles()) {
         const QByteArray paths[] = {writeFile(folder, "once", hostile.make(fileSize)),
                                     writeFile(folder, "twice", hostile.make(2 * fileSize))};
         for (const auto& [name, task] : tasks) {

@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: MIT
-#include "growth/hostile_files.h"
+#include "writers/hostile/hostile_files.h"
 
 #include <QtEndian>
 #include <vector>
 
-#include "growth/keyed_file.h"
+#include "writers/hostile/keyed_file.h"
 #include "writers/non_keyed_archive_writer.h"
 
-namespace vell::test {
+namespace writers {
 namespace {
 
 using namespace Qt::StringLiterals;
-using writers::KeyedArchiveWriter;
-using writers::NonKeyedArchiveWriter;
-using writers::Uid;
 
 /// Half of a file is what is shared, the other half names it: so many times at so many bytes each.
 int timesIn(qsizetype size, int bytes) {
@@ -324,4 +321,4 @@ std::span<const HostileFile> hostileFiles() {
     return files;
 }
 
-}  // namespace vell::test
+}  // namespace writers

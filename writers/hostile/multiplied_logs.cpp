@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "growth/hostile_files.h"
-#include "growth/keyed_file.h"
+#include "writers/hostile/hostile_files.h"
+#include "writers/hostile/keyed_file.h"
 #include "writers/non_keyed_archive_writer.h"
 #include "writers/property_list_writer.h"
 #include "writers/transcript_writer.h"
 
-namespace vell::test {
+namespace writers {
 namespace {
 
 using namespace Qt::StringLiterals;
-using writers::KeyedArchiveWriter;
-using writers::NonKeyedArchiveWriter;
-using writers::Uid;
 
 constexpr qsizetype mebibyte = 1 << 20;
 
@@ -75,9 +72,9 @@ QByteArray systemText(qsizetype length, int count) {
 /// Arrays of arrays …, each holding the next one many times over: a byte for each element, where an
 /// archiver would write eight.
 QByteArray nestedArrays(int levels, int width) {
-    writers::PropertyListWriter list;
+    PropertyListWriter list;
     const auto objects = [&list, levels, width] {
-        std::vector<writers::PropertyListWriter::Node> result{list.string(u"$null")};
+        std::vector<PropertyListWriter::Node> result{list.string(u"$null")};
         const auto classUid = list.uid(static_cast<quint32>(levels) + 1);
         for (quint32 i = 0; i < static_cast<quint32>(levels); ++i) {
             const auto next = list.uid(i + 1 < static_cast<quint32>(levels) ? i + 2 : 0);
@@ -108,12 +105,11 @@ QByteArray emptyRuns(int runs, int messages) {
 }
 
 /// The most events that a writer gets into a byte: short texts, and a new sender and minute each.
-writers::Transcript densest(int messages) {
-    writers::Transcript result{.service = u"AIM"_s, .people = {{u"a"_s}, {u"b"_s}}};
+Transcript densest(int messages) {
+    Transcript result{.service = u"AIM"_s, .people = {{u"a"_s}, {u"b"_s}}};
     for (int i = 0; i < messages; ++i) {
-        result.messages.push_back({.sender = static_cast<size_t>(i % 2),
-                                   .date = i * 60.0,
-                                   .body = {writers::words(u"x"_s)}});
+        result.messages.push_back(
+            {.sender = static_cast<size_t>(i % 2), .date = i * 60.0, .body = {words(u"x"_s)}});
     }
     return result;
 }
@@ -135,9 +131,9 @@ constexpr HostileFile files[] = {
     {"arrays in arrays", [](qsizetype) { return nestedArrays(20, 50'000); }, true},
     {"empty runs in every message", [](qsizetype) { return emptyRuns(100'000, 1000); }},
     {"the densest honest transcript, keyed",
-     [](qsizetype) { return writers::keyedTranscript(densest(20'000)); }},
+     [](qsizetype) { return keyedTranscript(densest(20'000)); }},
     {"the densest honest transcript, non-keyed",
-     [](qsizetype) { return writers::nonKeyedTranscript(densest(20'000)); }},
+     [](qsizetype) { return nonKeyedTranscript(densest(20'000)); }},
 };
 
 }  // namespace
@@ -146,4 +142,4 @@ std::span<const HostileFile> multipliedLogs() {
     return files;
 }
 
-}  // namespace vell::test
+}  // namespace writers

@@ -8,14 +8,13 @@
 
 #include "writers/keyed_archive_writer.h"
 
-namespace vell::test {
+namespace writers {
 
 class KeyedFile {
   public:
-    using Members = writers::KeyedArchiveWriter::Members;
-    using Uid = writers::Uid;
+    using Members = KeyedArchiveWriter::Members;
 
-    Uid person(Uid id, Uid service = writers::KeyedArchiveWriter::nil) {
+    Uid person(Uid id, Uid service = KeyedArchiveWriter::nil) {
         return archive.object(
             {QStringLiteral("Presentity"), QStringLiteral("NSObject")},
             {{QStringLiteral("ID"), id}, {QStringLiteral("ServiceName"), service}});
@@ -32,9 +31,9 @@ class KeyedFile {
         return archive.binary();
     }
 
-    writers::KeyedArchiveWriter archive;
+    KeyedArchiveWriter archive;
     std::vector<Uid> messages;
     std::vector<Uid> people;
 };
 
-}  // namespace vell::test
+}  // namespace writers

@@ -7,7 +7,7 @@
 #include <QByteArray>
 #include <span>
 
-namespace vell::test {
+namespace writers {
 
 struct HostileFile {
     const char* name;
@@ -22,4 +22,4 @@ struct HostileFile {
 /// Messages whose log is far larger than the file, or nearly so; a few megabytes for 3 MiB.
 [[nodiscard]] std::span<const HostileFile> multipliedLogs();
 
-}  // namespace vell::test
+}  // namespace writers
