@@ -16,7 +16,9 @@ import zlib
 from desktop import need_tracing
 
 vell, partner = sys.argv[1:]
-work = pathlib.Path(tempfile.mkdtemp())
+folder = tempfile.TemporaryDirectory()
+work = pathlib.Path(folder.name)
+os.environ["XDG_RUNTIME_DIR"] = folder.name
 chat, painted = work / "chat.ichat", work / "painted.png"
 
 
