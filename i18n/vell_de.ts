@@ -301,6 +301,10 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <source>As Markdown the chat takes more than %1.</source>
         <translation>Als Markdown braucht der Chat mehr als %1.</translation>
     </message>
+    <message>
+        <source>&amp;Go</source>
+        <translation>&amp;Gehe zu</translation>
+    </message>
 </context>
 <context>
     <name>vell::FindBar</name>
@@ -367,6 +371,17 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     <message>
         <source>%1 transcripts in %2 files</source>
         <translation>%1 Mitschnitte in %2 Dateien</translation>
+    </message>
+</context>
+<context>
+    <name>vell::JumpHistory</name>
+    <message>
+        <source>&amp;Back</source>
+        <translation>&amp;Zurück</translation>
+    </message>
+    <message>
+        <source>&amp;Forward</source>
+        <translation>&amp;Vorwärts</translation>
     </message>
 </context>
 <context>

@@ -51,6 +51,7 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
     connect(&scroller_, &TimelineScroller::moved, this, &TimelineView::stopUnseenPicture);
     connect(selection_.get(), &SelectionController::changed, this, &TimelineView::selectionChanged);
     connect(keyboard_.get(), &KeyboardNavigation::changed, this, &TimelineView::currentRowChanged);
+    connect(keyboard_.get(), &KeyboardNavigation::jumped, this, &TimelineView::jumped);
     connect(rows_.get(), &RowInteraction::linkHovered, this, &TimelineView::linkHovered);
     connect(rows_.get(), &RowInteraction::pictureClicked, this, &TimelineView::playPicture);
     connect(gifPlayer_.get(), &GifPlayer::changed, this, &TimelineView::repaintRow);

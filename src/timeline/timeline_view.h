@@ -81,6 +81,8 @@ class TimelineView final : public QAbstractScrollArea {
     /// The address below the mouse, as one line; empty when there is none any more.
     void linkHovered(const QString& address);
     void currentRowChanged(qsizetype row);
+    /// A key has led far away from this place.
+    void jumped(const vell::TimelinePlace& left);
     /// People may be called something else now.
     void namesChanged();
     /// A row's picture turned out not to be drawable; the row says why.

@@ -72,6 +72,17 @@ class Visit:
         wait_for(lambda: not a11y.find(self.window, "label", a11y.named("1 of 2")),
                  "the find bar to close")
 
+    def go_back(self):
+        window = a11y.window(a11y.holding("jonas_at_home"), "frame")
+        self.keys("jonas", "ctrl+Home", "Page_Down")
+        start = self.top_row(window)
+        self.keys("jonas", "End")
+        wait_for(lambda: self.top_row(window) != start, "the end")
+        end = self.top_row(window)
+        for key, row in (("alt+Left", start), ("alt+Right", end), ("alt+Left", start)):
+            self.keys("jonas", key)
+            wait_for(lambda: self.top_row(window) == row, f"{key} to lead to {row}")
+
     def copy_all(self):
         expected = self.desktop.run(self.export, self.cat)
         assert b"landlord" in expected
@@ -156,5 +167,5 @@ need_accessibility()
 with Desktop() as desktop:
     a11y = desktop.accessible()
     visit = Visit(desktop, *sys.argv[1:4])
-    a11y.play(visit.start, visit.read, visit.enlarge, visit.find, visit.copy_all, visit.open_second,
+    a11y.play(visit.start, visit.read, visit.enlarge, visit.find, visit.go_back, visit.copy_all, visit.open_second,
               visit.open_broken, visit.name_people, visit.about_twice, visit.come_back)

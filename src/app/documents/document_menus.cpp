@@ -30,6 +30,7 @@ void DocumentWindow::buildMenus() {
     buildEditMenu();
     buildFormatMenu();
     buildViewMenu();
+    buildGoMenu();
     buildWindowMenu();
     addHelpMenu(*menuBar(), commands_);
 
@@ -97,6 +98,12 @@ void DocumentWindow::buildViewMenu() {
     fullScreen->setCheckable(true);
     connect(&menu, &QMenu::aboutToShow, this,
             [this, fullScreen] { fullScreen->setChecked(isFullScreen()); });
+}
+
+void DocumentWindow::buildGoMenu() {
+    QMenu& menu = *menuBar()->addMenu(tr("&Go"));
+    menu.addAction(history_.backAction());
+    menu.addAction(history_.forwardAction());
 }
 
 void DocumentWindow::buildWindowMenu() {

@@ -102,6 +102,7 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     timeline_ =
         new TimelineView(document_->sharedChatlog(), services_.contacts, services_.pictures);
     AccessibleTimeline::attach(*timeline_);
+    history_.attach(*timeline_);
     connect(timeline_, &TimelineView::linkHovered, statusBar(),
             [this](const QString& address) { statusBar()->showMessage(address); });
     timeline_->setFontSize(services_.settings.timelineFontSize());
@@ -222,7 +223,9 @@ void DocumentWindow::goToMatch(int step) {
     const qsizetype count = std::ssize(search_->matches());
     currentMatch_ = (currentMatch_ + step + count) % count;
     showMatches();
-    timeline_->scroller().revealText(search_->matches()[static_cast<size_t>(currentMatch_)]);
+    history_.jump([this] {
+        timeline_->scroller().revealText(search_->matches()[static_cast<size_t>(currentMatch_)]);
+    });
 }
 
 }  // namespace vell

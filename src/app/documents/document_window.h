@@ -9,6 +9,7 @@
 
 #include "app/documents/chat_search.h"
 #include "app/documents/document_loader.h"
+#include "app/documents/jump_history.h"
 #include "app/documents/services.h"
 #include "export/text_sink.h"
 
@@ -55,6 +56,7 @@ class DocumentWindow final : public QMainWindow {
     void buildEditMenu();
     void buildFormatMenu();
     void buildViewMenu();
+    void buildGoMenu();
     void buildWindowMenu();
     void loaded(const DocumentLoader::Result& result);
     void showTitle();
@@ -87,6 +89,7 @@ class DocumentWindow final : public QMainWindow {
     std::shared_ptr<const VellDocument> document_;
     std::unique_ptr<ChatSearch> search_;
     qsizetype currentMatch_ = -1;
+    JumpHistory history_;
 
     QStackedWidget* pages_ = nullptr;
     TimelineView* timeline_ = nullptr;  // null until the transcript is loaded

@@ -84,10 +84,10 @@ bool KeyboardNavigation::key(const QKeyEvent& event) {
             page(isShifted ? -1 : 1);
             return true;
         case Qt::Key_Home:
-            goTo(neighbour(-1, 1), 1);
+            jump(neighbour(-1, 1), 1);
             return true;
         case Qt::Key_End:
-            goTo(neighbour(layout_.rowCount(), -1), -1);
+            jump(neighbour(layout_.rowCount(), -1), -1);
             return true;
         case Qt::Key_Return:
         case Qt::Key_Enter:
@@ -115,6 +115,12 @@ void KeyboardNavigation::step(int direction) {
     } else {
         goTo(next < 0 ? row_ : next, direction);
     }
+}
+
+void KeyboardNavigation::jump(qsizetype row, int direction) {
+    const TimelinePlace left = scroller_.place();
+    goTo(row, direction);
+    Q_EMIT jumped(left);
 }
 
 void KeyboardNavigation::page(int direction) {

@@ -24,6 +24,7 @@ class RowInteraction;
 class TimelineLayout;
 class TimelineScroller;
 struct RowPlace;
+struct TimelinePlace;
 
 class KeyboardNavigation final : public QObject {
     Q_OBJECT
@@ -50,9 +51,12 @@ class KeyboardNavigation final : public QObject {
 
   Q_SIGNALS:
     void changed(qsizetype row);
+    /// A key has led to the first or the last row, from this place.
+    void jumped(const vell::TimelinePlace& left);
 
   private:
     void step(int direction);
+    void jump(qsizetype row, int direction);
     void page(int direction);
     void choose(qsizetype row, bool showRing);
     /// The current row, or the nearest to it that is on the screen.

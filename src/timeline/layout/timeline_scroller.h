@@ -21,6 +21,13 @@ namespace vell {
 
 class TimelineLayout;
 
+/// What is at the viewport's top edge.
+struct TimelinePlace {
+    qsizetype row = 0;
+    qreal pointsAbove = 0;  ///< how much of the row is above that edge
+    friend bool operator==(const TimelinePlace&, const TimelinePlace&) = default;
+};
+
 class TimelineScroller final : public QObject {
     Q_OBJECT
 
@@ -32,6 +39,7 @@ class TimelineScroller final : public QObject {
     [[nodiscard]] qsizetype topRow() const;
     /// How many points of the top row are above that edge.
     [[nodiscard]] qreal pointsAbove() const;
+    [[nodiscard]] TimelinePlace place() const { return {topRow(), pointsAbove()}; }
     /// Brings a row's top, or a place so many points below it, to the viewport's top edge, as far
     /// as there is enough below it.
     void scrollToRow(qsizetype index, qreal pointsAbove = 0);
