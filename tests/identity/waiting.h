@@ -6,7 +6,7 @@
 namespace vell::test {
 
 /// Runs the event loop until the condition holds; false when that takes too long.
-inline bool waitFor(const std::function<bool()>& condition, int milliseconds = 10000) {
+inline bool waitFor(const std::function<bool()>& condition, int milliseconds = 60000) {
     return QTest::qWaitFor(condition, milliseconds);
 }
 

@@ -21,7 +21,7 @@ env -u DISPLAY -u WAYLAND_DISPLAY -u DBUS_SESSION_BUS_ADDRESS \
     GSETTINGS_BACKEND=memory GIO_USE_VFS=local NO_AT_BRIDGE=1 QT_QPA_PLATFORM=offscreen \
     dbus-run-session -- "$@" || status=$?
 
-for _ in $(seq 100); do
+for _ in $(seq 600); do
     left=$(grep -lzs "^XDG_RUNTIME_DIR=$place/run" /proc/[0-9]*/environ || true)
     [ -n "$left" ] || exit "$status"
     sleep 0.1
