@@ -143,7 +143,8 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         {"v -d out bad.ichat nothing . a.ichat; ls out", 0, "a.json\n",
          "vell-export: nothing: No such file or directory\nvell-export: .: it is a folder\n"},
         {"v bad.ichat", 1, "", ": not a transcript, or damaged: incomprehensible archive ("},
-        {"n='bad\nname'; cp bad.ichat \"$n\"; v \"$n\"", 1, "", "vell-export: bad name: not a tr"},
+        {"n=$(printf 'bad\\nna\\033me'); cp bad.ichat \"$n\"; v \"$n\"", 1, "",
+         "vell-export: bad na me: not a tr"},
         {"v -o no/such a.ichat", 1, "", "a.ichat: no/such: No such file or directory\n"},
         {"v -d old a.ichat", 2, "", "old is not a folder\n"},
         {"v -d old/new a.ichat", 1, "", "old/new: the folder can't be created: Not a directory\n"},
@@ -231,6 +232,17 @@ TEST(Signals, LeaveNoTemporaryFileBehind) {
         EXPECT_EQ(process.exitCode(), signal);
         EXPECT_EQ(entries(), QStringList{u"many"_s});
     }
+    // As below nohup.
+    QProcess process;
+    process.setWorkingDirectory(folder.path());
+    process.start(u"sh"_s, {u"-c"_s, u"trap '' HUP; exec \"$0\" -f json -o new many"_s,
+                            QStringLiteral(VELL_EXPORT)});
+    while (entries().size() < 2 && !process.waitForFinished(1)) {
+    }
+    ::kill(static_cast<pid_t>(process.processId()), SIGHUP);
+    process.waitForFinished();
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(entries(), (QStringList{u"many"_s, u"new"_s}));
 }
 
 }  // namespace
