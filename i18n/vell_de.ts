@@ -180,6 +180,29 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     </message>
 </context>
 <context>
+    <name>vell::DocumentTools</name>
+    <message>
+        <source>Go to &amp;Date …</source>
+        <translation>Gehe zu &amp;Datum …</translation>
+    </message>
+    <message>
+        <source>&amp;Previous Day</source>
+        <translation>&amp;Vorheriger Tag</translation>
+    </message>
+    <message>
+        <source>&amp;Next Day</source>
+        <translation>&amp;Nächster Tag</translation>
+    </message>
+    <message>
+        <source>The chat has no earlier day.</source>
+        <translation>Der Chat hat keinen früheren Tag.</translation>
+    </message>
+    <message>
+        <source>The chat has no later day.</source>
+        <translation>Der Chat hat keinen späteren Tag.</translation>
+    </message>
+</context>
+<context>
     <name>vell::DocumentWindow</name>
     <message>
         <source>Toolbar</source>
@@ -371,6 +394,58 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     <message>
         <source>%1 transcripts in %2 files</source>
         <translation>%1 Mitschnitte in %2 Dateien</translation>
+    </message>
+</context>
+<context>
+    <name>vell::GoToDateDialog</name>
+    <message>
+        <source>Go to Date</source>
+        <translation>Gehe zu Datum</translation>
+    </message>
+    <message>
+        <source>Previous month</source>
+        <translation>Voriger Monat</translation>
+    </message>
+    <message>
+        <source>Next month</source>
+        <translation>Nächster Monat</translation>
+    </message>
+    <message>
+        <source>&amp;Previous Day</source>
+        <translation>&amp;Vorheriger Tag</translation>
+    </message>
+    <message>
+        <source>&amp;Next Day</source>
+        <translation>&amp;Nächster Tag</translation>
+    </message>
+    <message>
+        <source>To the previous day with messages (Alt+Up)</source>
+        <translation>Zum vorherigen Tag mit Nachrichten (Alt+Auf)</translation>
+    </message>
+    <message>
+        <source>To the next day with messages (Alt+Down)</source>
+        <translation>Zum nächsten Tag mit Nachrichten (Alt+Ab)</translation>
+    </message>
+    <message>
+        <source>1 message</source>
+        <translation>1 Nachricht</translation>
+    </message>
+    <message>
+        <source>%1 messages</source>
+        <translation>%1 Nachrichten</translation>
+    </message>
+    <message>
+        <source>no messages, notices only</source>
+        <translation>keine Nachrichten, nur Hinweise</translation>
+    </message>
+    <message>
+        <source>nothing was written</source>
+        <translation>nichts geschrieben</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <extracomment>&quot;DATE: 12 messages&quot;</extracomment>
+        <translation>%1: %2</translation>
     </message>
 </context>
 <context>

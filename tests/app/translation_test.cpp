@@ -63,7 +63,7 @@ TEST_F(Translation, MenusAreGermanAndTheChatIsUnchanged) {
     window = opened(path);
     const QList<QAction*> menus = window->menuBar()->actions();
     EXPECT_EQ(titles(menus), QStringList({u"Datei"_s, u"Bearbeiten"_s, u"Format"_s, u"Ansicht"_s,
-                                          u"Fenster"_s, u"Hilfe"_s}));
+                                          u"Gehe zu"_s, u"Fenster"_s, u"Hilfe"_s}));
     checkMnemonics(menus);
     EXPECT_EQ(copied(*window), chatInEnglish);
 

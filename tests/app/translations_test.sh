@@ -12,9 +12,9 @@ status=0
 for translation in "$source"/i18n/*.ts; do
     name=$(basename "$translation")
     cp "$translation" "$copy/$name"
-    "$lupdate" "$source/src" -ts "$copy/$name" -locations none -no-obsolete >"$copy/output" 2>&1
+    "$lupdate" "$source/src" -I "$source/src" -ts "$copy/$name" -locations none -no-obsolete >"$copy/output" 2>&1
     if ! diff -u "$translation" "$copy/$name"; then
-        echo "$name: run lupdate src -ts i18n/$name -locations none -no-obsolete, and translate"
+        echo "$name: run lupdate src -I src -ts i18n/$name -locations none -no-obsolete, and translate"
         status=1
     fi
     if grep -n 'type="unfinished"' "$translation"; then

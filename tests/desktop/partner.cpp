@@ -5,6 +5,7 @@
 //
 //     partner make TRANSCRIPT PICTURE    writes a chat with one picture, and the picture's bytes
 //     partner wrap TRANSCRIPT FILE…    writes a chat with these files in one message each
+//     partner album TRANSCRIPT           writes a chat of forty days in which much was shared
 //     partner find                       prints the picture's place on the screen
 //     partner take FILE                  a window for pictures in PNG and for files; writes what is
 //                                        dropped on it, the first file to FILE.file
@@ -15,10 +16,13 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+#include <QLinearGradient>
 #include <QMimeData>
+#include <QPainter>
 #include <QScreen>
 #include <QUrl>
 #include <QWidget>
+#include <array>
 #include <cstdio>
 
 #include "writers/transcript_writer.h"
@@ -60,6 +64,50 @@ int wrap(const QString& transcriptPath, const QStringList& paths) {
             {.sender = 1,
              .date = 1e8,
              .body = {writers::attached(QFileInfo(path).fileName(), file.readAll())}});
+    }
+    return write(transcriptPath, writers::keyedTranscript(transcript)) ? 0 : 1;
+}
+
+QByteArray painted(int index) {
+    constexpr std::array sizes{QSize(640, 480), QSize(480, 640), QSize(1600, 300), QSize(90, 90)};
+    QImage image(sizes[static_cast<size_t>(index) % sizes.size()], QImage::Format_RGB32);
+    QLinearGradient colours(0, 0, image.width(), image.height());
+    colours.setColorAt(0, QColor::fromHsv(index * 29 % 360, 160, 250));
+    colours.setColorAt(1, QColor::fromHsv((index * 29 + 70) % 360, 230, 140));
+    QPainter painter(&image);
+    painter.fillRect(image.rect(), colours);
+    QFont font;
+    font.setPixelSize(image.height() / 2);
+    painter.setFont(font);
+    painter.setPen(Qt::white);
+    painter.drawText(image.rect(), Qt::AlignCenter, QString::number(index + 1));
+    painter.end();
+    QBuffer file;
+    image.save(&file, "PNG");
+    return file.data();
+}
+
+/// Something was written on 27 of 40 days, a picture sent on each of these, a link on every fifth
+/// and a file on two. All evenings end at 23:10 in Berlin, which is another day further east.
+int album(const QString& transcriptPath) {
+    writers::Transcript transcript{u"AIM"_s, {{u"ann"_s}, {u"bob"_s}}, {1}, {}};
+    const auto add = [&](double date, const writers::Piece& piece) {
+        transcript.messages.push_back(
+            {.sender = transcript.messages.size() / 2 % 2, .date = date, .body = {piece}});
+    };
+    int pictures = 0;
+    for (int day = 0; day < 40; ++day) {
+        if (day % 3 == 1) continue;
+        const double evening = 150'066'600 + 86400.0 * day;  // 2005-10-03 21:10 UTC
+        for (int i = day * day % 17; i >= 0; --i)
+            add(evening - 100.0 * i, writers::words(u"Day %1, %2 to go."_s.arg(day).arg(i)));
+        const QString name = u"picture %1.png"_s.arg(pictures + 1);
+        add(evening, writers::attached(name, painted(pictures++)));
+        if (day % 5 == 0) {
+            add(evening,
+                writers::linked(u"The timetable"_s, u"https://example.net/trains/%1"_s.arg(day)));
+        }
+        if (day % 20 == 0) add(evening, writers::attached(u"notes.txt"_s, "Bring umbrellas.\n"));
     }
     return write(transcriptPath, writers::keyedTranscript(transcript)) ? 0 : 1;
 }
@@ -121,6 +169,7 @@ int main(int argc, char** argv) {
     const QStringList words = QCoreApplication::arguments();
     if (words.value(1) == u"make" && words.size() == 4) return make(words[2], words[3]);
     if (words.value(1) == u"wrap" && words.size() > 3) return wrap(words[2], words.mid(3));
+    if (words.value(1) == u"album" && words.size() == 3) return album(words[2]);
     if (words.value(1) == u"find") return find();
     if (words.value(1) != u"take" || words.size() != 3) return 2;
     Taker taker(words[2]);

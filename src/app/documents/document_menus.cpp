@@ -11,6 +11,7 @@
 
 #include "app/desktop/desktop.h"
 #include "app/desktop/settings.h"
+#include "app/documents/document_tools.h"
 #include "app/documents/document_window.h"
 #include "app/documents/find_bar.h"
 #include "app/windows/commands.h"
@@ -104,6 +105,8 @@ void DocumentWindow::buildGoMenu() {
     QMenu& menu = *menuBar()->addMenu(tr("&Go"));
     menu.addAction(history_.backAction());
     menu.addAction(history_.forwardAction());
+    menu.addSeparator();
+    documentActions_.append(tools_->addGoCommands(menu));
 }
 
 void DocumentWindow::buildWindowMenu() {

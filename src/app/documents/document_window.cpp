@@ -15,6 +15,7 @@
 #include "app/desktop/settings.h"
 #include "app/documents/chat_title.h"
 #include "app/documents/contacts_bar.h"
+#include "app/documents/document_tools.h"
 #include "app/documents/find_bar.h"
 #include "app/windows/font_size.h"
 #include "app/windows/window_geometry.h"
@@ -50,7 +51,7 @@ QWidget* loadingPage() {
 
 DocumentWindow::DocumentWindow(Commands& commands, const Services& services, DocumentLoader& loader,
                                const QString& path)
-    : commands_(commands), services_(services), path_(path) {
+    : commands_(commands), services_(services), path_(path), tools_(new DocumentTools(*this)) {
     setAttribute(Qt::WA_DeleteOnClose);
     setObjectName(QStringLiteral("documentWindow"));
     showTitle();
@@ -107,6 +108,7 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
             [this](const QString& address) { statusBar()->showMessage(address); });
     timeline_->setFontSize(services_.settings.timelineFontSize());
     timeline_->viewport()->installEventFilter(this);
+    tools_->setTimeline(*timeline_);
     pages_->setCurrentIndex(pages_->addWidget(timeline_));
     delete pages_->widget(0);
     if (const auto place = services_.settings.windowPlace(path_))

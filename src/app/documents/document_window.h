@@ -21,6 +21,7 @@ namespace vell {
 
 class Commands;
 class ContactsBar;
+class DocumentTools;
 class FindBar;
 class TimelineView;
 
@@ -95,6 +96,7 @@ class DocumentWindow final : public QMainWindow {
     TimelineView* timeline_ = nullptr;  // null until the transcript is loaded
     FindBar* findBar_ = nullptr;        // null until it is first opened
     ContactsBar* contactsBar_ = nullptr;
+    DocumentTools* tools_;
     QAction* copyAction_ = nullptr;
     QFontDialog* fontPanel_ = nullptr;
     QFont panelFont_;                  // what the panel showed last

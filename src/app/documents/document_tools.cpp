@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#include "app/documents/document_tools.h"
+
+#include <QMainWindow>
+#include <QScreen>
+#include <QStatusBar>
+#include <algorithm>
+#include <variant>
+
+#include "app/documents/dates/go_to_date_dialog.h"
+#include "app/windows/common_commands.h"
+#include "timeline/timeline_view.h"
+
+namespace vell {
+namespace {
+
+constexpr int noticeTime = 4000;  // milliseconds
+constexpr int distance = 8;       // points between the window and its calendar
+
+/// Beside the window, where the screen has room for it; else the desktop places it.
+void placeBeside(const QWidget& window, QWidget& dialog) {
+    const QRect frame = window.frameGeometry();
+    const QSize size = dialog.sizeHint();
+    const int left = window.layoutDirection() == Qt::LeftToRight
+                         ? frame.right() + distance
+                         : frame.left() - distance - size.width();
+    const QRect place(QPoint(left, frame.top()), size);
+    if (window.screen()->availableGeometry().contains(place)) dialog.move(place.topLeft());
+}
+
+bool beginsDay(const TesselChatLog& log, qsizetype row) {
+    return std::holds_alternative<TesselChatLog::NewDay>(
+        log.events()[static_cast<size_t>(row)].value);
+}
+
+}  // namespace
+
+DocumentTools::DocumentTools(QMainWindow& window) : QObject(&window), window_(window) {}
+
+QList<QAction*> DocumentTools::addGoCommands(QMenu& menu) {
+    return {addCommand(menu, tr("Go to &Date …"), {QKeySequence(Qt::CTRL | Qt::Key_J)},
+                       [this] { goToDate(); }),
+            addCommand(menu, tr("&Previous Day"), {QKeySequence(Qt::ALT | Qt::Key_Up)},
+                       [this] { goToNeighbouringDay(-1); }),
+            addCommand(menu, tr("&Next Day"), {QKeySequence(Qt::ALT | Qt::Key_Down)},
+                       [this] { goToNeighbouringDay(1); })};
+}
+
+void DocumentTools::setTimeline(TimelineView& timeline) {
+    timeline_ = &timeline;
+    delete dateDialog_;
+    contents_.reset();
+}
+
+ChatContents& DocumentTools::contents() {
+    if (!contents_)
+        contents_ = std::make_unique<ChatContents>(timeline_->sharedChatlog(), calendar_);
+    return *contents_;
+}
+
+qsizetype DocumentTools::readRow() const {
+    const auto& visible = timeline_->timeline().visibleRows();
+    const qsizetype current = timeline_->currentRow();
+    const bool isSeen = std::any_of(visible.begin(), visible.end(), [current](const auto& shown) {
+        return shown.index == current;
+    });
+    return isSeen ? current : timeline_->scroller().topRow();
+}
+
+qsizetype DocumentTools::dayOf(qsizetype row) const {
+    while (row >= 0 && !beginsDay(timeline_->chatlog(), row))
+        --row;
+    return row;
+}
+
+void DocumentTools::goToDate() {
+    ChatContents& contents = this->contents();
+    if (!dateDialog_) {
+        dateDialog_ = new GoToDateDialog(&window_);
+        dateDialog_->setAttribute(Qt::WA_DeleteOnClose);
+        connect(dateDialog_, &GoToDateDialog::chosen, this, &DocumentTools::goTo);
+        const auto fill = [this, &contents] { dateDialog_->setDays(contents.days()); };
+        placeBeside(window_, *dateDialog_);
+        if (contents.isReady()) fill();
+        connect(&contents, &ChatContents::ready, dateDialog_, fill);
+    }
+    if (const qsizetype row = dayOf(readRow()); row >= 0) {
+        const auto& event = timeline_->chatlog().events()[static_cast<size_t>(row)];
+        if (const auto date = localDate(event.timestamp, calendar_)) dateDialog_->showDate(*date);
+    }
+    dateDialog_->show();
+    dateDialog_->activateWindow();
+}
+
+void DocumentTools::goToNeighbouringDay(int direction) {
+    const TesselChatLog& log = timeline_->chatlog();
+    qsizetype row = readRow();
+    if (direction < 0) {
+        row = dayOf(dayOf(row) - 1);
+    } else {
+        do
+            ++row;
+        while (row < std::ssize(log.events()) && !beginsDay(log, row));
+    }
+    if (row >= 0 && row < std::ssize(log.events())) {
+        goTo(row);
+        return;
+    }
+    window_.statusBar()->showMessage(
+        direction < 0 ? tr("The chat has no earlier day.") : tr("The chat has no later day."),
+        noticeTime);
+}
+
+void DocumentTools::goTo(qsizetype row) {
+    Q_EMIT jumping();
+    timeline_->scroller().scrollToRow(row);
+    timeline_->setCurrentRow(row);
+    timeline_->setFocus();
+}
+
+}  // namespace vell

@@ -1,0 +1,58 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// DocumentTools: what a document window offers for finding one's way in a chat. Each tool is made
+// when it is first used, so that windows open as fast as without them.
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <memory>
+
+#include "app/documents/chat_contents.h"
+#include "foundation/calendar.h"
+
+class QAction;
+class QMainWindow;
+class QMenu;
+
+namespace vell {
+
+class GoToDateDialog;
+class TimelineView;
+
+class DocumentTools final : public QObject {
+    Q_OBJECT
+
+  public:
+    /// Owned by the window.
+    explicit DocumentTools(QMainWindow& window);
+
+    /// Adds "Go to Date …" and the steps from day to day; returns what needs a chat.
+    [[nodiscard]] QList<QAction*> addGoCommands(QMenu& menu);
+    /// The chat and the view that shows it; the view must outlive the tools or be replaced here.
+    void setTimeline(TimelineView& timeline);
+
+  Q_SIGNALS:
+    /// The reader is about to be taken elsewhere in the chat.
+    void jumping();
+
+  private:
+    [[nodiscard]] ChatContents& contents();
+    /// The row that is read: the keyboard's where it is on the screen, else the first one.
+    [[nodiscard]] qsizetype readRow() const;
+    /// The row at which the row's day begins; -1 when there is no day yet.
+    [[nodiscard]] qsizetype dayOf(qsizetype row) const;
+    void goToDate();
+    void goToNeighbouringDay(int direction);
+    /// Brings a row to the top of the view.
+    void goTo(qsizetype row);
+
+    QMainWindow& window_;
+    TimelineView* timeline_ = nullptr;
+    foundation::Calendar calendar_ = foundation::Calendar::current();
+    std::unique_ptr<ChatContents> contents_;  // null until it is first needed
+    QPointer<GoToDateDialog> dateDialog_;
+};
+
+}  // namespace vell

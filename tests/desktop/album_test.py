@@ -1,0 +1,73 @@
+# SPDX-License-Identifier: MIT
+#
+# Somebody looks through a chat of forty days for what was shared in it.
+#
+# usage: album_test.py VELL PARTNER
+
+import sys
+
+from desktop import Desktop, need_accessibility, wait_for
+
+
+class Album:
+    def __init__(self, desktop, vell, partner):
+        self.desktop, self.vell = desktop, vell
+        self.chat = desktop.path("album.ichat")
+        desktop.run(partner, "album", self.chat)
+
+    def keys(self, title, *keys):
+        self.desktop.activate(self.desktop.window(title))
+        for key in keys:
+            self.desktop.run("xdotool", "key", "--clearmodifiers", key)
+
+    def click(self, node, button=1):
+        x, y, width, height = a11y.place(node)
+        self.desktop.run("xdotool", "mousemove", str(x + width // 2), str(y + height // 2), "click",
+                         str(button))
+
+    def rows(self):
+        """The names of the rows on the screen."""
+        chat = a11y.find(self.window, "list")
+        return [row.name for row in chat or [] if a11y.showing(row)]
+
+    def wait_top(self, text):
+        wait_for(lambda: (rows := self.rows()) and text in rows[0], f"{text} at the top")
+
+    # ---- the steps, in order ----
+
+    def start(self):
+        self.desktop.start(self.vell, self.chat)
+        self.window = a11y.window(a11y.holding("bob"), "frame")
+        wait_for(self.rows, "the chat")
+
+    def step_by_days(self):
+        self.keys("bob", "alt+Down", "alt+Down")
+        self.wait_top("Oct 6, 2005")
+        self.keys("bob", "alt+Up")
+        self.wait_top("Oct 5, 2005")
+        self.keys("bob", "alt+Up", "alt+Up")
+        self.wait_top("Oct 3, 2005")
+        a11y.wait_find(self.window, "status bar", a11y.holding("no earlier day"), hidden=True)
+        self.keys("bob", "ctrl+End", "alt+Up")
+        self.wait_top("Nov 10, 2005")
+
+    def go_to_date(self):
+        self.keys("bob", "ctrl+Home", "ctrl+j")
+        dialog = a11y.window(a11y.named("Go to Date"), "dialog")
+        a11y.wait_find(dialog, "label", a11y.holding("3 October 2005: 4 messages"))
+        # The 4th has nothing: a click goes to the next day that has.
+        cells = a11y.wait_find(dialog, "table")
+        self.click(a11y.wait_find(cells, None, a11y.named("4")))
+        self.wait_top("Oct 5, 2005")
+        a11y.wait_find(dialog, "label", a11y.holding("5 October 2005: 6 messages"))
+        # Weeks by the arrow keys, and the day with them.
+        self.keys("Go to Date", "Down", "Return")
+        self.wait_top("Oct 12, 2005")
+        wait_for(lambda: not a11y.windows(None, a11y.named("Go to Date")), "the calendar to close")
+
+
+need_accessibility()
+with Desktop() as desktop:
+    a11y = desktop.accessible()
+    album = Album(desktop, *sys.argv[1:3])
+    a11y.play(album.start, album.step_by_days, album.go_to_date)
