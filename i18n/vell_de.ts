@@ -187,7 +187,7 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     </message>
     <message>
         <source>&amp;Previous Day</source>
-        <translation>&amp;Vorheriger Tag</translation>
+        <translation>Vo&amp;rheriger Tag</translation>
     </message>
     <message>
         <source>&amp;Next Day</source>
@@ -412,7 +412,7 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     </message>
     <message>
         <source>&amp;Previous Day</source>
-        <translation>&amp;Vorheriger Tag</translation>
+        <translation>Vo&amp;rheriger Tag</translation>
     </message>
     <message>
         <source>&amp;Next Day</source>
@@ -581,6 +581,46 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     </message>
 </context>
 <context>
+    <name>vell::PictureViewer</name>
+    <message>
+        <source>Previous Picture</source>
+        <translation>Vorheriges Bild</translation>
+    </message>
+    <message>
+        <source>Next Picture</source>
+        <translation>Nächstes Bild</translation>
+    </message>
+    <message>
+        <source>Copy Picture</source>
+        <translation>Bild kopieren</translation>
+    </message>
+    <message>
+        <source>Save Picture As …</source>
+        <translation>Bild sichern unter …</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Picture</source>
+        <translation>Bild</translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <extracomment>&quot;3 of 120&quot; pictures</extracomment>
+        <translation>%1 von %2</translation>
+    </message>
+    <message>
+        <source>Copy &amp;Picture</source>
+        <translation>&amp;Bild kopieren</translation>
+    </message>
+    <message>
+        <source>&amp;Save Picture As …</source>
+        <translation>Bild &amp;sichern unter …</translation>
+    </message>
+</context>
+<context>
     <name>vell::PreferencesWindow</name>
     <message>
         <source>Preferences</source>
@@ -664,6 +704,14 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     <message>
         <source>&amp;Save File As …</source>
         <translation>Datei &amp;sichern unter …</translation>
+    </message>
+    <message>
+        <source>&amp;Open Picture</source>
+        <translation>Bild ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <source>&amp;Open Link</source>
+        <translation>Link ö&amp;ffnen</translation>
     </message>
 </context>
 <context>

@@ -53,7 +53,8 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
     connect(keyboard_.get(), &KeyboardNavigation::changed, this, &TimelineView::currentRowChanged);
     connect(keyboard_.get(), &KeyboardNavigation::jumped, this, &TimelineView::jumped);
     connect(rows_.get(), &RowInteraction::linkHovered, this, &TimelineView::linkHovered);
-    connect(rows_.get(), &RowInteraction::pictureClicked, this, &TimelineView::playPicture);
+    connect(rows_.get(), &RowInteraction::gifClicked, this, &TimelineView::playPicture);
+    connect(rows_.get(), &RowInteraction::pictureOpened, this, &TimelineView::pictureOpened);
     connect(gifPlayer_.get(), &GifPlayer::changed, this, &TimelineView::repaintRow);
     connect(&contacts, &ContactsStore::addressToContactChanged, this, [this] {
         layout_.invalidateCaptions();

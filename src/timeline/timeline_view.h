@@ -83,6 +83,8 @@ class TimelineView final : public QAbstractScrollArea {
     void currentRowChanged(qsizetype row);
     /// A key has led far away from this place.
     void jumped(const vell::TimelinePlace& left);
+    /// A row's picture is to be shown large.
+    void pictureOpened(qsizetype row);
     /// People may be called something else now.
     void namesChanged();
     /// A row's picture turned out not to be drawable; the row says why.

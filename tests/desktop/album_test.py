@@ -6,7 +6,7 @@
 
 import sys
 
-from desktop import Desktop, need_accessibility, wait_for
+from desktop import Desktop, need, need_accessibility, wait_for
 
 
 class Album:
@@ -65,9 +65,41 @@ class Album:
         self.wait_top("Oct 12, 2005")
         wait_for(lambda: not a11y.windows(None, a11y.named("Go to Date")), "the calendar to close")
 
+    def look_at_pictures(self):
+        self.keys("bob", "ctrl+Home")
+        self.click(a11y.wait_find(self.window, None, a11y.holding("picture 1.png")))
+        a11y.wait_find(self.window, "label", a11y.holding("1 of 27"))
+        self.keys("bob", "Right")
+        a11y.wait_find(self.window, "label", a11y.named("picture 2.png"))
+        # What lies below doesn't answer, and what is shown is copied.
+        self.keys("bob", "ctrl+j", "ctrl+c")
+        shown = wait_for(lambda: self.desktop.run("xclip", "-o", "-selection", "clipboard", "-t",
+                                                  "image/png"), "a copied picture")
+        assert shown[16:24] == bytes([0, 0, 1, 224, 0, 0, 2, 128]), "not 480 by 640 pixels"
+        assert not a11y.windows(None, a11y.named("Go to Date"))
+        a11y.press(a11y.wait_find(self.window, "button", a11y.named("Next Picture")))
+        a11y.wait_find(self.window, "label", a11y.holding("3 of 27"))
+        self.keys("bob", "Escape")
+        self.wait_top("picture 3.png")
+        assert not a11y.find(self.window, "label", a11y.holding("3 of 27"))
+        self.keys("bob", "alt+Left")
+        self.wait_top("Oct 3, 2005")
 
+    def open_link(self):
+        def shown():
+            return set(self.desktop.text("xdotool", "search", "--onlyvisible", "--class", "").split())
+
+        before = shown()
+        self.click(a11y.wait_find(self.window, None, a11y.holding("The timetable")), button=3)
+        wait_for(lambda: shown() - before, "the context menu")
+        self.desktop.run("xdotool", "key", "Down", "Return")
+        wait_for(lambda: self.desktop.opened() == ["https://example.net/trains/0"], "the address")
+
+
+need("xclip")
 need_accessibility()
 with Desktop() as desktop:
     a11y = desktop.accessible()
     album = Album(desktop, *sys.argv[1:3])
-    a11y.play(album.start, album.step_by_days, album.go_to_date)
+    a11y.play(album.start, album.step_by_days, album.go_to_date,
+              album.look_at_pictures, album.open_link)

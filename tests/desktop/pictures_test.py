@@ -87,7 +87,7 @@ class Pictures:
         before = windows()
         self.mouse("mousemove", self.x, self.y, "click", 3)
         wait_for(lambda: windows() - before, "the context menu")
-        self.mouse("key", "Down", "Return")
+        self.mouse("key", "Down", "Down", "Return")
         wait_for(lambda: b"/" in clipboard("TARGETS"), "the clipboard")
         kinds = set(clipboard("TARGETS").decode().split()) - {"TARGETS", "MULTIPLE", "TIMESTAMP",
                                                               "SAVE_TARGETS", "DELETE"}

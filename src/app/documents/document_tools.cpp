@@ -8,6 +8,8 @@
 #include <variant>
 
 #include "app/documents/dates/go_to_date_dialog.h"
+#include "app/documents/jump_history.h"
+#include "app/documents/viewer/picture_viewer.h"
 #include "app/windows/common_commands.h"
 #include "timeline/timeline_view.h"
 
@@ -35,7 +37,8 @@ bool beginsDay(const TesselChatLog& log, qsizetype row) {
 
 }  // namespace
 
-DocumentTools::DocumentTools(QMainWindow& window) : QObject(&window), window_(window) {}
+DocumentTools::DocumentTools(QMainWindow& window, const Services& services, JumpHistory& history)
+    : QObject(&window), window_(window), services_(services), history_(history) {}
 
 QList<QAction*> DocumentTools::addGoCommands(QMenu& menu) {
     return {addCommand(menu, tr("Go to &Date …"), {QKeySequence(Qt::CTRL | Qt::Key_J)},
@@ -49,6 +52,8 @@ QList<QAction*> DocumentTools::addGoCommands(QMenu& menu) {
 void DocumentTools::setTimeline(TimelineView& timeline) {
     timeline_ = &timeline;
     delete dateDialog_;
+    delete viewer_;
+    connect(timeline_, &TimelineView::pictureOpened, this, &DocumentTools::openPicture);
     contents_.reset();
 }
 
@@ -111,10 +116,25 @@ void DocumentTools::goToNeighbouringDay(int direction) {
         noticeTime);
 }
 
+void DocumentTools::openPicture(qsizetype row) {
+    delete viewer_;
+    viewer_ = new PictureViewer(window_, timeline_->sharedChatlog(), row, services_.pictures,
+                                services_.contacts);
+    ChatContents& contents = this->contents();
+    const auto fill = [this, &contents] { viewer_->setRows(contents.rows(SharedKind::picture)); };
+    if (contents.isReady()) fill();
+    connect(&contents, &ChatContents::ready, viewer_, fill);
+    connect(viewer_, &PictureViewer::closed, this, [this, row] {
+        timeline_->setFocus();
+        if (viewer_->row() != row) goTo(viewer_->row());
+    });
+}
+
 void DocumentTools::goTo(qsizetype row) {
-    Q_EMIT jumping();
-    timeline_->scroller().scrollToRow(row);
-    timeline_->setCurrentRow(row);
+    history_.jump([this, row] {
+        timeline_->scroller().scrollToRow(row);
+        timeline_->setCurrentRow(row);
+    });
     timeline_->setFocus();
 }
 

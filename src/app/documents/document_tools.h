@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "app/documents/chat_contents.h"
+#include "app/documents/services.h"
 #include "foundation/calendar.h"
 
 class QAction;
@@ -19,23 +20,21 @@ class QMenu;
 namespace vell {
 
 class GoToDateDialog;
+class JumpHistory;
+class PictureViewer;
 class TimelineView;
 
 class DocumentTools final : public QObject {
     Q_OBJECT
 
   public:
-    /// Owned by the window.
-    explicit DocumentTools(QMainWindow& window);
+    /// Owned by the window; what is jumped from is added to the history.
+    DocumentTools(QMainWindow& window, const Services& services, JumpHistory& history);
 
     /// Adds "Go to Date …" and the steps from day to day; returns what needs a chat.
     [[nodiscard]] QList<QAction*> addGoCommands(QMenu& menu);
     /// The chat and the view that shows it; the view must outlive the tools or be replaced here.
     void setTimeline(TimelineView& timeline);
-
-  Q_SIGNALS:
-    /// The reader is about to be taken elsewhere in the chat.
-    void jumping();
 
   private:
     [[nodiscard]] ChatContents& contents();
@@ -45,14 +44,18 @@ class DocumentTools final : public QObject {
     [[nodiscard]] qsizetype dayOf(qsizetype row) const;
     void goToDate();
     void goToNeighbouringDay(int direction);
+    void openPicture(qsizetype row);
     /// Brings a row to the top of the view.
     void goTo(qsizetype row);
 
     QMainWindow& window_;
+    Services services_;
+    JumpHistory& history_;
     TimelineView* timeline_ = nullptr;
     foundation::Calendar calendar_ = foundation::Calendar::current();
     std::unique_ptr<ChatContents> contents_;  // null until it is first needed
     QPointer<GoToDateDialog> dateDialog_;
+    QPointer<PictureViewer> viewer_;
 };
 
 }  // namespace vell

@@ -51,7 +51,10 @@ QWidget* loadingPage() {
 
 DocumentWindow::DocumentWindow(Commands& commands, const Services& services, DocumentLoader& loader,
                                const QString& path)
-    : commands_(commands), services_(services), path_(path), tools_(new DocumentTools(*this)) {
+    : commands_(commands),
+      services_(services),
+      path_(path),
+      tools_(new DocumentTools(*this, services_, history_)) {
     setAttribute(Qt::WA_DeleteOnClose);
     setObjectName(QStringLiteral("documentWindow"));
     showTitle();

@@ -81,23 +81,40 @@ void RowInteraction::release(const QMouseEvent& event, const std::optional<RowPl
     if (event.button() != Qt::LeftButton || !std::exchange(pressed_, {})) return;
     if (!place || place->row != pressedRow_) return;
     if (place->isOnPicture()) {
-        Q_EMIT pictureClicked(pressedRow_);
+        clickPicture(pressedRow_);
     } else if (linkAt(*place) && selection_.isEmpty()) {
         open(pressedRow_);
     }
 }
 
 void RowInteraction::open(qsizetype row) {
-    const auto& link = std::get<TesselChatLog::Link>(eventAt(row).value);
-    links_.open(link.url->absoluteString(), link.title);
+    if (const auto* link = std::get_if<TesselChatLog::Link>(&eventAt(row).value)) {
+        links_.open(link->url->absoluteString(), link->title);
+    } else {
+        Q_EMIT pictureOpened(row);
+    }
+}
+
+void RowInteraction::clickPicture(qsizetype row) {
+    if (isGif(eventAt(row).value)) {
+        Q_EMIT gifClicked(row);
+    } else {
+        Q_EMIT pictureOpened(row);
+    }
+}
+
+bool RowInteraction::canOpen(const TesselChatLog::Event::Value& value) const {
+    if (const auto* image = std::get_if<TesselChatLog::Image>(&value))
+        return context_.pictures.problem(image->image()).isEmpty();
+    return std::holds_alternative<TesselChatLog::Link>(value);
 }
 
 void RowInteraction::activate(qsizetype row) {
     const TesselChatLog::Event::Value& value = eventAt(row).value;
     if (std::holds_alternative<TesselChatLog::Link>(value)) {
         open(row);
-    } else if (isGif(value)) {
-        Q_EMIT pictureClicked(row);
+    } else if (canOpen(value)) {
+        clickPicture(row);
     } else if (std::holds_alternative<TesselChatLog::Image>(value) ||
                std::holds_alternative<TesselChatLog::File>(value)) {
         showMenu(row);
@@ -163,7 +180,9 @@ void RowInteraction::showMenu(qsizetype row, std::optional<QPoint> at) {
               context_.ratio)
                  .toPoint();
     }
-    auto* menu = new RowMenu(area_, selection_, eventAt(row));
+    auto* menu = new RowMenu(
+        area_, selection_, eventAt(row),
+        canOpen(eventAt(row).value) ? [this, row] { open(row); } : std::function<void()>());
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->popup(area_.viewport()->mapToGlobal(*at));
 }

@@ -31,8 +31,8 @@ class RowInteraction final : public QObject {
                    SelectionController& selection);
 
     [[nodiscard]] Links& links() { return links_; }
-    /// Acts on a row as a click does: opens a link, plays a GIF; of other pictures and of files,
-    /// which have no such act, the context menu comes up.
+    /// Acts on a row as a click does: opens a link or a picture, plays a GIF. Of files, and of
+    /// pictures that can't be drawn, the context menu comes up.
     void activate(qsizetype row);
     /// Shows a row's context menu at a place of the viewport, or at the row.
     void showMenu(qsizetype row, std::optional<QPoint> at = {});
@@ -50,13 +50,19 @@ class RowInteraction final : public QObject {
   Q_SIGNALS:
     /// The address below the mouse, for people; empty when there is none any more.
     void linkHovered(const QString& address);
-    void pictureClicked(qsizetype row);
+    /// A GIF is to play, or to stop.
+    void gifClicked(qsizetype row);
+    /// A picture is to be shown large.
+    void pictureOpened(qsizetype row);
 
   private:
     [[nodiscard]] const TesselChatLog::Event& eventAt(qsizetype row) const;
     [[nodiscard]] const TesselChatLog::Link* linkAt(const RowPlace& place) const;
     void dragPicture(qsizetype row);
     void open(qsizetype row);
+    void clickPicture(qsizetype row);
+    /// Links, and pictures that aren't known not to be drawable.
+    [[nodiscard]] bool canOpen(const TesselChatLog::Event::Value& value) const;
 
     QAbstractScrollArea& area_;
     TimelineLayout& layout_;

@@ -12,10 +12,11 @@
 namespace vell {
 
 RowMenu::RowMenu(QWidget& parent, const SelectionController& selection,
-                 const TesselChatLog::Event& event)
+                 const TesselChatLog::Event& event, const std::function<void()>& open)
     : QMenu(&parent), parent_(parent) {
     const QString text = rowText(event);
     const auto* image = std::get_if<TesselChatLog::Image>(&event.value);
+    if (open) addAction(image ? tr("&Open Picture") : tr("&Open Link"), &parent, open);
     if (!selection.isEmpty()) {
         addAction(tr("&Copy"), &parent, [&selection] { selection.copy(); });
     } else if (isSelectable(event) && !image) {

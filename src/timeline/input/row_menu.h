@@ -1,9 +1,11 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// RowMenu: what can be done with one row: copying it, and saving what it holds as archived.
+// RowMenu: what can be done with one row: opening it, copying it, and saving what it holds as
+// archived.
 
 #include <QMenu>
+#include <functional>
 
 #include "transcript/chat_log.h"
 
@@ -15,10 +17,10 @@ class RowMenu final : public QMenu {
     Q_OBJECT
 
   public:
-    /// "Copy" takes the selection where there is one, else the row's text. Dialogs stand over the
-    /// parent.
+    /// "Copy" takes the selection where there is one, else the row's text; `open` opens a link or
+    /// shows a picture large; null for other rows. Dialogs stand over the parent.
     RowMenu(QWidget& parent, const SelectionController& selection,
-            const TesselChatLog::Event& event);
+            const TesselChatLog::Event& event, const std::function<void()>& open);
 
   private:
     void addPictureCommands(const TesselChatLog::Image& image);
