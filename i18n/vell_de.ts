@@ -201,6 +201,10 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <source>The chat has no later day.</source>
         <translation>Der Chat hat keinen späteren Tag.</translation>
     </message>
+    <message>
+        <source>&amp;Shared Items</source>
+        <translation>&amp;Geteilte Inhalte</translation>
+    </message>
 </context>
 <context>
     <name>vell::DocumentWindow</name>
@@ -712,6 +716,68 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     <message>
         <source>&amp;Open Link</source>
         <translation>Link ö&amp;ffnen</translation>
+    </message>
+</context>
+<context>
+    <name>vell::SharedItems</name>
+    <message>
+        <source>Picture</source>
+        <translation>Bild</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Datei</translation>
+    </message>
+</context>
+<context>
+    <name>vell::SharedPane</name>
+    <message>
+        <source>Pictures</source>
+        <translation>Bilder</translation>
+    </message>
+    <message>
+        <source>Links</source>
+        <translation>Links</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>No pictures in this chat</source>
+        <translation>Keine Bilder in diesem Chat</translation>
+    </message>
+    <message>
+        <source>No links in this chat</source>
+        <translation>Keine Links in diesem Chat</translation>
+    </message>
+    <message>
+        <source>No files in this chat</source>
+        <translation>Keine Dateien in diesem Chat</translation>
+    </message>
+    <message>
+        <source>Shared Items</source>
+        <translation>Geteilte Inhalte</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>%1 (%2)</source>
+        <extracomment>&quot;Pictures (120)&quot;</extracomment>
+        <translation>%1 (%2)</translation>
+    </message>
+</context>
+<context>
+    <name>vell::SharedView</name>
+    <message>
+        <source>&amp;Show in Chat</source>
+        <translation>Im Chat &amp;zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>Ö&amp;ffnen</translation>
     </message>
 </context>
 <context>

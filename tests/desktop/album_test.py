@@ -95,6 +95,21 @@ class Album:
         self.desktop.run("xdotool", "key", "Down", "Return")
         wait_for(lambda: self.desktop.opened() == ["https://example.net/trains/0"], "the address")
 
+    def look_at_what_was_shared(self):
+        self.keys("bob", "F9")
+        pane = a11y.wait_find(self.window, "table", a11y.named("Pictures"))
+        self.click(a11y.wait_find(pane, None, a11y.holding("picture 5.png")))
+        wait_for(lambda: any("picture 5.png" in row for row in self.rows()), "the fifth picture")
+        self.desktop.run("xdotool", "click", "--repeat", "2", "--delay", "60", "1")
+        a11y.wait_find(self.window, "label", a11y.holding("5 of 27"))
+        self.keys("bob", "Escape")
+        self.click(a11y.wait_find(self.window, "page tab", a11y.named("Links (6)")))
+        links = a11y.wait_find(self.window, "table", a11y.named("Links"))
+        self.click(a11y.wait_find(links, None, a11y.holding("trains/35,")))
+        wait_for(lambda: any("Day 35, 0" in row for row in self.rows()), "the last link's message")
+        self.keys("bob", "F9")
+        wait_for(lambda: not a11y.find(self.window, "table"), "the pane to close")
+
 
 need("xclip")
 need_accessibility()
@@ -102,4 +117,4 @@ with Desktop() as desktop:
     a11y = desktop.accessible()
     album = Album(desktop, *sys.argv[1:3])
     a11y.play(album.start, album.step_by_days, album.go_to_date,
-              album.look_at_pictures, album.open_link)
+              album.look_at_pictures, album.open_link, album.look_at_what_was_shared)

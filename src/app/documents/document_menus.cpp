@@ -93,6 +93,8 @@ void DocumentWindow::buildViewMenu() {
     addCommand(menu, tr("&Actual Size"), {QKeySequence(Qt::CTRL | Qt::Key_0)},
                [this] { services_.settings.setTimelineFontSize(actualFontSize); });
     menu.addSeparator();
+    documentActions_.append(tools_->addViewCommands(menu));
+    menu.addSeparator();
     QAction* fullScreen =
         addCommand(menu, tr("&Full Screen"), keysFor(QKeySequence::FullScreen),
                    [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });

@@ -9,6 +9,7 @@
 
 #include "app/documents/dates/go_to_date_dialog.h"
 #include "app/documents/jump_history.h"
+#include "app/documents/shared/shared_pane.h"
 #include "app/documents/viewer/picture_viewer.h"
 #include "app/windows/common_commands.h"
 #include "timeline/timeline_view.h"
@@ -16,6 +17,8 @@
 namespace vell {
 namespace {
 
+constexpr int paneWidth = 290;    // points
+constexpr int contextPart = 4;    // of the view, above a message that was gone to
 constexpr int noticeTime = 4000;  // milliseconds
 constexpr int distance = 8;       // points between the window and its calendar
 
@@ -49,12 +52,22 @@ QList<QAction*> DocumentTools::addGoCommands(QMenu& menu) {
                        [this] { goToNeighbouringDay(1); })};
 }
 
+QList<QAction*> DocumentTools::addViewCommands(QMenu& menu) {
+    sharedAction_ = addCommand(menu, tr("&Shared Items"), {QKeySequence(Qt::Key_F9)},
+                               [this] { toggleSharedPane(); });
+    sharedAction_->setCheckable(true);
+    return {sharedAction_};
+}
+
 void DocumentTools::setTimeline(TimelineView& timeline) {
     timeline_ = &timeline;
+    const bool hadPane = sharedPane_ && sharedPane_->isVisible();
+    delete sharedPane_;
     delete dateDialog_;
     delete viewer_;
     connect(timeline_, &TimelineView::pictureOpened, this, &DocumentTools::openPicture);
     contents_.reset();
+    if (hadPane) showSharedPane();
 }
 
 ChatContents& DocumentTools::contents() {
@@ -83,7 +96,7 @@ void DocumentTools::goToDate() {
     if (!dateDialog_) {
         dateDialog_ = new GoToDateDialog(&window_);
         dateDialog_->setAttribute(Qt::WA_DeleteOnClose);
-        connect(dateDialog_, &GoToDateDialog::chosen, this, &DocumentTools::goTo);
+        connect(dateDialog_, &GoToDateDialog::chosen, this, [this](qsizetype row) { goTo(row); });
         const auto fill = [this, &contents] { dateDialog_->setDays(contents.days()); };
         placeBeside(window_, *dateDialog_);
         if (contents.isReady()) fill();
@@ -130,9 +143,50 @@ void DocumentTools::openPicture(qsizetype row) {
     });
 }
 
-void DocumentTools::goTo(qsizetype row) {
-    history_.jump([this, row] {
+void DocumentTools::toggleSharedPane() {
+    if (sharedPane_ && sharedPane_->isVisible()) {
+        sharedPane_->close();
+    } else {
+        showSharedPane();
+    }
+}
+
+void DocumentTools::showSharedPane() {
+    if (!sharedPane_) {
+        sharedPane_ = new SharedPane(timeline_->sharedChatlog(), services_.pictures,
+                                     services_.contacts, &window_);
+        connect(sharedPane_, &QDockWidget::visibilityChanged, sharedAction_, &QAction::setChecked);
+        connect(sharedPane_, &SharedPane::left, this, [this] { timeline_->setFocus(); });
+        connect(sharedPane_, &SharedPane::chosen, this,
+                [this](qsizetype row) { goTo(row, timeline_->height() / contextPart); });
+        connect(sharedPane_, &SharedPane::opened, this,
+                [this](qsizetype row) { timeline_->activateRow(row); });
+        ChatContents& contents = this->contents();
+        const auto fill = [this, &contents] { sharedPane_->setContents(contents); };
+        if (contents.isReady()) fill();
+        connect(&contents, &ChatContents::ready, sharedPane_, fill);
+        const bool isMirrored = window_.layoutDirection() == Qt::RightToLeft;
+        window_.addDockWidget(isMirrored ? Qt::LeftDockWidgetArea : Qt::RightDockWidgetArea,
+                              sharedPane_);
+        widenFor(paneWidth);
+        window_.resizeDocks({sharedPane_}, {paneWidth}, Qt::Horizontal);
+    }
+    sharedPane_->show();
+    sharedPane_->focusItems();
+}
+
+// The chat keeps its width, where the screen has room for it.
+void DocumentTools::widenFor(int points) {
+    const QRect screen = window_.screen()->availableGeometry();
+    const int most = screen.right() - window_.frameGeometry().right();
+    if (window_.isMaximized() || window_.isFullScreen() || most < points) return;
+    window_.resize(window_.width() + points, window_.height());
+}
+
+void DocumentTools::goTo(qsizetype row, int pointsAbove) {
+    history_.jump([this, row, pointsAbove] {
         timeline_->scroller().scrollToRow(row);
+        timeline_->scroller().scrollByPixels(-qRound(pointsAbove * timeline_->devicePixelRatioF()));
         timeline_->setCurrentRow(row);
     });
     timeline_->setFocus();

@@ -22,6 +22,7 @@ namespace vell {
 class GoToDateDialog;
 class JumpHistory;
 class PictureViewer;
+class SharedPane;
 class TimelineView;
 
 class DocumentTools final : public QObject {
@@ -33,6 +34,8 @@ class DocumentTools final : public QObject {
 
     /// Adds "Go to Date …" and the steps from day to day; returns what needs a chat.
     [[nodiscard]] QList<QAction*> addGoCommands(QMenu& menu);
+    /// Adds "Shared Items"; returns what needs a chat.
+    [[nodiscard]] QList<QAction*> addViewCommands(QMenu& menu);
     /// The chat and the view that shows it; the view must outlive the tools or be replaced here.
     void setTimeline(TimelineView& timeline);
 
@@ -45,8 +48,11 @@ class DocumentTools final : public QObject {
     void goToDate();
     void goToNeighbouringDay(int direction);
     void openPicture(qsizetype row);
-    /// Brings a row to the top of the view.
-    void goTo(qsizetype row);
+    void toggleSharedPane();
+    void showSharedPane();
+    void widenFor(int points);
+    /// Brings a row to the top of the view, with so many points of what is above it.
+    void goTo(qsizetype row, int pointsAbove = 0);
 
     QMainWindow& window_;
     Services services_;
@@ -56,6 +62,8 @@ class DocumentTools final : public QObject {
     std::unique_ptr<ChatContents> contents_;  // null until it is first needed
     QPointer<GoToDateDialog> dateDialog_;
     QPointer<PictureViewer> viewer_;
+    QPointer<SharedPane> sharedPane_;  // null until it is first shown
+    QAction* sharedAction_ = nullptr;
 };
 
 }  // namespace vell
