@@ -17,7 +17,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int mostProcesses = 2;
-constexpr int idleTime = 30'000;  // milliseconds
+constexpr int idleTime = 30'000;      // milliseconds
+constexpr int restartDelay = 10'000;  // milliseconds; starting fails slowly
 
 QByteArray digest(const foundation::Data& picture) {
     return QCryptographicHash::hash(picture.view(), QCryptographicHash::Sha256);
@@ -72,8 +73,15 @@ std::unique_ptr<PictureProcess> PictureDecoder::take() {
             idle_.pop_back();
             return process;
         }
+        if (sinceFailedStart_.isValid() && !sinceFailedStart_.hasExpired(restartDelay))
+            return nullptr;
     }
-    return PictureProcess::start(program_);
+    auto process = PictureProcess::start(program_);
+    if (!process) {
+        const std::lock_guard lock(mutex_);
+        sinceFailedStart_.start();
+    }
+    return process;
 }
 
 void PictureDecoder::giveBack(std::unique_ptr<PictureProcess> process) {

@@ -65,6 +65,7 @@ class PictureDecoder {
     std::vector<std::unique_ptr<PictureProcess>> idle_;
     int busy_ = 0;
     QElapsedTimer sinceUse_;
+    QElapsedTimer sinceFailedStart_;          // invalid before any has failed
     QMultiHash<qsizetype, GivenUp> givenUp_;  ///< by length in bytes
 };
 
