@@ -57,6 +57,21 @@ QString pathFromArgument(const char* argument) {
     return result;
 }
 
+QString pathFromUrl(const QUrl& url) {
+    return pathFromArgument(
+        QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).constData());
+}
+
+QString storedPath(const QString& path) {
+    const auto bytes = escapedBytes(path);
+    if (!bytes) return path;
+    return QStringLiteral("file://") + QString::fromLatin1(bytes->toPercentEncoding("/"));
+}
+
+QString pathFromStored(const QString& text) {
+    return text.startsWith(QLatin1String("file://")) ? pathFromUrl(QUrl(text)) : text;
+}
+
 QString localPath(const QString& path) {
     return path.startsWith(u':') ? QDir::currentPath() + u'/' + path : path;
 }

@@ -7,11 +7,20 @@
 
 #include <QFile>
 #include <QString>
+#include <QUrl>
 
 namespace foundation {
 
 /// The path that an argument of the program names.
 [[nodiscard]] QString pathFromArgument(const char* argument);
+
+/// The path of a file URL, whose escapes may be of any encoding.
+[[nodiscard]] QString pathFromUrl(const QUrl& url);
+
+/// The path as Unicode text, which settings keep: one that isn't Unicode becomes a file URL.
+[[nodiscard]] QString storedPath(const QString& path);
+/// The path that storedPath() made the text of.
+[[nodiscard]] QString pathFromStored(const QString& text);
 
 /// The path in a form that Qt's file classes never take for one of the program's own resources.
 [[nodiscard]] QString localPath(const QString& path);

@@ -23,10 +23,12 @@ Target& target() {
 }
 
 thread_local PrintingOfOneFile* currentFile = nullptr;
+thread_local bool isSilent = false;
 
 }  // namespace
 
 void print(QStringView whole) {
+    if (isSilent) return;
     if (currentFile && ++currentFile->lines_ > PrintingOfOneFile::mostLines) return;
     // Cut before it is escaped for the time's sake, and after it for the length's.
     const QString text =
@@ -50,6 +52,14 @@ PrintingOfOneFile::~PrintingOfOneFile() {
     currentFile = nullptr;
     if (lines_ > mostLines)
         print(QStringLiteral("WARN: %1 more lines about this file").arg(lines_ - mostLines));
+}
+
+SilentThread::SilentThread() {
+    isSilent = true;
+}
+
+SilentThread::~SilentThread() {
+    isSilent = false;
 }
 
 void setPrintTarget(std::FILE* stream) {

@@ -39,4 +39,13 @@ class PrintingOfOneFile {
     qint64 lines_ = 0;
 };
 
+/// While it lives, its thread prints nothing: what it reads is nothing that anybody has opened.
+class SilentThread {
+  public:
+    SilentThread();
+    SilentThread(const SilentThread&) = delete;
+    SilentThread& operator=(const SilentThread&) = delete;
+    ~SilentThread();
+};
+
 }  // namespace foundation

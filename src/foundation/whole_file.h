@@ -10,7 +10,12 @@
 namespace foundation {
 
 /// Codes of the domain "NSCocoaErrorDomain" for files that can't be read.
-enum class ReadErrorCode : qint64 { unknown = 256, tooLarge = 263 };
+enum class ReadErrorCode : qint64 {
+    unknown = 256,
+    noPermission = 257,
+    noSuchFile = 260,
+    tooLarge = 263,
+};
 
 /// The most bytes of one file: 4 GiB, or half of the memory this process may use.
 [[nodiscard]] qint64 mostFileBytes();
