@@ -4,9 +4,9 @@
 <context>
     <name>ChatTitle</name>
     <message>
-        <source>%1 — %2 to %3</source>
-        <extracomment>&quot;NAMES — FIRST DAY to LAST DAY&quot;</extracomment>
-        <translation>%1 — %2 bis %3</translation>
+        <source>%1 to %2</source>
+        <extracomment>&quot;FIRST DAY to LAST DAY&quot;</extracomment>
+        <translation>%1 bis %2</translation>
     </message>
 </context>
 <context>
@@ -55,6 +55,10 @@
         <source>Report Bug …</source>
         <translation>Fehler melden …</translation>
     </message>
+    <message>
+        <source>&amp;Window</source>
+        <translation>&amp;Fenster</translation>
+    </message>
 </context>
 <context>
     <name>ContactsDialog</name>
@@ -87,6 +91,44 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     <message>
         <source>Not Now</source>
         <translation>Nicht jetzt</translation>
+    </message>
+    <message>
+        <source>Access to Your Contacts</source>
+        <translation>Zugriff auf Ihre Kontakte</translation>
+    </message>
+</context>
+<context>
+    <name>Opening</name>
+    <message>
+        <source>Open Address</source>
+        <translation>Adresse öffnen</translation>
+    </message>
+    <message>
+        <source>The desktop could not open this address.</source>
+        <translation>Das System konnte diese Adresse nicht öffnen.</translation>
+    </message>
+</context>
+<context>
+    <name>SampleChat</name>
+    <message>
+        <source>Do you still have our old chats?</source>
+        <translation>Hast du unsere alten Chats noch?</translation>
+    </message>
+    <message>
+        <source>Every single one.</source>
+        <translation>Jeden einzelnen.</translation>
+    </message>
+    <message>
+        <source>With the pictures!</source>
+        <translation>Mit den Bildern!</translation>
+    </message>
+    <message>
+        <source>Then open one 😀</source>
+        <translation>Dann öffne einen 😀</translation>
+    </message>
+    <message>
+        <source>A conversation, as an example</source>
+        <translation>Eine Unterhaltung als Beispiel</translation>
     </message>
 </context>
 <context>
@@ -273,10 +315,6 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <translation>&amp;Vollbild</translation>
     </message>
     <message>
-        <source>&amp;Window</source>
-        <translation>&amp;Fenster</translation>
-    </message>
-    <message>
         <source>Opening …</source>
         <translation>Wird geöffnet …</translation>
     </message>
@@ -332,6 +370,18 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <source>&amp;Go</source>
         <translation>&amp;Gehe zu</translation>
     </message>
+    <message>
+        <source>&amp;Toolbar</source>
+        <translation>&amp;Werkzeugleiste</translation>
+    </message>
+    <message>
+        <source>Font size: %1</source>
+        <translation>Schriftgröße: %1</translation>
+    </message>
+    <message>
+        <source>Font size: %1, shown as %2</source>
+        <translation>Schriftgröße: %1, dargestellt als %2</translation>
+    </message>
 </context>
 <context>
     <name>vell::FindBar</name>
@@ -380,10 +430,6 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <translation>Nach Name, Ordner oder Beteiligten filtern</translation>
     </message>
     <message>
-        <source>Hidden folders</source>
-        <translation>Versteckte Ordner</translation>
-    </message>
-    <message>
         <source>Open</source>
         <translation>Öffnen</translation>
     </message>
@@ -398,6 +444,49 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     <message>
         <source>%1 transcripts in %2 files</source>
         <translation>%1 Mitschnitte in %2 Dateien</translation>
+    </message>
+    <message>
+        <source>&amp;Hidden folders</source>
+        <translation>&amp;Versteckte Ordner</translation>
+    </message>
+    <message>
+        <source>Transcripts</source>
+        <translation>Mitschnitte</translation>
+    </message>
+    <message>
+        <source>%1 of %2 transcripts in %3 files</source>
+        <translation>%1 von %2 Mitschnitten in %3 Dateien</translation>
+    </message>
+    <message numerus="yes">
+        <source>Open %n transcripts, each in a window of its own?</source>
+        <translation>
+            <numerusform>%n Mitschnitt in einem eigenen Fenster öffnen?</numerusform>
+            <numerusform>%n Mitschnitte öffnen, jeden in einem eigenen Fenster?</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>vell::FontSizePanel</name>
+    <message>
+        <source>Font Size</source>
+        <translation>Schriftgröße</translation>
+    </message>
+    <message>
+        <source> pt</source>
+        <extracomment>Points, after a font&apos;s size</extracomment>
+        <translation> pt</translation>
+    </message>
+    <message>
+        <source>Font size</source>
+        <translation>Schriftgröße</translation>
+    </message>
+    <message>
+        <source>Usual sizes</source>
+        <translation>Übliche Größen</translation>
+    </message>
+    <message>
+        <source>&amp;Size:</source>
+        <translation>&amp;Größe:</translation>
     </message>
 </context>
 <context>
@@ -719,6 +808,29 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     </message>
 </context>
 <context>
+    <name>vell::SearchPlaces</name>
+    <message>
+        <source>Search &amp;in</source>
+        <translation>Suchen &amp;in</translation>
+    </message>
+    <message>
+        <source>&amp;Add Folder …</source>
+        <translation>Ordner &amp;hinzufügen …</translation>
+    </message>
+    <message>
+        <source>Home folder</source>
+        <translation>Persönlicher Ordner</translation>
+    </message>
+    <message>
+        <source>System disk</source>
+        <translation>Systemdatenträger</translation>
+    </message>
+    <message>
+        <source>Add a Folder to Search</source>
+        <translation>Zu durchsuchenden Ordner hinzufügen</translation>
+    </message>
+</context>
+<context>
     <name>vell::SharedItems</name>
     <message>
         <source>Picture</source>
@@ -802,10 +914,6 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
         <translation>Ordner</translation>
     </message>
     <message>
-        <source>Date</source>
-        <translation>Datum</translation>
-    </message>
-    <message>
         <source>Size</source>
         <translation>Größe</translation>
     </message>
@@ -816,6 +924,10 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     <message>
         <source>Messages</source>
         <translation>Nachrichten</translation>
+    </message>
+    <message>
+        <source>Days</source>
+        <translation>Tage</translation>
     </message>
 </context>
 <context>
@@ -847,6 +959,10 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     <message>
         <source>None yet</source>
         <translation>Noch keine</translation>
+    </message>
+    <message>
+        <source>Drop transcripts or folders here</source>
+        <translation>Mitschnitte oder Ordner hier ablegen</translation>
     </message>
 </context>
 </TS>

@@ -5,10 +5,12 @@
 #include <QEvent>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHash>
 #include <algorithm>
 #include <utility>
 
 #include "app/desktop/desktop.h"
+#include "app/desktop/secondary_text.h"
 #include "app/documents/document_window.h"
 #include "app/documents/load_log_window.h"
 #include "app/documents/open_failures.h"
@@ -28,10 +30,28 @@
 #include "toolkit/application_info.h"
 
 namespace vell {
+namespace {
+
+OpenFailures::Cause causeOf(const foundation::Error& error) {
+    using foundation::ReadErrorCode;
+    switch (static_cast<ReadErrorCode>(error.code())) {
+        case ReadErrorCode::noSuchFile:
+            return OpenFailures::Cause::missing;
+        case ReadErrorCode::noPermission:
+            return OpenFailures::Cause::unreadable;
+        case ReadErrorCode::tooLarge:
+            return OpenFailures::Cause::tooLarge;
+        default:
+            return OpenFailures::Cause::damaged;
+    }
+}
+
+}  // namespace
 
 Application::Application(std::shared_ptr<FileReader> reader)
     : loader_(reader ? std::move(reader) : std::make_shared<DiskFileReader>(), loadThread_.queue(),
               presentLoadLogWindowIfNecessary) {
+    repairSecondaryText();
     openContacts();
     connect(&instance_, &SingleInstance::received, this, [this](const QStringList& paths) {
         if (!paths.isEmpty()) {
@@ -97,6 +117,8 @@ void Application::openTranscript(const QString& path, const QString& canonicalPa
     connect(window, &DocumentWindow::failed, this,
             [this, window](const foundation::Error& error) { giveUp(window, error); });
     connect(window, &DocumentWindow::closed, this, &Application::remove);
+    connect(window, &DocumentWindow::titlesChanged, this, &Application::distinguishWindows);
+    distinguishWindows();
     window->show();
     if (welcome_) welcome_->close();
 }
@@ -114,6 +136,38 @@ DocumentWindow* Application::windowFor(const QString& path, const QString& canon
 void Application::remove(DocumentWindow* window) {
     std::erase_if(windows_, [window](const OpenWindow& open) { return open.window == window; });
     rememberWindows();
+    distinguishWindows();
+}
+
+void Application::distinguishWindows() {
+    std::vector<qsizetype> lengths(windows_.size(), 0);
+    const auto title = [&](size_t i) { return windows_[i].window->titles()[lengths[i]]; };
+    for (bool isDone = false; !isDone;) {
+        isDone = true;
+        QHash<QString, int> uses;
+        for (size_t i = 0; i < windows_.size(); ++i)
+            ++uses[title(i)];
+        for (size_t i = 0; i < windows_.size(); ++i) {
+            if (uses[title(i)] == 1 || lengths[i] + 1 == windows_[i].window->titles().size())
+                continue;
+            ++lengths[i];
+            isDone = false;
+        }
+    }
+    for (size_t i = 0; i < windows_.size(); ++i)
+        windows_[i].window->setTitle(title(i));
+}
+
+QWidgetList Application::windows() const {
+    QWidgetList others;
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && !window->parentWidget() &&
+            (window->windowType() == Qt::Window || window->windowType() == Qt::Dialog) &&
+            !qobject_cast<DocumentWindow*>(window))
+            others.append(window);
+    }
+    std::ranges::sort(others, {}, &QWidget::windowTitle);
+    return documentWindows() + others;
 }
 
 QWidgetList Application::documentWindows() const {
@@ -148,21 +202,12 @@ void Application::giveUp(DocumentWindow* window, const foundation::Error& error)
 
 // One dialog for all that fail at about the same time, so that none covers another.
 void Application::reportFailure(const QString& path, const foundation::Error& error) {
-    const bool isTooLarge = error.code() == qint64(foundation::ReadErrorCode::tooLarge);
-    auto cause = isTooLarge ? OpenFailures::Cause::tooLarge : OpenFailures::Cause::damaged;
-    QString name = tr("Standard Input");
-    if (!isStandardInput(path)) {
-        name = QFileInfo(path).fileName();
-        const auto facts = fileFacts(path);
-        if (facts && !facts->exists) {
-            cause = OpenFailures::Cause::missing;
-        } else if (facts && !facts->isReadable) {
-            cause = OpenFailures::Cause::unreadable;
-        }
-    }
+    const OpenFailures::Cause cause = causeOf(error);
+    if (cause == OpenFailures::Cause::missing || cause == OpenFailures::Cause::unreadable)
+        recentFiles_.remove(path);
     if (!failures_) failures_ = new OpenFailures;
-    failures_->add(name, cause);
-    failures_->show();
+    failures_->add(isStandardInput(path) ? tr("Standard Input") : QFileInfo(path).fileName(),
+                   cause);
 }
 
 void Application::showOpenDialog(QWidget* parent) {
@@ -180,7 +225,7 @@ void Application::showOpenDialog(QWidget* parent) {
 
 void Application::showWelcome() {
     if (!welcome_) {
-        welcome_ = new WelcomeWindow(*this, recentFiles_);
+        welcome_ = new WelcomeWindow(*this, recentFiles_, *contacts_, pictures_);
         welcome_->setAttribute(Qt::WA_DeleteOnClose);
     }
     bringToFront(*welcome_);
@@ -195,10 +240,9 @@ void Application::findFiles() {
 }
 
 void Application::showFindWindow(const QStringList& folders) {
-    auto* window = new FindFilesWindow(loader_, folders);
+    auto* window = new FindFilesWindow(loader_.reader(), *contacts_, folders);
     window->setAttribute(Qt::WA_DeleteOnClose);
-    connect(window, &FindFilesWindow::openRequested, this,
-            [this](const QString& path) { open({path}); });
+    connect(window, &FindFilesWindow::openRequested, this, &Application::open);
     addClosingShortcuts(*window);
     window->show();
 }
@@ -240,6 +284,7 @@ void Application::rememberPlaces() const {
 
 bool Application::eventFilter(QObject* object, QEvent* event) {
     if (event->type() == QEvent::Quit) beginQuitting();
+    if (object == qApp && event->type() == QEvent::ApplicationPaletteChange) repairSecondaryText();
     return QObject::eventFilter(object, event);
 }
 

@@ -51,7 +51,9 @@ class Application final : public QObject, public Commands {
     void showAbout() override;
     void showPreferences() override;
     void quit() override;
-    [[nodiscard]] QWidgetList documentWindows() const override;
+    [[nodiscard]] QWidgetList windows() const override;
+    /// The windows of open transcripts, oldest first.
+    [[nodiscard]] QWidgetList documentWindows() const;
 
     bool eventFilter(QObject* object, QEvent* event) override;
 
@@ -66,6 +68,8 @@ class Application final : public QObject, public Commands {
     void showFindWindow(const QStringList& folders);
     void openTranscript(const QString& path, const QString& canonicalPath);
     void remove(DocumentWindow* window);
+    /// Gives windows of the same people on the same days longer titles.
+    void distinguishWindows();
     void rememberWindows();
     void beginQuitting();
     void rememberPlaces() const;

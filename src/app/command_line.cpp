@@ -6,6 +6,7 @@
 #include <QUrl>
 
 #include "app/documents/file_reader.h"
+#include "foundation/local_path.h"
 #include "toolkit/application_info.h"
 
 namespace vell {
@@ -56,7 +57,7 @@ QString argumentPath(const QString& argument, const QString& folder) {
     if (isStandardInput(argument)) return argument;
     if (argument.startsWith(QLatin1String("file:"), Qt::CaseInsensitive)) {
         const QUrl url(argument);
-        if (url.isLocalFile()) return QDir::cleanPath(url.toLocalFile());
+        if (url.isLocalFile()) return QDir::cleanPath(foundation::pathFromUrl(url));
     }
     return QDir::cleanPath(QDir(folder).absoluteFilePath(argument));
 }

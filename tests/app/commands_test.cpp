@@ -95,6 +95,8 @@ TEST_F(CommandsTest, TheContentHasItsSizes) {
 }
 
 TEST_F(CommandsTest, TitleNamesParticipantsAndDays) {
+    window->close();
+    deleteDeferred();
     const QString day = QLocale().toString(QDate(2004, 3, 3), QLocale::ShortFormat);
     EXPECT_EQ(opened(file(u"short.ichat"_s, chat(3)))->windowTitle(), u"ann, bob — "_s + day);
     EXPECT_EQ(opened(file(u"long.ichat"_s, chat(2000)))->windowTitle(),
@@ -103,6 +105,33 @@ TEST_F(CommandsTest, TitleNamesParticipantsAndDays) {
     const DocumentWindow* odd = opened(file(u"odd.ichat"_s, chat(3, u"a[*]b\n & c"_s)));
     EXPECT_TRUE(odd->windowTitle().startsWith(u"a[*][*]b & c, ann — "_s))
         << odd->windowTitle().toStdString();
+    EXPECT_EQ(opened(file(u"empty.ichat"_s, chat(0)))->windowTitle(), u"ann, bob"_s)
+        << "dated by its file";
+    {
+        const QLocale before;
+        QLocale::setDefault(QLocale(u"en_US"_s));
+        EXPECT_TRUE(opened(file(u"us.ichat"_s, chat(3, u"zoe"_s)))
+                        ->windowTitle()
+                        .endsWith(u" — 3/3/2004"_s));
+        QLocale::setDefault(before);
+    }
+}
+
+TEST_F(CommandsTest, WindowsOfTheSamePeopleSayMore) {
+    window->close();
+    deleteDeferred();
+    const QString sameDay = opened(file(u"a.ichat"_s, chat(3)))->path();
+    const QString title = windowOf(sameDay)->windowTitle();
+    QDir(folder.path()).mkdir(u"b"_s);
+    DocumentWindow* copy = opened(file(u"b/a.ichat"_s, chat(3)));
+    EXPECT_EQ(windowOf(sameDay)->windowTitle(), title + u" — "_s + sameDay);
+    EXPECT_EQ(copy->windowTitle(), title + u" — "_s + copy->path());
+    DocumentWindow* other = opened(file(u"c.ichat"_s, chat(4)));
+    EXPECT_EQ(other->windowTitle(), title + u" — c"_s);
+    copy->close();
+    other->close();
+    deleteDeferred();
+    EXPECT_EQ(windowOf(sameDay)->windowTitle(), title);
 }
 
 TEST_F(CommandsTest, FindCountsWrapsAndKeepsThePlace) {
@@ -153,11 +182,14 @@ TEST_F(CommandsTest, OneFileHasOneWindow) {
 TEST_F(CommandsTest, WindowMenuRaisesEachWindow) {
     DocumentWindow* other = opened(file(u"other.ichat"_s, chat(3, u"Tom & Jerry"_s)));
     window->showMinimized();
-    choose(other, {u"Window"_s, window->windowTitle()});
+    choose(other, {u"Window"_s, u"1 "_s + window->windowTitle()});
     EXPECT_FALSE(window->isMinimized());
-    QAction* own = entry(window, {u"Window"_s, QString(other->windowTitle()).remove(u'&')});
+    QAction* own = entry(window, {u"Window"_s, u"2 "_s + other->windowTitle().remove(u'&')});
     ASSERT_TRUE(own);
+    EXPECT_EQ(own->text().left(3), u"&2 "_s);
     EXPECT_TRUE(own->text().contains(u"Tom && Jerry"_s)) << "the name has no mnemonic";
+    program->showAbout();
+    EXPECT_TRUE(entry(window, {u"Window"_s, u"3 About Vell"_s}));
 }
 
 TEST_F(CommandsTest, RecentFilesAreListedAndCleared) {

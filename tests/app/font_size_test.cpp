@@ -13,35 +13,26 @@ namespace {
 using vell::FontAction;
 using vell::fontSizeAfter;
 
-TEST(FontSize, OnlyAnotherSizeInThePanelChangesIt) {
-    const auto font = [](double size, bool isBold, const QString& family = {}) {
-        QFont font(family);
-        font.setPointSizeF(size);
-        font.setBold(isBold);
-        return font;
-    };
+TEST(FontSize, OnlyStepsAndThePanelChangeIt) {
     struct Case {
-        QFont before;
-        QFont after;
+        FontAction action;
         qint64 size;
         QStringList printed;
     };
     const Case cases[] = {
-        {font(16, false), font(20.75, true), 20, {}},
-        {font(16, false), font(16, true), 16, {QStringLiteral("ADD traits")}},
-        {font(16, true), font(16, false), 16, {QStringLiteral("ADD traits")}},
-        {font(16, false),
-         font(16, false, QStringLiteral("Another")),
-         16,
-         {QStringLiteral("CHANGE FONT: 0")}},
+        {FontAction::viaPanel, 13, {}},
+        {FontAction::sizeUp, 17, {}},
+        {FontAction::sizeDown, 15, {}},
+        {FontAction::addTrait, 16, {QStringLiteral("ADD traits")}},
+        {FontAction::removeTrait, 16, {QStringLiteral("ADD traits")}},
+        {FontAction::heavier, 16, {QStringLiteral("CHANGE FONT: 5")}},
     };
     for (const Case& c : cases) {
         QStringList printed;
         foundation::setPrintFunction([&](QStringView line) { printed.append(line.toString()); });
-        const FontAction action = vell::panelAction(c.before, c.after);
-        EXPECT_EQ(fontSizeAfter(action, 16, c.after.pointSizeF()), c.size) << int(action);
+        EXPECT_EQ(fontSizeAfter(c.action, 16, 13.7), c.size) << int(c.action);
         foundation::setPrintFunction({});
-        EXPECT_EQ(printed, c.printed) << int(action);
+        EXPECT_EQ(printed, c.printed) << int(c.action);
     }
 }
 

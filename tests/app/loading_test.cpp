@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Loads on their threads: order and cancelling.
+// Loads on their threads: cancelling.
 #include "app/documents/document_loader.h"
 #include "windows.h"
 
@@ -23,30 +23,6 @@ TEST(Loading, ACancelledLoadIsNotReported) {
     const auto other = loader.load(QStringLiteral("x"), [&](const auto&) { done = true; });
     EXPECT_TRUE(waitUntil([&] { return done; }));
     QCoreApplication::processEvents();
-}
-
-TEST(Loading, DocumentsTakePrecedenceOverSummaries) {
-    std::mutex gate;
-    std::vector<std::string> order;
-    LoadThread thread;
-    gate.lock();
-    std::atomic<int> finished = 0;
-    thread.queue()->post(LoadThread::Priority::summary, [&] {
-        const std::lock_guard lock(gate);
-        ++finished;
-    });
-    for (const char* name : {"summary", "document"}) {
-        thread.queue()->post(
-            *name == 's' ? LoadThread::Priority::summary : LoadThread::Priority::document,
-            [&, name] {
-                order.emplace_back(name);
-                ++finished;
-            });
-    }
-    gate.unlock();
-    ASSERT_TRUE(waitUntil([&] { return finished == 3; }));
-    // The thread may have begun with the document before it met the first summary.
-    EXPECT_EQ(order, (std::vector<std::string>{"document", "summary"}));
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "app/documents/chat_search.h"
 #include "app/search/transcript_table.h"
+#include "identity/contacts/contacts_store.h"
 #include "windows.h"
 
 namespace {
@@ -68,6 +69,8 @@ TEST_F(OutOfMemory, OneFileFailsAndTheProgramGoesOn) {
     vell::LoadThread thread;
     DocumentLoader loader(std::make_shared<vell::DiskFileReader>(), thread.queue(), [] {});
 
+    vell::ContactsStore contacts;
+
     failEverywhere("document", [&] {
         int reports = 0;
         const auto ticket = loader.load(path, [&](const DocumentLoader::Result& result) {
@@ -77,8 +80,8 @@ TEST_F(OutOfMemory, OneFileFailsAndTheProgramGoesOn) {
         return waitUntil([&] { return reports > 0; }) && reports == 1;
     });
     failEverywhere("summary", [&] {
-        vell::TranscriptTable table(loader);
-        table.add({{path, {}, 1}});
+        vell::TranscriptTable table(loader.reader(), contacts);
+        table.add({{path, 1}});
         return waitUntil([&] {
             const auto cell = table.index(0, vell::TranscriptTable::participantsColumn);
             return !table.data(cell, Qt::DisplayRole).toString().isEmpty();

@@ -77,6 +77,21 @@ class Mishaps:
             if not arguments:
                 self.plain_start_welcomes()
 
+    def names_of_old_encodings(self):
+        """A name in Latin-1 is opened, listed and found again by the next start."""
+        old = os.fsencode(self.desktop.path("caf")) + b"\xe9.ichat"
+        shutil.copy(self.sample, old)
+        self.end(self.opened(old))
+        running = self.desktop.start(self.vell)
+        a11y.window(a11y.holding("jonas_at_home"), "frame")
+        self.end(running)
+
+    def opened(self, path):
+        running = self.desktop.start(self.vell, path)
+        a11y.window(a11y.holding("jonas_at_home"), "frame")
+        wait_for(lambda: self.desktop.setting("LastWindows"), "the window to be remembered")
+        return running
+
     def search_meets_a_giant(self):
         folder = self.desktop.path("found")
         os.mkdir(folder)
@@ -98,4 +113,4 @@ with Desktop() as desktop:
     a11y = desktop.accessible()
     mishaps = Mishaps(desktop, *sys.argv[1:3])
     a11y.play(mishaps.broken_at_start, mishaps.broken_meanwhile, mishaps.crash_while_opening,
-              mishaps.search_meets_a_giant)
+              mishaps.names_of_old_encodings, mishaps.search_meets_a_giant)

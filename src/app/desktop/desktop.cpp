@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/desktop/desktop.h"
 
-#include <QDesktopServices>
 #include <QWidget>
 #include <optional>
 
@@ -18,15 +17,15 @@ struct AddressKey {
 AddressKey keyOf(InfoAddress which) {
     switch (which) {
         case InfoAddress::support:
-            return {"SupportPageURL", "https://example.org/vell/support"};
+            return {"SupportPageURL", VELL_SUPPORT_PAGE};
         case InfoAddress::supportMail:
-            return {"SupportMailURL", "mailto:support@example.org"};
+            return {"SupportMailURL", "mailto:" VELL_SUPPORT_MAIL};
         case InfoAddress::publisher:
-            return {"PublisherURL", "https://example.org/vell"};
+            return {"PublisherURL", VELL_PUBLISHER_PAGE};
         case InfoAddress::bugReporter:
-            return {"BugReporterURL", "https://example.org/vell/issues"};
+            return {"BugReporterURL", VELL_BUG_REPORTER};
         case InfoAddress::identiconProject:
-            return {"IdenticonProjectURL", "https://example.org/identicon"};
+            return {"IdenticonProjectURL", VELL_IDENTICON_PROJECT};
     }
     Q_UNREACHABLE();
 }
@@ -57,10 +56,6 @@ void bringToFront(QWidget& window) {
 
 QString menuText(QString text) {
     return text.simplified().replace(u'&', QStringLiteral("&&"));
-}
-
-bool openWithDesktop(const QUrl& url) {
-    return QDesktopServices::openUrl(url);
 }
 
 }  // namespace vell

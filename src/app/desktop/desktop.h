@@ -27,7 +27,4 @@ void bringToFront(QWidget& window);
 /// The text escaped for a menu, where it has no mnemonics and shortcuts.
 [[nodiscard]] QString menuText(QString text);
 
-/// Opens the address with the desktop's own program; returns whether one took it.
-bool openWithDesktop(const QUrl& url);
-
 }  // namespace vell

@@ -7,13 +7,15 @@
 #include <QUrl>
 #include <QWidget>
 
+#include "foundation/local_path.h"
+
 namespace vell {
 namespace {
 
 QStringList localFiles(const QMimeData& data) {
     QStringList paths;
     for (const QUrl& url : data.urls()) {
-        if (url.isLocalFile()) paths.append(url.toLocalFile());
+        if (url.isLocalFile()) paths.append(foundation::pathFromUrl(url));
     }
     return paths;
 }

@@ -2,6 +2,7 @@
 #include "app/desktop/recent_files.h"
 
 #include "app/desktop/recently_used.h"
+#include "app/desktop/settings.h"
 
 namespace vell {
 namespace {
@@ -13,7 +14,7 @@ const QString key = QStringLiteral("RecentFiles");
 RecentFiles::RecentFiles(QObject* parent) : QObject(parent) {}
 
 QStringList RecentFiles::paths() const {
-    return store_.value(key).toStringList();
+    return storedPaths(store_, key);
 }
 
 void RecentFiles::add(const QString& path) {
@@ -21,8 +22,15 @@ void RecentFiles::add(const QString& path) {
     files.removeAll(path);
     files.prepend(path);
     if (files.size() > limit) files.resize(limit);
-    store_.setValue(key, files);
+    storePaths(store_, key, files);
     recentlyUsed::add(path);
+    Q_EMIT changed();
+}
+
+void RecentFiles::remove(const QString& path) {
+    QStringList files = paths();
+    if (files.removeAll(path) == 0) return;
+    storePaths(store_, key, files);
     Q_EMIT changed();
 }
 

@@ -20,6 +20,7 @@ class RecentFiles final : public QObject {
 
     [[nodiscard]] QStringList paths() const;
     void add(const QString& path);
+    void remove(const QString& path);
     /// Forgets our list, and what we wrote into the desktop's.
     void clear();
 

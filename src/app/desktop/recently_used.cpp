@@ -10,6 +10,7 @@
 #include <QUrl>
 #include <functional>
 
+#include "foundation/local_path.h"
 #include "transcript/content_types.h"
 
 namespace vell::recentlyUsed {
@@ -149,8 +150,9 @@ std::optional<QByteArray> withoutOwnEntries(const QByteArray& document) {
 }
 
 void add(const QString& path) {
-    const QString address =
-        QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded(QUrl::FullyEncoded));
+    QString address = foundation::storedPath(path);
+    if (address == path)
+        address = QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded(QUrl::FullyEncoded));
     edit([&](const QByteArray& document) {
         return withEntry(document, address, QDateTime::currentDateTimeUtc());
     });

@@ -2,6 +2,9 @@
 #include "app/desktop/settings.h"
 
 #include <QCryptographicHash>
+#include <algorithm>
+
+#include "foundation/local_path.h"
 
 namespace vell {
 namespace {
@@ -17,11 +20,24 @@ const QString placesOrderKey = QStringLiteral("WindowPlaces/Order");
 /// A settings key can't contain the separators of a path.
 QString placeKey(const QString& path) {
     const QByteArray digest =
-        QCryptographicHash::hash(path.toUtf8(), QCryptographicHash::Sha1).toHex();
+        QCryptographicHash::hash(foundation::pathBytes(path), QCryptographicHash::Sha1).toHex();
     return QStringLiteral("WindowPlaces/") + QString::fromLatin1(digest);
 }
 
 }  // namespace
+
+QStringList storedPaths(const QSettings& store, const QString& key) {
+    QStringList paths = store.value(key).toStringList();
+    std::ranges::transform(paths, paths.begin(), &foundation::pathFromStored);
+    return paths;
+}
+
+void storePaths(QSettings& store, const QString& key, const QStringList& paths) {
+    QStringList texts;
+    for (const QString& path : paths)
+        texts.append(foundation::storedPath(path));
+    store.setValue(key, texts);
+}
 
 Settings::Settings(QObject* parent) : QObject(parent) {}
 
@@ -46,11 +62,11 @@ void Settings::setRestoresWindows(bool restores) {
 }
 
 QStringList Settings::lastWindows() const {
-    return store_.value(lastWindowsKey).toStringList();
+    return storedPaths(store_, lastWindowsKey);
 }
 
 void Settings::setLastWindows(const QStringList& paths) {
-    store_.setValue(lastWindowsKey, paths);
+    storePaths(store_, lastWindowsKey, paths);
     store_.sync();  // the program may be ended at any time
 }
 
@@ -76,12 +92,12 @@ void Settings::setWindowPlace(const QString& path, const WindowPlace& place) {
 }
 
 QStringList Settings::contactsFiles() const {
-    return store_.value(contactsFilesKey).toStringList();
+    return storedPaths(store_, contactsFilesKey);
 }
 
 void Settings::setContactsFiles(const QStringList& paths) {
     if (paths == contactsFiles()) return;
-    store_.setValue(contactsFilesKey, paths);
+    storePaths(store_, contactsFilesKey, paths);
     Q_EMIT contactsFilesChanged(paths);
 }
 

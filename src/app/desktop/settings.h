@@ -12,6 +12,10 @@
 
 namespace vell {
 
+/// Lists of paths as settings keep them; names that aren't Unicode survive.
+[[nodiscard]] QStringList storedPaths(const QSettings& store, const QString& key);
+void storePaths(QSettings& store, const QString& key, const QStringList& paths);
+
 class Settings final : public QObject {
     Q_OBJECT
 

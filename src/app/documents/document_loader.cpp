@@ -34,8 +34,16 @@ Read read(FileReader& reader, const QString& path) {
     return {std::move(unread), std::move(problem)};
 }
 
+/// Whether nothing of the file was seen, which leaves nothing to write into a load log.
+bool wasOutOfReach(const foundation::Error& error) {
+    using foundation::ReadErrorCode;
+    return error.code() == static_cast<qint64>(ReadErrorCode::noSuchFile) ||
+           error.code() == static_cast<qint64>(ReadErrorCode::noPermission);
+}
+
 DocumentLoader::Result convert(const Read& read,
                                const std::function<void()>& presentLoadLogWindow) {
+    if (read.problem && wasOutOfReach(*read.problem)) return {nullptr, read.problem};
     try {
         return {std::make_shared<const VellDocument>(
                     VellDocument::read(*read.file, presentLoadLogWindow)),
@@ -75,9 +83,9 @@ DocumentLoader::Ticket DocumentLoader::load(const QString& path, Completion comp
             const auto convertIt = [file = read(*reader, path), present, stillWanted, finish] {
                 if (!stillWanted.expired()) finish(convert(file, present));
             };
-            queue->post(LoadThread::Priority::document, foundation::guarded(convertIt, fail));
+            queue->post(foundation::guarded(convertIt, fail));
         },
-        [queue = queue_, fail] { queue->post(LoadThread::Priority::document, fail); });
+        [queue = queue_, fail] { queue->post(fail); });
     return wanted;
 }
 

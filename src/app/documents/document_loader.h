@@ -27,7 +27,8 @@ class DocumentLoader {
     /// Destroying the ticket cancels the load: its completion is not called.
     using Ticket = std::shared_ptr<void>;
 
-    /// `presentLoadLogWindow` is called on the load thread when a load has failed.
+    /// `presentLoadLogWindow` is called on the load thread when a load has failed and there is a
+    /// log of it.
     DocumentLoader(std::shared_ptr<FileReader> reader, std::shared_ptr<LoadThread::Queue> queue,
                    std::function<void()> presentLoadLogWindow);
 
@@ -35,7 +36,6 @@ class DocumentLoader {
     [[nodiscard]] Ticket load(const QString& path, Completion completion);
 
     [[nodiscard]] const std::shared_ptr<FileReader>& reader() const { return reader_; }
-    [[nodiscard]] const std::shared_ptr<LoadThread::Queue>& queue() const { return queue_; }
 
   private:
     std::shared_ptr<FileReader> reader_;

@@ -3,7 +3,6 @@
 // The menus and the toolbar of a document window.
 
 #include <QAction>
-#include <QFontDialog>
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
@@ -17,6 +16,8 @@
 #include "app/windows/commands.h"
 #include "app/windows/common_commands.h"
 #include "app/windows/font_size.h"
+#include "app/windows/font_size_panel.h"
+#include "app/windows/icons.h"
 #include "timeline/timeline_view.h"
 
 namespace vell {
@@ -27,15 +28,16 @@ constexpr qint64 actualFontSize = 16;
 }  // namespace
 
 void DocumentWindow::buildMenus() {
+    QToolBar* toolBar = addToolBar(tr("Toolbar"));
+    toolBar->toggleViewAction()->setText(tr("&Toolbar"));
     buildFileMenu();
     buildEditMenu();
     buildFormatMenu();
-    buildViewMenu();
+    buildViewMenu(*toolBar);
     buildGoMenu();
-    buildWindowMenu();
+    addWindowMenu(*menuBar(), commands_, *this);
     addHelpMenu(*menuBar(), commands_);
 
-    QToolBar* toolBar = addToolBar(tr("Toolbar"));
     toolBar->setObjectName(QStringLiteral("toolBar"));
     toolBar->setMovable(false);
     toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -58,7 +60,7 @@ void DocumentWindow::buildEditMenu() {
     QMenu& menu = *menuBar()->addMenu(tr("&Edit"));
     copyAction_ = addCommand(menu, tr("Copy"), keysFor(QKeySequence::Copy), [this] { copy(); });
     copyAction_->setObjectName(QStringLiteral("copy"));
-    copyAction_->setIcon(QIcon::fromTheme(QStringLiteral("edit-copy")));
+    copyAction_->setIcon(copyIcon());
     documentActions_.append(copyAction_);
     documentActions_.append(addCommand(menu, tr("Copy &Whole Chat"),
                                        {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C)},
@@ -88,11 +90,12 @@ void DocumentWindow::buildFormatMenu() {
     })->setObjectName(QStringLiteral("fontSmaller"));
 }
 
-void DocumentWindow::buildViewMenu() {
+void DocumentWindow::buildViewMenu(const QToolBar& toolBar) {
     QMenu& menu = *menuBar()->addMenu(tr("&View"));
     addCommand(menu, tr("&Actual Size"), {QKeySequence(Qt::CTRL | Qt::Key_0)},
                [this] { services_.settings.setTimelineFontSize(actualFontSize); });
     menu.addSeparator();
+    menu.addAction(toolBar.toggleViewAction());
     documentActions_.append(tools_->addViewCommands(menu));
     menu.addSeparator();
     QAction* fullScreen =
@@ -111,19 +114,6 @@ void DocumentWindow::buildGoMenu() {
     documentActions_.append(tools_->addGoCommands(menu));
 }
 
-void DocumentWindow::buildWindowMenu() {
-    QMenu* windows = menuBar()->addMenu(tr("&Window"));
-    connect(windows, &QMenu::aboutToShow, this, [this, windows] {
-        windows->clear();
-        for (QWidget* window : commands_.documentWindows()) {
-            QAction* action = windows->addAction(menuText(window->windowTitle()));
-            action->setCheckable(true);
-            action->setChecked(window == this);
-            connect(action, &QAction::triggered, window, [window] { bringToFront(*window); });
-        }
-    });
-}
-
 void DocumentWindow::changeFontSize(int action) {
     Settings& settings = services_.settings;
     settings.setTimelineFontSize(
@@ -132,24 +122,16 @@ void DocumentWindow::changeFontSize(int action) {
 
 void DocumentWindow::showFontPanel() {
     if (!fontPanel_) {
-        fontPanel_ = new QFontDialog(this);
-        fontPanel_->setOption(QFontDialog::NoButtons);
-        connect(fontPanel_, &QFontDialog::currentFontChanged, this, [this](const QFont& font) {
-            Settings& settings = services_.settings;
-            const FontAction action = panelAction(panelFont_, font);
-            panelFont_ = font;
+        fontPanel_ = new FontSizePanel(this);
+        Settings& settings = services_.settings;
+        connect(fontPanel_, &FontSizePanel::sizeChosen, this, [&settings](double points) {
             settings.setTimelineFontSize(
-                fontSizeAfter(action, settings.timelineFontSize(), font.pointSizeF()));
+                fontSizeAfter(FontAction::viaPanel, settings.timelineFontSize(), points));
         });
+        connect(&settings, &Settings::timelineFontSizeChanged, fontPanel_, &FontSizePanel::setSize);
+        fontPanel_->setSize(settings.timelineFontSize());
     }
-    panelFont_ = font();
-    panelFont_.setPointSizeF(paintableFontSize(services_.settings.timelineFontSize()));
-    {
-        const QSignalBlocker quiet(fontPanel_);
-        fontPanel_->setCurrentFont(panelFont_);
-    }
-    fontPanel_->show();
-    fontPanel_->raise();
+    bringToFront(*fontPanel_);
 }
 
 }  // namespace vell

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
 #include <QFileInfo>
 #include <QLabel>
 #include <QProgressBar>
@@ -10,7 +11,9 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <utility>
 
+#include "app/desktop/opening.h"
 #include "app/desktop/recent_files.h"
 #include "app/desktop/settings.h"
 #include "app/documents/chat_title.h"
@@ -21,6 +24,7 @@
 #include "app/windows/window_geometry.h"
 #include "identity/contacts/contacts_store.h"
 #include "timeline/accessibility/accessible_timeline.h"
+#include "timeline/input/links.h"
 #include "timeline/timeline_view.h"
 
 namespace vell {
@@ -28,7 +32,9 @@ namespace {
 
 constexpr QSize minimumContent(272, 320);
 constexpr QSize idealContent(520, 720);
-constexpr int spinnerDelay = 200;  // milliseconds; most transcripts are loaded sooner
+constexpr int spinnerDelay = 200;         // milliseconds; most transcripts are loaded sooner
+constexpr int longestWaitForFrame = 250;  // milliseconds
+constexpr int noticeDuration = 4000;      // milliseconds
 
 /// Shown while a transcript is read: nothing at first, then a progress bar.
 QWidget* loadingPage() {
@@ -57,18 +63,20 @@ DocumentWindow::DocumentWindow(Commands& commands, const Services& services, Doc
       tools_(new DocumentTools(*this, services_, history_)) {
     setAttribute(Qt::WA_DeleteOnClose);
     setObjectName(QStringLiteral("documentWindow"));
-    showTitle();
+    updateTitles();
     setWindowFilePath(isStandardInput(path) ? QString() : path);
     buildContent();
     buildMenus();
     restorePlace();
 
     connect(&services_.settings, &Settings::timelineFontSizeChanged, this, [this](qint64 points) {
-        if (timeline_) timeline_->setFontSize(points);
+        if (timeline_) showFontSize(points);
     });
     connect(&services_.contacts, &ContactsStore::addressToContactChanged, this,
-            &DocumentWindow::showTitle);
-    load_ = loader.load(path, [this](const DocumentLoader::Result& result) { loaded(result); });
+            &DocumentWindow::updateTitles);
+    load_ = loader.load(path, [this](DocumentLoader::Result result) { take(std::move(result)); });
+    // A window on another workspace isn't painted at all.
+    QTimer::singleShot(longestWaitForFrame, this, &DocumentWindow::stopWaitingForFrame);
 }
 
 DocumentWindow::~DocumentWindow() = default;
@@ -92,21 +100,44 @@ void DocumentWindow::buildContent() {
     statusBar()->setSizeGripEnabled(true);
 }
 
-void DocumentWindow::loaded(const DocumentLoader::Result& result) {
+// Laying out and painting bubbles takes longer than all else up to the first frame.
+void DocumentWindow::take(DocumentLoader::Result result) {
     load_.reset();
+    if (waitsForFrame_) {
+        waiting_ = std::move(result);
+    } else {
+        loaded(result);
+    }
+}
+
+void DocumentWindow::paintEvent(QPaintEvent* event) {
+    QMainWindow::paintEvent(event);
+    if (waitsForFrame_) QTimer::singleShot(0, this, &DocumentWindow::stopWaitingForFrame);
+}
+
+void DocumentWindow::stopWaitingForFrame() {
+    waitsForFrame_ = false;
+    if (const auto result = std::exchange(waiting_, std::nullopt)) loaded(*result);
+}
+
+void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     if (!result.document) {
         Q_EMIT failed(*result.error);
         close();
         return;
     }
     document_ = result.document;
-    showTitle();
+    updateTitles();
     search_ = std::make_unique<ChatSearch>(document_->sharedChatlog());
     connect(search_.get(), &ChatSearch::changed, this, &DocumentWindow::showMatches);
     timeline_ =
         new TimelineView(document_->sharedChatlog(), services_.contacts, services_.pictures);
     AccessibleTimeline::attach(*timeline_);
     history_.attach(*timeline_);
+    timeline_->links().setOpener([this](const QUrl& url) {
+        openWithDesktop(url, *this);  // which explains a failure
+        return true;
+    });
     connect(timeline_, &TimelineView::linkHovered, statusBar(),
             [this](const QString& address) { statusBar()->showMessage(address); });
     timeline_->setFontSize(services_.settings.timelineFontSize());
@@ -130,13 +161,30 @@ bool DocumentWindow::eventFilter(QObject* object, QEvent* event) {
     return QMainWindow::eventFilter(object, event);
 }
 
-void DocumentWindow::showTitle() {
-    QString title;
+// The size may be any number, and the timeline doesn't show what it can't paint.
+void DocumentWindow::showFontSize(qint64 points) {
+    timeline_->setFontSize(points);
+    const int painted = timeline_->context().fonts.message.pixelSize();
+    const QString size = locale().toString(points);
+    statusBar()->showMessage(
+        painted == points ? tr("Font size: %1").arg(size)
+                          : tr("Font size: %1, shown as %2").arg(size, locale().toString(painted)),
+        noticeDuration);
+}
+
+void DocumentWindow::updateTitles() {
     if (document_) {
-        title = chatTitle(document_->chatlog(), services_.contacts);
+        titles_ = chatTitles(document_->chatlog(), services_.contacts, path_);
+    } else if (isStandardInput(path_)) {
+        titles_ = {tr("Standard Input")};
     } else {
-        title = isStandardInput(path_) ? tr("Standard Input") : QFileInfo(path_).completeBaseName();
+        titles_ = {QFileInfo(path_).completeBaseName(), QDir::toNativeSeparators(path_)};
     }
+    setTitle(titles_.front());
+    Q_EMIT titlesChanged();
+}
+
+void DocumentWindow::setTitle(QString title) {
     // Qt replaces "[*]" by its own mark for unsaved changes.
     setWindowTitle(title.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
 }
@@ -154,6 +202,7 @@ void DocumentWindow::savePlace() const {
 
 void DocumentWindow::closeEvent(QCloseEvent* event) {
     load_.reset();
+    waiting_.reset();
     savePlace();
     QMainWindow::closeEvent(event);
     Q_EMIT closed(this);

@@ -6,6 +6,7 @@
 
 #include <QMainWindow>
 #include <memory>
+#include <optional>
 
 #include "app/documents/chat_search.h"
 #include "app/documents/document_loader.h"
@@ -13,9 +14,9 @@
 #include "app/documents/services.h"
 #include "export/text_sink.h"
 
-class QFontDialog;
 class QLabel;
 class QStackedWidget;
+class QToolBar;
 
 namespace vell {
 
@@ -23,6 +24,7 @@ class Commands;
 class ContactsBar;
 class DocumentTools;
 class FindBar;
+class FontSizePanel;
 class TimelineView;
 
 class DocumentWindow final : public QMainWindow {
@@ -36,6 +38,9 @@ class DocumentWindow final : public QMainWindow {
 
     [[nodiscard]] const QString& path() const { return path_; }
     [[nodiscard]] bool isLoaded() const { return document_ != nullptr; }
+    /// What the window may be called, the shortest first.
+    [[nodiscard]] const QStringList& titles() const { return titles_; }
+    void setTitle(QString title);
     /// Remembers where the window stands and how far it is scrolled.
     void savePlace() const;
 
@@ -45,9 +50,12 @@ class DocumentWindow final : public QMainWindow {
     /// The transcript could not be read; the window closes.
     void failed(const foundation::Error& error);
     void closed(vell::DocumentWindow* window);
+    /// titles() changed.
+    void titlesChanged();
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     bool eventFilter(QObject* object, QEvent* event) override;
 
   private:
@@ -56,11 +64,14 @@ class DocumentWindow final : public QMainWindow {
     void buildFileMenu();
     void buildEditMenu();
     void buildFormatMenu();
-    void buildViewMenu();
+    void buildViewMenu(const QToolBar& toolBar);
     void buildGoMenu();
-    void buildWindowMenu();
+    /// Shows a result once the window's first frame is on the screen.
+    void take(DocumentLoader::Result result);
+    void stopWaitingForFrame();
     void loaded(const DocumentLoader::Result& result);
-    void showTitle();
+    void updateTitles();
+    void showFontSize(qint64 points);
     void restorePlace();
 
     /// Copies the selection, or the whole chat without one.
@@ -86,7 +97,10 @@ class DocumentWindow final : public QMainWindow {
     Commands& commands_;
     Services services_;
     QString path_;
+    QStringList titles_;
     DocumentLoader::Ticket load_;
+    bool waitsForFrame_ = true;
+    std::optional<DocumentLoader::Result> waiting_;
     std::shared_ptr<const VellDocument> document_;
     std::unique_ptr<ChatSearch> search_;
     qsizetype currentMatch_ = -1;
@@ -98,8 +112,7 @@ class DocumentWindow final : public QMainWindow {
     ContactsBar* contactsBar_ = nullptr;
     DocumentTools* tools_;
     QAction* copyAction_ = nullptr;
-    QFontDialog* fontPanel_ = nullptr;
-    QFont panelFont_;                  // what the panel showed last
+    FontSizePanel* fontPanel_ = nullptr;
     QList<QAction*> documentActions_;  // enabled once the transcript is loaded
 };
 

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "foundation/error.h"
 #include "foundation/local_path.h"
 #include "foundation/whole_file.h"
 
@@ -24,9 +25,18 @@ std::shared_ptr<FileWrapper> readStandardInput() {
     return wrapper;
 }
 
+foundation::Error readError(foundation::ReadErrorCode code) {
+    return {QStringLiteral("NSCocoaErrorDomain"), static_cast<qint64>(code)};
+}
+
 std::optional<foundation::Data> readBytes(const QString& path) {
     QFile file;
-    if (!foundation::openForReading(file, path) || file.isSequential()) return std::nullopt;
+    if (!foundation::openForReading(file, path)) {
+        if (file.error() == QFileDevice::PermissionsError)
+            throw readError(foundation::ReadErrorCode::noPermission);
+        return std::nullopt;
+    }
+    if (file.isSequential()) return std::nullopt;
     return foundation::Data(foundation::readWhole(file));
 }
 
@@ -46,7 +56,7 @@ std::shared_ptr<const FileWrapper> DiskFileReader::read(const QString& path) {
     if (!info.exists()) {
         // A name in an unknown encoding can be opened, but QFileInfo knows nothing about it.
         wrapper->contents = readBytes(path);
-        if (info.isSymLink()) wrapper->kind = FileWrapper::Kind::symbolicLink;
+        if (!wrapper->contents) throw readError(foundation::ReadErrorCode::noSuchFile);
         return wrapper;
     }
     wrapper->modificationDate =

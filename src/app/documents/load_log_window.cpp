@@ -7,6 +7,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QScreen>
 #include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -14,7 +15,9 @@
 #include <memory>
 
 #include "app/desktop/desktop.h"
+#include "app/documents/open_failures.h"
 #include "app/windows/panel_window.h"
+#include "app/windows/placement.h"
 #include "app/windows/widgets.h"
 #include "foundation/date.h"
 #include "toolkit/application_info.h"
@@ -31,8 +34,22 @@ std::vector<QWidget*>& openWindows() {
     return windows;
 }
 
+/// Beside the dialog that names the file, and cascaded from other logs.
+void place(QWidget& window) {
+    QList<QRect> dialogs;
+    for (const QWidget* other : QApplication::topLevelWidgets()) {
+        if (other->isVisible() && qobject_cast<const OpenFailures*>(other))
+            dialogs.append(expectedFrame(*other));
+    }
+    QList<QRect> logs;
+    for (const QWidget* other : openWindows())
+        logs.append(expectedFrame(*other));
+    window.move(
+        freePlace(expectedFrame(window), dialogs, logs, window.screen()->availableGeometry()));
+}
+
 void showWindow(const QString& log) {
-    auto* window = new PanelWindow(QStringLiteral("Load Log Window"), {720, 640},
+    auto* window = new PanelWindow(QStringLiteral("Load Log Window"), loadLogSize,
                                    PanelWindow::Sizing::resizable);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setObjectName(QStringLiteral("loadLogWindow"));
@@ -41,6 +58,7 @@ void showWindow(const QString& log) {
     layout->setContentsMargins({});
     layout->addWidget(new LoadLogView(applicationInfo(), log));
 
+    place(*window);
     openWindows().push_back(window);
     QObject::connect(window, &QObject::destroyed, window,
                      [window] { std::erase(openWindows(), window); });
@@ -125,6 +143,7 @@ QWidget* output(const QString& text) {
     editor->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     editor->setFrameShape(QFrame::NoFrame);
     editor->setLineWrapMode(QPlainTextEdit::NoWrap);
+    editor->setLayoutDirection(Qt::LeftToRight);  // a log is, whatever the desktop's language
     auto* none = new QLabel(LoadLogView::tr("No log could be found 😔"));
     none->setAlignment(Qt::AlignCenter);
     auto* pages = new QStackedWidget;

@@ -11,6 +11,9 @@ namespace vell {
 
 struct ApplicationInfo;
 
+/// The content's size until the user changes it.
+inline constexpr QSize loadLogSize(720, 640);
+
 /// Captures the load log now, on any thread, and opens a window with it 800 milliseconds later on
 /// the window thread. Does nothing when there is no load log.
 void presentLoadLogWindowIfNecessary();

@@ -5,11 +5,11 @@
 
 namespace vell {
 
-void LoadThread::Queue::post(Priority priority, Job job) {
+void LoadThread::Queue::post(Job job) {
     {
         const std::lock_guard lock(mutex_);
         if (closed_) return;
-        (priority == Priority::document ? documents_ : summaries_).push_back(std::move(job));
+        jobs_.push_back(std::move(job));
     }
     changed_.notify_one();
 }
@@ -17,12 +17,11 @@ void LoadThread::Queue::post(Priority priority, Job job) {
 LoadThread::LoadThread() : thread_([queue = queue_] { run(queue); }) {}
 
 LoadThread::~LoadThread() {
-    std::deque<Job> dropped[2];
+    std::deque<Job> dropped;
     {
         const std::lock_guard lock(queue_->mutex_);
         queue_->closed_ = true;
-        dropped[0].swap(queue_->documents_);
-        dropped[1].swap(queue_->summaries_);
+        dropped.swap(queue_->jobs_);
     }
     queue_->changed_.notify_one();
     thread_.join();
@@ -33,13 +32,10 @@ void LoadThread::run(const std::shared_ptr<Queue>& queue) {
         Job job;
         {
             std::unique_lock lock(queue->mutex_);
-            queue->changed_.wait(lock, [&] {
-                return queue->closed_ || !queue->documents_.empty() || !queue->summaries_.empty();
-            });
+            queue->changed_.wait(lock, [&] { return queue->closed_ || !queue->jobs_.empty(); });
             if (queue->closed_) return;
-            auto& jobs = queue->documents_.empty() ? queue->summaries_ : queue->documents_;
-            job = std::move(jobs.front());
-            jobs.pop_front();
+            job = std::move(queue->jobs_.front());
+            queue->jobs_.pop_front();
         }
         job();
     }

@@ -1,8 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// LoadThread: converts transcripts one after the other, because they share one load log. Opened
-// documents take precedence over summaries for the search window.
+// LoadThread: converts transcripts one after the other, because they share one load log.
 
 #include <condition_variable>
 #include <deque>
@@ -17,19 +16,17 @@ class LoadThread {
   public:
     /// Reports its own failure and never throws.
     using Job = std::function<void()>;
-    enum class Priority { document, summary };
 
     /// For threads that may outlive the load thread: jobs posted after its end are dropped.
     class Queue {
       public:
-        void post(Priority priority, Job job);
+        void post(Job job);
 
       private:
         friend class LoadThread;
         std::mutex mutex_;
         std::condition_variable changed_;
-        std::deque<Job> documents_;
-        std::deque<Job> summaries_;
+        std::deque<Job> jobs_;
         bool closed_ = false;
     };
 

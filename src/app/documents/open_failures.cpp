@@ -5,8 +5,12 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QScreen>
 #include <QStyle>
+#include <algorithm>
 
+#include "app/documents/load_log_window.h"
+#include "app/windows/placement.h"
 #include "app/windows/widgets.h"
 #include "toolkit/application_info.h"
 
@@ -93,17 +97,46 @@ OpenFailures::OpenFailures()
 
 void OpenFailures::add(const QString& name, Cause cause) {
     sentences_.append(sentence(name, cause));
+    list_->appendPlainText(sentences_.back());
+    expectsLog_ = expectsLog_ || cause == Cause::damaged || cause == Cause::tooLarge;
     if (sentences_.size() == 1) {
         text_->setText(sentences_.front());
         setAccessibleDescription(sentences_.front());
         remedy_->setText(remedy(cause));
-        list_->setPlainText(sentences_.front());
-        return;
+    } else {
+        text_->setText(tr("%n documents could not be opened.", nullptr, int(sentences_.size())));
+        remedy_->setText(
+            expectsLog_ ? tr("A load log opens next for each damaged one; you can send it to us.")
+                        : QString());
+        remedy_->setVisible(expectsLog_);
+        list_->show();
     }
-    text_->setText(tr("%n documents could not be opened.", nullptr, int(sentences_.size())));
-    remedy_->setText(tr("A load log opens next for each damaged one; you can send it to us."));
-    list_->appendPlainText(sentences_.back());
-    list_->show();
+    place();
+    show();
+}
+
+/// Where the logs that are open, or the one that opens next in the middle, don't hide it.
+void OpenFailures::place() {
+    adjustSize();
+    const QRect screen = this->screen()->availableGeometry();
+    QRect next({}, loadLogSize.grownBy(usualFrame));
+    next.moveCenter(screen.center());
+    QList<QRect> logs;
+    for (const QWidget* log : logWindows())
+        logs.append(expectedFrame(*log));
+    if (expectsLog_ && logs.isEmpty()) logs.append(next);
+
+    QRect frame = expectedFrame(*this);
+    if (!isVisible()) frame.moveCenter(screen.center());
+    QPoint place = freePlace(frame, logs, {}, screen);
+    // Without room above or below the middle, both are in the middle side by side.
+    const auto hides = [dialog = QRect(place, frame.size())](const QRect& log) {
+        return dialog.intersects(log);
+    };
+    if (std::ranges::any_of(logs, hides))
+        place.setX(
+            std::max(screen.left(), screen.center().x() - (frame.width() + next.width()) / 2));
+    move(place);
 }
 
 }  // namespace vell

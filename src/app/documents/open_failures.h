@@ -20,11 +20,14 @@ class OpenFailures final : public QDialog {
 
     OpenFailures();
 
-    /// Adds a document; `name` is the file's name as the user knows it.
+    /// Adds a document and shows the dialog; `name` is the file's name as the user knows it.
     void add(const QString& name, Cause cause);
 
   private:
+    void place();
+
     QStringList sentences_;
+    bool expectsLog_ = false;
     QLabel* text_;
     QLabel* remedy_;
     QPlainTextEdit* list_;

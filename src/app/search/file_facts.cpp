@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/search/file_facts.h"
 
-#include <QFileInfo>
 #include <QThreadPool>
 #include <chrono>
 #include <condition_variable>
+#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -14,6 +14,8 @@
 
 namespace vell {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr std::chrono::milliseconds timeout(100);
 constexpr int maxThreads = 16;
@@ -29,8 +31,12 @@ QThreadPool& threads() {
 }
 
 FileFacts query(const QString& path) {
-    const QFileInfo info(foundation::localPath(path));
-    return {info.exists(), info.isDir(), info.isReadable(), info.canonicalFilePath()};
+    const fs::path name = foundation::pathBytes(foundation::localPath(path)).toStdString();
+    std::error_code error;
+    const fs::path canonical = fs::canonical(name, error);
+    if (error) return {};
+    return {true, fs::is_directory(canonical, error),
+            foundation::pathFromArgument(canonical.c_str())};
 }
 
 /// Shared with threads that may outlive the call.

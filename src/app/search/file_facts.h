@@ -14,7 +14,6 @@ namespace vell {
 struct FileFacts {
     bool exists = false;
     bool isFolder = false;
-    bool isReadable = false;
     QString canonicalPath;  ///< empty for what doesn't exist
 };
 

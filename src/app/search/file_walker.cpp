@@ -11,6 +11,7 @@
 
 #include "app/search/transcript_probe.h"
 #include "foundation/guarded.h"
+#include "foundation/local_path.h"
 #include "toolkit/callback_guard.h"
 #include "toolkit/module_logger.h"
 
@@ -40,15 +41,17 @@ bool isTransient(const QByteArray& fileSystemType) {
     return types.contains(fileSystemType);
 }
 
-/// The user's home and the mounted disks; blocks if a disk does.
-QStringList homeAndDisks() {
-    QStringList folders{QDir::homePath()};
-    for (const QStorageInfo& storage : QStorageInfo::mountedVolumes()) {
+/// Blocks if a disk does.
+QList<FileWalker::Place> knownPlaces(const QList<QStorageInfo>& volumes) {
+    using Place = FileWalker::Place;
+    QList<Place> places{{Place::Kind::home, QDir::homePath(), {}}};
+    for (const QStorageInfo& storage : volumes) {
         const QByteArray type = storage.fileSystemType();
         if (storage.isReady() && !storage.isRoot() && !isVirtual(type) && !isTransient(type))
-            folders.append(storage.rootPath());
+            places.append({Place::Kind::disk, storage.rootPath(), storage.displayName()});
     }
-    return folders;
+    places.append({Place::Kind::system, QDir::rootPath(), {}});
+    return places;
 }
 
 #ifdef Q_OS_UNIX
@@ -72,8 +75,8 @@ std::optional<FolderIdentity> identity(const fs::path& folder) {
 
 bool isTranscript(const QString& path, const QString& name) {
     if (hasTranscriptExtension(name)) return true;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) return false;
+    QFile file;
+    if (!foundation::openForReading(file, path)) return false;
     QByteArray head = file.read(archiveMagicSize);
     if (!beginsLikeArchive(head)) return false;
     head += file.read(transcriptProbeSize - head.size());
@@ -91,7 +94,7 @@ struct FileWalker::Walk : std::enable_shared_from_this<FileWalker::Walk> {
     const std::shared_ptr<Logger> log = ModuleLogger::defaultLogger(QStringLiteral("Search"));
     bool hiddenFolders = false;
     std::set<FolderIdentity> entered;
-    std::set<fs::path> virtualRoots;
+    std::set<fs::path> skippedRoots;
     QList<Found> batch;
     qint64 fileCount = 0;
     QElapsedTimer sinceReport;
@@ -113,15 +116,23 @@ void FileWalker::Walk::post(Function function) {
 }
 
 void FileWalker::Walk::run(QStringList folders) {
-    if (folders.isEmpty()) folders = homeAndDisks();
-    for (const QStorageInfo& storage : QStorageInfo::mountedVolumes()) {
-        if (isVirtual(storage.fileSystemType()))
-            virtualRoots.insert(storage.rootPath().toStdString());
+    const auto volumes = QStorageInfo::mountedVolumes();
+    const auto places = knownPlaces(volumes);
+    post([places](FileWalker& to) { Q_EMIT to.placesKnown(places); });
+    if (folders.isEmpty()) {
+        for (const Place& place : places)
+            if (place.kind != Place::Kind::system) folders.append(place.path);
+    }
+    for (const QStorageInfo& storage : volumes) {
+        const QByteArray type = storage.fileSystemType();
+        const QString root = storage.rootPath();
+        if (isVirtual(type) || (isTransient(type) && !folders.contains(root)))
+            skippedRoots.insert(root.toStdString());
     }
     sinceReport.start();
     std::vector<fs::path> pending;
     for (auto folder = folders.crbegin(); folder != folders.crend(); ++folder)
-        pending.push_back(QFile::encodeName(*folder).toStdString());
+        pending.push_back(foundation::pathBytes(*folder).toStdString());
     while (!pending.empty() && !cancelled) {
         const fs::path folder = std::move(pending.back());
         pending.pop_back();
@@ -140,7 +151,7 @@ void FileWalker::Walk::end() {
 
 void FileWalker::Walk::enter(const fs::path& folder, std::vector<fs::path>& pending) {
     const auto self = identity(folder);
-    if (!self || !entered.insert(*self).second || virtualRoots.contains(folder)) return;
+    if (!self || !entered.insert(*self).second || skippedRoots.contains(folder)) return;
     std::error_code error;
     fs::directory_iterator entries(folder, fs::directory_options::skip_permission_denied, error);
     for (; !error && entries != fs::directory_iterator() && !cancelled; entries.increment(error)) {
@@ -165,10 +176,10 @@ void FileWalker::Walk::visit(const fs::directory_entry& entry, std::vector<fs::p
     }
     if (!fs::is_regular_file(status)) return;
     ++fileCount;
-    const QString path = QFile::decodeName(entry.path().c_str());
+    const QString path = foundation::pathFromArgument(entry.path().c_str());
     if (!isTranscript(path, QFile::decodeName(fileName.c_str()))) return;
-    const QFileInfo info(path);
-    batch.append({path, info.lastModified(), info.size()});
+    const auto size = static_cast<qint64>(entry.file_size(error));
+    batch.append({path, error ? 0 : size});
 }
 
 void FileWalker::Walk::report(const fs::path& folder) {

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The window behind "Find iChat Files …": walks folders in the background and lists the transcripts
-// it finds, sortable and filterable while it runs.
+// it finds, sortable and filterable while it runs. Which folders is up to the user.
 
 #include <QLabel>
 #include <QLineEdit>
@@ -19,30 +19,39 @@ class QCheckBox;
 
 namespace vell {
 
+class SearchPlaces;
+
 class FindFilesWindow final : public QWidget {
     Q_OBJECT
 
   public:
     /// Searches the folders, or the user's home and disks if there are none.
-    FindFilesWindow(const DocumentLoader& loader, QStringList folders, QWidget* parent = nullptr);
+    FindFilesWindow(std::shared_ptr<FileReader> reader, ContactsStore& contacts,
+                    const QStringList& folders, QWidget* parent = nullptr);
 
   Q_SIGNALS:
-    /// The user wants this transcript opened.
-    void openRequested(const QString& path);
+    /// The user wants these transcripts opened.
+    void openRequested(const QStringList& paths);
+
+  protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
 
   private:
     void buildLayout();
+    [[nodiscard]] QWidget* placesColumn();
+    void buildTable();
     void startOrStop();
     void start();
-    void showState(const QString& folder = {});
+    void showState();
     void openSelected();
 
-    QStringList folders_;
     FileWalker walker_;
     TranscriptTable table_;
     QSortFilterProxyModel sorted_;
     qint64 filesSeen_ = 0;
+    QString currentFolder_;
 
+    SearchPlaces* places_;
     QLineEdit* filter_ = nullptr;
     QCheckBox* hiddenFolders_ = nullptr;
     QPushButton* startStop_ = nullptr;

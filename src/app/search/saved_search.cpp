@@ -2,13 +2,13 @@
 #include "app/search/saved_search.h"
 
 #include <QCoreApplication>
+#include <QDesktopServices>
 #include <QDir>
 #include <QFile>
 #include <QMimeDatabase>
 #include <QStandardPaths>
 #include <QUrl>
 
-#include "app/desktop/desktop.h"
 #include "toolkit/console.h"
 
 namespace vell {
@@ -38,7 +38,7 @@ bool openSavedSearch() {
         return false;
     }
 #ifdef Q_OS_MACOS
-    return openWithDesktop(QUrl::fromLocalFile(*searchQueryPath()));
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(*searchQueryPath()));
 #else
     // No desktop here knows the format; a text editor would open it and show markup.
     return false;

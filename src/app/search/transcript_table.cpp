@@ -1,57 +1,61 @@
 // SPDX-License-Identifier: MIT
 #include "app/search/transcript_table.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
-#include <algorithm>
 #include <utility>
-#include <variant>
 
 #include "foundation/guarded.h"
+#include "identity/contacts/contacts_store.h"
+#include "identity/contacts/sender_name.h"
 #include "toolkit/shown_text.h"
 
 namespace vell {
-namespace {
 
-qint64 messageCount(const TesselChatLog& log) {
-    return std::count_if(log.events().begin(), log.events().end(), [](const auto& event) {
-        return !std::holds_alternative<TesselChatLog::NewDay>(event.value) &&
-               !std::holds_alternative<TesselChatLog::NewMinute>(event.value) &&
-               !std::holds_alternative<TesselChatLog::User>(event.value);
-    });
-}
-
-QString participants(const TesselChatLog& log) {
-    return shownList(sorted(log.otherUserIDs()),
-                     [](const TesselUserID& user) { return user.userID; });
-}
-
-}  // namespace
-
-TranscriptTable::TranscriptTable(const DocumentLoader& loader, QObject* parent)
+TranscriptTable::TranscriptTable(std::shared_ptr<FileReader> reader, ContactsStore& contacts,
+                                 QObject* parent)
     : QAbstractTableModel(parent),
-      reader_(loader.reader()),
-      queue_(loader.queue()),
-      self_(std::make_shared<TranscriptTable*>(this)) {}
+      reader_(std::move(reader)),
+      contacts_(contacts),
+      callbacks_(std::make_shared<CallbackGuard>(this)) {
+    connect(&contacts_, &ContactsStore::addressToContactChanged, this,
+            &TranscriptTable::updateNames);
+}
+
+TranscriptTable::~TranscriptTable() {
+    callbacks_->close();
+}
 
 void TranscriptTable::add(const QList<FileWalker::Found>& files) {
     if (files.isEmpty()) return;
     const int first = static_cast<int>(rows_.size());
     beginInsertRows({}, first, first + static_cast<int>(files.size()) - 1);
     for (const FileWalker::Found& file : files)
-        rows_.append({file, std::nullopt, false});
+        rows_.append({file, file.path.left(file.path.lastIndexOf(u'/') + 1), {}, {}, false});
     endInsertRows();
+    for (qsizetype row = first; row < rows_.size(); ++row)
+        updateCommonFolder(rows_[row].folder);
     if (!summarising_) summarise();
+}
+
+/// Folders are shown below the one that all files are in.
+void TranscriptTable::updateCommonFolder(const QString& folder) {
+    if (commonFolder_.isEmpty()) commonFolder_ = folder;
+    if (folder.startsWith(commonFolder_)) return;
+    while (!folder.startsWith(commonFolder_))
+        commonFolder_.truncate(commonFolder_.lastIndexOf(u'/', -2) + 1);
+    Q_EMIT dataChanged(index(0, folderColumn), index(rowCount() - 1, folderColumn));
 }
 
 void TranscriptTable::clear() {
     beginResetModel();
     rows_.clear();
+    commonFolder_.clear();
     nextSummary_ = 0;
     summarising_ = false;
-    self_ = std::make_shared<TranscriptTable*>(this);
+    callbacks_->close();
+    callbacks_ = std::make_shared<CallbackGuard>(this);
     endResetModel();
 }
 
@@ -59,36 +63,45 @@ void TranscriptTable::summarise() {
     summarising_ = nextSummary_ < rows_.size();
     if (!summarising_) return;
     const int row = nextSummary_++;
-    const std::weak_ptr<TranscriptTable*> self = self_;
-
-    const auto finish = [self, row](std::optional<Summary> summary) {
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [self, row, summary = std::move(summary)] {
-                if (const auto table = self.lock()) (*table)->setSummary(row, summary);
-            },
-            Qt::QueuedConnection);
+    const auto finish = [this, callbacks = callbacks_,
+                         row](std::optional<TranscriptSummary> summary) {
+        callbacks->post([this, callbacks, row, summary = std::move(summary)] {
+            if (callbacks == callbacks_) setSummary(row, summary);
+        });
     };
-    const auto fail = [finish] { finish(std::nullopt); };
-    foundation::runDetached(
-        [reader = reader_, queue = queue_, path = rows_[row].file.path, self, finish, fail] {
-            const auto summariseIt = [file = reader->read(path), self, finish] {
-                if (self.expired()) return;
-                if (!file->isRegularFile() || !file->contents) return finish(std::nullopt);
-                const auto log = TesselChatLog::fromData(*file->contents, file->modificationDate,
-                                                         foundation::Calendar::current());
-                finish(Summary{participants(log), messageCount(log)});
-            };
-            queue->post(LoadThread::Priority::summary, foundation::guarded(summariseIt, fail));
-        },
-        [queue = queue_, fail] { queue->post(LoadThread::Priority::summary, fail); });
+    foundation::runDetached([reader = reader_, path = rows_[row].file.path,
+                             finish] { finish(TranscriptSummary::read(*reader, path)); },
+                            [finish] { finish(std::nullopt); });
 }
 
-void TranscriptTable::setSummary(int row, std::optional<Summary> summary) {
+void TranscriptTable::setSummary(int row, std::optional<TranscriptSummary> summary) {
     rows_[row].unreadable = !summary;
+    if (summary) rows_[row].participants = participants(*summary);
     rows_[row].summary = std::move(summary);
-    Q_EMIT dataChanged(index(row, participantsColumn), index(row, messagesColumn));
+    Q_EMIT dataChanged(index(row, 0), index(row, columnCountValue - 1));
     summarise();
+}
+
+void TranscriptTable::updateNames() {
+    if (rows_.isEmpty()) return;
+    for (Row& row : rows_)
+        if (row.summary) row.participants = participants(*row.summary);
+    Q_EMIT dataChanged(index(0, participantsColumn), index(rowCount() - 1, participantsColumn));
+}
+
+QString TranscriptTable::participants(const TranscriptSummary& summary) const {
+    return shownList(summary.participants, [this](const TesselUserID& user) {
+        return shownText(senderName(user, contacts_)).simplified();
+    });
+}
+
+QString TranscriptTable::shownFolder(const Row& row) const {
+    // Of the common folder, whose files have nothing else to show, the name.
+    const qsizetype shared = row.folder.size() == commonFolder_.size()
+                                 ? commonFolder_.lastIndexOf(u'/', -2) + 1
+                                 : commonFolder_.size();
+    const QString part = row.folder.sliced(shared);
+    return part.isEmpty() ? row.folder : QDir::toNativeSeparators(part.chopped(1));
 }
 
 int TranscriptTable::rowCount(const QModelIndex& parent) const {
@@ -125,14 +138,14 @@ QVariant TranscriptTable::shown(const Row& row, int column) const {
         case nameColumn:
             return QFileInfo(row.file.path).completeBaseName();
         case folderColumn:
-            return QDir::toNativeSeparators(QFileInfo(row.file.path).path());
+            return shownFolder(row);
         case dateColumn:
-            return locale.toString(row.file.modified, QLocale::ShortFormat);
+            return row.summary && row.summary->days ? shownDays(*row.summary->days) : QString();
         case sizeColumn:
             return locale.formattedDataSize(row.file.size);
         case participantsColumn:
             if (row.unreadable) return tr("can’t be read");
-            return row.summary ? row.summary->participants : QString();
+            return row.participants;
         case messagesColumn:
             return row.summary ? locale.toString(row.summary->messages) : QString();
         default:
@@ -147,11 +160,11 @@ QVariant TranscriptTable::sortKey(const Row& row, int column) {
         case folderColumn:
             return row.file.path;
         case dateColumn:
-            return row.file.modified;
+            return row.summary && row.summary->days ? row.summary->days->first : QDate();
         case sizeColumn:
             return row.file.size;
         case participantsColumn:
-            return row.summary ? row.summary->participants : QString();
+            return row.participants;
         case messagesColumn:
             return row.summary ? row.summary->messages : qint64{-1};
         default:
@@ -167,7 +180,7 @@ QVariant TranscriptTable::headerData(int section, Qt::Orientation orientation, i
         case folderColumn:
             return tr("Folder");
         case dateColumn:
-            return tr("Date");
+            return tr("Days");
         case sizeColumn:
             return tr("Size");
         case participantsColumn:

@@ -41,12 +41,16 @@ PanelWindow* makeAboutWindow(const ApplicationInfo& info) {
     layout->addWidget(name);
     layout->addWidget(version);
     layout->addWidget(divider());
-    if (info.credits) layout->addWidget(linkLabel(*info.credits, address(InfoAddress::publisher)));
-    layout->addWidget(
-        linkLabel(PanelWindow::tr("Uses IGIdenticon."), address(InfoAddress::identiconProject)));
+    const auto addLink = [layout](const QString& text, InfoAddress leadsTo) {
+        // As wide as its text: beside it the window can be dragged.
+        layout->addWidget(linkLabel(text, address(leadsTo), QPalette::PlaceholderText), 0,
+                          Qt::AlignHCenter);
+    };
+    if (info.credits) addLink(*info.credits, InfoAddress::publisher);
+    addLink(PanelWindow::tr("Uses IGIdenticon."), InfoAddress::identiconProject);
     if (info.copyright) {
         layout->addWidget(divider());
-        layout->addWidget(linkLabel(*info.copyright, address(InfoAddress::publisher)));
+        addLink(*info.copyright, InfoAddress::publisher);
     }
     layout->addStretch();
     return window;

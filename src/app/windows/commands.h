@@ -28,8 +28,8 @@ class Commands {
     virtual void showAbout() = 0;
     virtual void showPreferences() = 0;
     virtual void quit() = 0;
-    /// The windows of open transcripts, oldest first.
-    [[nodiscard]] virtual QWidgetList documentWindows() const = 0;
+    /// All open windows: first those of transcripts, oldest first.
+    [[nodiscard]] virtual QWidgetList windows() const = 0;
 };
 
 }  // namespace vell

@@ -6,6 +6,7 @@
 #include <QMenuBar>
 
 #include "app/desktop/desktop.h"
+#include "app/desktop/opening.h"
 #include "app/desktop/recent_files.h"
 #include "app/windows/commands.h"
 #include "toolkit/application_info.h"
@@ -78,16 +79,31 @@ void addClosingCommands(QMenu& menu, Commands& commands, QWidget& window) {
     })->setMenuRole(QAction::QuitRole);
 }
 
+void addWindowMenu(QMenuBar& menuBar, Commands& commands, QWidget& window) {
+    QMenu& menu = *menuBar.addMenu(Commands::tr("&Window"));
+    QObject::connect(&menu, &QMenu::aboutToShow, &menu, [&menu, &commands, &window] {
+        menu.clear();
+        int number = 0;
+        for (QWidget* other : commands.windows()) {
+            const QString key = ++number < 10 ? QStringLiteral("&%1 ").arg(number) : QString();
+            QAction* action = menu.addAction(key + menuText(other->windowTitle()));
+            QObject::connect(action, &QAction::triggered, other, [other] { bringToFront(*other); });
+            if (other == &window) menu.setDefaultAction(action);
+        }
+    });
+}
+
 void addHelpMenu(QMenuBar& menuBar, Commands& commands) {
     QMenu& help = *menuBar.addMenu(Commands::tr("&Help"));
     const QString name = applicationInfo().appName;
     addCommand(help, Commands::tr("%1 &Help").arg(name), keysFor(QKeySequence::HelpContents),
-               [] { openWithDesktop(QUrl(address(InfoAddress::support))); });
+               [&menuBar] { openWithDesktop(QUrl(address(InfoAddress::support)), menuBar); });
     help.addSeparator();
     addCommand(help, Commands::tr("About %1 …").arg(name), {}, [&commands] {
         commands.showAbout();
     })->setMenuRole(QAction::AboutRole);
-    addCommand(help, Commands::tr("Report Bug …"), {}, [] { openWithDesktop(reportBug()); });
+    addCommand(help, Commands::tr("Report Bug …"), {},
+               [&menuBar] { openWithDesktop(reportBug(), menuBar); });
 }
 
 void addClosingShortcuts(QWidget& window) {

@@ -33,6 +33,9 @@ void addOpeningCommands(QMenu& menu, Commands& commands, RecentFiles& recentFile
 /// "Preferences …", "Close", "Quit".
 void addClosingCommands(QMenu& menu, Commands& commands, QWidget& window);
 
+/// The Window menu: every open window, the first nine with a number as their access key.
+void addWindowMenu(QMenuBar& menuBar, Commands& commands, QWidget& window);
+
 /// The Help menu: help, About, "Report Bug …".
 void addHelpMenu(QMenuBar& menuBar, Commands& commands);
 

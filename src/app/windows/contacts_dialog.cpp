@@ -22,7 +22,7 @@ void ContactsDialog::ask(Answered answer) {
         places.append(QStringLiteral("• ") + QDir::toNativeSeparators(folder));
     places.append(tr("• the desktop’s address books (Evolution)"));
 
-    box_ = new QMessageBox(QMessageBox::Question, QApplication::applicationDisplayName(),
+    box_ = new QMessageBox(QMessageBox::Question, tr("Access to Your Contacts"),
                            tr("Vell would like to read your contacts to show names and pictures "
                               "instead of chat addresses."),
                            QMessageBox::NoButton, QApplication::activeWindow());

@@ -2,7 +2,6 @@
 #include "app/windows/font_size.h"
 
 #include <QString>
-#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -11,9 +10,6 @@
 
 namespace vell {
 namespace {
-
-constexpr qint64 smallestPainted = 4;
-constexpr qint64 largestPainted = 288;
 
 /// The size with its fraction dropped.
 qint64 wholePoints(double size) {
@@ -45,19 +41,6 @@ qint64 fontSizeAfter(FontAction action, qint64 fontSize, double panelPointSize) 
     }
     foundation::print(QStringLiteral("CHANGE FONT: ") + QString::number(int(action)));
     return fontSize;
-}
-
-FontAction panelAction(const QFont& before, const QFont& after) {
-    if (before.pointSizeF() != after.pointSizeF()) return FontAction::viaPanel;
-    const int traitsBefore = int(before.bold()) + int(before.italic());
-    const int traitsAfter = int(after.bold()) + int(after.italic());
-    if (traitsAfter > traitsBefore) return FontAction::addTrait;
-    if (traitsAfter < traitsBefore) return FontAction::removeTrait;
-    return FontAction::noChange;
-}
-
-double paintableFontSize(qint64 fontSize) {
-    return static_cast<double>(std::clamp(fontSize, smallestPainted, largestPainted));
 }
 
 }  // namespace vell

@@ -4,8 +4,7 @@
 // What font commands do to the timeline's font size: steps of one, any size from the font panel, no
 // bounds; arithmetic that overflows stops the program.
 
-#include <QFont>
-#include <optional>
+#include <QtGlobal>
 
 namespace vell {
 
@@ -24,11 +23,5 @@ enum class FontAction : int {
 /// The size after the action; prints a line for actions that change nothing. `panelPointSize` is
 /// the size of the panel's selected font, used for viaPanel alone.
 [[nodiscard]] qint64 fontSizeAfter(FontAction action, qint64 fontSize, double panelPointSize);
-
-/// What the user did in the font panel, derived from the font before and after.
-[[nodiscard]] FontAction panelAction(const QFont& before, const QFont& after);
-
-/// The nearest size that fonts and layouts can handle, whatever the setting is.
-[[nodiscard]] double paintableFontSize(qint64 fontSize);
 
 }  // namespace vell

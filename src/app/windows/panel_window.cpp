@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/windows/panel_window.h"
 
+#include <QApplication>
 #include <QCloseEvent>
-#include <QGuiApplication>
 #include <QMouseEvent>
 #include <QScreen>
 #include <QSettings>
@@ -26,6 +26,10 @@ PanelWindow::PanelWindow(QString frameName, QSize contentSize, Sizing sizing)
                            Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint),
       frameName_(std::move(frameName)) {
     addClosingShortcuts(*this);
+    auto* escape = new QAction(this);
+    escape->setShortcut(Qt::Key_Escape);
+    connect(escape, &QAction::triggered, this, &QWidget::close);
+    addAction(escape);
     resize(contentSize);
     if (sizing == Sizing::fixed) setFixedSize(contentSize);
     if (restoreWindow(*this, QSettings().value(frameKey(frameName_)).toByteArray())) return;
@@ -35,12 +39,16 @@ PanelWindow::PanelWindow(QString frameName, QSize contentSize, Sizing sizing)
 }
 
 void PanelWindow::mousePressEvent(QMouseEvent* event) {
-    QWindow* window = windowHandle();
-    if (event->button() == Qt::LeftButton && window && window->startSystemMove()) {
-        event->accept();
-        return;
-    }
-    QWidget::mousePressEvent(event);
+    pressedAt_ = event->globalPosition().toPoint();
+}
+
+// Not at the press: the desktop would take over the mouse, and a click would never end.
+void PanelWindow::mouseMoveEvent(QMouseEvent* event) {
+    if (event->buttons() != Qt::LeftButton || !pressedAt_) return;
+    const QPoint way = event->globalPosition().toPoint() - *pressedAt_;
+    if (way.manhattanLength() < QApplication::startDragDistance()) return;
+    pressedAt_.reset();  // asked for twice, the second move begins when the button is up again
+    windowHandle()->startSystemMove();
 }
 
 void PanelWindow::closeEvent(QCloseEvent* event) {

@@ -5,6 +5,7 @@
 // under a name, the base of the About and load-log windows.
 
 #include <QWidget>
+#include <optional>
 
 namespace vell {
 
@@ -19,10 +20,12 @@ class PanelWindow : public QWidget {
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
   private:
     QString frameName_;
+    std::optional<QPoint> pressedAt_;
 };
 
 }  // namespace vell

@@ -25,6 +25,7 @@ PreferencesWindow::PreferencesWindow(Settings& settings, ContactsStore& contacts
     setObjectName(QStringLiteral("preferences"));
     setWindowTitle(tr("Preferences"));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    buttons->button(QDialogButtonBox::Close)->setDefault(true);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(contactsBox());
@@ -60,6 +61,8 @@ QWidget* PreferencesWindow::contactsBox() {
     auto* addFiles = new QPushButton(tr("Add &Files …"));
     auto* addFolder = new QPushButton(tr("Add F&older …"));
     auto* remove = new QPushButton(tr("&Remove"));
+    for (QPushButton* button : {addFiles, addFolder, remove})
+        button->setAutoDefault(false);  // Return closes the window
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(addFiles);
     buttons->addWidget(addFolder);

@@ -7,88 +7,141 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
+#include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 #include "app/desktop/recent_files.h"
 #include "app/windows/commands.h"
 #include "app/windows/common_commands.h"
+#include "app/windows/sample_chat.h"
 #include "app/windows/widgets.h"
 
 namespace vell {
 namespace {
 
 constexpr int padding = 24;
-constexpr QSize iconSize(96, 96);
+constexpr int sampleWidth = 280;
+constexpr QSize iconSize(72, 72);
+
+/// Where files may be dropped, as they may anywhere else in the window.
+class DropPlace final : public QLabel {
+  public:
+    DropPlace() : QLabel(WelcomeWindow::tr("Drop transcripts or folders here")) {
+        setAlignment(Qt::AlignCenter);
+        setForegroundRole(QPalette::PlaceholderText);
+        setMinimumHeight(72);
+    }
+
+  protected:
+    void paintEvent(QPaintEvent* event) override {
+        QLabel::paintEvent(event);
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QColor line = palette().color(QPalette::WindowText);
+        line.setAlphaF(0.3F);
+        painter.setPen(QPen(line, 1.5, Qt::DashLine));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 10, 10);
+    }
+};
 
 }  // namespace
 
-WelcomeWindow::WelcomeWindow(Commands& commands, RecentFiles& recentFiles)
+WelcomeWindow::WelcomeWindow(Commands& commands, RecentFiles& recentFiles, ContactsStore& contacts,
+                             PictureCache& pictures)
     : QWidget(nullptr, Qt::Window), commands_(commands), recentFiles_(recentFiles) {
     setObjectName(QStringLiteral("welcomeWindow"));
     setWindowTitle(tr("Welcome to Vell"));
-    resize(620, 400);
+    resize(800, 520);
 
+    auto* sample = new QWidget;
+    sample->setFixedWidth(sampleWidth);
+    sample->setAutoFillBackground(true);
+    sample->setBackgroundRole(QPalette::Base);
+    auto* sampleLayout = new QVBoxLayout(sample);
+    sampleLayout->setContentsMargins(0, padding, 0, 0);
+    sampleLayout->addWidget(sampleChat(contacts, pictures));
+    auto* column = new QVBoxLayout;
+    column->setContentsMargins(padding, padding, padding, padding);
+    column->setSpacing(padding / 2);
+    column->addLayout(introduction());
+    column->addSpacing(padding / 2);
+    column->addLayout(commandRow());
+    column->addSpacing(padding / 2);
+    column->addWidget(secondaryLabel(tr("Recent transcripts")));
+    column->addWidget(recentList(), 1);
+    column->addWidget(new DropPlace);
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(sample);
+    layout->addLayout(column, 1);
+    buildMenus(*layout);
+    connect(&recentFiles_, &RecentFiles::changed, this, &WelcomeWindow::fill);
+    fill();
+}
+
+void WelcomeWindow::buildMenus(QLayout& layout) {
     auto* menuBar = new QMenuBar;
     QMenu& file = *menuBar->addMenu(tr("&File"));
     addOpeningCommands(file, commands_, recentFiles_, *this);
     file.addSeparator();
     addClosingCommands(file, commands_, *this);
+    addWindowMenu(*menuBar, commands_, *this);
     addHelpMenu(*menuBar, commands_);
-
-    auto* layout = new QHBoxLayout(this);
-    layout->setMenuBar(menuBar);
-    layout->setContentsMargins(padding, padding, padding, padding);
-    layout->setSpacing(padding);
-    layout->addWidget(commandColumn(), 2);
-    layout->addWidget(recentColumn(), 3);
-    connect(&recentFiles_, &RecentFiles::changed, this, &WelcomeWindow::fill);
-    fill();
+    layout.setMenuBar(menuBar);
 }
 
-QWidget* WelcomeWindow::commandColumn() {
+QLayout* WelcomeWindow::introduction() {
     auto* icon = new QLabel;
     icon->setPixmap(QApplication::windowIcon().pixmap(iconSize));
     auto* title = new QLabel(tr("Welcome to Vell"));
     QFont large = title->font();
-    large.setPointSizeF(large.pointSizeF() * 1.8);
+    large.setPointSizeF(large.pointSizeF() * 2);
     large.setBold(true);
     title->setFont(large);
     QLabel* explanation =
         secondaryLabel(tr("Vell opens chat transcripts (“.ichat”) and never changes them."));
     explanation->setWordWrap(true);
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(4);
+    texts->addStretch();
+    texts->addWidget(title);
+    texts->addWidget(explanation);
+    texts->addStretch();
+    auto* row = new QHBoxLayout;
+    row->setSpacing(padding * 2 / 3);
+    row->addWidget(icon);
+    row->addLayout(texts, 1);
+    return row;
+}
+
+QLayout* WelcomeWindow::commandRow() {
     auto* open = new QPushButton(tr("&Open …"));
     open->setDefault(true);
     auto* find = new QPushButton(tr("F&ind iChat Files …"));
-    find->setVisible(commands_.offersFindFiles());
     connect(open, &QPushButton::clicked, this, [this] { commands_.showOpenDialog(this); });
     connect(find, &QPushButton::clicked, this, [this] { commands_.findFiles(); });
-
-    auto* column = new QWidget;
-    auto* layout = new QVBoxLayout(column);
-    layout->setContentsMargins({});
-    layout->addWidget(icon, 0, Qt::AlignHCenter);
-    layout->addWidget(title, 0, Qt::AlignHCenter);
-    layout->addWidget(explanation);
-    layout->addStretch();
-    layout->addWidget(open);
-    layout->addWidget(find);
-    return column;
+    auto* row = new QHBoxLayout;
+    row->setSpacing(padding / 2);
+    for (QPushButton* button : {open, find}) {
+        button->setMinimumHeight(button->sizeHint().height() + 6);
+        row->addWidget(button, 1);
+    }
+    find->setVisible(commands_.offersFindFiles());
+    return row;
 }
 
-QWidget* WelcomeWindow::recentColumn() {
+QWidget* WelcomeWindow::recentList() {
     list_ = new QListWidget;
     list_->setAccessibleName(tr("Recent transcripts"));
-    list_->setFrameShape(QFrame::NoFrame);
+    list_->setTextElideMode(Qt::ElideMiddle);
+    list_->setIconSize(QSize(24, 24));
+    list_->setSpacing(2);
     connect(list_, &QListWidget::itemActivated, this, [this](const QListWidgetItem* item) {
         commands_.open({item->data(Qt::UserRole).toString()});
     });
-    auto* column = new QWidget;
-    auto* layout = new QVBoxLayout(column);
-    layout->setContentsMargins({});
-    layout->addWidget(secondaryLabel(tr("Recent transcripts")));
-    layout->addWidget(list_, 1);
-    return column;
+    return list_;
 }
 
 void WelcomeWindow::fill() {
@@ -96,6 +149,7 @@ void WelcomeWindow::fill() {
     for (const QString& path : recentFiles_.paths()) {
         const QFileInfo file(path);
         auto* item = new QListWidgetItem(file.completeBaseName(), list_);
+        item->setIcon(QApplication::windowIcon());
         item->setToolTip(QDir::toNativeSeparators(path));
         item->setData(Qt::UserRole, path);
     }

@@ -1,27 +1,33 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// What the program shows when it is started without a file: recent transcripts, and the commands
-// that find others.
+// What the program shows when it is started without a file: what chats look like, the commands that
+// find some, recent ones, and a place to drop others.
 
+#include <QLayout>
 #include <QListWidget>
 #include <QWidget>
 
 namespace vell {
 
 class Commands;
+class ContactsStore;
+class PictureCache;
 class RecentFiles;
 
 class WelcomeWindow final : public QWidget {
     Q_OBJECT
 
   public:
-    WelcomeWindow(Commands& commands, RecentFiles& recentFiles);
+    WelcomeWindow(Commands& commands, RecentFiles& recentFiles, ContactsStore& contacts,
+                  PictureCache& pictures);
 
   private:
+    void buildMenus(QLayout& layout);
     void fill();
-    [[nodiscard]] QWidget* commandColumn();
-    [[nodiscard]] QWidget* recentColumn();
+    [[nodiscard]] QLayout* introduction();
+    [[nodiscard]] QLayout* commandRow();
+    [[nodiscard]] QWidget* recentList();
 
     Commands& commands_;
     RecentFiles& recentFiles_;

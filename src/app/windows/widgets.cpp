@@ -3,29 +3,65 @@
 
 #include <QCoreApplication>
 #include <QEvent>
-#include <QPalette>
+#include <QMouseEvent>
 #include <QUrl>
 
-#include "app/desktop/desktop.h"
+#include "app/desktop/opening.h"
 #include "toolkit/application_info.h"
 
 namespace vell {
 namespace {
 
-/// Keeps its text in the placeholder colour of the palette, even if that changes.
-class SecondaryLabel final : public QLabel {
+/// Rich text has its colours written into it, so it is written anew for another palette.
+class LinkLabel final : public QLabel {
   public:
-    explicit SecondaryLabel(const QString& text) : QLabel(text) { setTextFormat(Qt::PlainText); }
+    LinkLabel(const QString& text, const QString& address, QPalette::ColorRole color)
+        : text_(text.toHtmlEscaped()), address_(address.toHtmlEscaped()), color_(color) {
+        setTextFormat(Qt::RichText);
+        setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+        setAlignment(Qt::AlignCenter);
+        setToolTip(address);
+        setAccessibleName(text);
+        write();
+        connect(this, &QLabel::linkActivated, this,
+                [this](const QString& link) { openWithDesktop(QUrl(link), *window()); });
+    }
 
   protected:
     void changeEvent(QEvent* event) override {
         QLabel::changeEvent(event);
-        if (event->type() == QEvent::PaletteChange) update();
+        if (event->type() == QEvent::PaletteChange) write();
     }
-    void showEvent(QShowEvent* event) override {
-        setForegroundRole(QPalette::PlaceholderText);
-        QLabel::showEvent(event);
+    /// The window would take the press for the start of a drag.
+    void mousePressEvent(QMouseEvent* event) override {
+        QLabel::mousePressEvent(event);
+        event->accept();
     }
+    /// A second quick click is a click as well.
+    void mouseDoubleClickEvent(QMouseEvent* event) override {
+        QMouseEvent press(QEvent::MouseButtonPress, event->position(), event->globalPosition(),
+                          event->button(), event->buttons(), event->modifiers());
+        mousePressEvent(&press);
+    }
+
+  private:
+    void write() {
+        setText(QStringLiteral("<a style=\"color: %1\" href=\"%2\">%3</a>")
+                    .arg(opaque(palette().color(color_)).name(), address_, text_));
+    }
+    [[nodiscard]] QColor opaque(QColor color) const {
+        const QColor below = palette().color(QPalette::Window);
+        const auto mixed = [share = color.alphaF()](float above, float below) {
+            return above * share + below * (1 - share);
+        };
+        return QColor::fromRgbF(mixed(color.redF(), below.redF()),
+                                mixed(color.greenF(), below.greenF()),
+                                mixed(color.blueF(), below.blueF()));
+    }
+
+    QString text_;
+    QString address_;
+    QPalette::ColorRole color_;
 };
 
 }  // namespace
@@ -35,20 +71,14 @@ QString versionLine(const ApplicationInfo& info) {
 }
 
 QLabel* secondaryLabel(const QString& text) {
-    return new SecondaryLabel(text);
+    auto* label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);
+    label->setForegroundRole(QPalette::PlaceholderText);
+    return label;
 }
 
-QLabel* linkLabel(const QString& text, const QString& address) {
-    auto* label = new QLabel(
-        QStringLiteral("<a href=\"%1\">%2</a>").arg(address.toHtmlEscaped(), text.toHtmlEscaped()));
-    label->setTextFormat(Qt::RichText);
-    label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
-    label->setAlignment(Qt::AlignCenter);
-    label->setToolTip(address);
-    label->setAccessibleName(text);
-    QObject::connect(label, &QLabel::linkActivated, label,
-                     [](const QString& link) { openWithDesktop(QUrl(link)); });
-    return label;
+QLabel* linkLabel(const QString& text, const QString& address, QPalette::ColorRole color) {
+    return new LinkLabel(text, address, color);
 }
 
 QFrame* divider() {

@@ -5,6 +5,7 @@
 
 #include <QFrame>
 #include <QLabel>
+#include <QPalette>
 #include <QString>
 
 namespace vell {
@@ -19,8 +20,9 @@ inline constexpr int defaultPadding = 16;  // points
 /// A label in the palette's secondary label colour, following palette changes.
 [[nodiscard]] QLabel* secondaryLabel(const QString& text);
 
-/// A label that opens the address when clicked or pressed.
-[[nodiscard]] QLabel* linkLabel(const QString& text, const QString& address);
+/// A label that opens the address when clicked or pressed, in the palette's colour of that role.
+[[nodiscard]] QLabel* linkLabel(const QString& text, const QString& address,
+                                QPalette::ColorRole color = QPalette::Link);
 
 /// A horizontal line between two parts of a window.
 [[nodiscard]] QFrame* divider();

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "app/windows/icons.h"
+
+#include <QGuiApplication>
+#include <QIconEngine>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPalette>
+
+namespace vell {
+namespace {
+
+constexpr qreal gridSize = 16;
+
+/// Draws lines on a grid of 16 points, scaled to the icon's size.
+class LineIcon final : public QIconEngine {
+  public:
+    explicit LineIcon(QPainterPath lines) : lines_(std::move(lines)) {}
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
+        const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
+        const auto role =
+            mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::ButtonText;
+        const qreal scale = std::min(rect.width(), rect.height()) / gridSize;
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(QPen(QGuiApplication::palette().color(group, role), 1.2, Qt::SolidLine,
+                             Qt::RoundCap, Qt::RoundJoin));
+        painter->translate(rect.center() + QPointF(0.5, 0.5) - QPointF(8, 8) * scale);
+        painter->scale(scale, scale);
+        painter->drawPath(lines_);
+        painter->restore();
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        QPixmap pixmap(size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        paint(&painter, pixmap.rect(), mode, state);
+        return pixmap;
+    }
+    [[nodiscard]] QIconEngine* clone() const override { return new LineIcon(lines_); }
+
+  private:
+    QPainterPath lines_;
+};
+
+}  // namespace
+
+QIcon copyIcon() {
+    QPainterPath lines;
+    lines.addRoundedRect(QRectF(5.5, 5, 8, 9.5), 1.5, 1.5);
+    lines.moveTo(3.5, 11);  // the sheet behind it
+    lines.quadTo(2.5, 11, 2.5, 9.5);
+    lines.lineTo(2.5, 3);
+    lines.quadTo(2.5, 1.5, 4, 1.5);
+    lines.lineTo(9, 1.5);
+    lines.quadTo(10.5, 1.5, 10.5, 3);
+    return QIcon(new LineIcon(std::move(lines)));
+}
+
+}  // namespace vell
