@@ -382,6 +382,10 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <source>Font size: %1, shown as %2</source>
         <translation>Schriftgröße: %1, dargestellt als %2</translation>
     </message>
+    <message>
+        <source>Copied the whole chat: %1 characters</source>
+        <translation>Ganzer Chat kopiert: %1 Zeichen</translation>
+    </message>
 </context>
 <context>
     <name>vell::FindBar</name>

@@ -123,6 +123,12 @@ TEST_F(OtherWindows, PreferencesKeepContactsAndTheirFiles) {
     EXPECT_TRUE(allow->isChecked());
     allow->click();
     EXPECT_FALSE(QSettings().value(u"ContactsAccess"_s, true).toBool());
+    QStringList keys;
+    for (const auto* of : preferences->findChildren<QAbstractButton*>()) {
+        const QString key = QKeySequence::mnemonic(of->text()).toString();
+        if (!key.isEmpty()) EXPECT_FALSE(keys.contains(key)) << of->text().toStdString();
+        keys.append(key);
+    }
     QTest::keyClick(openWindow("preferences"), Qt::Key_Return);
     EXPECT_FALSE(openWindow("preferences")) << "Return closes";
 }

@@ -95,6 +95,7 @@ class Visit:
         wait_for(copied, "something on the clipboard")
         assert copied() == expected, "what was copied differs from what is exported"
         assert self.desktop.run("xclip", "-o", "-selection", "clipboard") == expected
+        a11y.wait_find(self.window, "status bar", a11y.holding("Copied the whole chat"))
 
     def open_second(self):
         second = self.desktop.start(self.vell, self.umbrellas)
@@ -124,6 +125,7 @@ class Visit:
     def name_people(self):
         assert not a11y.windows(None, a11y.holding("Jonas Holm"))
         a11y.press(a11y.wait_find(self.window, "button", a11y.named("Grant or Deny")))
+        a11y.window(a11y.named("Access to Your Contacts"))
         allow = wait_for(lambda: next(
             (button for window in a11y.windows() if
              (button := a11y.find(window, "button", a11y.named("Allow")))), None), "the question")

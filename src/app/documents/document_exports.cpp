@@ -58,6 +58,7 @@ void DocumentWindow::copyWholeChat() {
     item->setText(text);
     item->setData(markdownType.mimeName.toString(), text.toUtf8());
     QGuiApplication::clipboard()->setMimeData(item);
+    showNotice(tr("Copied the whole chat: %1 characters").arg(locale().toString(text.size())));
 }
 
 void DocumentWindow::saveAsMarkdown() {

@@ -166,10 +166,13 @@ void DocumentWindow::showFontSize(qint64 points) {
     timeline_->setFontSize(points);
     const int painted = timeline_->context().fonts.message.pixelSize();
     const QString size = locale().toString(points);
-    statusBar()->showMessage(
-        painted == points ? tr("Font size: %1").arg(size)
-                          : tr("Font size: %1, shown as %2").arg(size, locale().toString(painted)),
-        noticeDuration);
+    showNotice(painted == points
+                   ? tr("Font size: %1").arg(size)
+                   : tr("Font size: %1, shown as %2").arg(size, locale().toString(painted)));
+}
+
+void DocumentWindow::showNotice(const QString& text) {
+    statusBar()->showMessage(text, noticeDuration);
 }
 
 void DocumentWindow::updateTitles() {

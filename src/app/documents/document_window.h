@@ -72,6 +72,8 @@ class DocumentWindow final : public QMainWindow {
     void loaded(const DocumentLoader::Result& result);
     void updateTitles();
     void showFontSize(qint64 points);
+    /// Says in the status bar, for some seconds, what has been done.
+    void showNotice(const QString& text);
     void restorePlace();
 
     /// Copies the selection, or the whole chat without one.
