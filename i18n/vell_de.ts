@@ -386,6 +386,10 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <source>Copied the whole chat: %1 characters</source>
         <translation>Ganzer Chat kopiert: %1 Zeichen</translation>
     </message>
+    <message>
+        <source>Time zone: %1</source>
+        <translation>Zeitzone: %1</translation>
+    </message>
 </context>
 <context>
     <name>vell::FindBar</name>
@@ -901,6 +905,32 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     <message>
         <source>Picture %1</source>
         <translation>Bild %1</translation>
+    </message>
+</context>
+<context>
+    <name>vell::TimeZoneDialog</name>
+    <message>
+        <source>Time Zone</source>
+        <translation>Zeitzone</translation>
+    </message>
+    <message>
+        <source>City or region</source>
+        <translation>Stadt oder Region</translation>
+    </message>
+</context>
+<context>
+    <name>vell::TimeZoneMenu</name>
+    <message>
+        <source>Time &amp;Zone</source>
+        <translation>&amp;Zeitzone</translation>
+    </message>
+    <message>
+        <source>&amp;As on This Computer</source>
+        <translation>&amp;Wie auf diesem Computer</translation>
+    </message>
+    <message>
+        <source>&amp;Other …</source>
+        <translation>&amp;Andere …</translation>
     </message>
 </context>
 <context>

@@ -11,6 +11,7 @@
 
 #include "app/desktop/desktop.h"
 #include "app/desktop/secondary_text.h"
+#include "app/documents/dates/time_zones.h"
 #include "app/documents/document_window.h"
 #include "app/documents/load_log_window.h"
 #include "app/documents/open_failures.h"
@@ -52,6 +53,8 @@ Application::Application(std::shared_ptr<FileReader> reader)
     : loader_(reader ? std::move(reader) : std::make_shared<DiskFileReader>(), loadThread_.queue(),
               presentLoadLogWindowIfNecessary) {
     repairSecondaryText();
+    if (!settings_.timeZone().isEmpty()) useTimeZone(settings_.timeZone());
+    connect(&settings_, &Settings::timeZoneChanged, this, &useTimeZone);
     openContacts();
     connect(&instance_, &SingleInstance::received, this, [this](const QStringList& paths) {
         if (!paths.isEmpty()) {

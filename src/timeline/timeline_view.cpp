@@ -90,6 +90,13 @@ int TimelineView::viewportHeight() const {
     return static_cast<int>(viewport()->height() * ratio());
 }
 
+void TimelineView::setChatlog(std::shared_ptr<const TesselChatLog> chatlog) {
+    gifPlayer_->stop();
+    selection_->setChatlog(chatlog);
+    layout_.setChatlog(std::move(chatlog));
+    if (isBuilt_) rebuild();
+}
+
 void TimelineView::setFontSize(qint64 points) {
     if (points == fontSize_) return;
     fontSize_ = points;

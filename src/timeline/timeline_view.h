@@ -44,6 +44,8 @@ class TimelineView final : public QAbstractScrollArea {
     [[nodiscard]] std::shared_ptr<const TesselChatLog> sharedChatlog() const {
         return layout_.sharedChatlog();
     }
+    /// Shows the same messages with other marks of days and minutes; the place is kept.
+    void setChatlog(std::shared_ptr<const TesselChatLog> chatlog);
     /// In points; any number, brought to the nearest that a font can have.
     void setFontSize(qint64 points);
     [[nodiscard]] qint64 fontSize() const { return fontSize_; }

@@ -220,6 +220,12 @@ void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& c
     ++all.generation;
 }
 
+foundation::Calendar sharedCalendar() {
+    Prototypes& all = prototypes();
+    const std::lock_guard lock(all.lock);
+    return all.calendar.forgetful();
+}
+
 bool isKnownLocale(const QByteArray& locale) {
     if (locale.isEmpty()) return false;
     const QByteArray name = icuLocale(locale);

@@ -58,6 +58,9 @@ class DateFormatter {
 /// now on follows, on each thread from its next call above.
 void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& calendar);
 
+/// The calendar of the shared formatters' time zone, for the caller's thread.
+[[nodiscard]] foundation::Calendar sharedCalendar();
+
 /// Whether ICU has data for the locale; for unknown ones it silently falls back to another.
 [[nodiscard]] bool isKnownLocale(const QByteArray& locale);
 /// Whether this is the name of a time zone or a rule with its offset; a bare abbreviation such as

@@ -143,6 +143,9 @@ class TesselChatLog {
         return index < continuations_.size() && continuations_[index];
     }
 
+    /// The same messages with their days and minutes marked anew, as a clock elsewhere showed them.
+    [[nodiscard]] TesselChatLog markedIn(const foundation::Calendar& calendar) const;
+
     /// Compares all of the above except where messages end.
     friend bool operator==(const TesselChatLog& a, const TesselChatLog& b) {
         return a.serviceID_ == b.serviceID_ && a.ownUserID_ == b.ownUserID_ &&

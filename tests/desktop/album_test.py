@@ -110,6 +110,25 @@ class Album:
         self.keys("bob", "F9")
         wait_for(lambda: not a11y.find(self.window, "table"), "the pane to close")
 
+    def look_from_elsewhere(self):
+        """In Tokyo these evenings are mornings."""
+        self.keys("bob", "ctrl+Home", "alt+v", "z", "o")
+        dialog = a11y.window(a11y.named("Time Zone"), "dialog")
+        a11y.wait_find(dialog, "text", a11y.named("City or region"))
+        self.desktop.run("xdotool", "type", "--delay", "5", "toky")
+        self.desktop.run("xdotool", "key", "Return")
+        self.wait_top("Oct 4, 2005, 6:10")
+        a11y.wait_find(self.window, "label", a11y.named("Time zone: Tokyo"))
+        wait_for(lambda: self.desktop.setting("TimeZone") == "Asia/Tokyo", "the zone to be kept")
+        # Exports follow.
+        self.keys("bob", "ctrl+shift+c")
+        wait_for(lambda: b"Oct 4, 2005" in (copied := self.desktop.run(
+            "xclip", "-o", "-selection", "clipboard")) and b"Oct 3," not in copied, "Tokyo's days")
+        self.keys("bob", "alt+v", "z", "a")
+        self.wait_top("Oct 3, 2005, 11:10")
+        wait_for(lambda: not a11y.find(self.window, "label", a11y.holding("Time zone")),
+                 "the zone to leave the status bar")
+
 
 need("xclip")
 need_accessibility()
@@ -117,4 +136,5 @@ with Desktop() as desktop:
     a11y = desktop.accessible()
     album = Album(desktop, *sys.argv[1:3])
     a11y.play(album.start, album.step_by_days, album.go_to_date,
-              album.look_at_pictures, album.open_link, album.look_at_what_was_shared)
+              album.look_at_pictures, album.open_link, album.look_at_what_was_shared,
+              album.look_from_elsewhere)

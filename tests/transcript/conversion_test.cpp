@@ -87,6 +87,11 @@ TEST(Conversion, MarkersBetweenMessages) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         EXPECT_EQ(summary(convert(root(u"AIM"_s, row.messages), row.zone)), row.events);
+        const auto calendar = foundation::Calendar::named(row.zone);
+        for (const char* zone : {"UTC", "Asia/Kolkata", "Pacific/Kiritimati"}) {
+            const TesselChatLog elsewhere = convert(root(u"AIM"_s, row.messages), zone);
+            EXPECT_EQ(summary(elsewhere.markedIn(*calendar)), row.events) << "from " << zone;
+        }
     }
 }
 
@@ -173,10 +178,12 @@ TEST(Conversion, RunsOfOneMessageAreKeptTogether) {
                                 message(nullptr, std::nullopt, std::nullopt, once),
                                 message(nullptr, std::nullopt, std::nullopt, once),
                                 message(nullptr, std::nullopt, u"y"_s)}));
-    std::string joined;
-    for (std::size_t i = 0; i < log.events().size(); ++i)
-        joined += log.continuesMessage(i) ? '+' : '|';
-    EXPECT_EQ(joined, "||++|++|||+|+|") << "the ninth is the marker";
+    for (const TesselChatLog& each : {log, log.markedIn(foundation::Calendar(QTimeZone::utc()))}) {
+        std::string joined;
+        for (std::size_t i = 0; i < each.events().size(); ++i)
+            joined += each.continuesMessage(i) ? '+' : '|';
+        EXPECT_EQ(joined, "||++|++|||+|+|") << "the ninth is the marker";
+    }
     const TesselChatLog borderless(log.serviceID(), log.ownUserID(), log.otherUserIDs(),
                                    log.events());
     EXPECT_EQ(borderless, log);
@@ -247,6 +254,7 @@ TEST(Conversion, EmptyTranscripts) {
 
     const TesselChatLog bare = convert(root(QString(), {}));
     EXPECT_THAT(summary(bare), ElementsAre("text The chatlog is empty."));
+    EXPECT_EQ(bare.markedIn(foundation::Calendar(QTimeZone::utc())), bare);
     EXPECT_LT(std::abs(bare.events()[0].timestamp.secondsSinceReferenceDate -
                        Date::now().secondsSinceReferenceDate),
               60);

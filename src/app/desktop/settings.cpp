@@ -11,10 +11,13 @@ namespace {
 
 constexpr qint64 defaultTimelineFontSize = 16;
 constexpr int rememberedPlaces = 500;
+constexpr qsizetype rememberedTimeZones = 5;
 const QString fontSizeKey = QStringLiteral("TimelineFontSize");
 const QString restoresWindowsKey = QStringLiteral("RestoreWindows");
 const QString lastWindowsKey = QStringLiteral("LastWindows");
 const QString contactsFilesKey = QStringLiteral("ContactsFiles");
+const QString timeZoneKey = QStringLiteral("TimeZone");
+const QString recentTimeZonesKey = QStringLiteral("RecentTimeZones");
 const QString placesOrderKey = QStringLiteral("WindowPlaces/Order");
 
 /// A settings key can't contain the separators of a path.
@@ -51,6 +54,26 @@ void Settings::setTimelineFontSize(qint64 points) {
     if (points == timelineFontSize()) return;
     store_.setValue(fontSizeKey, points);
     Q_EMIT timelineFontSizeChanged(points);
+}
+
+QString Settings::timeZone() const {
+    return store_.value(timeZoneKey).toString();
+}
+
+void Settings::setTimeZone(const QString& zone) {
+    if (zone == timeZone()) return;
+    store_.setValue(timeZoneKey, zone);
+    if (!zone.isEmpty()) {
+        QStringList recent = recentTimeZones();
+        recent.removeAll(zone);
+        recent.prepend(zone);
+        store_.setValue(recentTimeZonesKey, recent.mid(0, rememberedTimeZones));
+    }
+    Q_EMIT timeZoneChanged(zone);
+}
+
+QStringList Settings::recentTimeZones() const {
+    return store_.value(recentTimeZonesKey).toStringList();
 }
 
 bool Settings::restoresWindows() const {

@@ -48,7 +48,14 @@ class Settings final : public QObject {
     [[nodiscard]] QStringList contactsFiles() const;
     void setContactsFiles(const QStringList& paths);
 
+    /// The name of the time zone that chats are shown in; empty for that of the computer.
+    [[nodiscard]] QString timeZone() const;
+    void setTimeZone(const QString& zone);
+    /// Those that were chosen last, the latest first.
+    [[nodiscard]] QStringList recentTimeZones() const;
+
   Q_SIGNALS:
+    void timeZoneChanged(const QString& zone);
     void timelineFontSizeChanged(qint64 points);
     void contactsFilesChanged(const QStringList& paths);
 

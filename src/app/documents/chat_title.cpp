@@ -6,11 +6,13 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
+#include <QTimeZone>
 #include <algorithm>
 
 #include "app/documents/file_reader.h"
 #include "identity/contacts/contacts_store.h"
 #include "identity/contacts/sender_name.h"
+#include "toolkit/date_formatters.h"
 #include "toolkit/shown_text.h"
 #include "transcript/chat_log.h"
 
@@ -18,8 +20,8 @@ namespace vell {
 namespace {
 
 QDateTime localTime(const foundation::Date& date) {
-    const auto milliseconds = date.millisecondsSinceEpoch();
-    return milliseconds ? QDateTime::fromMSecsSinceEpoch(*milliseconds) : QDateTime();
+    const auto second = sharedCalendar().localSecond(date);
+    return second ? QDateTime::fromSecsSinceEpoch(*second, QTimeZone::utc()) : QDateTime();
 }
 
 QString shownDay(QDate day) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "foundation/print.h"
+#include "toolkit/date_formatters.h"
 #include "transcript/content_types.h"
 #include "transcript/load_log.h"
 
@@ -38,8 +39,8 @@ VellDocument VellDocument::read(const foundation::FileWrapper& file,
     }
 
     try {
-        return {TesselChatLog::fromData(*file.contents, file.modificationDate,
-                                        foundation::Calendar::current(), log.get()),
+        return {TesselChatLog::fromData(*file.contents, file.modificationDate, sharedCalendar(),
+                                        log.get()),
                 *file.contents};
     } catch (const std::exception& error) {
         // The cause stays in the load log; callers only ever see one error.

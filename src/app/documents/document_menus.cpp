@@ -10,6 +10,7 @@
 
 #include "app/desktop/desktop.h"
 #include "app/desktop/settings.h"
+#include "app/documents/dates/time_zones.h"
 #include "app/documents/document_tools.h"
 #include "app/documents/document_window.h"
 #include "app/documents/find_bar.h"
@@ -97,6 +98,7 @@ void DocumentWindow::buildViewMenu(const QToolBar& toolBar) {
     menu.addSeparator();
     menu.addAction(toolBar.toggleViewAction());
     documentActions_.append(tools_->addViewCommands(menu));
+    menu.addMenu(new TimeZoneMenu(services_.settings, *this));
     menu.addSeparator();
     QAction* fullScreen =
         addCommand(menu, tr("&Full Screen"), keysFor(QKeySequence::FullScreen),

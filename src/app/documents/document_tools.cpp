@@ -13,6 +13,7 @@
 #include "app/documents/viewer/picture_viewer.h"
 #include "app/windows/common_commands.h"
 #include "timeline/timeline_view.h"
+#include "toolkit/date_formatters.h"
 
 namespace vell {
 namespace {
@@ -61,18 +62,21 @@ QList<QAction*> DocumentTools::addViewCommands(QMenu& menu) {
 
 void DocumentTools::setTimeline(TimelineView& timeline) {
     timeline_ = &timeline;
+    connect(timeline_, &TimelineView::pictureOpened, this, &DocumentTools::openPicture);
+}
+
+void DocumentTools::chatChanged() {
     const bool hadPane = sharedPane_ && sharedPane_->isVisible();
     delete sharedPane_;
     delete dateDialog_;
     delete viewer_;
-    connect(timeline_, &TimelineView::pictureOpened, this, &DocumentTools::openPicture);
     contents_.reset();
     if (hadPane) showSharedPane();
 }
 
 ChatContents& DocumentTools::contents() {
     if (!contents_)
-        contents_ = std::make_unique<ChatContents>(timeline_->sharedChatlog(), calendar_);
+        contents_ = std::make_unique<ChatContents>(timeline_->sharedChatlog(), sharedCalendar());
     return *contents_;
 }
 
@@ -104,7 +108,8 @@ void DocumentTools::goToDate() {
     }
     if (const qsizetype row = dayOf(readRow()); row >= 0) {
         const auto& event = timeline_->chatlog().events()[static_cast<size_t>(row)];
-        if (const auto date = localDate(event.timestamp, calendar_)) dateDialog_->showDate(*date);
+        if (const auto date = localDate(event.timestamp, sharedCalendar()))
+            dateDialog_->showDate(*date);
     }
     dateDialog_->show();
     dateDialog_->activateWindow();

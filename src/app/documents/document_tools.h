@@ -11,7 +11,6 @@
 
 #include "app/documents/chat_contents.h"
 #include "app/documents/services.h"
-#include "foundation/calendar.h"
 
 class QAction;
 class QMainWindow;
@@ -36,8 +35,10 @@ class DocumentTools final : public QObject {
     [[nodiscard]] QList<QAction*> addGoCommands(QMenu& menu);
     /// Adds "Shared Items"; returns what needs a chat.
     [[nodiscard]] QList<QAction*> addViewCommands(QMenu& menu);
-    /// The chat and the view that shows it; the view must outlive the tools or be replaced here.
+    /// The view of the chat, which must outlive the tools.
     void setTimeline(TimelineView& timeline);
+    /// The view shows another log, marked as the shared calendar has it.
+    void chatChanged();
 
   private:
     [[nodiscard]] ChatContents& contents();
@@ -58,7 +59,6 @@ class DocumentTools final : public QObject {
     Services services_;
     JumpHistory& history_;
     TimelineView* timeline_ = nullptr;
-    foundation::Calendar calendar_ = foundation::Calendar::current();
     std::unique_ptr<ChatContents> contents_;  // null until it is first needed
     QPointer<GoToDateDialog> dateDialog_;
     QPointer<PictureViewer> viewer_;

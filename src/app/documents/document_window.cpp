@@ -74,12 +74,16 @@ DocumentWindow::DocumentWindow(Commands& commands, const Services& services, Doc
     });
     connect(&services_.contacts, &ContactsStore::addressToContactChanged, this,
             &DocumentWindow::updateTitles);
+    connect(&services_.settings, &Settings::timeZoneChanged, this, &DocumentWindow::followTimeZone);
+    showTimeZone();
     load_ = loader.load(path, [this](DocumentLoader::Result result) { take(std::move(result)); });
     // A window on another workspace isn't painted at all.
     QTimer::singleShot(longestWaitForFrame, this, &DocumentWindow::stopWaitingForFrame);
 }
 
-DocumentWindow::~DocumentWindow() = default;
+DocumentWindow::~DocumentWindow() {
+    if (zoneChange_) zoneChange_->close();
+}
 
 void DocumentWindow::buildContent() {
     pages_ = new QStackedWidget;
@@ -151,6 +155,7 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     for (QAction* action : documentActions_)
         action->setEnabled(true);
     if (!isStandardInput(path_)) services_.recentFiles.add(path_);
+    if (zoneChange_) followTimeZone();  // it changed while the file was read
 }
 
 bool DocumentWindow::eventFilter(QObject* object, QEvent* event) {

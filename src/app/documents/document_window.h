@@ -13,6 +13,7 @@
 #include "app/documents/jump_history.h"
 #include "app/documents/services.h"
 #include "export/text_sink.h"
+#include "toolkit/callback_guard.h"
 
 class QLabel;
 class QStackedWidget;
@@ -72,8 +73,13 @@ class DocumentWindow final : public QMainWindow {
     void loaded(const DocumentLoader::Result& result);
     void updateTitles();
     void showFontSize(qint64 points);
+<<<<<<< HEAD
     /// Says in the status bar, for some seconds, what has been done.
     void showNotice(const QString& text);
+=======
+    void followTimeZone();
+    void showTimeZone();
+>>>>>>> dee0dcd (app: show chats as the clock stood in another time zone)
     void restorePlace();
 
     /// Copies the selection, or the whole chat without one.
@@ -113,6 +119,8 @@ class DocumentWindow final : public QMainWindow {
     FindBar* findBar_ = nullptr;        // null until it is first opened
     ContactsBar* contactsBar_ = nullptr;
     DocumentTools* tools_;
+    QLabel* zoneLabel_ = nullptr;  // null until another zone than the computer's is chosen
+    std::shared_ptr<CallbackGuard> zoneChange_;  // null until the zone changes
     QAction* copyAction_ = nullptr;
     FontSizePanel* fontPanel_ = nullptr;
     QList<QAction*> documentActions_;  // enabled once the transcript is loaded

@@ -38,6 +38,11 @@ void SelectionController::update() {
     Q_EMIT changed();
 }
 
+void SelectionController::setChatlog(std::shared_ptr<const TesselChatLog> chatlog) {
+    clear();
+    selection_ = Selection(std::move(chatlog));
+}
+
 void SelectionController::selectAll() {
     selection_.selectAll();
     update();

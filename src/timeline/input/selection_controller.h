@@ -34,6 +34,9 @@ class SelectionController final : public QObject {
     SelectionController(QAbstractScrollArea& area, TimelineLayout& layout,
                         const RowContext& context, TimelineScroller& scroller);
 
+    /// Another log has been laid out; nothing stays selected.
+    void setChatlog(std::shared_ptr<const TesselChatLog> chatlog);
+
     /// The selected parts of the rows, a line each.
     [[nodiscard]] QString text() const { return selection_.text(); }
     /// Puts the text on the clipboard; without a selection nothing happens.

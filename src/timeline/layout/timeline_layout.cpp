@@ -192,6 +192,18 @@ void TimelineLayout::settle() {
     dropFarRows();
 }
 
+void TimelineLayout::setChatlog(std::shared_ptr<const TesselChatLog> chatlog) {
+    if (chatlog->events().size() != chatlog_->events().size()) {
+        rows_.clear();
+        longRows_.clear();
+        visible_.clear();
+        anchor_ = {};
+        anchorPixels_ = 0;
+    }
+    chatlog_ = std::move(chatlog);
+    estimates_ = RowEstimates(*chatlog_);
+}
+
 void TimelineLayout::reset(int viewportWidth, int viewportHeight) {
     struct {
         qint64 inRow = 0;

@@ -55,6 +55,8 @@ class TimelineLayout {
     /// Whether a row shows nothing, whatever the width.
     [[nodiscard]] bool isEmpty(qsizetype index) const { return estimates_.isEmpty(index); }
 
+    /// Lays out another log; reset() must follow. The place is kept if there are as many rows.
+    void setChatlog(std::shared_ptr<const TesselChatLog> chatlog);
     /// Forgets all heights but keeps the place. The width is that of the viewport.
     void reset(int viewportWidth, int viewportHeight);
     void setViewportHeight(int height);
