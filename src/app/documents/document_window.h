@@ -73,13 +73,10 @@ class DocumentWindow final : public QMainWindow {
     void loaded(const DocumentLoader::Result& result);
     void updateTitles();
     void showFontSize(qint64 points);
-<<<<<<< HEAD
     /// Says in the status bar, for some seconds, what has been done.
     void showNotice(const QString& text);
-=======
     void followTimeZone();
     void showTimeZone();
->>>>>>> dee0dcd (app: show chats as the clock stood in another time zone)
     void restorePlace();
 
     /// Copies the selection, or the whole chat without one.
