@@ -131,6 +131,19 @@ TEST_F(HostileFiles, UnreadableFilesAreReported) {
     closeLogWindows();
 }
 
+TEST_F(HostileFiles, LogsBeginAtTheLeftInEveryLanguage) {
+    QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+    program->open({file(u"broken.ichat"_s, "broken")});
+    ASSERT_TRUE(waitUntil([] { return vell::logWindows().size() == 1; }));
+    auto* editor = vell::logWindows().front()->findChild<QPlainTextEdit*>(u"loadLogText"_s);
+    const QImage start = editor->viewport()->grab({0, 0, 80, 60}).toImage();
+    QImage empty(start.size(), start.format());
+    empty.fill(start.pixelColor(0, 0));
+    EXPECT_NE(start, empty);
+    closeLogWindows();
+    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+}
+
 TEST_F(HostileFiles, EachLogOfTwentyAtOnceIsAboutItsOwnFile) {
     constexpr int count = 20;
     QStringList paths;

@@ -3,6 +3,7 @@
 
 #include <QWidget>
 #include <algorithm>
+#include <optional>
 
 namespace vell {
 namespace {
@@ -44,14 +45,19 @@ QPoint freePlace(const QRect& preferred, const QList<QRect>& clear, const QList<
                std::ranges::none_of(clear, [&](auto& other) { return frame.intersects(other); });
     };
     const QList<QPoint> places = candidates(preferred, clear, screen);
-    for (const QPoint& place : places) {
-        for (QRect frame(place, preferred.size()); fits(frame);
+    const auto cascaded = [&](const QPoint& place, const auto& isAllowed) -> std::optional<QPoint> {
+        for (QRect frame(place, preferred.size()); isAllowed(frame);
              frame.translate(cascadeStep, cascadeStep)) {
             const auto isOn = [&](auto& other) { return isExactlyOn(frame, other); };
             if (std::ranges::none_of(siblings, isOn)) return frame.topLeft();
         }
+        return std::nullopt;
+    };
+    for (const QPoint& place : places) {
+        if (const auto found = cascaded(place, fits)) return *found;
     }
-    return places.front();
+    const auto isOnScreen = [&](const QRect& frame) { return screen.contains(frame); };
+    return cascaded(places.front(), isOnScreen).value_or(places.front());
 }
 
 QRect expectedFrame(const QWidget& window) {
