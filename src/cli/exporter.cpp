@@ -4,15 +4,13 @@
 #include <unistd.h>
 
 #include <QFileInfo>
-#include <cstdio>
 #include <memory>
 #include <new>
 
 #include "export/expansion.h"
-#include "foundation/error.h"
 #include "foundation/local_path.h"
+#include "foundation/plain_reason.h"
 #include "foundation/print.h"
-#include "identity/vcard/vcard_source.h"
 #include "toolkit/console.h"
 #include "transcript/load_log.h"
 
@@ -28,49 +26,9 @@ constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
 constexpr qsizetype manyFiles = 10;  // from here on progress is shown
 
-void writeError(const QString& text) {
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
-    std::fflush(stderr);
-}
-
-/// On one line, without characters that move a terminal's cursor.
-QString oneLine(QString text) {
-    for (QChar& c : text) {
-        if (c.category() == QChar::Other_Control) c = u' ';
-    }
-    return text;
-}
-
-/// The reason of a failure in plain words.
-QString reasonOf(const std::exception& error) {
-    if (dynamic_cast<const std::bad_alloc*>(&error)) return u"there is not enough memory"_s;
-    const auto* archive = dynamic_cast<const foundation::Error*>(&error);
-    if (!archive) return QString::fromUtf8(error.what());
-    const QString text = archive->debugDescription().isEmpty() ? archive->description()
-                                                               : archive->debugDescription();
-    const bool isUnreadable =
-        archive->code() == static_cast<qint64>(foundation::CoderErrorCode::readCorrupt) ||
-        archive->code() == static_cast<qint64>(foundation::CoderErrorCode::valueNotFound);
-    if (!isUnreadable) return text;
-    // The name of the platform's function in front means nothing to users.
-    const auto prefix = text.startsWith(u"*** -[") ? text.indexOf(u"]: ") : -1;
-    return u"not a transcript, or damaged: "_s + (prefix < 0 ? text : text.mid(prefix + 3));
-}
-
-ContactsStore::Table contactsOf(const Options& options) {
-    try {
-        return readContactTable(options.contacts, console::defaultConsole());
-    } catch (const ContactsError& error) {
-        throw UsageError{u"the contacts can't be read: "_s + error.debugDescription()};
-    }
-}
-
 int printInformation(const Information& information) {
     try {
-        Sink sink(STDOUT_FILENO);
-        sink.write(information.text.toUtf8());
-        sink.flush();
+        writeOutput(information.text);
         return exitSuccess;
     } catch (const WriteError& error) {
         writeError(u"vell-export: standard output: "_s + error.reason + u'\n');
@@ -87,7 +45,7 @@ QString displayName(const QString& file) {
 
 Exporter::Exporter(const Options& options)
     : options_(options),
-      contacts_(contactsOf(options)),
+      contacts_(contactsIn(options.contacts)),
       context_(options.calendar, options.dateLocale, contacts_),
       output_(options) {
     const bool sharesTerminal = output_.isStream() && isatty(STDOUT_FILENO) != 0;
@@ -124,7 +82,8 @@ bool Exporter::exportOne() {
         reason = error.reason;
     } catch (const std::exception& error) {
         const bool wasRead = !input.name.isEmpty();
-        reason = wasRead && input.bytes.isEmpty() ? u"it is empty"_s : reasonOf(error);
+        reason =
+            wasRead && input.bytes.isEmpty() ? u"it is empty"_s : foundation::plainReason(error);
     }
     if (!chatLog) {
         report(reason);
@@ -137,7 +96,7 @@ bool Exporter::exportOne() {
     } catch (const WriteError& error) {
         report(error.reason);
     } catch (const std::exception& error) {
-        report(reasonOf(error));
+        report(foundation::plainReason(error));
     }
     return false;
 }

@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include "cli/format.h"
+#include "cli/standard_streams.h"
 #include "foundation/calendar.h"
 
 namespace vell {
@@ -24,16 +25,6 @@ struct Options {
     QStringList contacts;  ///< vCard files
     foundation::Calendar calendar;
     QByteArray dateLocale;
-};
-
-/// Why arguments make no sense.
-struct UsageError {
-    QString reason;
-};
-
-/// A text to print instead of doing anything: help or version.
-struct Information {
-    QString text;
 };
 
 /// Reads the arguments, the program's name not among them, and the list of files that they name.
