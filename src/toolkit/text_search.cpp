@@ -98,4 +98,9 @@ std::vector<TextSearch::Match> TextSearch::matches(QStringView text) const {
     return result;
 }
 
+void appendFolded(char32_t character, QString& folded) {
+    icu::UnicodeString decomposed;
+    fold(static_cast<UChar32>(character), decomposed, folded);
+}
+
 }  // namespace vell

@@ -30,4 +30,8 @@ class TextSearch {
     bool isAscii_ = true;
 };
 
+/// Appends what a search compares the character as: decomposed, without accents, in one case;
+/// nothing for an accent by itself.
+void appendFolded(char32_t character, QString& folded);
+
 }  // namespace vell
