@@ -24,6 +24,8 @@ endif()
 # Ubuntu's compiler fortifies by itself, hence the -U.
 add_compile_options("$<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2;-fstack-protector-strong>")
 if(NOT APPLE)
+    # A program loads the libraries that it uses, not all that its folders know.
+    add_link_options("LINKER:--as-needed")
     add_link_options("$<$<CONFIG:Release>:LINKER:-z,relro;LINKER:-z,now>")
 endif()
 include(CheckPIESupported)

@@ -50,7 +50,7 @@ check 'metainfo' appstreamcli validate --no-net --pedantic "$share/metainfo/$id.
 check 'desktop entry runs what is installed' \
     test -x "$stage/bin/$(sed -n 's/^TryExec=//p' "$share/applications/$id.desktop")"
 check 'icon of the desktop entry' test -s "$share/icons/hicolor/scalable/apps/$id.svg"
-for section in vell vell-export vell-picture; do
+for section in vell vell-export vell-find vell-picture; do
     check "manual page $section" page "$share/man/man1/$section.1.gz"
 done
 

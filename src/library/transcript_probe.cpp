@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/search/transcript_probe.h"
+#include "library/transcript_probe.h"
 
 namespace vell {
 

@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: MIT
+#include "cli/finder.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <QElapsedTimer>
+#include <atomic>
+#include <optional>
+
+#include "cli/find_options.h"
+#include "cli/hit_printer.h"
+#include "cli/sink.h"
+#include "cli/standard_streams.h"
+#include "foundation/print.h"
+#include "identity/contacts/sender_name.h"
+#include "library/direct_search.h"
+#include "library/indexer.h"
+#include "library/library_search.h"
+#include "toolkit/console.h"
+
+namespace vell {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int exitFound = 0;
+constexpr int exitNothing = 1;
+constexpr int exitTrouble = 2;
+
+constexpr qint64 progressDelay = 300;     // milliseconds; shorter work shows none
+constexpr qint64 progressInterval = 100;  // milliseconds
+
+std::atomic<bool> isStopped = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
+std::atomic<int> stopSignal = 0;
+
+/// Once is enough to stop; the second time the program ends at once.
+void stopOnSignals() {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction action {};
+        if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) continue;
+        action.sa_handler = [](int received) {
+            stopSignal = received;
+            isStopped = true;
+        };
+        action.sa_flags = static_cast<int>(SA_RESETHAND);
+        ::sigaction(signal, &action, nullptr);
+    }
+}
+
+/// A line on the terminal that says how far the program is.
+class ProgressLine {
+  public:
+    ProgressLine() : isShown_(isatty(STDERR_FILENO) != 0) { elapsed_.start(); }
+
+    void show(const QString& what, const Indexer::Progress& progress) {
+        if (!isShown_ || elapsed_.elapsed() < next_) return;
+        next_ = elapsed_.elapsed() + progressInterval;
+        QString line = u"%1: %2 of %3"_s.arg(what).arg(progress.done).arg(progress.all);
+        if (progress.secondsLeft) line += u", %1 left"_s.arg(shownSpan(*progress.secondsLeft));
+        writeError(u"\r\033[K"_s + line);
+        isDirty_ = true;
+    }
+    void clear() {
+        if (std::exchange(isDirty_, false)) writeError(u"\r\033[K"_s);
+    }
+
+  private:
+    const bool isShown_;
+    bool isDirty_ = false;
+    QElapsedTimer elapsed_;
+    qint64 next_ = progressDelay;
+
+    static QString shownSpan(int seconds) {
+        return u"%1:%2"_s.arg(seconds / 60).arg(seconds % 60, 2, 10, '0'_L1);
+    }
+};
+
+class Finder {
+  public:
+    explicit Finder(const FindOptions& options)
+        : options_(options),
+          contacts_(contactsIn(options.contacts)),
+          printer_(options, [this](const TesselUserID& user) { return nameOf(user); }) {
+        for (const SearchedFolder& folder : options.folders)
+            scope_.folders.push_back(folder.canonical);
+        scope_.bestFirst = options.bestFirst;
+        scope_.context = options.context;
+        scope_.nameOf = [this](const TesselUserID& user) { return nameOf(user); };
+    }
+
+    /// Whether something was found.
+    bool run() {
+        if (!options_.usesIndex || !searchInIndex()) readFiles();
+        if (options_.counts && !isStopped) printer_.printCount(count_);
+        printer_.finish();
+        return count_ > 0;
+    }
+
+  private:
+    const FindOptions& options_;
+    const ContactsStore contacts_;
+    HitPrinter printer_;
+    SearchScope scope_;
+    ProgressLine progress_;
+    qint64 count_ = 0;
+
+    [[nodiscard]] QString nameOf(const TesselUserID& user) const {
+        return senderName(user, contacts_);
+    }
+
+    /// False when there is no index to search in; then nothing was printed.
+    bool searchInIndex() {
+        try {
+            LibraryStore store(LibraryStore::defaultPath());
+            if (store.wasDamaged()) say(u"the index was damaged, and is made again"_s);
+            try {
+                search(store);
+            } catch (const DatabaseError& error) {
+                if (error.kind() != DatabaseError::Kind::damaged || count_ > 0) throw;
+                say(u"the index was damaged, and is made again"_s);
+                store.startAnew();
+                search(store);
+            }
+            return true;
+        } catch (const StoreRefusal& refusal) {
+            sayWithout(refusal.reason);
+        } catch (const DatabaseError& error) {
+            // What was printed can't be taken back.
+            if (count_ > 0) throw;
+            sayWithout(QString::fromUtf8(error.what()));
+        }
+        return false;
+    }
+
+    void search(LibraryStore& store) {
+        Indexer indexer(store);
+        indexer.onProgress = [this](const Indexer::Progress& progress) {
+            progress_.show(u"Indexing"_s, progress);
+        };
+        indexer.update(scope_.folders, isStopped);
+        progress_.clear();
+        if (isStopped) return;
+        LibrarySearch search(store, scope_);
+        if (options_.counts)
+            count_ = search.count(options_.query);
+        else
+            search.run(options_.query, [this](const SearchHit& hit) { return take(hit); });
+    }
+
+    void readFiles() {
+        const auto onFile = [this](qsizetype done, qsizetype all) {
+            progress_.show(u"Reading"_s, {done, all, {}});
+        };
+        directSearch(options_.query, scope_, isStopped, onFile, [this](const SearchHit& hit) {
+            progress_.clear();
+            return take(hit);
+        });
+        progress_.clear();
+    }
+
+    bool take(const SearchHit& hit) {
+        ++count_;
+        if (!options_.counts) printer_.print(hit);
+        return !isStopped;
+    }
+
+    void say(const QString& text) {
+        progress_.clear();
+        writeError(u"vell-find: "_s + oneLine(text) + u'\n');
+    }
+    void sayWithout(const QString& reason) {
+        say(u"the index can't be used, so the files are read: "_s + reason);
+    }
+};
+
+int finish(const FindOptions& options) {
+    stopOnSignals();
+    const bool hasFound = Finder(options).run();
+    if (stopSignal != 0) ::raise(stopSignal);
+    return hasFound ? exitFound : exitNothing;
+}
+
+}  // namespace
+
+int runFind(const QStringList& arguments) {
+    // Broken transcripts are many files' own business; vell-export tells about one.
+    foundation::setPrintFunction([](QStringView) {});
+    console::setDefaultConsole(std::make_shared<Console2<>>(
+        FileOutputStream(stderr), FileOutputStream(stderr), LogLevel::defaultLevel()));
+    try {
+        return finish(parseFindOptions(arguments));
+    } catch (const Information& information) {
+        try {
+            writeOutput(information.text);
+            return exitFound;
+        } catch (const WriteError& error) {
+            writeError(u"vell-find: standard output: "_s + error.reason + u'\n');
+        }
+    } catch (const WriteError& error) {
+        writeError(u"vell-find: standard output: "_s + error.reason + u'\n');
+    } catch (const DatabaseError& error) {
+        writeError(u"vell-find: the index can't be used: "_s + QString::fromUtf8(error.what()) +
+                   u'\n');
+    } catch (const UsageError& error) {
+        writeError(u"vell-find: "_s + oneLine(error.reason) +
+                   u"\nTry 'vell-find --help' for more.\n"_s);
+    }
+    return exitTrouble;
+}
+
+}  // namespace vell

@@ -1,0 +1,253 @@
+// SPDX-License-Identifier: MIT
+#include "library/batch_writer.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+namespace vell {
+namespace {
+
+// Some 40 MB of messages in memory, a second or less of writing.
+constexpr std::size_t fullBatch = 100'000;
+
+struct OldMessage {
+    qint64 number;
+    QByteArray words;
+};
+
+}  // namespace
+
+PreparedFile prepared(FileReading reading, TextTokenizer& tokenizer) {
+    PreparedFile file;
+    file.texts.reserve(reading.conversation.messages.size());
+    file.words.reserve(reading.conversation.messages.size());
+    for (LibraryMessage& message : reading.conversation.messages) {
+        tokenizer.read(message.text);
+        file.words.push_back(tokenizer.folded().toUtf8());
+        file.texts.push_back(std::exchange(message.text, {}).toUtf8());
+    }
+    file.reading = std::move(reading);
+    return file;
+}
+
+BatchWriter::BatchWriter(LibraryStore& store, std::function<bool()> isCancelled)
+    : database_(store.database()),
+      insertFile_(database_.prepare("INSERT INTO files (path, size, modified, inode, hash, reason) "
+                                    "VALUES (?, ?, ?, ?, ?, ?)")),
+      insertParticipant_(database_.prepare("INSERT INTO participants VALUES (?, ?)")),
+      insertPerson_(
+          database_.prepare("INSERT OR IGNORE INTO people (service, account) VALUES (?, ?)")),
+      findPerson_(database_.prepare("SELECT id FROM people WHERE service = ? AND account = ?")),
+      insertStretch_(database_.prepare("INSERT INTO stretches VALUES (?, ?, ?)")),
+      lastOfDay_(database_.prepare("SELECT max(id) FROM messages WHERE id >= ?1 AND id < ?1 + ?2")),
+      insertMessage_(database_.prepare("INSERT INTO messages VALUES (?, ?, ?, ?, ?, ?, ?)")),
+      insertWords_(database_.prepare("INSERT INTO words (rowid, text) VALUES (?, ?)")) {
+    database_.interruptWhen(std::move(isCancelled));
+}
+
+BatchWriter::~BatchWriter() {
+    database_.interruptWhen({});
+}
+
+void BatchWriter::add(PreparedFile file) {
+    messageCount_ += file.texts.size();
+    added_.push_back(std::move(file));
+}
+
+void BatchWriter::remove(qint64 file) {
+    removed_.push_back(file);
+}
+
+void BatchWriter::update(qint64 file, const FoundFile& now) {
+    updated_.emplace_back(file, now);
+}
+
+bool BatchWriter::isFull() const {
+    return messageCount_ >= fullBatch;
+}
+
+void BatchWriter::flush() {
+    if (added_.empty() && removed_.empty() && updated_.empty()) return;
+    people_.clear();
+    nextNumbers_.clear();
+    Transaction transaction(database_);
+    removeAll();
+    updateAll();
+    addAll();
+    if (!removed_.empty())
+        database_.run("DELETE FROM people WHERE id NOT IN (SELECT person FROM participants)");
+    transaction.commit();
+    added_.clear();
+    removed_.clear();
+    updated_.clear();
+    messageCount_ = 0;
+}
+
+void BatchWriter::removeAll() {
+    Statement stretches = database_.prepare("SELECT first, count FROM stretches WHERE file = ?");
+    Statement messages =
+        database_.prepare("SELECT id, text FROM messages WHERE id >= ?1 AND id < ?1 + ?2");
+    TextTokenizer tokenizer;
+    std::vector<OldMessage> old;
+    for (const qint64 file : removed_) {
+        stretches.bind(1, file);
+        while (stretches.step()) {
+            messages.bind(1, stretches.integer(0));
+            messages.bind(2, stretches.integer(1));
+            while (messages.step()) {
+                tokenizer.read(messages.text(1));
+                old.push_back({messages.integer(0), tokenizer.folded().toUtf8()});
+            }
+        }
+    }
+    std::sort(old.begin(), old.end(),
+              [](const OldMessage& a, const OldMessage& b) { return a.number < b.number; });
+    Statement forget =
+        database_.prepare("INSERT INTO words (words, rowid, text) VALUES ('delete', ?, ?)");
+    Statement remove = database_.prepare("DELETE FROM messages WHERE id = ?");
+    for (const OldMessage& message : old) {
+        forget.bind(1, message.number);
+        forget.bindText(2, message.words);
+        forget.run();
+        remove.bind(1, message.number);
+        remove.run();
+    }
+    for (const char* sql :
+         {"DELETE FROM stretches WHERE file = ?", "DELETE FROM participants WHERE file = ?",
+          "DELETE FROM files WHERE id = ?"}) {
+        Statement statement = database_.prepare(sql);
+        for (const qint64 file : removed_) {
+            statement.bind(1, file);
+            statement.run();
+        }
+    }
+}
+
+void BatchWriter::updateAll() {
+    // Two files may have exchanged their names.
+    Statement rename = database_.prepare("UPDATE files SET path = ?2 WHERE id = ?1");
+    for (const auto& [file, now] : updated_) {
+        const QByteArray none = '\0' + QByteArray::number(file);
+        rename.bind(1, file);
+        rename.bind(2, none);
+        rename.run();
+    }
+    Statement update = database_.prepare(
+        "UPDATE files SET path = ?2, size = ?3, modified = ?4, inode = ?5 WHERE id = ?1");
+    for (const auto& [file, now] : updated_) {
+        update.bind(1, file);
+        update.bind(2, now.path);
+        update.bind(3, now.size);
+        update.bind(4, now.modified);
+        update.bind(5, static_cast<qint64>(now.inode));
+        update.run();
+    }
+}
+
+void BatchWriter::addAll() {
+    std::vector<Row> rows;
+    rows.reserve(messageCount_);
+    for (const PreparedFile& file : added_)
+        addFile(file, rows);
+    addRows(rows);
+}
+
+void BatchWriter::addFile(const PreparedFile& file, std::vector<Row>& rows) {
+    const auto& messages = file.reading.conversation.messages;
+    std::map<qint64, std::vector<std::size_t>> days;
+    for (std::size_t i = 0; i < messages.size(); ++i) {
+        const double date = messages[i].date.secondsSinceReferenceDate;
+        days[LibraryStore::firstNumberOnDayOf(date)].push_back(i);
+    }
+    const bool fits = std::all_of(days.begin(), days.end(), [this](const auto& day) {
+        return nextNumber(day.first) + std::ssize(day.second) <=
+               day.first + LibraryStore::mostMessagesOnDay;
+    });
+    if (!fits) {
+        insertFile(file.reading, "more than a million messages are on one of its days");
+        return;
+    }
+    const qint64 fileNumber = insertFile(file.reading, file.reading.reason.toUtf8());
+    const std::vector<qint64> people = insertPeople(file.reading.conversation, fileNumber);
+    // Messages of one day get numbers that follow each other, in the file's order.
+    for (const auto& [day, indexes] : days) {
+        qint64& next = nextNumber(day);
+        insertStretch_.bind(1, fileNumber);
+        insertStretch_.bind(2, next);
+        insertStretch_.bind(3, static_cast<qint64>(indexes.size()));
+        insertStretch_.run();
+        for (const std::size_t i : indexes) {
+            const int sender = messages[i].sender;
+            rows.push_back({next++, fileNumber,
+                            sender < 0 ? 0 : people[static_cast<std::size_t>(sender)], &file, i});
+        }
+    }
+}
+
+qint64 BatchWriter::insertFile(const FileReading& reading, const QByteArray& reason) {
+    insertFile_.bind(1, reading.file.path);
+    insertFile_.bind(2, reading.file.size);
+    insertFile_.bind(3, reading.file.modified);
+    insertFile_.bind(4, static_cast<qint64>(reading.file.inode));
+    insertFile_.bind(5, reading.hash);
+    reason.isEmpty() ? insertFile_.bindNull(6) : insertFile_.bindText(6, reason);
+    insertFile_.run();
+    return database_.lastRow();
+}
+
+std::vector<qint64> BatchWriter::insertPeople(const Conversation& conversation, qint64 file) {
+    std::vector<qint64> numbers;
+    for (const TesselUserID& person : conversation.people) {
+        numbers.push_back(personNumber(person));
+        insertParticipant_.bind(1, file);
+        insertParticipant_.bind(2, numbers.back());
+        insertParticipant_.run();
+    }
+    return numbers;
+}
+
+void BatchWriter::addRows(std::vector<Row>& rows) {
+    std::sort(rows.begin(), rows.end(),
+              [](const Row& a, const Row& b) { return a.number < b.number; });
+    for (const Row& row : rows) {
+        const LibraryMessage& from = row.source->reading.conversation.messages[row.index];
+        insertMessage_.bind(1, row.number);
+        insertMessage_.bind(2, row.file);
+        insertMessage_.bind(3, from.sequence);
+        insertMessage_.bind(4, from.date.secondsSinceReferenceDate);  // null when it is no number
+        row.sender ? insertMessage_.bind(5, row.sender) : insertMessage_.bindNull(5);
+        insertMessage_.bind(6, qint64{from.kinds});
+        insertMessage_.bindText(7, row.source->texts[row.index]);
+        insertMessage_.run();
+        insertWords_.bind(1, row.number);
+        insertWords_.bindText(2, row.source->words[row.index]);
+        insertWords_.run();
+    }
+}
+
+qint64 BatchWriter::personNumber(const TesselUserID& person) {
+    const auto known = people_.constFind(person);
+    if (known != people_.cend()) return *known;
+    const QByteArray service = person.serviceID.rawValue.toUtf8();
+    const QByteArray account = person.userID.toUtf8();
+    for (Statement* statement : {&insertPerson_, &findPerson_}) {
+        statement->bindText(1, service);
+        statement->bindText(2, account);
+    }
+    insertPerson_.run();
+    return *people_.insert(person, findPerson_.run());
+}
+
+qint64& BatchWriter::nextNumber(qint64 firstOfDay) {
+    const auto known = nextNumbers_.find(firstOfDay);
+    if (known != nextNumbers_.end()) return *known;
+    lastOfDay_.bind(1, firstOfDay);
+    lastOfDay_.bind(2, LibraryStore::mostMessagesOnDay);
+    const bool isFirst = !lastOfDay_.step() || lastOfDay_.isNull(0);
+    const qint64 number = isFirst ? firstOfDay : lastOfDay_.integer(0) + 1;
+    lastOfDay_.reset();
+    return *nextNumbers_.insert(firstOfDay, number);
+}
+
+}  // namespace vell

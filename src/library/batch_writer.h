@@ -1,0 +1,81 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// BatchWriter: collects changes of a library and writes them in large transactions, each file whole
+// or not at all. The words' index wants its rows in the order of their numbers; in any other it
+// would write them out again and again.
+
+#include <QHash>
+#include <functional>
+#include <vector>
+
+#include "library/file_reading.h"
+#include "library/library_store.h"
+#include "toolkit/text_tokens.h"
+
+namespace vell {
+
+/// A file that was read, and its messages as the database keeps them.
+struct PreparedFile {
+    FileReading reading;
+    std::vector<QByteArray> texts;  ///< one for each message, in UTF-8
+    std::vector<QByteArray> words;  ///< the tokens of each, divided by blanks
+};
+/// Takes the texts out of the reading.
+[[nodiscard]] PreparedFile prepared(FileReading reading, TextTokenizer& tokenizer);
+
+class BatchWriter {
+  public:
+    /// While `isCancelled` returns true nothing is written: flush() throws DatabaseError of the
+    /// kind `interrupted`.
+    BatchWriter(LibraryStore& store, std::function<bool()> isCancelled);
+    ~BatchWriter();
+    BatchWriter(const BatchWriter&) = delete;
+    BatchWriter& operator=(const BatchWriter&) = delete;
+
+    void add(PreparedFile file);
+    void remove(qint64 file);
+    /// The file has its content still, and perhaps another path.
+    void update(qint64 file, const FoundFile& now);
+    /// Whether it is time to flush.
+    [[nodiscard]] bool isFull() const;
+    /// Writes all of it; the files are safe then, whatever happens to the program.
+    void flush();
+
+  private:
+    struct Row {
+        qint64 number;
+        qint64 file;
+        qint64 sender;  // 0: none
+        const PreparedFile* source;
+        std::size_t index;
+    };
+
+    Database& database_;
+    Statement insertFile_;
+    Statement insertParticipant_;
+    Statement insertPerson_;
+    Statement findPerson_;
+    Statement insertStretch_;
+    Statement lastOfDay_;
+    Statement insertMessage_;
+    Statement insertWords_;
+    std::vector<PreparedFile> added_;
+    std::vector<qint64> removed_;
+    std::vector<std::pair<qint64, FoundFile>> updated_;
+    std::size_t messageCount_ = 0;
+    QHash<TesselUserID, qint64> people_;
+    QHash<qint64, qint64> nextNumbers_;  // by the first one of the day
+
+    void removeAll();
+    void updateAll();
+    void addAll();
+    void addFile(const PreparedFile& file, std::vector<Row>& rows);
+    qint64 insertFile(const FileReading& reading, const QByteArray& reason);
+    [[nodiscard]] std::vector<qint64> insertPeople(const Conversation& conversation, qint64 file);
+    void addRows(std::vector<Row>& rows);
+    [[nodiscard]] qint64 personNumber(const TesselUserID& person);
+    [[nodiscard]] qint64& nextNumber(qint64 firstOfDay);
+};
+
+}  // namespace vell

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "library/file_reading.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <cerrno>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include "foundation/error.h"
+#include "foundation/plain_reason.h"
+#include "foundation/whole_file.h"
+
+namespace vell {
+namespace {
+
+constexpr qint64 nanosecondsPerSecond = 1'000'000'000;
+constexpr qint64 nanosecondsPerMillisecond = 1'000'000;
+
+}  // namespace
+
+FileReader::FileReader(Hashes knownHashes)
+    : knownHashes_(std::move(knownHashes)), calendar_(foundation::Calendar::current()) {}
+
+FileReading FileReader::read(const FoundFile& file) {
+    FileReading reading;
+    reading.file = file;
+    try {
+        readInto(reading);
+    } catch (const std::exception& error) {
+        reading.conversation = {};
+        reading.reason = foundation::plainReason(error);
+    }
+    return reading;
+}
+
+void FileReader::readInto(FileReading& reading) {
+    const int descriptor =
+        ::open(reading.file.path.constData(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    QFile file;
+    if (descriptor < 0 || !file.open(descriptor, QIODevice::ReadOnly, QFile::AutoCloseHandle))
+        throw std::system_error(errno, std::generic_category());
+    struct stat status {};
+    ::fstat(descriptor, &status);
+    reading.file.size = status.st_size;
+    reading.file.modified = status.st_mtim.tv_sec * nanosecondsPerSecond + status.st_mtim.tv_nsec;
+    reading.file.inode = status.st_ino;
+
+    const QByteArray bytes = foundation::readWhole(file);
+    reading.hash = QCryptographicHash::hash(bytes, QCryptographicHash::Sha1);
+    if (knownHashes_ && knownHashes_->contains(reading.hash)) {
+        reading.isKnown = true;
+        return;
+    }
+    if (bytes.isEmpty()) throw std::runtime_error("it is empty");
+    const auto modified = foundation::Date::fromMillisecondsSinceEpoch(reading.file.modified /
+                                                                       nanosecondsPerMillisecond);
+    reading.conversation =
+        conversationOf(TesselChatLog::fromData(bytes, modified, calendar_), bytes.size());
+}
+
+}  // namespace vell

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+#include "library/library_store.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+
+namespace vell {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 applicationId = 0x56656c6c;  // "Vell"
+constexpr qint64 schemaVersion = 1;
+constexpr double secondsPerDay = 86400;
+constexpr double mostDays = 4'000'000;  // beyond the year 9999
+
+constexpr const char* settings = R"(
+    PRAGMA journal_mode = WAL;
+    PRAGMA synchronous = NORMAL;
+    PRAGMA cache_size = -32768;
+    PRAGMA temp_store = MEMORY;
+)";
+
+// The ASCII tokenizer divides what TextTokenizer writes at its blanks and nowhere else.
+constexpr const char* schema = R"(
+    CREATE TABLE files (id INTEGER PRIMARY KEY, path BLOB NOT NULL UNIQUE, size INTEGER NOT NULL,
+        modified INTEGER NOT NULL, inode INTEGER NOT NULL, hash BLOB NOT NULL, reason TEXT);
+    CREATE TABLE people (id INTEGER PRIMARY KEY, service TEXT NOT NULL, account TEXT NOT NULL,
+        UNIQUE (service, account));
+    CREATE TABLE participants (file INTEGER, person INTEGER, PRIMARY KEY (file, person))
+        WITHOUT ROWID;
+    CREATE TABLE stretches (file INTEGER, first INTEGER, count INTEGER NOT NULL,
+        PRIMARY KEY (file, first)) WITHOUT ROWID;
+    CREATE TABLE messages (id INTEGER PRIMARY KEY, file INTEGER NOT NULL,
+        sequence INTEGER NOT NULL, date REAL, sender INTEGER, kinds INTEGER NOT NULL,
+        text TEXT NOT NULL);
+    CREATE VIRTUAL TABLE words USING fts5(text, content = '', columnsize = 0, tokenize = 'ascii');
+    INSERT INTO words (words, rank) VALUES ('hashsize', 67108864);
+)";
+
+bool makePrivateFolder(const QByteArray& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder.toStdString(), error);
+    std::filesystem::permissions(folder.toStdString(), std::filesystem::perms::owner_all, error);
+    return !error;
+}
+
+}  // namespace
+
+QByteArray LibraryStore::defaultPath() {
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    return QFile::encodeName(cache + u"/vell/library/messages.sqlite"_s);
+}
+
+qint64 LibraryStore::firstNumberOnDayOf(double secondsSinceReferenceDate) {
+    double day = std::floor(secondsSinceReferenceDate / secondsPerDay);
+    if (std::isnan(day)) day = -mostDays;
+    return static_cast<qint64>(std::clamp(day, -mostDays, mostDays)) * mostMessagesOnDay;
+}
+
+LibraryStore::LibraryStore(const QByteArray& path) : path_(path) {
+    try {
+        open();
+    } catch (const DatabaseError& error) {
+        if (error.kind() == DatabaseError::Kind::damaged) {
+            wasDamaged_ = true;
+            startAnew();
+        } else if (error.kind() == DatabaseError::Kind::locked) {
+            throw StoreRefusal{u"another program is using it"_s};
+        } else {
+            throw StoreRefusal{QString::fromUtf8(error.what())};
+        }
+    }
+}
+
+void LibraryStore::open() {
+    if (!makePrivateFolder(path_.first(path_.lastIndexOf('/'))))
+        throw StoreRefusal{u"its folder can't be made"_s};
+    const int created = ::open(path_.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (created >= 0) ::close(created);
+    database_ = std::make_unique<Database>(path_);
+    prepareSchema();
+}
+
+void LibraryStore::prepareSchema() {
+    const bool isEmpty = database_->value("SELECT count(*) FROM sqlite_schema") == 0;
+    const qint64 application = database_->value("PRAGMA application_id");
+    const qint64 version = database_->value("PRAGMA user_version");
+    if (application != applicationId && !(isEmpty && application == 0))
+        throw StoreRefusal{u"it belongs to another program"_s};
+    if (version > schemaVersion) throw StoreRefusal{u"it is from a newer version"_s};
+    if (version < schemaVersion && !isEmpty) return startAnew();
+    database_->run(settings);
+    // Also shows whether it can be written.
+    Transaction transaction(*database_);
+    if (database_->value("SELECT count(*) FROM sqlite_schema") == 0) {
+        database_->run(schema);
+        database_->run(
+            ("PRAGMA application_id = " + QByteArray::number(applicationId)).constData());
+        database_->run(("PRAGMA user_version = " + QByteArray::number(schemaVersion)).constData());
+    }
+    transaction.commit();
+}
+
+void LibraryStore::startAnew() {
+    database_.reset();
+    removeFiles();
+    try {
+        open();
+    } catch (const DatabaseError& error) {
+        throw StoreRefusal{QString::fromUtf8(error.what())};
+    }
+}
+
+void LibraryStore::removeFiles() const {
+    for (const char* ending : {"", "-wal", "-shm", "-journal"})
+        ::unlink((path_ + ending).constData());
+}
+
+std::vector<LibraryStore::KnownFile> LibraryStore::files() {
+    std::vector<KnownFile> result;
+    Statement rows = database_->prepare(
+        "SELECT id, path, size, modified, inode, hash, reason FROM files ORDER BY path");
+    while (rows.step()) {
+        result.push_back({rows.integer(0),
+                          {rows.bytes(1), rows.integer(2), rows.integer(3),
+                           static_cast<quint64>(rows.integer(4))},
+                          rows.bytes(5),
+                          !rows.isNull(6)});
+    }
+    return result;
+}
+
+}  // namespace vell

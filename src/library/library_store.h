@@ -1,0 +1,64 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// LibraryStore: the database that searches over many transcripts use. It lies in the user's cache
+// folder, readable by its owner only, and holds nothing that can't be made again from the files.
+// One thread at a time; several programs may have it open.
+//
+// A message's number says on which day it was sent, so that the words' index, which is in the order
+// of its numbers, finds the newest messages first, and those of some days at once.
+
+#include <QByteArray>
+#include <QString>
+#include <vector>
+
+#include "library/database.h"
+#include "library/folder_walk.h"
+
+namespace vell {
+
+/// The database can't be used, and is left as it is; for people.
+struct StoreRefusal {
+    QString reason;
+};
+
+class LibraryStore {
+  public:
+    /// The user's own.
+    [[nodiscard]] static QByteArray defaultPath();
+
+    /// Opens the database or makes an empty one. What is damaged or from an older version is made
+    /// anew. Throws StoreRefusal when it belongs to something else or can't be written.
+    explicit LibraryStore(const QByteArray& path);
+
+    /// Whether a damaged database was replaced.
+    [[nodiscard]] bool wasDamaged() const { return wasDamaged_; }
+    [[nodiscard]] Database& database() { return *database_; }
+    /// Throws away the database and begins with an empty one.
+    void startAnew();
+
+    struct KnownFile {
+        qint64 id = 0;
+        FoundFile file;
+        QByteArray hash;
+        bool isBroken = false;
+    };
+    /// All of them, by path.
+    [[nodiscard]] std::vector<KnownFile> files();
+
+    /// The first number of messages that were sent on the day of this date, and later.
+    [[nodiscard]] static qint64 firstNumberOnDayOf(double secondsSinceReferenceDate);
+    static constexpr int numberBits = 20;
+    static constexpr qint64 mostMessagesOnDay = qint64{1} << numberBits;
+
+  private:
+    const QByteArray path_;
+    std::unique_ptr<Database> database_;
+    bool wasDamaged_ = false;
+
+    void open();
+    void prepareSchema();
+    void removeFiles() const;
+};
+
+}  // namespace vell

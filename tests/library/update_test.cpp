@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+//
+// The index follows the files, and goes on wherever it was ended.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <QProcess>
+#include <random>
+
+#include "archive.h"
+#include "library/fixture.h"
+
+namespace vell {
+namespace {
+
+using namespace Qt::StringLiterals;
+using test::dump;
+using test::Fixture;
+
+/// What an index that is made in one go holds.
+QStringList freshDump(const Fixture& fixture) {
+    const Fixture other;
+    LibraryStore store(other.database);
+    fixture.update(store);
+    return dump(store);
+}
+
+qint64 found(LibraryStore& store, const Fixture& fixture, const QString& text) {
+    return LibrarySearch(store, {{fixture.chats}, false, 0, {}}).count(Query::parse(text));
+}
+
+TEST(Update, FollowsTheFiles) {
+    const Fixture fixture;
+    LibraryStore store(fixture.database);
+    qsizetype read = 0;
+    const auto update = [&] {
+        Indexer indexer(store);
+        read = 0;
+        indexer.onProgress = [&read](const Indexer::Progress& progress) { read = progress.done; };
+        indexer.update({fixture.chats}, test::neverStops);
+        EXPECT_EQ(dump(store), freshDump(fixture));
+        store.database().run("INSERT INTO words (words) VALUES ('integrity-check')");
+    };
+    fixture.chat(u"ann.ichat"_s, {u"apple"_s, u"pear"_s});
+    fixture.chat(u"ben.ichat"_s, {u"plum"_s});
+    fixture.chat(u"eve.ichat"_s, {u"fig"_s});
+    fixture.write(u"bad.ichat"_s, "nothing");
+    update();
+    EXPECT_EQ(read, 4);
+    update();
+    EXPECT_EQ(read, 0) << "nothing is new; the broken file has not changed either";
+    fixture.chat(u"ann.ichat"_s, {u"cherry"_s});
+    fixture.chat(u"bad.ichat"_s, {u"mended"_s});
+    fixture.chat(u"dan.ichat"_s, {u"grape"_s});
+    QFile::remove(fixture.path(u"eve.ichat"_s));
+    update();
+    EXPECT_EQ(found(store, fixture, u"apple"_s) + found(store, fixture, u"fig"_s), 0);
+    EXPECT_EQ(found(store, fixture, u"cherry"_s) + found(store, fixture, u"mended"_s), 2);
+    QFile::rename(fixture.path(u"ben.ichat"_s), fixture.path(u"moved.ichat"_s));
+    update();
+    EXPECT_EQ(read, 0) << "a renamed file isn't read again";
+    QFile::copy(fixture.path(u"moved.ichat"_s), fixture.path(u"copy 1.ichat"_s));
+    QFile::copy(fixture.path(u"moved.ichat"_s), fixture.path(u"copy 2.ichat"_s));
+    QFile::remove(fixture.path(u"moved.ichat"_s));
+    ::utimensat(AT_FDCWD, fixture.path(u"dan.ichat"_s).toUtf8().constData(), nullptr, 0);
+    update();
+    EXPECT_EQ(found(store, fixture, u"plum"_s), 2);
+}
+
+TEST(Update, OfOneFolderLeavesTheOthers) {
+    const Fixture fixture;
+    LibraryStore store(fixture.database);
+    for (const char* name : {"a", "ab"}) {
+        std::filesystem::create_directory(fixture.chats + '/' + name);
+        fixture.chat(QString::fromLatin1(name) + u"/x.ichat"_s, {u"plum"_s});
+    }
+    fixture.update(store);
+    QFile::remove(fixture.path(u"a/x.ichat"_s));
+    QFile::remove(fixture.path(u"ab/x.ichat"_s));
+    Indexer(store).update({fixture.chats + "/a"}, test::neverStops);
+    EXPECT_EQ(found(store, fixture, u"plum"_s), 1);
+}
+
+TEST(Update, GoesOnAfterBeingKilled) {
+    const Fixture fixture;
+    archive::write(QString::fromStdString(fixture.chats), {700, 110'000, 20});
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"XDG_CACHE_HOME"_s, fixture.place.path());
+    std::mt19937 random(3);
+    int killed = 0;
+    for (int i = 0; i < 10; ++i) {
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.start(QStringLiteral(VELL_FIND),
+                      {u"word"_s, u"--"_s, QString::fromStdString(fixture.chats)});
+        if (process.waitForFinished(static_cast<int>(random() % 3000))) continue;
+        process.kill();
+        process.waitForFinished();
+        ++killed;
+    }
+    EXPECT_GT(killed, 0);
+    LibraryStore store(
+        QFile::encodeName(fixture.place.filePath(u"vell/library/messages.sqlite"_s)));
+    EXPECT_FALSE(store.wasDamaged());
+    fixture.update(store);
+    EXPECT_EQ(dump(store), freshDump(fixture));
+    store.database().run("INSERT INTO words (words) VALUES ('integrity-check')");
+}
+
+TEST(Update, StopsWhenAsked) {
+    const Fixture fixture;
+    archive::write(QString::fromStdString(fixture.chats), {300, 6'000, 0});
+    LibraryStore store(fixture.database);
+    for (const int files : {1, 150, 299}) {
+        std::atomic<bool> stop = false;
+        Indexer indexer(store);
+        indexer.onProgress = [&](const Indexer::Progress& p) { stop = p.done >= files; };
+        indexer.update({fixture.chats}, stop);
+        EXPECT_TRUE(store.files().empty()) << "nothing is written once it is stopped";
+    }
+    fixture.update(store);
+    EXPECT_EQ(dump(store), freshDump(fixture));
+}
+
+}  // namespace
+}  // namespace vell
