@@ -54,31 +54,45 @@ LibrarySearch::Numbers LibrarySearch::peopleNamed(const QString& typed) {
     return numbers;
 }
 
-/// Nothing when all files are wanted.
-std::optional<LibrarySearch::Numbers> LibrarySearch::wantedFiles(const Query& query) {
-    Numbers inFolders;
-    bool isAll = true;
-    Statement files = database_.prepare("SELECT id, path FROM files");
+/// Quick, and true where it matters: of the one folder that somebody always searches.
+bool LibrarySearch::isAllIn(const std::string& folder) {
+    Statement others =
+        database_.prepare("SELECT EXISTS (SELECT 1 FROM files WHERE path < ?1 OR path >= ?2)");
+    const QByteArray first = QByteArray::fromStdString(folder) + '/';
+    const QByteArray behind = QByteArray::fromStdString(folder) + char('/' + 1);
+    others.bind(1, first);
+    others.bind(2, behind);
+    return others.run() == 0;
+}
+
+LibrarySearch::Numbers LibrarySearch::filesInFolders() {
+    Numbers numbers;
+    Statement files = database_.prepare("SELECT id, path FROM files ORDER BY id");
     while (files.step()) {
         const QByteArray path = files.bytes(1);
         if (std::any_of(scope_.folders.begin(), scope_.folders.end(),
                         [&path](const std::string& folder) { return isWithin(path, folder); }))
-            inFolders.insert(files.integer(0));
-        else
-            isAll = false;
+            numbers.insert(numbers.end(), files.integer(0));
     }
+    return numbers;
+}
+
+/// Nothing when all files are wanted.
+std::optional<LibrarySearch::Numbers> LibrarySearch::wantedFiles(const Query& query) {
+    const bool isAll = std::any_of(scope_.folders.begin(), scope_.folders.end(),
+                                   [this](const std::string& folder) { return isAllIn(folder); });
+    if (isAll && query.with.isEmpty()) return std::nullopt;
+    Numbers wanted = filesInFolders();
     for (const QString& typed : query.with) {
         Numbers together;
         Statement with = database_.prepare(
             "SELECT DISTINCT file FROM participants WHERE person IN " + listed(peopleNamed(typed)));
         while (with.step()) {
-            if (inFolders.contains(with.integer(0))) together.insert(with.integer(0));
+            if (wanted.contains(with.integer(0))) together.insert(with.integer(0));
         }
-        inFolders = std::move(together);
-        isAll = false;
+        wanted = std::move(together);
     }
-    if (isAll) return std::nullopt;
-    return inFolders;
+    return wanted;
 }
 
 /// All but the words. The numbers of messages tell the days.

@@ -38,6 +38,8 @@ class LibrarySearch {
     QHash<qint64, TesselUserID> people_;
 
     [[nodiscard]] Numbers peopleNamed(const QString& typed);
+    [[nodiscard]] bool isAllIn(const std::string& folder);
+    [[nodiscard]] Numbers filesInFolders();
     [[nodiscard]] std::optional<Numbers> wantedFiles(const Query& query);
     [[nodiscard]] QByteArray conditions(const Query& query);
     [[nodiscard]] Statement prepared(const QByteArray& columns, const Query& query,

@@ -127,14 +127,13 @@ void LibraryStore::removeFiles() const {
 
 std::vector<LibraryStore::KnownFile> LibraryStore::files() {
     std::vector<KnownFile> result;
-    Statement rows = database_->prepare(
-        "SELECT id, path, size, modified, inode, hash, reason FROM files ORDER BY path");
+    Statement rows =
+        database_->prepare("SELECT id, path, size, modified, inode, hash FROM files ORDER BY path");
     while (rows.step()) {
         result.push_back({rows.integer(0),
                           {rows.bytes(1), rows.integer(2), rows.integer(3),
                            static_cast<quint64>(rows.integer(4))},
-                          rows.bytes(5),
-                          !rows.isNull(6)});
+                          rows.bytes(5)});
     }
     return result;
 }

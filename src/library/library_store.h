@@ -41,7 +41,6 @@ class LibraryStore {
         qint64 id = 0;
         FoundFile file;
         QByteArray hash;
-        bool isBroken = false;
     };
     /// All of them, by path.
     [[nodiscard]] std::vector<KnownFile> files();

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "archive.h"
 
-#include <QBuffer>
 #include <QDate>
 #include <QDir>
 #include <QFile>
