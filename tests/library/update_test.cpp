@@ -84,7 +84,7 @@ TEST(Update, OfOneFolderLeavesTheOthers) {
 
 TEST(Update, GoesOnAfterBeingKilled) {
     const Fixture fixture;
-    archive::write(QString::fromStdString(fixture.chats), {700, 110'000, 20});
+    archive::write(QString::fromStdString(fixture.chats), {400, 104'000, 20});
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"XDG_CACHE_HOME"_s, fixture.place.path());
     std::mt19937 random(3);
@@ -94,7 +94,7 @@ TEST(Update, GoesOnAfterBeingKilled) {
         process.setProcessEnvironment(environment);
         process.start(QStringLiteral(VELL_FIND),
                       {u"word"_s, u"--"_s, QString::fromStdString(fixture.chats)});
-        if (process.waitForFinished(static_cast<int>(random() % 3000))) continue;
+        if (process.waitForFinished(static_cast<int>(random() % 1500))) continue;
         process.kill();
         process.waitForFinished();
         ++killed;
