@@ -12,6 +12,7 @@
 #include <cstdlib>
 
 #include "foundation/picture.h"
+#include "foundation/picture_details.h"
 #include "picture/animation.h"
 #include "picture/decoding.h"
 
@@ -55,6 +56,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (!picture) return 0;
     if (picture->pixelSize && picture->pixelSize->isEmpty()) std::abort();
     static_cast<void>(foundation::isTurned(*picture));
+    static_cast<void>(foundation::isAnimated(*picture));
+    if (foundation::pixelsPerPoint(*picture) < 1) std::abort();
     if (!isModest(*picture)) return 0;
     [[maybe_unused]] static const bool isStarted = startApplication();
     check(vell::draw(picture->data, wanted, false).image);

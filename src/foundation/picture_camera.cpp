@@ -14,6 +14,11 @@ using std::string_view_literals::operator""sv;
 constexpr quint64 tagWidth = 256;
 constexpr quint64 tagHeight = 257;
 constexpr quint64 tagOrientation = 274;
+constexpr quint64 tagResolution = 282;
+constexpr quint64 tagResolutionUnit = 296;
+
+constexpr quint64 unitCentimetre = 3;
+constexpr double centimetresPerInch = 2.54;
 
 /// The first directory of a TIFF.
 class TiffDirectory {
@@ -29,11 +34,24 @@ class TiffDirectory {
         count_ = static_cast<qint64>(qMin<quint64>(number(start_, big_ ? 8 : 2), maximumSteps));
     }
 
+    /// The fraction under a tag; 0 without one.
+    [[nodiscard]] double fraction(quint64 tag) const {
+        for (qint64 i = 0; i < count_; ++i) {
+            const qint64 entry = entryAt(i);
+            if (number(entry, 2) != tag || number(entry + 2, 2) != 5) continue;
+            // Two LONGs: in place where offsets have 64 bits, else elsewhere.
+            const auto at = big_ ? entry + 12 : static_cast<qint64>(number(entry + 8, 4));
+            const auto denominator = static_cast<double>(number(at + 4, 4));
+            return denominator > 0 ? static_cast<double>(number(at, 4)) / denominator : 0;
+        }
+        return 0;
+    }
+
     /// The whole number under a tag; 0 without one.
     [[nodiscard]] quint64 value(quint64 tag) const {
         quint64 value = 0;
         for (qint64 i = 0; i < count_; ++i) {
-            const qint64 entry = start_ + (big_ ? 8 + 20 * i : 2 + 12 * i);
+            const qint64 entry = entryAt(i);
             if (number(entry, 2) != tag) continue;
             const qint64 at = entry + (big_ ? 12 : 8);
             switch (number(entry + 2, 2)) {  // BYTE, SHORT, LONG and LONG8 are held in place
@@ -64,6 +82,9 @@ class TiffDirectory {
     qint64 start_ = 0;
     qint64 count_ = 0;
 
+    [[nodiscard]] qint64 entryAt(qint64 index) const {
+        return start_ + (big_ ? 8 + 20 * index : 2 + 12 * index);
+    }
     [[nodiscard]] quint64 number(qint64 at, int length) const {
         switch (length) {
             case 1:
@@ -119,16 +140,26 @@ bool isSideways(quint64 orientation) {
     return orientation >= 5 && orientation <= 8;
 }
 
-bool isTurnedJpeg(const Bytes& bytes) {
+/// The camera's TIFF in a segment; nothing in others.
+std::optional<TiffDirectory> cameraDirectory(const JpegSegments& segments) {
     constexpr std::string_view mark = "Exif\0\0"sv;
+    const Bytes content = segments.content();
+    if (segments.marker() != 0xe1 || !content.is(0, mark)) return {};
+    return TiffDirectory(content.part(static_cast<qint64>(mark.size()), content.size()));
+}
+
+bool isTurnedJpeg(const Bytes& bytes) {
     for (JpegSegments segments(bytes); segments.next();) {
-        const Bytes content = segments.content();
-        if (segments.marker() == 0xe1 && content.is(0, mark))
-            return isSideways(
-                TiffDirectory(content.part(static_cast<qint64>(mark.size()), content.size()))
-                    .value(tagOrientation));
+        if (const auto directory = cameraDirectory(segments))
+            return isSideways(directory->value(tagOrientation));
     }
     return false;
+}
+
+double densityOf(const TiffDirectory& directory) {
+    const double resolution = directory.fraction(tagResolution);
+    const bool isCentimetres = directory.value(tagResolutionUnit) == unitCentimetre;
+    return isCentimetres ? resolution * centimetresPerInch : resolution;
 }
 
 }  // namespace
@@ -149,6 +180,25 @@ std::optional<Header> recogniseTiff(const Bytes& bytes) {
         return static_cast<qint64>(qMin<quint64>(directory.value(tag), maximumSide + 1));
     };
     return sized(PictureFormat::tiff, side(tagWidth), side(tagHeight));
+}
+
+double jpegDensity(const Bytes& bytes) {
+    double density = 0;
+    for (JpegSegments segments(bytes); segments.next() && density == 0;) {
+        const Bytes content = segments.content();
+        if (segments.marker() == 0xe0 && content.is(0, "JFIF\0"sv)) {
+            const quint16 dots = content.be16(8);
+            if (content.u8(7) == 1) density = dots;
+            if (content.u8(7) == 2) density = dots * centimetresPerInch;
+        } else if (const auto directory = cameraDirectory(segments)) {
+            density = densityOf(*directory);
+        }
+    }
+    return density;
+}
+
+double tiffDensity(const Bytes& bytes) {
+    return densityOf(TiffDirectory(bytes));
 }
 
 }  // namespace foundation::picture

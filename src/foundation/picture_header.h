@@ -89,6 +89,9 @@ std::optional<Header> recogniseTiff(const Bytes& bytes);
 std::optional<Header> recogniseHeif(const Bytes& bytes);
 /// JPEG 2000 in its box format and as a bare codestream.
 std::optional<Header> recogniseJpeg2000(const Bytes& bytes);
+/// Dots an inch; 0 where the header doesn't say.
+double jpegDensity(const Bytes& bytes);
+double tiffDensity(const Bytes& bytes);
 /// XML whose root element is SVG's.
 std::optional<Header> recogniseSvg(const Bytes& bytes);
 

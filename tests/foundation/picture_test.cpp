@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/picture.h"
+#include "foundation/picture_details.h"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +13,7 @@ namespace {
 
 using foundation::Data;
 using foundation::PictureFormat;
+using foundation::pixelsPerPoint;
 using foundation::recognisePicture;
 using enum foundation::PictureFormat;
 
@@ -128,6 +130,50 @@ TEST(Picture, RecognisesFormatAndSize) {
         EXPECT_STREQ(name(picture->format), name(row.format));
         EXPECT_EQ(picture->pixelSize.value_or(QSize(0, 0)), QSize(row.width, row.height));
         EXPECT_EQ(picture->data.view(), row.data);
+    }
+}
+
+TEST(Picture, DensitiesOfScreensMakePicturesSmaller) {
+    const QByteArray png = bytes(
+        "89 'PNG' 0d0a1a0a 0000000d 'IHDR' 0000000a 00000011 0802000000 00000000 00000009 'pHYs'");
+    const QByteArray frame = bytes("ffc0 0011 08 0003 0005 03");
+    const QByteArray sides =
+        bytes("'MM' 002a 00000008 0004 0100 0003 00000001 012c0000 0101 0003 00000001 00c80000");
+    const struct {
+        const char* what;
+        QByteArray data;
+        int pixels;
+    } rows[] = {
+        {"png without it", bytes("89 'PNG' 0d0a1a0a 0000000d 'IHDR' 0000000a 00000011 0802000000"),
+         1},
+        {"png, 144 an inch", png + bytes("00001625 00001625 01"), 2},
+        {"png, 216", png + bytes("00002138 00002138 01"), 3},
+        {"png, 72", png + bytes("00000b13 00000b13 01"), 1},
+        {"png, 300, of a printer", png + bytes("00002e23 00002e23 01"), 1},
+        {"png, proportions only", png + bytes("00001625 00001625 00"), 1},
+        {"png, absurd", png + bytes("ffffffff ffffffff 01"), 1},
+        {"jpeg", bytes("ffd8 ffe0 0010 'JFIF' 00 0102 01 0090 0090 0000") + frame, 2},
+        {"jpeg, by the centimetre",
+         bytes("ffd8 ffe0 0010 'JFIF' 00 0102 02 0039 0039 0000") + frame, 2},
+        {"jpeg of a camera",
+         bytes("ffd8 ffe1 002a 'Exif' 0000 'MM' 002a 00000008 0001 011a 0005 00000001 0000001a"
+               "00000000 00000090 00000001") +
+             frame,
+         2},
+        {"tiff",
+         sides + bytes("011a 0005 00000001 0000003e 0128 0003 00000001 00020000 00000000"
+                       "00000120 00000002"),
+         2},
+        {"tiff, divided by nothing",
+         sides + bytes("011a 0005 00000001 0000003e 0128 0003 00000001 00020000 00000000"
+                       "00000120 00000000"),
+         1},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        const auto picture = recognisePicture(exactly(row.data));
+        ASSERT_TRUE(picture);
+        EXPECT_EQ(pixelsPerPoint(*picture), row.pixels);
     }
 }
 

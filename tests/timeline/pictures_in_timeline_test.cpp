@@ -47,14 +47,19 @@ class PictureWindow : public test::Window {
     template <class... Images>
     explicit PictureWindow(const Images&... images) : Window(log({images...})) {}
 
-    QColor middle(qsizetype row = 0) {
+    /// The colour of a picture between its edge and a sign in its middle.
+    QColor side(qsizetype row = 0) { return colorAt(row, 0.1); }
+    QColor middle(qsizetype row = 0) { return colorAt(row, 0.5); }
+    QColor colorAt(qsizetype row, qreal part) {
         const QImage seen = view.viewport()->grab().toImage();
         TimelineLayout& timeline = view.timeline();
         const QPoint corner(timeline.rowLeft(), static_cast<int>(timeline.rowTop(row)));
-        return seen.pixelColor(timeline.row(row).layout.content.center() + corner);
+        const QRect content = timeline.row(row).layout.content;
+        return seen.pixelColor(
+            QPoint(content.left() + qRound(part * content.width()), content.center().y()) + corner);
     }
     bool shows(const QColor& color, qsizetype row = 0) {
-        return waitFor([&] { return middle(row) == color; });
+        return waitFor([&] { return side(row) == color; });
     }
     /// What stands in a picture's place.
     QString text(qsizetype row) {
@@ -77,10 +82,15 @@ TEST(GifInTimeline, PlaysOnClickAndOnlyWhileVisible) {
     PictureWindow window(shownPicture(test::gif(QSize(40, 40), {Qt::red, Qt::blue}, 3)));
     ASSERT_TRUE(window.shows(Qt::red));
     QTest::qWait(150);
-    EXPECT_EQ(window.middle(), QColor(Qt::red)) << "plays by itself";
+    EXPECT_EQ(window.side(), QColor(Qt::red)) << "plays by itself";
+    EXPECT_EQ(window.middle(), QColor(Qt::white)) << "the play sign";
+    PictureWindow still(shownPicture(test::gif(QSize(40, 40), {Qt::red}, 3)));
+    ASSERT_TRUE(still.shows(Qt::red));
+    EXPECT_EQ(still.middle(), QColor(Qt::red)) << "nothing to play";
 
     window.view.activateRow(0);
     EXPECT_TRUE(window.shows(Qt::blue));
+    EXPECT_EQ(window.middle(), window.side()) << "a sign on what plays";
     EXPECT_TRUE(window.shows(Qt::red)) << "doesn't begin anew";
     EXPECT_TRUE(window.shows(Qt::blue));
 
@@ -88,7 +98,7 @@ TEST(GifInTimeline, PlaysOnClickAndOnlyWhileVisible) {
     window.view.scroller().scrollToRow(0);
     ASSERT_TRUE(window.shows(Qt::red));
     QTest::qWait(150);
-    EXPECT_EQ(window.middle(), QColor(Qt::red)) << "played on unseen";
+    EXPECT_EQ(window.side(), QColor(Qt::red)) << "played on unseen";
 
     window.view.activateRow(0);
     EXPECT_TRUE(window.shows(Qt::blue));

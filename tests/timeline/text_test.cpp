@@ -188,6 +188,16 @@ TEST(LaidOutText, OffsetsAndPlacesBelongTogether) {
     }
 }
 
+TEST(LaidOutText, ALetterWiderThanTheRoomIsWhole) {
+    TextFormat huge = format();
+    huge.font.setPixelSize(400);
+    const qreal letter = QFontMetricsF(huge.font).horizontalAdvance(u'W');
+    for (const qsizetype count : {qsizetype(3), LaidOutText::longestShort + 1}) {
+        const LaidOutText text(QString(count, u'W'), huge, 100);
+        EXPECT_GE(text.width(), letter);
+    }
+}
+
 TEST(LaidOutText, RegionsAreWhereTheirCharactersAre) {
     const struct {
         const char* what;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QBuffer>
+#include <QPainter>
 #include <QScrollBar>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -11,6 +12,7 @@
 
 #include "identity/memory_contacts.h"
 #include "identity/waiting.h"
+#include "timeline/pictures/scaled_pictures.h"
 #include "timeline/random_log.h"
 #include "timeline/window.h"
 
@@ -60,6 +62,10 @@ TEST(TimelineView, ContactsThatComeLaterChangeCaptionsAndNoBubble) {
     record.instantMessageAddresses = {{bob.userID, {}}};
     QImage picture(40, 40, QImage::Format_RGB32);
     picture.fill(Qt::red);
+    for (int x = 0; x < 30; x += 2) {  // stripes as narrow as they can be
+        for (int y = 0; y < 10; ++y)
+            picture.setPixelColor(x, y, Qt::white);
+    }
     QBuffer buffer;
     picture.save(&buffer, "png");
     record.thumbnails = {buffer.data()};
@@ -82,6 +88,24 @@ TEST(TimelineView, ContactsThatComeLaterChangeCaptionsAndNoBubble) {
     const QPoint icon =
         bubble.row->layout.icon.center() + QPoint(view.timeline().rowLeft(), bubble.top);
     EXPECT_EQ(view.viewport()->grab().toImage().pixelColor(icon), QColor(Qt::red));
+
+    // At a ratio that the stored picture isn't made for it is scaled well, which takes time, once.
+    constexpr qreal ratio = 1.25;
+    test::Context other(ratio);
+    const RowContext context{other.rows.fonts,  other.rows.colors, ratio,
+                             Qt::LeftToRight,   contacts,          other.colors,
+                             other.backgrounds, other.tiles,       other.pictures};
+    const QSize size = SenderIconView::size(context);
+    QImage painted(size, QImage::Format_ARGB32_Premultiplied);
+    painted.fill(Qt::white);
+    QPainter painter(&painted);
+    SenderIconView{bob}.paint(painter, painted.rect(), context);
+    painter.end();
+    const QImage kept = *contacts.addressToContact()[bob.userID].image;
+    EXPECT_EQ(painted, kept.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                           .convertToFormat(painted.format()));
+    EXPECT_EQ(ScaledPictures::shared().image(kept, size).cacheKey(),
+              ScaledPictures::shared().image(kept, size).cacheKey());
 }
 
 TEST(SmoothScroll, SlowsDownAndEndsOnThePixel) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "foundation/picture_details.h"
 #include "toolkit/callback_guard.h"
 #include "toolkit/picture_decoder.h"
 #include "transcript/chat_log.h"
@@ -39,7 +40,8 @@ QSize PictureCache::size(const foundation::Picture& picture) {
     const char* bytes = picture.data.begin();
     if (const auto known = sizes_.constFind(bytes); known != sizes_.cend()) return *known;
     const QSize stored = *picture.pixelSize;
-    const QSize size = foundation::isTurned(picture) ? stored.transposed() : stored;
+    const QSize turned = foundation::isTurned(picture) ? stored.transposed() : stored;
+    const QSize size = (turned / foundation::pixelsPerPoint(picture)).expandedTo(QSize(1, 1));
     sizes_.insert(bytes, size);
     return size;
 }
@@ -61,6 +63,13 @@ const QImage* PictureCache::image(const foundation::Picture& picture, QSize pixe
     return other == latest_.cend() ? nullptr : images_.object({key.bytes, *other});
 }
 
+bool PictureCache::isAnimated(const foundation::Picture& picture) {
+    const char* bytes = picture.data.begin();
+    const auto known = animated_.constFind(bytes);
+    if (known != animated_.cend()) return *known;
+    return *animated_.insert(bytes, foundation::isAnimated(picture));
+}
+
 QString PictureCache::problem(const foundation::Picture& picture) const {
     return problems_.value(picture.data.begin());
 }
@@ -79,6 +88,7 @@ void PictureCache::forget(const TesselChatLog& chatlog) {
     for (const char* bytes : gone) {
         latest_.remove(bytes);
         sizes_.remove(bytes);
+        animated_.remove(bytes);
         problems_.remove(bytes);
     }
     std::erase_if(requests_, [&](const Request& request) {

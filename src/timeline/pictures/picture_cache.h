@@ -32,11 +32,13 @@ class PictureCache final : public QObject {
     explicit PictureCache(qsizetype maxBytes = defaultBytes, QObject* parent = nullptr);
     ~PictureCache() override;
 
-    /// Width and height as drawn, one pixel a point; empty where the header doesn't say.
+    /// Width and height as drawn, in points; empty where the header doesn't say.
     [[nodiscard]] QSize size(const foundation::Picture& picture);
     /// The picture at this many pixels, or at another size while that one is being decoded; null
     /// while there is none. Valid until control returns to the event loop.
     [[nodiscard]] const QImage* image(const foundation::Picture& picture, QSize pixels);
+    /// Whether it is a GIF of several frames.
+    [[nodiscard]] bool isAnimated(const foundation::Picture& picture);
     /// Why the picture can't be drawn, in words; empty when it can, or wasn't tried yet.
     [[nodiscard]] QString problem(const foundation::Picture& picture) const;
 
@@ -71,6 +73,7 @@ class PictureCache final : public QObject {
     QCache<Key, QImage> images_;  // in bytes
     QHash<const char*, QSize> latest_;
     QHash<const char*, QSize> sizes_;
+    QHash<const char*, bool> animated_;
     QHash<const char*, QString> problems_;
     QSet<Key> pending_;
     std::vector<Request> requests_;  // the last one comes first: it is on the screen

@@ -3,6 +3,7 @@
 
 #include <QPainter>
 #include <QPainterPath>
+#include <QPolygonF>
 #include <QStringList>
 #include <QTransform>
 #include <algorithm>
@@ -17,6 +18,7 @@ constexpr qreal padding = 6;
 constexpr qreal tailPadding = 10;
 constexpr qreal cornerRadius = 16;
 constexpr qreal highest = 480;
+constexpr qreal playSign = 48;
 // What a picture gets whose size isn't known before it is decoded, in points.
 constexpr QSize unknownSize(240, 180);
 
@@ -25,6 +27,22 @@ QSize fitted(QSize natural, QSize room) {
         natural.scale(room, Qt::KeepAspectRatio);
     }
     return natural.expandedTo(QSize(1, 1));
+}
+
+/// A triangle in a dark disc: a click plays the picture.
+void paintPlaySign(QPainter& painter, const QRect& room, const RowContext& context) {
+    const qreal side =
+        std::min<qreal>({playSign * context.ratio, room.width() * 0.6, room.height() * 0.6});
+    const QPointF middle = QRectF(room).center();
+    painter.setPen(QPen(QColor(255, 255, 255, 200), side / 24));
+    painter.setBrush(QColor(0, 0, 0, 130));
+    painter.drawEllipse(middle, side / 2, side / 2);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::white);
+    const qreal reach = side / 4;
+    painter.drawPolygon(
+        QPolygonF({middle + QPointF(-reach * 0.7, -reach), middle + QPointF(reach * 1.1, 0),
+                   middle + QPointF(-reach * 0.7, reach)}));
 }
 
 }  // namespace
@@ -80,6 +98,8 @@ void ImageBubbleView::paint(QPainter& painter, const RowLayout& layout, const Ro
     } else {
         painter.fillPath(rounded, context.colors.separator);
     }
+    if (!what.frame && context.pictures.isAnimated(image.image()))
+        paintPlaySign(painter, room, context);
     for (const TextHighlight& highlight : what.highlights) {
         if (highlight.kind == HighlightKind::selection)
             painter.fillPath(rounded, selectedPictureColor(context));

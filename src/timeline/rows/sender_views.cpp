@@ -6,6 +6,7 @@
 #include "identity/contacts/contacts_store.h"
 #include "identity/contacts/sender_name.h"
 #include "identity/identicons/identicons.h"
+#include "timeline/pictures/scaled_pictures.h"
 #include "timeline/rows/line_layout.h"
 #include "toolkit/shown_text.h"
 #include "toolkit/style.h"
@@ -29,8 +30,8 @@ QSize SenderIconView::size(const RowContext& context) {
 void SenderIconView::paint(QPainter& painter, const QRect& rect, const RowContext& context) const {
     const auto contact = context.contacts.addressToContact().constFind(sender.userID);
     const bool hasPicture = contact != context.contacts.addressToContact().cend() && contact->image;
-    const QImage image =
-        hasPicture ? *contact->image : identicons().icon(sender.userID, context.ratio);
+    const QImage image = hasPicture ? ScaledPictures::shared().image(*contact->image, rect.size())
+                                    : identicons().icon(sender.userID, context.ratio);
     if (image.isNull()) return;
     painter.setRenderHint(QPainter::SmoothPixmapTransform, image.size() != rect.size());
     painter.drawImage(rect, image);

@@ -84,7 +84,7 @@ LaidOutText::LaidOutText(QString text, TextFormat format, int maxWidth)
         const QFontMetricsF metrics(format_.font);
         estimatedLine_ = ceilPixels(metrics.ascent() + metrics.descent(), format_.ratio) + spacing_;
         estimatedCharacter_ = metrics.averageCharWidth() * format_.ratio;
-        width_ = maxWidth_;
+        width_ = std::max(maxWidth_, ceilPixels(metrics.maxWidth(), format_.ratio));
         isMeasured_.assign(blocks_.size(), false);
         heights_.assign(
             count, [&](qsizetype i) { return estimatedHeight(blocks_[static_cast<size_t>(i)]); });
@@ -99,7 +99,8 @@ LaidOutText::LaidOutText(QString text, TextFormat format, int maxWidth)
             widest = std::max(widest, layout.lineAt(i).naturalTextWidth());
         }
     }
-    width_ = std::min(ceilPixels(widest, format_.ratio), maxWidth_);
+    // A line can be wider than the room for it: when one character is.
+    width_ = ceilPixels(widest, format_.ratio);
     for (size_t i = 0; i < blocks_.size(); ++i)
         placeLines(blocks_[i], *shortLayouts_[i]);
     heights_.assign(
@@ -277,6 +278,17 @@ qsizetype LaidOutText::offsetAt(QPoint point) const {
 
 qsizetype LaidOutText::characterAt(QPoint point) const {
     return hit(point, QTextLine::CursorOnCharacter);
+}
+
+TextRange LaidOutText::lineAround(qsizetype offset) const {
+    const qsizetype index = blockOf(offset);
+    const TextBlock& block = blocks_[static_cast<size_t>(index)];
+    const auto inBlock =
+        static_cast<int>(std::clamp<qsizetype>(offset - block.start, 0, block.length));
+    const QTextLine line = layout(index).lineForTextPosition(inBlock);
+    if (!line.isValid()) return {block.start, block.start + block.length};
+    const qsizetype start = block.start + line.textStart();
+    return {start, start + line.textLength()};
 }
 
 bool LaidOutText::isRightToLeft(qsizetype offset) const {

@@ -79,6 +79,8 @@ class LaidOutText {
     [[nodiscard]] qsizetype offsetAt(QPoint point) const;
     /// The offset of the character below a point, or of the nearest one on its line.
     [[nodiscard]] qsizetype characterAt(QPoint point) const;
+    /// The offsets of the line that holds an offset, without its line break.
+    [[nodiscard]] TextRange lineAround(qsizetype offset) const;
     /// Whether the paragraph around an offset runs from right to left.
     [[nodiscard]] bool isRightToLeft(qsizetype offset) const;
     /// Whether a point lies on a line's characters, not beside or below them.
