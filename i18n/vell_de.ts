@@ -109,6 +109,74 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     </message>
 </context>
 <context>
+    <name>PatternSearch</name>
+    <message>
+        <source>nothing is known by this letter after “\”</source>
+        <translation>dieser Buchstabe bedeutet nach „\“ nichts</translation>
+    </message>
+    <message>
+        <source>there is no such property</source>
+        <translation>diese Eigenschaft gibt es nicht</translation>
+    </message>
+    <message>
+        <source>a parenthesis is missing</source>
+        <translation>eine Klammer fehlt</translation>
+    </message>
+    <message>
+        <source>a number is too large</source>
+        <translation>eine Zahl ist zu groß</translation>
+    </message>
+    <message>
+        <source>“{” needs numbers and “}”</source>
+        <translation>zu „{“ gehören Zahlen und „}“</translation>
+    </message>
+    <message>
+        <source>in “{ }” the first number is the larger one</source>
+        <translation>in „{ }“ ist die erste Zahl die größere</translation>
+    </message>
+    <message>
+        <source>there is no such group</source>
+        <translation>diese Gruppe gibt es nicht</translation>
+    </message>
+    <message>
+        <source>this can’t name a group</source>
+        <translation>so kann keine Gruppe heißen</translation>
+    </message>
+    <message>
+        <source>there is no such flag</source>
+        <translation>diese Option gibt es nicht</translation>
+    </message>
+    <message>
+        <source>what is looked for behind may have any length</source>
+        <translation>was davor stehen soll, kann beliebig lang sein</translation>
+    </message>
+    <message>
+        <source>“]” is missing</source>
+        <translation>„]“ fehlt</translation>
+    </message>
+    <message>
+        <source>a range in “[ ]” ends before it begins</source>
+        <translation>ein Bereich in „[ ]“ endet vor seinem Anfang</translation>
+    </message>
+    <message>
+        <source>it is too long</source>
+        <translation>er ist zu lang</translation>
+    </message>
+    <message>
+        <source>it is too deeply nested</source>
+        <translation>er ist zu tief verschachtelt</translation>
+    </message>
+    <message>
+        <source>this can’t stand here</source>
+        <translation>das kann hier nicht stehen</translation>
+    </message>
+    <message>
+        <source>%1 (character %2)</source>
+        <extracomment>&quot;“]” is missing (character 7)&quot;</extracomment>
+        <translation>%1 (Zeichen %2)</translation>
+    </message>
+</context>
+<context>
     <name>SampleChat</name>
     <message>
         <source>Do you still have our old chats?</source>
@@ -179,10 +247,6 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
 <context>
     <name>vell</name>
     <message>
-        <source>End of messages by %1</source>
-        <translation>Ende der Nachrichten von %1</translation>
-    </message>
-    <message>
         <source>%1: %2, %3</source>
         <translation>%1: %2, %3</translation>
     </message>
@@ -208,6 +272,17 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     <message>
         <source>All files (*)</source>
         <translation>Alle Dateien (*)</translation>
+    </message>
+</context>
+<context>
+    <name>vell::ChatFinder</name>
+    <message>
+        <source>Not a regular expression: %1.</source>
+        <translation>Kein regulärer Ausdruck: %1.</translation>
+    </message>
+    <message>
+        <source>The expression takes too long; some matches may be missing.</source>
+        <translation>Der Ausdruck braucht zu lange; vielleicht fehlen Treffer.</translation>
     </message>
 </context>
 <context>
@@ -422,6 +497,34 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <extracomment>&quot;3 of 120&quot; matches; the second number grows while the search is under way.</extracomment>
         <translation>%1 von %2</translation>
     </message>
+    <message>
+        <source>Match case</source>
+        <translation>Groß- und Kleinschreibung beachten</translation>
+    </message>
+    <message>
+        <source>Whole words</source>
+        <translation>Ganze Wörter</translation>
+    </message>
+    <message>
+        <source>Regular expression</source>
+        <translation>Regulärer Ausdruck</translation>
+    </message>
+    <message>
+        <source>List of matches</source>
+        <translation>Liste der Treffer</translation>
+    </message>
+    <message>
+        <source>Messages by</source>
+        <translation>Nachrichten von</translation>
+    </message>
+    <message>
+        <source>Everybody</source>
+        <translation>Allen</translation>
+    </message>
+    <message>
+        <source>List</source>
+        <translation>Liste</translation>
+    </message>
 </context>
 <context>
     <name>vell::FindFilesWindow</name>
@@ -618,6 +721,26 @@ If you could send us a complete sample file which fails to load, that would also
 Wir wären Ihnen sehr dankbar, wenn Sie uns die folgenden Angaben zum Laden senden würden. Sie enthalten NICHT die ganze Datei, sondern nur die ersten %1 Byte. Darin sollten keine privaten Angaben stehen.
 
 Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt. Wir verstehen, dass Sie persönliche Angaben vielleicht nicht weitergeben möchten. Wenn Sie es tun, versprechen wir, die Datei sofort nach der Untersuchung zu löschen und Ihnen das per E-Mail zu bestätigen.</translation>
+    </message>
+</context>
+<context>
+    <name>vell::MatchList</name>
+    <message>
+        <source>Matches</source>
+        <translation>Treffer</translation>
+    </message>
+</context>
+<context>
+    <name>vell::MatchModel</name>
+    <message>
+        <source>%1, %2</source>
+        <extracomment>&quot;Jonas, 1 May 2005, 20:05&quot;</extracomment>
+        <translation>%1, %2</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <extracomment>&quot;Jonas, 1 May 2005, 20:05: the line that holds the match&quot;</extracomment>
+        <translation>%1: %2</translation>
     </message>
 </context>
 <context>

@@ -8,17 +8,20 @@
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QSet>
 #include <QWheelEvent>
 #include <algorithm>
 #include <utility>
 
+#include "foundation/line_break.h"
 #include "identity/contacts/contacts_store.h"
 #include "timeline/bubbles/bubble_colors.h"
 #include "timeline/input/keyboard_navigation.h"
 #include "timeline/input/row_interaction.h"
 #include "timeline/input/row_place.h"
 #include "timeline/input/selection_controller.h"
+#include "timeline/layout/scroll_bar_marks.h"
 #include "timeline/pictures/gif_player.h"
 #include "timeline/pictures/picture_cache.h"
 
@@ -26,6 +29,7 @@ namespace vell {
 namespace {
 
 constexpr QSize idealSize(520, 640);
+constexpr qsizetype longestPhrase = 200;
 
 }  // namespace
 
@@ -40,7 +44,8 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
       selection_(std::make_unique<SelectionController>(*this, layout_, context_, scroller_)),
       rows_(std::make_unique<RowInteraction>(*this, layout_, context_, *selection_)),
       keyboard_(std::make_unique<KeyboardNavigation>(*this, layout_, context_, scroller_, *rows_)),
-      gifPlayer_(std::make_unique<GifPlayer>()) {
+      gifPlayer_(std::make_unique<GifPlayer>()),
+      marks_(new ScrollBarMarks(*verticalScrollBar(), layout_, context_)) {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
@@ -116,7 +121,8 @@ void TimelineView::rebuild() {
 
 // ---- the selection -----------------------------------------------------------------------------
 
-void TimelineView::setFindMatches(std::vector<TextSpan> matches, qsizetype current) {
+void TimelineView::setFindMatches(std::shared_ptr<const FoundSpans> matches, qsizetype current) {
+    marks_->setMatches(matches, current);
     selection_->setFindMatches(std::move(matches), current);
 }
 
@@ -128,6 +134,30 @@ QString TimelineView::selectedText() const {
     return selection_->text();
 }
 
+const TextSpan& TimelineView::selectedSpan() const {
+    return selection_->selection().span();
+}
+
+const std::optional<TextPosition>& TimelineView::caret() const {
+    return selection_->selection().focus();
+}
+
+void TimelineView::select(const TextSpan& span) {
+    selection_->select(span);
+}
+
+std::optional<TimelineView::Phrase> TimelineView::selectedPhrase() const {
+    const TextSpan& span = selectedSpan();
+    if (!hasSelection() || span.from.row != span.to.row ||
+        span.to.offset - span.from.offset > longestPhrase)
+        return std::nullopt;
+    const QString text = selectedText();
+    if (std::any_of(text.begin(), text.end(),
+                    [](QChar unit) { return foundation::isLineBreak(unit.unicode()); }))
+        return std::nullopt;
+    return Phrase{text, span};
+}
+
 void TimelineView::selectAll() {
     selection_->selectAll();
 }
@@ -136,8 +166,20 @@ void TimelineView::clearSelection() {
     selection_->clear();
 }
 
+void TimelineView::setSelectionExporter(SelectionExporter exporter) {
+    selection_->setExporter(std::move(exporter));
+}
+
 void TimelineView::copySelection() const {
     selection_->copy();
+}
+
+TextPosition TimelineView::topPosition() {
+    const auto place = placeAt({0, 0});
+    if (!place) return {};
+    const RowLayout& layout = place->content->layout;
+    const int y = place->point.y() - layout.content.top();
+    return {place->row, layout.text && y > 0 ? layout.text->line(y).start : 0};
 }
 
 qsizetype TimelineView::currentRow() const {

@@ -13,9 +13,11 @@
 #include <vector>
 
 #include "timeline/bubbles/background_cache.h"
+#include "timeline/input/selection.h"
 #include "timeline/layout/timeline_layout.h"
 #include "timeline/layout/timeline_scroller.h"
 #include "timeline/rows/row_context.h"
+#include "timeline/text/found_spans.h"
 #include "timeline/text/text_range.h"
 #include "timeline/text/text_tiles.h"
 #include "transcript/chat_log.h"
@@ -28,6 +30,7 @@ class KeyboardNavigation;
 class Links;
 class PictureCache;
 class RowInteraction;
+class ScrollBarMarks;
 class SelectionController;
 struct RowPlace;
 
@@ -53,18 +56,32 @@ class TimelineView final : public QAbstractScrollArea {
     [[nodiscard]] TimelineLayout& timeline() { return layout_; }
     [[nodiscard]] TimelineScroller& scroller() { return scroller_; }
 
-    /// Highlights what a search has found, sorted by row and start; `current` is the index of the
-    /// match to stand out, -1 for none.
-    void setFindMatches(std::vector<TextSpan> matches, qsizetype current);
+    /// Highlights what a search has found, here and beside the scroll bar; `current` is the index
+    /// of the match to stand out, -1 for none. To be called again when there are more.
+    void setFindMatches(std::shared_ptr<const FoundSpans> matches, qsizetype current);
 
     [[nodiscard]] bool hasSelection() const;
     /// A line for each selected row: its text, or a picture's name.
     [[nodiscard]] QString selectedText() const;
+    [[nodiscard]] const TextSpan& selectedSpan() const;
+    /// Where the selection's free end is; nothing before anything was selected.
+    [[nodiscard]] const std::optional<TextPosition>& caret() const;
+    void select(const TextSpan& span);
+    struct Phrase {
+        QString text;
+        TextSpan span;
+    };
+    /// The selected text, if it is a short part of one line.
+    [[nodiscard]] std::optional<Phrase> selectedPhrase() const;
     void selectAll();
     void clearSelection();
-    /// Puts the selected text on the clipboard; without a selection nothing happens.
+    /// Replaces the text by what a clipboard or a drag is to carry of a selection.
+    void setSelectionExporter(SelectionExporter exporter);
+    /// Puts what is selected on the clipboard; without a selection nothing happens.
     void copySelection() const;
 
+    /// The first place of a text that is on the screen.
+    [[nodiscard]] TextPosition topPosition();
     /// The row that the keyboard is at; -1 before any was chosen.
     [[nodiscard]] qsizetype currentRow() const;
     /// Brings a row on the screen and the keyboard to it.
@@ -135,6 +152,7 @@ class TimelineView final : public QAbstractScrollArea {
     std::unique_ptr<RowInteraction> rows_;
     std::unique_ptr<KeyboardNavigation> keyboard_;
     std::unique_ptr<GifPlayer> gifPlayer_;
+    ScrollBarMarks* marks_;
 };
 
 }  // namespace vell

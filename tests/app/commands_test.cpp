@@ -16,7 +16,7 @@
 #include <QToolBar>
 #include <QUrl>
 
-#include "app/documents/find_bar.h"
+#include "app/documents/find/find_bar.h"
 #include "app/documents/load_log_window.h"
 #include "export/markdown.h"
 #include "identity/contacts/contacts_store.h"

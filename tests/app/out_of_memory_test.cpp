@@ -8,7 +8,7 @@
 #include <functional>
 #include <new>
 
-#include "app/documents/chat_search.h"
+#include "app/documents/find/chat_search.h"
 #include "app/search/transcript_table.h"
 #include "identity/contacts/contacts_store.h"
 #include "windows.h"
@@ -89,7 +89,7 @@ TEST_F(OutOfMemory, OneFileFailsAndTheProgramGoesOn) {
     });
     failEverywhere("search in a chat", [&] {
         vell::ChatSearch search(log);
-        search.start(u"number"_s);
+        search.start({u"number"_s, false, {}, {}});
         return waitUntil([&] { return !search.isRunning(); });
     });
     EXPECT_TRUE(opened(path)) << "the program goes on";

@@ -32,6 +32,10 @@ TesselChatLog smallTalk() {
         .log();
 }
 
+std::shared_ptr<const FoundSpans> found(std::vector<TextSpan> spans) {
+    return std::make_shared<const FoundSpans>(std::move(spans));
+}
+
 TEST(Selecting, DragsGoByCharactersAcrossRowsAndCopyPicturesByName) {
     Window window(smallTalk());
     // Half a character to the left of where the places point.
@@ -150,13 +154,13 @@ TEST(Selecting, HighlightsAreWhereTheirTextIsAndNowhereElse) {
         return rect;
     };
     const QRect there(window.place(0, 6), window.place(0, 10));
-    window.view.setFindMatches({{{0, 6}, {0, 11}}}, -1);
+    window.view.setFindMatches(found({{{0, 6}, {0, 11}}}), -1);
     const QImage match = painted();
     EXPECT_TRUE(changed(match).contains(there));
     EXPECT_TRUE(there.adjusted(-12, -20, 12, 20).contains(changed(match)));
-    window.view.setFindMatches({{{0, 6}, {0, 11}}}, 0);
+    window.view.setFindMatches(found({{{0, 6}, {0, 11}}}), 0);
     EXPECT_NE(painted(), match) << "the current match looks like any other";
-    window.view.setFindMatches({}, -1);
+    window.view.setFindMatches(found({}), -1);
     EXPECT_EQ(painted(), plain);
     window.drag(there.topLeft() - QPoint(3, 0), there.bottomRight() + QPoint(3, 0));
     EXPECT_EQ(window.selected(), QStringLiteral("there"));
@@ -174,7 +178,7 @@ TEST(Selecting, MatchesFarAwayInLongTextsAreBroughtIntoView) {
         const QString needle = QStringLiteral("line %1 ").arg(line);
         const qsizetype start = lines.indexOf(needle);
         const TextSpan match{{1, start}, {1, start + needle.size()}};
-        window.view.setFindMatches({match}, 0);
+        window.view.setFindMatches(found({match}), 0);
         window.view.scroller().revealText(match);
         const QPoint place = window.place(1, start);
         EXPECT_TRUE(window.view.viewport()->rect().contains(place)) << line << " at " << place.y();
@@ -188,7 +192,7 @@ TEST(Selecting, PaintingCostsTheMatchesThatAreSeenAndNotAll) {
         std::vector<TextSpan> matches;
         for (qsizetype i = 0; i < count; ++i)
             matches.push_back({{0, 4 * i}, {0, 4 * i + 1}});
-        window.view.setFindMatches(std::move(matches), 0);
+        window.view.setFindMatches(found(std::move(matches)), 0);
         const std::clock_t start = std::clock();
         for (int i = 0; i < 5; ++i)
             window.view.viewport()->grab();

@@ -13,7 +13,7 @@
 #include "app/documents/dates/time_zones.h"
 #include "app/documents/document_tools.h"
 #include "app/documents/document_window.h"
-#include "app/documents/find_bar.h"
+#include "app/documents/find/chat_finder.h"
 #include "app/windows/commands.h"
 #include "app/windows/common_commands.h"
 #include "app/windows/font_size.h"
@@ -70,12 +70,12 @@ void DocumentWindow::buildEditMenu() {
                                        [this] { timeline_->selectAll(); }));
     menu.addSeparator();
     documentActions_.append(
-        addCommand(menu, tr("&Find …"), keysFor(QKeySequence::Find), [this] { openFindBar(); }));
+        addCommand(menu, tr("&Find …"), keysFor(QKeySequence::Find), [this] { finder_->open(); }));
     documentActions_.append(addCommand(menu, tr("Find &Next"), keysFor(QKeySequence::FindNext),
-                                       [this] { goToMatch(1); }));
+                                       [this] { finder_->step(1); }));
     documentActions_.append(addCommand(menu, tr("Find &Previous"),
                                        keysFor(QKeySequence::FindPrevious),
-                                       [this] { goToMatch(-1); }));
+                                       [this] { finder_->step(-1); }));
 }
 
 void DocumentWindow::buildFormatMenu() {

@@ -19,7 +19,7 @@
 #include "app/documents/chat_title.h"
 #include "app/documents/contacts_bar.h"
 #include "app/documents/document_tools.h"
-#include "app/documents/find_bar.h"
+#include "app/documents/find/chat_finder.h"
 #include "app/windows/font_size.h"
 #include "app/windows/window_geometry.h"
 #include "identity/contacts/contacts_store.h"
@@ -132,8 +132,6 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     }
     document_ = result.document;
     updateTitles();
-    search_ = std::make_unique<ChatSearch>(document_->sharedChatlog());
-    connect(search_.get(), &ChatSearch::changed, this, &DocumentWindow::showMatches);
     timeline_ =
         new TimelineView(document_->sharedChatlog(), services_.contacts, services_.pictures);
     AccessibleTimeline::attach(*timeline_);
@@ -142,6 +140,8 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
         openWithDesktop(url, *this);  // which explains a failure
         return true;
     });
+    auto& layout = *static_cast<QVBoxLayout*>(centralWidget()->layout());
+    finder_ = std::make_unique<ChatFinder>(*this, layout, *timeline_, history_);
     connect(timeline_, &TimelineView::linkHovered, statusBar(),
             [this](const QString& address) { statusBar()->showMessage(address); });
     timeline_->setFontSize(services_.settings.timelineFontSize());
@@ -222,72 +222,6 @@ void DocumentWindow::copy() {
     } else {
         copyWholeChat();
     }
-}
-
-// Created on first use, so that the window opens sooner.
-void DocumentWindow::makeFindBar() {
-    findBar_ = new FindBar;
-    auto* layout = static_cast<QVBoxLayout*>(centralWidget()->layout());
-    layout->insertWidget(layout->indexOf(contactsBar_), findBar_);
-    connect(findBar_, &FindBar::textChanged, this, &DocumentWindow::find);
-    connect(findBar_, &FindBar::nextRequested, this, [this] { goToMatch(1); });
-    connect(findBar_, &FindBar::previousRequested, this, [this] { goToMatch(-1); });
-    connect(findBar_, &FindBar::closed, this, &DocumentWindow::closeFindBar);
-}
-
-void DocumentWindow::openFindBar() {
-    if (!findBar_) makeFindBar();
-    const bool wasOpen = findBar_->isVisible();
-    findBar_->open();
-    if (!wasOpen) find(findBar_->text());
-}
-
-void DocumentWindow::closeFindBar() {
-    findBar_->hide();
-    find({});
-    timeline_->setFocus();
-}
-
-void DocumentWindow::find(const QString& text) {
-    currentMatch_ = -1;
-    search_->start(text);
-}
-
-void DocumentWindow::showMatches() {
-    const auto& matches = search_->matches();
-    const bool isNew = currentMatch_ < 0;
-    if (isNew) {
-        // The first match at or below what is on screen, so that typing doesn't scroll back and
-        // forth.
-        const auto next =
-            std::partition_point(matches.begin(), matches.end(),
-                                 [top = timeline_->scroller().topRow()](const TextSpan& match) {
-                                     return match.from.row < top;
-                                 });
-        if (next != matches.end()) {
-            currentMatch_ = next - matches.begin();
-        } else if (!search_->isRunning() && !matches.empty()) {
-            currentMatch_ = 0;
-        }
-    }
-    timeline_->setFindMatches(matches, currentMatch_);
-    if (isNew && currentMatch_ >= 0)
-        timeline_->scroller().revealText(matches[static_cast<size_t>(currentMatch_)]);
-    findBar_->setCount(currentMatch_ + 1, std::ssize(matches), search_->isRunning());
-}
-
-void DocumentWindow::goToMatch(int step) {
-    if (!findBar_ || !findBar_->isVisible()) {
-        openFindBar();
-        return;
-    }
-    if (currentMatch_ < 0) return;
-    const qsizetype count = std::ssize(search_->matches());
-    currentMatch_ = (currentMatch_ + step + count) % count;
-    showMatches();
-    history_.jump([this] {
-        timeline_->scroller().revealText(search_->matches()[static_cast<size_t>(currentMatch_)]);
-    });
 }
 
 }  // namespace vell

@@ -8,11 +8,11 @@
 #include <memory>
 #include <optional>
 
-#include "app/documents/chat_search.h"
 #include "app/documents/document_loader.h"
 #include "app/documents/jump_history.h"
 #include "app/documents/services.h"
 #include "export/text_sink.h"
+#include "timeline/input/selection.h"
 #include "toolkit/callback_guard.h"
 
 class QLabel;
@@ -21,10 +21,10 @@ class QToolBar;
 
 namespace vell {
 
+class ChatFinder;
 class Commands;
 class ContactsBar;
 class DocumentTools;
-class FindBar;
 class FontSizePanel;
 class TimelineView;
 
@@ -92,13 +92,6 @@ class DocumentWindow final : public QMainWindow {
     void changeFontSize(int action);
     void showFontPanel();
 
-    void makeFindBar();
-    void openFindBar();
-    void closeFindBar();
-    void find(const QString& text);
-    void showMatches();
-    void goToMatch(int step);
-
     Commands& commands_;
     Services services_;
     QString path_;
@@ -107,13 +100,11 @@ class DocumentWindow final : public QMainWindow {
     bool waitsForFrame_ = true;
     std::optional<DocumentLoader::Result> waiting_;
     std::shared_ptr<const VellDocument> document_;
-    std::unique_ptr<ChatSearch> search_;
-    qsizetype currentMatch_ = -1;
     JumpHistory history_;
+    std::unique_ptr<ChatFinder> finder_;
 
     QStackedWidget* pages_ = nullptr;
     TimelineView* timeline_ = nullptr;  // null until the transcript is loaded
-    FindBar* findBar_ = nullptr;        // null until it is first opened
     ContactsBar* contactsBar_ = nullptr;
     DocumentTools* tools_;
     QLabel* zoneLabel_ = nullptr;  // null until another zone than the computer's is chosen

@@ -166,9 +166,8 @@ qsizetype KeyboardNavigation::neighbour(qsizetype row, int direction) const {
     const auto& events = layout_.chatlog().events();
     for (row += direction; row >= 0 && row < std::ssize(events); row += direction) {
         const auto& event = events[static_cast<size_t>(row)];
-        const bool isEmpty =
-            !event.sender && std::holds_alternative<TesselChatLog::User>(event.value);
-        if (!isEmpty) return row;
+        // A caption says who has spoken; it is part of the messages above it.
+        if (!std::holds_alternative<TesselChatLog::User>(event.value)) return row;
     }
     return -1;
 }

@@ -11,9 +11,6 @@ namespace {
 
 using Event = TesselChatLog::Event;
 
-// The text of more rows is made only when a program asks for it.
-constexpr qsizetype mostRowsAtOnce = 1000;
-
 const Event& eventAt(const TesselChatLog& chatlog, qsizetype row) {
     return chatlog.events()[static_cast<size_t>(row)];
 }
@@ -22,7 +19,8 @@ bool isPicture(const Event& event) {
     return std::holds_alternative<TesselChatLog::Image>(event.value);
 }
 
-/// Whether the row shows something of the span: a part of its text, or all of an empty one.
+}  // namespace
+
 bool showsSomething(const TesselChatLog& chatlog, const TextSpan& span, qsizetype row) {
     const Event& event = eventAt(chatlog, row);
     if (!isSelectable(event)) return false;
@@ -34,29 +32,6 @@ bool showsSomething(const TesselChatLog& chatlog, const TextSpan& span, qsizetyp
     const qsizetype to = isLast ? std::min(span.to.offset, length) : length;
     return from < to;
 }
-
-/// Keeps the log until the clipboard is read, which is long after the copying, if ever.
-class SelectionData final : public QMimeData {
-  public:
-    SelectionData(Selection::Log chatlog, const TextSpan& span)
-        : chatlog_(std::move(chatlog)), span_(span) {}
-
-    [[nodiscard]] QStringList formats() const override { return {type()}; }
-    [[nodiscard]] bool hasFormat(const QString& format) const override { return format == type(); }
-
-  protected:
-    [[nodiscard]] QVariant retrieveData(const QString& format, QMetaType) const override {
-        return format == type() ? selectedText(*chatlog_, span_) : QVariant();
-    }
-
-  private:
-    [[nodiscard]] static QString type() { return QStringLiteral("text/plain"); }
-
-    Selection::Log chatlog_;
-    TextSpan span_;
-};
-
-}  // namespace
 
 TextSpan Selection::unitAt(TextPosition position) const {
     const Event& event = eventAt(*chatlog_, position.row);
@@ -117,15 +92,6 @@ std::optional<TextHighlight> Selection::highlight(qsizetype row) const {
 
 QString Selection::text() const {
     return isEmpty() ? QString() : selectedText(*chatlog_, span_);
-}
-
-std::unique_ptr<QMimeData> Selection::mimeData() const {
-    if (isEmpty()) return nullptr;
-    if (span_.to.row - span_.from.row >= mostRowsAtOnce)
-        return std::make_unique<SelectionData>(chatlog_, span_);
-    auto data = std::make_unique<QMimeData>();
-    data->setText(text());
-    return data;
 }
 
 qsizetype Selection::selectableRow(qsizetype row, int step) const {

@@ -5,6 +5,8 @@
 // never texts, so that selecting all of a million events costs nothing. GUI thread only.
 
 #include <QMimeData>
+#include <QString>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -14,6 +16,12 @@
 #include "transcript/chat_log.h"
 
 namespace vell {
+
+/// Who gets what is selected: the clipboard, or the mouse, by a drag or its middle button.
+enum class SelectionTarget { clipboard, mouse };
+/// Makes what it gets of a selection that isn't empty; null for nothing.
+using SelectionExporter =
+    std::function<std::unique_ptr<QMimeData>(const TextSpan& selected, SelectionTarget target)>;
 
 class Selection {
   public:
@@ -37,9 +45,6 @@ class Selection {
     [[nodiscard]] std::optional<TextHighlight> highlight(qsizetype row) const;
     /// What of each row is selected, as lines.
     [[nodiscard]] QString text() const;
-    /// The text for a clipboard; a long one is made on request. Null for an empty
-    /// selection.
-    [[nodiscard]] std::unique_ptr<QMimeData> mimeData() const;
 
     /// A row's neighbour (step 1 or -1) in which something can be selected; -1 for none.
     [[nodiscard]] qsizetype selectableRow(qsizetype row, int step) const;
@@ -57,6 +62,9 @@ class Selection {
     TextSpan span_;
 };
 
+/// Whether a row shows something of a span: a part of its text, or all of an empty one.
+[[nodiscard]] bool showsSomething(const TesselChatLog& chatlog, const TextSpan& span,
+                                  qsizetype row);
 /// The selected parts of a log's rows, a line each.
 [[nodiscard]] QString selectedText(const TesselChatLog& chatlog, const TextSpan& span);
 

@@ -4,6 +4,7 @@
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QClipboard>
+#include <QDrag>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QTimerEvent>
@@ -43,13 +44,27 @@ void SelectionController::setChatlog(std::shared_ptr<const TesselChatLog> chatlo
     selection_ = Selection(std::move(chatlog));
 }
 
+void SelectionController::select(const TextSpan& span) {
+    selection_.start(span.from, TextUnit::character);
+    selection_.extend(span.to);
+    update();
+}
+
 void SelectionController::selectAll() {
     selection_.selectAll();
     update();
 }
 
+std::unique_ptr<QMimeData> SelectionController::mimeData(SelectionTarget target) const {
+    if (exporter_) return exporter_(selection_.span(), target);
+    auto data = std::make_unique<QMimeData>();
+    data->setText(text());
+    return data;
+}
+
 void SelectionController::copy() const {
-    if (auto data = selection_.mimeData())
+    if (isEmpty_) return;
+    if (auto data = mimeData(SelectionTarget::clipboard))
         QGuiApplication::clipboard()->setMimeData(data.release());
 }
 
@@ -61,7 +76,8 @@ void SelectionController::clear() {
 
 // ---- highlights --------------------------------------------------------------------------------
 
-void SelectionController::setFindMatches(std::vector<TextSpan> matches, qsizetype current) {
+void SelectionController::setFindMatches(std::shared_ptr<const FoundSpans> matches,
+                                         qsizetype current) {
     matches_ = std::move(matches);
     currentMatch_ = current;
     area_.viewport()->update();
@@ -69,13 +85,14 @@ void SelectionController::setFindMatches(std::vector<TextSpan> matches, qsizetyp
 
 std::span<const TextHighlight> SelectionController::highlights(qsizetype row, TextRange part) {
     highlights_.clear();
-    auto match = std::partition_point(matches_.begin(), matches_.end(), [&](const TextSpan& m) {
-        return m.to <= TextPosition{row, part.from};
-    });
-    for (; match != matches_.end() && match->from < TextPosition{row, part.to}; ++match) {
-        const bool isCurrent = match - matches_.begin() == currentMatch_;
-        highlights_.push_back({{match->from.offset, match->to.offset},
-                               isCurrent ? HighlightKind::currentMatch : HighlightKind::match});
+    const qsizetype count = matches_ ? matches_->size() : 0;
+    qsizetype index = count > 0 ? matches_->firstEndingAfter({row, part.from}) : 0;
+    for (; index < count; ++index) {
+        const TextSpan& match = (*matches_)[index];
+        if (match.from >= TextPosition{row, part.to}) break;
+        highlights_.push_back(
+            {{match.from.offset, match.to.offset},
+             index == currentMatch_ ? HighlightKind::currentMatch : HighlightKind::match});
     }
     if (const auto selected = selection_.highlight(row)) highlights_.push_back(*selected);
     // The current match is painted over a selection, the others below it.
@@ -102,6 +119,11 @@ bool SelectionController::press(const QMouseEvent& event, const std::optional<Ro
     if (event.button() != Qt::LeftButton || !place) return false;
     pointer_ = event.position().toPoint();
     const TextUnit unit = clickUnit(event);
+    const bool isPlain = unit == TextUnit::character && event.modifiers() == Qt::NoModifier;
+    if (isPlain && isOnSelection(*place)) {
+        grabbed_ = place->position();
+        return true;
+    }
     isDragging_ = true;
     if ((event.modifiers() & Qt::ShiftModifier) && selection_.focus()) {
         selection_.extend(place->position());
@@ -112,7 +134,26 @@ bool SelectionController::press(const QMouseEvent& event, const std::optional<Ro
     return true;
 }
 
+bool SelectionController::isOnSelection(const RowPlace& place) const {
+    const TextPosition position = place.position(true);
+    return !isEmpty_ && place.isOnText() && position >= selection_.span().from &&
+           position < selection_.span().to;
+}
+
+void SelectionController::dragSelection() {
+    auto* drag = new QDrag(area_.viewport());
+    drag->setMimeData(mimeData(SelectionTarget::mouse).release());
+    drag->exec(Qt::CopyAction);  // the window may be gone when this returns
+}
+
 bool SelectionController::move(const QMouseEvent& event, const std::optional<RowPlace>& place) {
+    if (grabbed_) {
+        const QPoint moved = event.position().toPoint() - pointer_;
+        if (moved.manhattanLength() < QApplication::startDragDistance()) return true;
+        grabbed_.reset();
+        dragSelection();
+        return true;
+    }
     if (!isDragging_) return false;
     pointer_ = event.position().toPoint();
     if (pointer_.y() >= 0 && pointer_.y() < area_.viewport()->height()) {
@@ -152,10 +193,15 @@ void SelectionController::timerEvent(QTimerEvent* event) {
 bool SelectionController::release(const QMouseEvent& event) {
     if (event.button() != Qt::LeftButton) return false;
     scrollTimer_.stop();
+    if (const auto grabbed = std::exchange(grabbed_, {})) {
+        selection_.start(*grabbed, TextUnit::character);
+        update();
+        return true;
+    }
     if (!std::exchange(isDragging_, false)) return false;
     QClipboard* clipboard = QGuiApplication::clipboard();
     if (!isEmpty_ && clipboard->supportsSelection())
-        clipboard->setMimeData(selection_.mimeData().release(), QClipboard::Selection);
+        clipboard->setMimeData(mimeData(SelectionTarget::mouse).release(), QClipboard::Selection);
     return true;
 }
 

@@ -10,10 +10,13 @@
 #include <QBasicTimer>
 #include <QElapsedTimer>
 #include <QObject>
+#include <memory>
+#include <optional>
 #include <vector>
 
 #include "timeline/input/selection.h"
 #include "timeline/rows/row_context.h"
+#include "timeline/text/found_spans.h"
 #include "timeline/text/text_range.h"
 
 class QAbstractScrollArea;
@@ -39,15 +42,19 @@ class SelectionController final : public QObject {
 
     /// The selected parts of the rows, a line each.
     [[nodiscard]] QString text() const { return selection_.text(); }
-    /// Puts the text on the clipboard; without a selection nothing happens.
+    /// Replaces the text by what a clipboard or a drag is to carry of a selection.
+    void setExporter(SelectionExporter exporter) { exporter_ = std::move(exporter); }
+    /// Puts what is selected on the clipboard; without a selection nothing happens.
     void copy() const;
+    void select(const TextSpan& span);
     void selectAll();
     void clear();
     /// Whether nothing is selected.
     [[nodiscard]] bool isEmpty() const { return isEmpty_; }
 
-    /// Sorted by row and start; `current` is an index, -1 for none.
-    void setFindMatches(std::vector<TextSpan> matches, qsizetype current);
+    [[nodiscard]] const Selection& selection() const { return selection_; }
+    /// `current` is an index, -1 for none.
+    void setFindMatches(std::shared_ptr<const FoundSpans> matches, qsizetype current);
     /// What is highlighted of a part of a row's text; holds until the next call.
     [[nodiscard]] std::span<const TextHighlight> highlights(qsizetype row, TextRange part);
 
@@ -66,6 +73,9 @@ class SelectionController final : public QObject {
     void timerEvent(QTimerEvent* event) override;
 
   private:
+    [[nodiscard]] std::unique_ptr<QMimeData> mimeData(SelectionTarget target) const;
+    [[nodiscard]] bool isOnSelection(const RowPlace& place) const;
+    void dragSelection();
     void dragTo(const std::optional<RowPlace>& place);
     void dragToPointer();
     [[nodiscard]] TextUnit clickUnit(const QMouseEvent& event);
@@ -80,11 +90,15 @@ class SelectionController final : public QObject {
     TimelineScroller& scroller_;
     Selection selection_;
     bool isEmpty_ = true;
-    std::vector<TextSpan> matches_;
+    std::shared_ptr<const FoundSpans> matches_;  // null before any search
     qsizetype currentMatch_ = -1;
     std::vector<TextHighlight> highlights_;
 
+    SelectionExporter exporter_;
+
     bool isDragging_ = false;
+    // Pressed on selected text, which is dragged away unless the mouse stays where it is.
+    std::optional<TextPosition> grabbed_;
     QPoint pointer_;
     QBasicTimer scrollTimer_;
     QElapsedTimer sinceClick_;

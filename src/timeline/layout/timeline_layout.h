@@ -87,6 +87,9 @@ class TimelineLayout {
     const Row& row(qsizetype index);
     /// A row's top in the viewport, as far as it is known.
     [[nodiscard]] qint64 rowTop(qsizetype index) const { return heights_.top(index) - offset(); }
+    /// The same in the content, and the row at a place there.
+    [[nodiscard]] qint64 rowOffset(qsizetype index) const { return heights_.top(index); }
+    [[nodiscard]] qsizetype rowAtOffset(qint64 offset) const { return heights_.indexAt(offset); }
     /// The row at a place of the viewport, or the nearest; -1 in an empty log.
     [[nodiscard]] qsizetype rowAt(int y) const;
     [[nodiscard]] bool isExact(qsizetype index) const {
