@@ -465,6 +465,14 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <source>Time zone: %1</source>
         <translation>Zeitzone: %1</translation>
     </message>
+    <message>
+        <source>What is selected is too long to copy.</source>
+        <translation>Die Auswahl ist zu lang zum Kopieren.</translation>
+    </message>
+    <message>
+        <source>As text it takes more than %1, far more than the chat’s file. Save the chat as Markdown or copy a smaller part of it.</source>
+        <translation>Als Text braucht sie mehr als %1, weit mehr als die Datei des Chats. Sichern Sie den Chat als Markdown oder kopieren Sie einen kleineren Teil.</translation>
+    </message>
 </context>
 <context>
     <name>vell::FindBar</name>

@@ -105,4 +105,10 @@ QString ownTitle(const TesselChatLog::Link& link) {
     return link.title == link.url->absoluteString() ? QString() : link.title;
 }
 
+QString linkInText(const TesselChatLog::Link& link) {
+    const QString title = ownTitle(link);
+    const QString& address = link.url->absoluteString();
+    return title.isEmpty() ? address : title + QStringLiteral(" (") + address + u')';
+}
+
 }  // namespace vell

@@ -54,5 +54,7 @@ class PieceReader {
 [[nodiscard]] QString pictureName(const QString& path);
 /// The words of a link besides its address; empty when it has none.
 [[nodiscard]] QString ownTitle(const TesselChatLog::Link& link);
+/// "TITLE (ADDRESS)", or the address alone.
+[[nodiscard]] QString linkInText(const TesselChatLog::Link& link);
 
 }  // namespace vell

@@ -10,6 +10,7 @@
 #include <QSaveFile>
 
 #include "app/documents/document_window.h"
+#include "app/documents/selection_data.h"
 #include "export/expansion.h"
 #include "export/markdown.h"
 #include "transcript/content_types.h"
@@ -59,6 +60,18 @@ void DocumentWindow::copyWholeChat() {
     item->setData(markdownType.mimeName.toString(), text.toUtf8());
     QGuiApplication::clipboard()->setMimeData(item);
     showNotice(tr("Copied the whole chat: %1 characters").arg(locale().toString(text.size())));
+}
+
+std::unique_ptr<QMimeData> DocumentWindow::selectionData(const TextSpan& selected,
+                                                         SelectionTarget target) {
+    auto data = std::make_unique<SelectionData>(document_, services_.contacts, selected);
+    if (target != SelectionTarget::clipboard || !data->isOutOfProportion()) return data;
+    openBox(this, tr("Copy"), tr("What is selected is too long to copy."),
+            tr("As text it takes more than %1, far more than the chat’s file. Save the chat as "
+               "Markdown or copy a smaller part of it.")
+                .arg(sizeLimit()),
+            QMessageBox::Ok);
+    return nullptr;
 }
 
 void DocumentWindow::saveAsMarkdown() {

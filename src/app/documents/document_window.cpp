@@ -144,6 +144,9 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     finder_ = std::make_unique<ChatFinder>(*this, layout, *timeline_, history_);
     connect(timeline_, &TimelineView::linkHovered, statusBar(),
             [this](const QString& address) { statusBar()->showMessage(address); });
+    timeline_->setSelectionExporter([this](const TextSpan& selected, SelectionTarget target) {
+        return selectionData(selected, target);
+    });
     timeline_->setFontSize(services_.settings.timelineFontSize());
     timeline_->viewport()->installEventFilter(this);
     tools_->setTimeline(*timeline_);

@@ -82,6 +82,8 @@ class DocumentWindow final : public QMainWindow {
     /// Copies the selection, or the whole chat without one.
     void copy();
     void copyWholeChat();
+    /// Null, after a message, for what is too long for the clipboard.
+    std::unique_ptr<QMimeData> selectionData(const TextSpan& selected, SelectionTarget target);
     void saveAsMarkdown();
     void chooseMarkdownFile();
     void saveMarkdown(const QString& target);
