@@ -82,7 +82,7 @@ def press(node):
     """Does what a click on it does."""
     action = node.queryAction()
     for index in range(action.nActions):
-        if action.getName(index) in ("Press", "press", "click", "ShowMenu"):
+        if action.getName(index) in ("Press", "press", "Toggle", "click", "ShowMenu"):
             action.doAction(index)
             return
     raise AssertionError(f"{node.name} can't be pressed")
@@ -91,6 +91,18 @@ def press(node):
 def place(node):
     extents = node.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
     return extents.x, extents.y, extents.width, extents.height
+
+
+def middle(node):
+    x, y, width, height = place(node)
+    return x + width // 2, y + height // 2
+
+
+def on_text(node, part):
+    """The middle of the first character of a part of a node's text."""
+    at = text(node).index(part)
+    x, y, width, height = node.queryText().getCharacterExtents(at, pyatspi.DESKTOP_COORDS)
+    return x + width // 2, y + height // 2
 
 
 def text(node):

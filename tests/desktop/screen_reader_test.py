@@ -21,10 +21,7 @@ def expected_rows(log):
         kind = event["kind"]
         if kind in ("newDay", "newMinute"):
             rows.append(("heading", ("", date[:4] if kind == "newDay" else "", clock)))
-        elif kind == "user":
-            if sender:
-                rows.append(("label", ("End of messages by " + sender,)))
-        else:
+        elif kind != "user":
             text = {
                 "plainText": lambda: event["text"],
                 "link": lambda: event["title"],

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QKeyEvent>
+
 #include "foundation/calendar.h"
 #include "foundation/url.h"
 #include "timeline/fixture.h"
@@ -66,8 +69,7 @@ TEST_F(AccessibleTimelineTest, RowsAreCalledWhatTheySay) {
          QStringLiteral("logged out, 20:26")},
         {bob, TesselChatLog::File{wrapper}, QAccessible::ListItem,
          QStringLiteral("bob: File: %1, 20:26").arg(wrapper->description())},
-        {bob, TesselChatLog::User(), QAccessible::StaticText,
-         QStringLiteral("End of messages by bob")},
+        {bob, TesselChatLog::User(), QAccessible::NoRole, {}},
     };
     LogBuilder log;
     for (const auto& row : rows)
@@ -87,7 +89,7 @@ TEST_F(AccessibleTimelineTest, RowsAreCalledWhatTheySay) {
         EXPECT_EQ(item->parent(), &list);
         ++child;
     }
-    EXPECT_EQ(list.childCount(), child) << "rows that show nothing";
+    EXPECT_EQ(list.childCount(), child) << "rows that say nothing new";
     EXPECT_FALSE(list.child(child));
     EXPECT_FALSE(list.child(-1));
 }
@@ -115,6 +117,50 @@ TEST_F(AccessibleTimelineTest, PlacesOnTheScreenAreThoseOfTheRows) {
     }
     list.child(250)->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
     EXPECT_TRUE(list.rect().contains(list.child(250)->rect()));
+}
+
+TEST_F(AccessibleTimelineTest, TextIsReadByCharacterWordAndLine) {
+    const QString words = QStringLiteral("one two ").repeated(20) + QString::fromUtf8("e\u0301");
+    const auto view =
+        makeView(LogBuilder().text(bob, QStringLiteral("before")).text(bob, words).log(), context_);
+    view->resize(300, 400);
+    view->show();
+    QAccessibleInterface* item = listOf(*view).child(1);
+    QAccessibleTextInterface* text = item->textInterface();
+    ASSERT_TRUE(text);
+    EXPECT_EQ(text->text(0, text->characterCount()), words);
+    int from = 0, to = 0;
+    EXPECT_EQ(text->textAtOffset(5, QAccessible::WordBoundary, &from, &to), QStringLiteral("two"));
+    EXPECT_EQ(text->textAtOffset(160, QAccessible::CharBoundary, &from, &to), words.last(2));
+    QString lines;
+    int count = 0;
+    for (to = 0; to < text->characterCount() && count < 99; ++count) {
+        const int end = to;
+        lines += text->textAtOffset(end, QAccessible::LineBoundary, &from, &to);
+        EXPECT_EQ(from, end) << "lines follow each other";
+        EXPECT_EQ(text->characterRect(from).top(), text->characterRect(to - 1).top());
+    }
+    EXPECT_EQ(lines, words);
+    EXPECT_GT(count, 2);
+    text->textBeforeOffset(from, QAccessible::LineBoundary, &from, &to);
+    const QString last = text->textAfterOffset(from, QAccessible::LineBoundary, &from, &to);
+    EXPECT_EQ(last, lines.last(to - from));
+    EXPECT_EQ(to, text->characterCount());
+    for (const int offset : {0, 5, 90}) {
+        const QRect place = text->characterRect(offset);
+        EXPECT_TRUE(item->rect().contains(place)) << offset;
+        EXPECT_EQ(text->offsetAtPoint(place.center()), offset);
+    }
+    EXPECT_EQ(text->cursorPosition(), -1) << "the keyboard is elsewhere";
+    text->setCursorPosition(4);
+    QKeyEvent right(QEvent::KeyPress, Qt::Key_Right, Qt::ShiftModifier | Qt::ControlModifier);
+    QApplication::sendEvent(view.get(), &right);
+    EXPECT_EQ(text->cursorPosition(), 7);
+    text->selection(0, &from, &to);
+    EXPECT_EQ(std::pair(from, to), std::pair(4, 7));
+    EXPECT_EQ(view->selectedText(), QStringLiteral("two"));
+    text->removeSelection(0);
+    EXPECT_FALSE(view->hasSelection());
 }
 
 TEST_F(AccessibleTimelineTest, ItemsAreBoundedAndRecreated) {

@@ -52,8 +52,6 @@ QString accessibleRowName(TimelineView& view, qsizetype row) {
 
     const QString sender =
         event.sender ? shownText(senderName(*event.sender, view.context().contacts)) : QString();
-    if (std::holds_alternative<TesselChatLog::User>(event.value))
-        return tr("End of messages by %1").arg(sender);
     QString text =
         std::visit(Spoken{view.context().pictures}, TimelineRowView(event, false).content());
     // The bus that carries names ends a text at its first null character.
@@ -124,6 +122,7 @@ QAccessible::State AccessibleRow::state() const {
 
 void* AccessibleRow::interface_cast(QAccessible::InterfaceType type) {
     if (type == QAccessible::ActionInterface) return static_cast<QAccessibleActionInterface*>(this);
+    if (type == QAccessible::TextInterface) return static_cast<QAccessibleTextInterface*>(this);
     return nullptr;
 }
 

@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: MIT
 //
 // AccessibleRow: one row of the timeline as an item for screen readers: what it is called, what it
-// is and what can be done with it. It holds no more than the row's number.
+// is, its text, and what can be done with it. It holds no more than the row's number.
 
 #include <QAccessible>
 #include <QAccessibleActionInterface>
+#include <optional>
 
+#include "timeline/text/text_range.h"
 #include "transcript/chat_log.h"
 
 namespace vell {
@@ -14,11 +16,12 @@ namespace vell {
 class AccessibleTimeline;
 class TimelineView;
 
-/// What a row is called: "Sender: text, time" for messages, the dates of separators, and for
-/// captions whose messages end there.
+/// What a row is called: "Sender: text, time" for messages, and the dates of separators.
 [[nodiscard]] QString accessibleRowName(TimelineView& view, qsizetype row);
 
-class AccessibleRow final : public QAccessibleInterface, public QAccessibleActionInterface {
+class AccessibleRow final : public QAccessibleInterface,
+                            public QAccessibleActionInterface,
+                            public QAccessibleTextInterface {
   public:
     AccessibleRow(const AccessibleTimeline& timeline, qsizetype row)
         : timeline_(timeline), row_(row) {}
@@ -44,7 +47,29 @@ class AccessibleRow final : public QAccessibleInterface, public QAccessibleActio
     void doAction(const QString& name) override;
     [[nodiscard]] QStringList keyBindingsForAction(const QString&) const override { return {}; }
 
+    [[nodiscard]] int cursorPosition() const override;
+    void setCursorPosition(int position) override;
+    void selection(int index, int* from, int* to) const override;
+    [[nodiscard]] int selectionCount() const override;
+    void addSelection(int from, int to) override;
+    void setSelection(int index, int from, int to) override;
+    void removeSelection(int index) override;
+    [[nodiscard]] QString text(int from, int to) const override;
+    [[nodiscard]] int characterCount() const override;
+    QString textAtOffset(int offset, QAccessible::TextBoundaryType boundary, int* from,
+                         int* to) const override;
+    QString textBeforeOffset(int offset, QAccessible::TextBoundaryType boundary, int* from,
+                             int* to) const override;
+    QString textAfterOffset(int offset, QAccessible::TextBoundaryType boundary, int* from,
+                            int* to) const override;
+    QString attributes(int offset, int* from, int* to) const override;
+    [[nodiscard]] QRect characterRect(int offset) const override;
+    [[nodiscard]] int offsetAtPoint(const QPoint& point) const override;
+    void scrollToSubstring(int from, int to) override;
+
   private:
+    [[nodiscard]] QString content() const;
+    [[nodiscard]] std::optional<TextRange> lineAt(int offset) const;
     [[nodiscard]] const TesselChatLog::Event& event() const;
     /// Whether there is a link to open or a GIF to play.
     [[nodiscard]] bool canBePressed() const;

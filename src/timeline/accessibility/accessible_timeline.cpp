@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "timeline/accessibility/accessible_row.h"
+#include "timeline/text/text_units.h"
 #include "timeline/timeline_view.h"
 
 namespace vell {
@@ -33,6 +34,9 @@ void AccessibleTimeline::attach(TimelineView& view) {
     static_cast<void>(isInstalled);
     QObject::connect(&view, &TimelineView::currentRowChanged, &view, [&view](qsizetype row) {
         if (const auto* timeline = activeInterface(view)) timeline->focusChanged(row);
+    });
+    QObject::connect(&view, &TimelineView::selectionChanged, &view, [&view] {
+        if (auto* timeline = activeInterface(view)) timeline->caretChanged();
     });
     QObject::connect(&view, &TimelineView::pictureFailed, &view, [&view](qsizetype row) {
         if (const auto* timeline = activeInterface(view)) timeline->nameChanged(row);
@@ -61,31 +65,36 @@ TimelineView& AccessibleTimeline::view() const {
 
 // ---- children ----------------------------------------------------------------------------------
 
-const std::vector<qsizetype>& AccessibleTimeline::emptyRows() const {
-    if (!emptyRows_) {
-        emptyRows_.emplace();
-        const TimelineLayout& layout = view().timeline();
-        const auto count = static_cast<qsizetype>(view().chatlog().events().size());
-        for (qsizetype row = 0; row < count; ++row) {
-            if (layout.isEmpty(row)) emptyRows_->push_back(row);
+// Captions say nothing that the names of their messages don't.
+const std::vector<qsizetype>& AccessibleTimeline::leftOut() const {
+    if (!leftOut_) {
+        leftOut_.emplace();
+        const auto& events = view().chatlog().events();
+        for (size_t row = 0; row < events.size(); ++row) {
+            if (std::holds_alternative<TesselChatLog::User>(events[row].value))
+                leftOut_->push_back(static_cast<qsizetype>(row));
         }
     }
-    return *emptyRows_;
+    return *leftOut_;
+}
+
+bool AccessibleTimeline::isLeftOut(qsizetype row) const {
+    return std::binary_search(leftOut().begin(), leftOut().end(), row);
 }
 
 int AccessibleTimeline::childCount() const {
-    const size_t count = view().chatlog().events().size() - emptyRows().size();
+    const size_t count = view().chatlog().events().size() - leftOut().size();
     return static_cast<int>(std::min<size_t>(count, std::numeric_limits<int>::max()));
 }
 
 qsizetype AccessibleTimeline::rowOfChild(int index) const {
-    // The empty row number i lies behind the children that come before it: row - i of them.
-    const auto& empty = emptyRows();
+    // The left out row number i lies behind the children that come before it: row - i of them.
+    const auto& out = leftOut();
     qsizetype before = 0;
-    for (auto count = static_cast<qsizetype>(empty.size()); count > 0;) {
+    for (auto count = static_cast<qsizetype>(out.size()); count > 0;) {
         const qsizetype step = count / 2;
         const qsizetype middle = before + step;
-        if (empty[static_cast<size_t>(middle)] - middle <= index) {
+        if (out[static_cast<size_t>(middle)] - middle <= index) {
             before = middle + 1;
             count -= step + 1;
         } else {
@@ -102,8 +111,8 @@ QAccessibleInterface* AccessibleTimeline::child(int index) const {
 int AccessibleTimeline::indexOfChild(const QAccessibleInterface* child) const {
     const auto* item = dynamic_cast<const AccessibleRow*>(child);
     if (!item) return -1;
-    const auto& empty = emptyRows();
-    const auto before = std::lower_bound(empty.begin(), empty.end(), item->row()) - empty.begin();
+    const auto& out = leftOut();
+    const auto before = std::lower_bound(out.begin(), out.end(), item->row()) - out.begin();
     return static_cast<int>(item->row() - before);
 }
 
@@ -126,13 +135,14 @@ QAccessibleInterface* AccessibleTimeline::childAt(int x, int y) const {
     if (!rect().contains(x, y)) return nullptr;
     const QPoint point = view().viewport()->mapFromGlobal(QPoint(x, y));
     const qsizetype row = view().timeline().rowAt(view().context().toDevice(point).y());
-    return row >= 0 && rowRect(row).contains(x, y) ? item(row) : nullptr;
+    return row >= 0 && !isLeftOut(row) && rowRect(row).contains(x, y) ? item(row) : nullptr;
 }
 
 QAccessibleInterface* AccessibleTimeline::focusChild() const {
     if (!view().hasFocus()) return nullptr;
     const qsizetype row = view().currentRow();
-    return row < 0 ? QAccessible::queryAccessibleInterface(&view()) : item(row);
+    if (row < 0 || isLeftOut(row)) return QAccessible::queryAccessibleInterface(&view());
+    return item(row);
 }
 
 // ---- names and places --------------------------------------------------------------------------
@@ -158,6 +168,37 @@ QRect AccessibleTimeline::rowRect(qsizetype row) const {
     return {view().viewport()->mapToGlobal(corner), QSize(place(layout.rowWidth()), bottom - top)};
 }
 
+QRect AccessibleTimeline::toScreen(const QRect& inRow, qsizetype row) const {
+    const qreal ratio = view().viewport()->devicePixelRatioF();
+    const QPointF corner(view().timeline().rowLeft() + inRow.left(),
+                         static_cast<qreal>(view().timeline().rowTop(row)) + inRow.top());
+    return {view().viewport()->mapToGlobal((corner / ratio).toPoint()),
+            (QSizeF(inRow.size()) / ratio).toSize()};
+}
+
+QRect AccessibleTimeline::characterRect(qsizetype row, qsizetype offset) const {
+    TimelineLayout& timeline = view().timeline();
+    if (timeline.rowCount() == 0) return {};
+    const QRect caret = timeline.exactCaret(row, offset);
+    const RowLayout& layout = timeline.row(row).layout;
+    if (!layout.text) return toScreen(caret, row);
+    const QPoint corner = layout.content.topLeft();
+    const int top = caret.top() - corner.y();
+    const auto end = nextPlace(layout.text->text(), offset, TextUnit::character);
+    const auto parts = layout.text->region({offset, end}, top, top + caret.height());
+    return toScreen(parts.empty() ? caret : parts.front().translated(corner), row);
+}
+
+qsizetype AccessibleTimeline::offsetAt(qsizetype row, QPoint point) const {
+    TimelineLayout& timeline = view().timeline();
+    if (timeline.rowCount() == 0) return -1;
+    const RowLayout& layout = timeline.row(row).layout;
+    if (!layout.text) return -1;
+    const QPoint device = view().context().toDevice(view().viewport()->mapFromGlobal(point));
+    const QPoint corner(timeline.rowLeft(), static_cast<int>(timeline.rowTop(row)));
+    return layout.text->characterAt(device - corner - layout.content.topLeft());
+}
+
 void AccessibleTimeline::nameChanged(qsizetype row) const {
     const auto known = items_.find(row);
     if (known == items_.end()) return;
@@ -173,8 +214,15 @@ void AccessibleTimeline::namesChanged() const {
 }
 
 void AccessibleTimeline::focusChanged(qsizetype row) const {
-    if (row < 0 || !view().hasFocus()) return;
+    if (row < 0 || isLeftOut(row) || !view().hasFocus()) return;
     QAccessibleEvent event(item(row), QAccessible::Focus);
+    QAccessible::updateAccessibility(&event);
+}
+
+void AccessibleTimeline::caretChanged() const {
+    const auto caret = view().caret();
+    if (!caret || isLeftOut(caret->row)) return;
+    QAccessibleTextCursorEvent event(item(caret->row), static_cast<int>(caret->offset));
     QAccessible::updateAccessibility(&event);
 }
 

@@ -31,6 +31,11 @@ class AccessibleTimeline final : public QAccessibleWidget {
     [[nodiscard]] TimelineView& view() const;
     /// A row's rectangle on the screen, in points; as far as it is known for rows never seen.
     [[nodiscard]] QRect rowRect(qsizetype row) const;
+    /// The same of the character at an offset of a row's text.
+    [[nodiscard]] QRect characterRect(qsizetype row, qsizetype offset) const;
+    /// The offset of the character of a row that is nearest to a point of the screen; -1 where the
+    /// row has no text.
+    [[nodiscard]] qsizetype offsetAt(qsizetype row, QPoint point) const;
 
     [[nodiscard]] bool isValid() const override;
     [[nodiscard]] int childCount() const override;
@@ -41,15 +46,18 @@ class AccessibleTimeline final : public QAccessibleWidget {
     [[nodiscard]] QString text(QAccessible::Text kind) const override;
 
   private:
-    /// Rows that show nothing, in order; found on first use.
-    const std::vector<qsizetype>& emptyRows() const;
+    /// Rows that are no children, in order; found on first use.
+    const std::vector<qsizetype>& leftOut() const;
+    [[nodiscard]] bool isLeftOut(qsizetype row) const;
     [[nodiscard]] qsizetype rowOfChild(int index) const;
     [[nodiscard]] QAccessibleInterface* item(qsizetype row) const;
     void namesChanged() const;
     void nameChanged(qsizetype row) const;
     void focusChanged(qsizetype row) const;
+    void caretChanged() const;
+    [[nodiscard]] QRect toScreen(const QRect& inRow, qsizetype row) const;
 
-    mutable std::optional<std::vector<qsizetype>> emptyRows_;
+    mutable std::optional<std::vector<qsizetype>> leftOut_;
     mutable std::unordered_map<qsizetype, QAccessible::Id> items_;
     mutable std::deque<qsizetype> made_;  // the rows of items_, the oldest first
 };
