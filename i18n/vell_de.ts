@@ -473,6 +473,14 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <source>As text it takes more than %1, far more than the chat’s file. Save the chat as Markdown or copy a smaller part of it.</source>
         <translation>Als Text braucht sie mehr als %1, weit mehr als die Datei des Chats. Sichern Sie den Chat als Markdown oder kopieren Sie einen kleineren Teil.</translation>
     </message>
+    <message>
+        <source>Copied %1 characters</source>
+        <translation>%1 Zeichen kopiert</translation>
+    </message>
+    <message>
+        <source>Copied %1 messages</source>
+        <translation>%1 Nachrichten kopiert</translation>
+    </message>
 </context>
 <context>
     <name>vell::FindBar</name>

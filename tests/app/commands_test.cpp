@@ -162,6 +162,12 @@ TEST_F(CommandsTest, FindCountsWrapsAndKeepsThePlace) {
     press(window, QKeySequence::FindNext);
     shows(u"1 of 1"_s);
     press(window, QKeySequence::Find);
+    timeline(window).scroller().scrollToRow(200);
+    edit->selectAll();
+    QTest::keyClicks(edit, u"number"_s);
+    ASSERT_TRUE(waitUntil([&] { return count->text().endsWith(u" of 398"_s); }));
+    EXPECT_FALSE(count->text().startsWith(u"1 "_s)) << "before what is on the screen";
+    EXPECT_EQ(timeline(window).scroller().topRow(), 200) << "it is on the screen already";
     edit->selectAll();
     QTest::keyClicks(edit, u"nowhere"_s);
     shows(u"Not found"_s);
@@ -236,13 +242,17 @@ TEST_F(CommandsTest, HugeMarkdownIsNotCopiedAndSavedAfterAQuestion) {
     transcript.messages.resize(800, {.sender = 0, .originalText = u"word "_s.repeated(20'000)});
     DocumentWindow* large = opened(file(u"large.ichat"_s, writers::keyedTranscript(transcript)));
     QGuiApplication::clipboard()->setText(u"before"_s);
-    choose(large, {u"Edit"_s, u"Copy Whole Chat"_s});
-    QPointer<QMessageBox> box = large->findChild<QMessageBox*>();
-    ASSERT_TRUE(box);
-    box->close();
-    deleteDeferred();
-    EXPECT_FALSE(box);
-    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"before"_s);
+    choose(large, {u"Edit"_s, u"Select All"_s});
+    QPointer<QMessageBox> box;
+    for (const QString& command : {u"Copy Whole Chat"_s, u"Copy"_s}) {
+        choose(large, {u"Edit"_s, command});
+        box = large->findChild<QMessageBox*>();
+        ASSERT_TRUE(box) << command.toStdString();
+        box->close();
+        deleteDeferred();
+        EXPECT_FALSE(box);
+        EXPECT_EQ(QGuiApplication::clipboard()->text(), u"before"_s);
+    }
 
     choose(large, {u"File"_s, u"Save Chat as Markdown …"_s});
     box = large->findChild<QMessageBox*>();
@@ -299,9 +309,11 @@ TEST_F(CommandsTest, CopyTakesTheSelectionOrTheWholeChat) {
 
     press(window, QKeySequence::SelectAll);
     press(window, QKeySequence::Copy);
-    EXPECT_FALSE(copied()->hasFormat(u"text/markdown"_s));
-    EXPECT_EQ(copied()->text(), timeline(window).selectedText());
-    EXPECT_TRUE(copied()->text().contains(u"first"_s) && copied()->text().endsWith(u"last"_s));
+    EXPECT_EQ(copied()->formats(),
+              (QStringList{u"text/plain"_s, u"text/markdown"_s, u"text/html"_s}));
+    EXPECT_EQ(QString::fromUtf8(copied()->data(u"text/markdown"_s)), whole) << "all is selected";
+    EXPECT_TRUE(copied()->text().contains(u": first\nbob, "_s)) << copied()->text().toStdString();
+    EXPECT_TRUE(copied()->text().endsWith(u": last\n"_s));
     choose(window, {u"Edit"_s, u"Copy Whole Chat"_s});
     EXPECT_EQ(copied()->text(), whole);
 

@@ -129,6 +129,7 @@ class Search:
                    a11y.on_text(last, "something"), a11y.on_text(last, "is."), "mouseup 1")
         self.keys("ctrl+c")
         text = wait_for(self.clipboard, "something copied")
+        a11y.wait_find(self.window, "status bar", a11y.named("Copied 3 messages"))
         lines = text.splitlines()
         assert lines[0] == "nora.lindqvist, 20:04: bathroom?", text
         assert lines[-1].endswith(", 20:04: Because something "), text

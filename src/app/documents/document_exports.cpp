@@ -65,7 +65,13 @@ void DocumentWindow::copyWholeChat() {
 std::unique_ptr<QMimeData> DocumentWindow::selectionData(const TextSpan& selected,
                                                          SelectionTarget target) {
     auto data = std::make_unique<SelectionData>(document_, services_.contacts, selected);
-    if (target != SelectionTarget::clipboard || !data->isOutOfProportion()) return data;
+    if (target != SelectionTarget::clipboard) return data;
+    if (!data->isOutOfProportion()) {
+        const QString count = locale().toString(data->count());
+        showNotice(data->isOneMessage() ? tr("Copied %1 characters").arg(count)
+                                        : tr("Copied %1 messages").arg(count));
+        return data;
+    }
     openBox(this, tr("Copy"), tr("What is selected is too long to copy."),
             tr("As text it takes more than %1, far more than the chat’s file. Save the chat as "
                "Markdown or copy a smaller part of it.")

@@ -140,8 +140,7 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
         openWithDesktop(url, *this);  // which explains a failure
         return true;
     });
-    auto& layout = *static_cast<QVBoxLayout*>(centralWidget()->layout());
-    finder_ = std::make_unique<ChatFinder>(*this, layout, *timeline_, history_);
+    makeFinder();
     connect(timeline_, &TimelineView::linkHovered, statusBar(),
             [this](const QString& address) { statusBar()->showMessage(address); });
     timeline_->setSelectionExporter([this](const TextSpan& selected, SelectionTarget target) {
@@ -159,6 +158,11 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
         action->setEnabled(true);
     if (!isStandardInput(path_)) services_.recentFiles.add(path_);
     if (zoneChange_) followTimeZone();  // it changed while the file was read
+}
+
+void DocumentWindow::makeFinder() {
+    auto& layout = *static_cast<QVBoxLayout*>(centralWidget()->layout());
+    finder_ = std::make_unique<ChatFinder>(*this, layout, *timeline_, history_);
 }
 
 bool DocumentWindow::eventFilter(QObject* object, QEvent* event) {

@@ -71,6 +71,8 @@ class DocumentWindow final : public QMainWindow {
     void take(DocumentLoader::Result result);
     void stopWaitingForFrame();
     void loaded(const DocumentLoader::Result& result);
+    /// Also after the chat's rows have become others.
+    void makeFinder();
     void updateTitles();
     void showFontSize(qint64 points);
     /// Says in the status bar, for some seconds, what has been done.

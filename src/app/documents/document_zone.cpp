@@ -8,6 +8,7 @@
 #include "app/documents/dates/time_zones.h"
 #include "app/documents/document_tools.h"
 #include "app/documents/document_window.h"
+#include "app/documents/find/chat_finder.h"
 #include "foundation/guarded.h"
 #include "timeline/timeline_view.h"
 #include "toolkit/date_formatters.h"
@@ -27,6 +28,7 @@ void DocumentWindow::followTimeZone() {
                 document_ = marked;
                 timeline_->setChatlog(document_->sharedChatlog());
                 tools_->chatChanged();
+                makeFinder();
                 updateTitles();
             });
         },

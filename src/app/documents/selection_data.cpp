@@ -2,6 +2,7 @@
 #include "app/documents/selection_data.h"
 
 #include <QCoreApplication>
+#include <limits>
 #include <utility>
 
 #include "export/expansion.h"
@@ -29,14 +30,22 @@ QString markdownName() {
     return markdownType.mimeName.toString();
 }
 
-/// Whether all that shows something belongs to one message, or is one separator.
-bool isOneMessage(const TesselChatLog& log, const TextSpan& span) {
-    int messages = 0;
-    for (qsizetype row = span.from.row; row <= span.to.row && messages < 2; ++row) {
+bool isSeparator(const Event& event) {
+    return std::holds_alternative<TesselChatLog::NewDay>(event.value) ||
+           std::holds_alternative<TesselChatLog::NewMinute>(event.value);
+}
+
+/// How many messages and, if they count, separators show something; at most `most`.
+qsizetype countMessages(const TesselChatLog& log, const TextSpan& span, bool withSeparators,
+                        qsizetype most) {
+    qsizetype count = 0;
+    for (qsizetype row = span.from.row; row <= span.to.row && count < most; ++row) {
+        const auto index = static_cast<size_t>(row);
         if (!showsSomething(log, span, row)) continue;
-        if (messages == 0 || !log.continuesMessage(static_cast<size_t>(row))) ++messages;
+        if (!withSeparators && isSeparator(log.events()[index])) continue;
+        if (count == 0 || !log.continuesMessage(index)) ++count;
     }
-    return messages < 2;
+    return count;
 }
 
 /// A text, cut where the selection begins and ends; other events can't be.
@@ -54,9 +63,15 @@ SelectionData::SelectionData(std::shared_ptr<const VellDocument> document,
     : document_(std::move(document)),
       contacts_(contacts),
       span_(span),
-      isOneMessage_(vell::isOneMessage(document_->chatlog(), span)) {
+      isOneMessage_(countMessages(document_->chatlog(), span, true, 2) < 2) {
     // A clipboard's manager asks after the program's objects have gone.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &SelectionData::makeAll);
+}
+
+qsizetype SelectionData::count() const {
+    const TesselChatLog& log = document_->chatlog();
+    if (isOneMessage_) return selectedText(log, span_).size();
+    return countMessages(log, span_, false, std::numeric_limits<qsizetype>::max());
 }
 
 QStringList SelectionData::formats() const {

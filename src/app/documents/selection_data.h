@@ -26,6 +26,11 @@ class SelectionData final : public QMimeData {
     /// Whether it is far larger than the chat's file; it has no formats then.
     [[nodiscard]] bool isOutOfProportion() const;
 
+    /// Whether it is text of one message, or one separator.
+    [[nodiscard]] bool isOneMessage() const { return isOneMessage_; }
+    /// How many messages, or of one message characters, are selected.
+    [[nodiscard]] qsizetype count() const;
+
     [[nodiscard]] QStringList formats() const override;
     [[nodiscard]] bool hasFormat(const QString& format) const override;
 

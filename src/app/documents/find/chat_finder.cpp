@@ -22,12 +22,16 @@ ChatFinder::ChatFinder(QMainWindow& window, QBoxLayout& layout, TimelineView& ti
       timeline_(timeline),
       history_(history),
       search_(timeline.sharedChatlog()) {
+    timeline_.setFindMatches(search_.matches(), -1);
     connect(&search_, &ChatSearch::started, this, &ChatFinder::begin);
     connect(&search_, &ChatSearch::found, this, &ChatFinder::take);
     connect(&search_, &ChatSearch::finished, this, &ChatFinder::finish);
 }
 
-ChatFinder::~ChatFinder() = default;
+ChatFinder::~ChatFinder() {
+    delete bar_;
+    delete list_;
+}
 
 void ChatFinder::makeBar() {
     bar_ = new FindBar;
@@ -181,6 +185,7 @@ void ChatFinder::showState() {
     timeline_.setFindMatches(search_.matches(), current_);
     if (list_) list_->setCurrent(current_);
     bar_->setCount(current_ + 1, search_.matches()->size(), search_.isRunning());
+    if (!search_.problem().isEmpty()) bar_->clearCount();
     QString notice;
     if (!search_.problem().isEmpty()) {
         notice = tr("Not a regular expression: %1.").arg(search_.problem());

@@ -59,8 +59,8 @@ class ChatFinder final : public QObject {
     TimelineView& timeline_;
     JumpHistory& history_;
     ChatSearch search_;
-    FindBar* bar_ = nullptr;  // made when it is first needed, so that the window opens sooner
-    MatchList* list_ = nullptr;
+    QPointer<FindBar> bar_;  // made when it is first needed, so that the window opens sooner
+    QPointer<MatchList> list_;
     qsizetype current_ = -1;   // the index of a match
     TextPosition anchor_;      // the first match at or after this is gone to
     TimelinePlace lastPlace_;  // after the latest change of ours

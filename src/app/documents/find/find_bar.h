@@ -34,6 +34,7 @@ class FindBar final : public QWidget {
     [[nodiscard]] ChatQuery query() const;
     /// Shows "3 of 120"; current counts from 1, 0 for none. `counting` while there may be more.
     void setCount(qsizetype current, qsizetype total, bool counting);
+    void clearCount() { count_->clear(); }
     /// A line of its own; empty for none.
     void setNotice(const QString& notice);
     void setListShown(bool isShown) { list_->setChecked(isShown); }
