@@ -88,8 +88,9 @@ class Window {
     }
     double openPane() {
         return cost(*show_[0], [this] {
-            const auto* grid = window_.findChild<QTableView*>();
-            return grid && grid->model()->rowCount() > 1;
+            for (const auto* table : window_.findChildren<QTableView*>())
+                if (table->model()->rowCount() > 1) return true;
+            return false;
         });
     }
 
