@@ -116,8 +116,13 @@ TEST(Row, BubbleWidthsHaveTheirBounds) {
     };
     const TesselChatLog::PlainText endless{QStringLiteral("word ").repeated(500)};
     EXPECT_GT(measured(endless, 720).frame.width(), 600) << "room unused";
-    EXPECT_LE(measured(endless, 721).frame.width(), 640);
-    EXPECT_LE(measured(endless, 2000).frame.width(), 640);
+    EXPECT_LE(measured(endless, 2000).frame.width(), 658);
+    const TesselChatLog::PlainText letters{QString(500, u'i')};  // fill all of their room
+    for (int width = 400, last = 0; width < 1000; width += 1) {
+        const int bubble = measured(letters, width).frame.width();
+        ASSERT_GE(bubble, last) << "narrower than in a row of " << width - 1;
+        last = bubble;
+    }
     EXPECT_EQ(measured(test::picture(QSize(30, 20)), 900).content.size(), QSize(30, 20));
     EXPECT_EQ(measured(test::picture(QSize(3000, 300)), 900).content.size(), QSize(600, 60));
     EXPECT_EQ(measured(test::picture(QSize(500, 5000)), 900).content.size(), QSize(48, 480));

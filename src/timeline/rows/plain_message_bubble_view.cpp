@@ -16,6 +16,14 @@ constexpr qreal horizontalPadding = 18;
 constexpr qreal wideRow = 720;
 constexpr qreal mostEms = 40;
 
+// Never shrinks as the row grows: a wide row has at least the room of one that is just narrow.
+int mostRoom(const BubbleOwner& owner, const RowContext& context, int rowWidth) {
+    const int narrow = std::min(rowWidth, context.px(wideRow));
+    const int ems = context.px(mostEms * context.fonts.message.pixelSize());
+    return std::min(widestBubble(owner, context, rowWidth),
+                    std::max(ems, widestBubble(owner, context, narrow)));
+}
+
 }  // namespace
 
 //              ,------------- frame --------------.
@@ -27,11 +35,6 @@ constexpr qreal mostEms = 40;
 //      [    ]`------------------------------------'
 
 RowLayout PlainMessageBubbleView::measure(const RowContext& context, int width) const {
-    int widest = widestBubble(owner, context, width);
-    if (width > context.px(wideRow)) {
-        const int ems = context.px(mostEms * context.fonts.message.pixelSize());
-        widest = std::min(widest, std::max(ems, context.px(minimumBubbleWidth)));
-    }
     TextFormat format;
     format.font = context.fonts.message;
     format.lineSpacing = lineSpacing;
@@ -40,7 +43,8 @@ RowLayout PlainMessageBubbleView::measure(const RowContext& context, int width) 
     format.ratio = context.ratio;
     const int x = context.px(horizontalPadding);
     const int y = context.px(verticalPadding);
-    auto text = std::make_shared<LaidOutText>(content, format, widest - 2 * x);
+    auto text =
+        std::make_shared<LaidOutText>(content, format, mostRoom(owner, context, width) - 2 * x);
     RowLayout layout = placeBubble(owner, QSize(text->width(), text->height()),
                                    QMargins(x, y, x, y), context, width);
     layout.text = std::move(text);
