@@ -234,7 +234,7 @@ TEST(LaidOutText, RegionsAreWhereTheirCharactersAre) {
     EXPECT_EQ(lines.region({0, 1}, 0, lines.height()).size(), 1u);
 }
 
-TEST(LaidOutText, EmojiAreColouredAndNeverBreakInTwo) {
+TEST(LaidOutText, EmojiAreColouredNeverBreakInTwoAndTakeAWholeLine) {
     if (emojiFamily().isEmpty()) GTEST_SKIP() << "no colour font for emoji";
     const struct {
         const char* text;
@@ -248,6 +248,9 @@ TEST(LaidOutText, EmojiAreColouredAndNeverBreakInTwo) {
     for (const auto& row : cases) {
         const LaidOutText text(QString::fromUtf8(row.text), format(), 400);
         EXPECT_LE(text.width(), row.ems * 16) << row.text;
+        const LaidOutText letters(QStringLiteral("ok"), format(), 400);
+        EXPECT_GE(text.height(), letters.height()) << row.text;
+        EXPECT_EQ(text.caret(0), QRect(0, 0, 1, text.height())) << row.text;
         QImage image(text.width(), text.height(), QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::white);
         QPainter painter(&image);

@@ -78,11 +78,13 @@ LaidOutText::LaidOutText(QString text, TextFormat format, int maxWidth)
       maxWidth_(std::max(maxWidth, 1)),
       spacing_(static_cast<int>(std::lround(format_.lineSpacing * format_.ratio))),
       blocks_(splitIntoBlocks(text_, format_.direction)) {
+    const QFontMetricsF metrics(format_.font);
+    ascent_ = metrics.ascent();
+    descent_ = metrics.descent();
     const auto count = static_cast<qsizetype>(blocks_.size());
     isLong_ = text_.size() > longestShort || count > mostBlocksOfShort;
     if (isLong_) {
-        const QFontMetricsF metrics(format_.font);
-        estimatedLine_ = ceilPixels(metrics.ascent() + metrics.descent(), format_.ratio) + spacing_;
+        estimatedLine_ = ceilPixels(ascent_ + descent_, format_.ratio) + spacing_;
         estimatedCharacter_ = metrics.averageCharWidth() * format_.ratio;
         width_ = std::max(maxWidth_, ceilPixels(metrics.maxWidth(), format_.ratio));
         isMeasured_.assign(blocks_.size(), false);
@@ -113,7 +115,16 @@ int LaidOutText::height() const {
 }
 
 int LaidOutText::lineHeight(const QTextLine& line) const {
-    return ceilPixels(line.ascent() + line.descent(), format_.ratio);
+    return ceilPixels(std::max(line.ascent(), ascent_) + std::max(line.descent(), descent_),
+                      format_.ratio);
+}
+
+int LaidOutText::lead(const QTextLine& line) const {
+    return static_cast<int>(std::lround(std::max(ascent_ - line.ascent(), 0.0) * format_.ratio));
+}
+
+int LaidOutText::lineTop(const QTextLine& line) const {
+    return static_cast<int>(std::lround(line.y() * format_.ratio)) - lead(line);
 }
 
 std::unique_ptr<QTextLayout> LaidOutText::makeLayout(const TextBlock& block) const {
@@ -146,7 +157,7 @@ void LaidOutText::placeLines(const TextBlock& block, QTextLayout& layout) const 
         QTextLine line = layout.lineAt(i);
         const qreal room = width_ / format_.ratio - line.naturalTextWidth();
         const qreal x = format_.isCentered ? room / 2 : block.rightToLeft ? room : 0;
-        line.setPosition(QPointF(std::max(x, 0.0), y / format_.ratio));
+        line.setPosition(QPointF(std::max(x, 0.0), (y + lead(line)) / format_.ratio));
         y += lineHeight(line) + spacing_;
     }
 }
@@ -226,7 +237,7 @@ std::vector<QRect> LaidOutText::region(TextRange range, int top, int bottom) con
         const QTextLayout& lines = layout(i);
         for (int n = 0; n < lines.lineCount(); ++n) {
             const QTextLine line = lines.lineAt(n);
-            const auto y = static_cast<int>(blockTop(i) + std::lround(line.y() * format_.ratio));
+            const auto y = static_cast<int>(blockTop(i)) + lineTop(line);
             const int height = lineHeight(line);
             if (y >= bottom || line.textStart() > end) break;
             if (y + height < top) continue;
@@ -260,7 +271,7 @@ LaidOutText::Line LaidOutText::line(qint64 y) const {
     const qsizetype block = blockAt(y);
     const QTextLine found = lineAt(layout(block), static_cast<int>(y - blockTop(block)));
     return {blocks_[static_cast<size_t>(block)].start + found.textStart(),
-            blockTop(block) + std::lround(found.y() * format_.ratio)};
+            blockTop(block) + lineTop(found)};
 }
 
 qsizetype LaidOutText::hit(QPoint point, QTextLine::CursorPosition where) const {
@@ -311,8 +322,7 @@ QRect LaidOutText::caret(qsizetype offset) const {
         static_cast<int>(std::clamp<qsizetype>(offset - content.start, 0, content.length));
     const QTextLine line = lines.lineForTextPosition(inBlock);
     const auto x = static_cast<int>(std::lround(line.cursorToX(inBlock) * format_.ratio));
-    const auto y = static_cast<int>(std::lround(line.y() * format_.ratio));
-    return QRect(x, static_cast<int>(blockTop(block)) + y, 1, lineHeight(line));
+    return QRect(x, static_cast<int>(blockTop(block)) + lineTop(line), 1, lineHeight(line));
 }
 
 }  // namespace vell

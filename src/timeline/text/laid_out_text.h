@@ -96,11 +96,17 @@ class LaidOutText {
     [[nodiscard]] int layoutHeight(const QTextLayout& layout) const;
     [[nodiscard]] int estimatedHeight(const TextBlock& block) const;
     [[nodiscard]] QTextLine lineAt(const QTextLayout& layout, int y) const;
+    /// A line of emoji, or in a fallback font, is as high as one in the format's own font.
     [[nodiscard]] int lineHeight(const QTextLine& line) const;
+    /// How much of that is above what the line itself takes.
+    [[nodiscard]] int lead(const QTextLine& line) const;
+    [[nodiscard]] int lineTop(const QTextLine& line) const;
 
     QString text_;
     TextFormat format_;
     int maxWidth_;
+    qreal ascent_;  // of the format's font, in points
+    qreal descent_;
     int width_ = 0;
     int spacing_;
     bool isLong_;
