@@ -32,14 +32,15 @@ TesselChatLog manyRows() {
     return log.log();
 }
 
+bool isWhole(TimelineLayout& timeline, qsizetype row) {
+    const qint64 top = timeline.rowTop(row);
+    return top >= 0 && top + timeline.row(row).layout.height <= timeline.viewportHeight();
+}
+
 TEST(Keyboard, MovesByRowAndThroughTallRows) {
     Window window(manyRows());
     TimelineLayout& timeline = window.view.timeline();
     const qsizetype high = 50;
-    const auto isShown = [&](qsizetype row) {
-        const qint64 top = timeline.rowTop(row);
-        return top >= 0 && top + timeline.row(row).layout.height <= timeline.viewportHeight();
-    };
     const struct {
         const char* what;
         int key;
@@ -55,7 +56,7 @@ TEST(Keyboard, MovesByRowAndThroughTallRows) {
     for (const auto& step : steps) {
         window.key(step.key);
         EXPECT_EQ(window.view.currentRow(), step.row) << step.what;
-        EXPECT_TRUE(isShown(step.row)) << step.what;
+        EXPECT_TRUE(isWhole(timeline, step.row)) << step.what;
     }
     window.key(Qt::Key_Up);
     EXPECT_EQ(window.view.currentRow(), high);
@@ -86,8 +87,11 @@ TEST(Keyboard, PagesOverlapAndStopAtTheEnds) {
         window.key(back.key(), back.keyboardModifiers());
         EXPECT_EQ(timeline.offset(), before);
     }
-    for (int i = 0; i < 30; ++i)
+    for (int i = 0; i < 30; ++i) {
         window.key(Qt::Key_PageDown);
+        const qsizetype row = window.view.currentRow();
+        EXPECT_TRUE(row == 50 || isWhole(timeline, row)) << "half hidden: " << row;
+    }
     EXPECT_EQ(timeline.offset() + timeline.viewportHeight(), timeline.contentHeight());
     EXPECT_EQ(window.view.currentRow(), 51);
 }
@@ -105,6 +109,33 @@ TEST(Keyboard, RingIsShownForTheKeyboardOnly) {
     window.press(QPoint(300, 600));
     window.release(QPoint(300, 600));
     EXPECT_EQ(painted(), plain);
+}
+
+TEST(Keyboard, RingIsWholeAtBothEnds) {
+    Window window(manyRows());
+    TimelineLayout& timeline = window.view.timeline();
+    const auto painted = [&] { return window.view.viewport()->grab().toImage(); };
+    for (const auto key : {QKeyCombination(Qt::Key_End), Qt::CTRL | Qt::Key_End,
+                           QKeyCombination(Qt::Key_Home), Qt::CTRL | Qt::Key_Home}) {
+        window.key(key.key(), key.keyboardModifiers());
+        const QImage ring = painted();
+        window.view.clearFocus();
+        const QImage plain = painted();
+        window.view.setFocus();
+        std::vector<int> edges;  // lines in which much is painted
+        for (int y = 0; y < ring.height(); ++y) {
+            int changed = 0;
+            for (int x = 0; x < ring.width(); ++x)
+                changed += ring.pixel(x, y) != plain.pixel(x, y) ? 1 : 0;
+            if (changed > 20) edges.push_back(y);
+        }
+        ASSERT_FALSE(edges.empty());
+        const QRect frame = timeline.row(window.view.currentRow()).layout.frame;
+        EXPECT_GE(edges.back() - edges.front(), frame.height()) << "the ring is cut";
+        const bool isEnd = key.key() == Qt::Key_End;
+        EXPECT_EQ(timeline.offset(),
+                  isEnd ? timeline.contentHeight() - timeline.viewportHeight() : 0);
+    }
 }
 
 TEST(Keyboard, RowMenusOfferTheirCommands) {

@@ -127,6 +127,29 @@ TEST(Selecting, BeyondTheEdgeTheTimelineScrolls) {
     EXPECT_EQ(window.view.verticalScrollBar()->value(), place) << "goes on after the release";
 }
 
+TEST(Selecting, PageKeysMoveTheFreeEndByAPage) {
+    LogBuilder builder;
+    for (int i = 0; i < 60; ++i)
+        builder.text(bob, QStringLiteral("line %1").arg(i));
+    Window window(builder.log());
+    const auto lines = [&] { return window.selected().count(u'\n'); };
+    window.key(Qt::Key_Home);
+    window.key(Qt::Key_PageDown, Qt::ShiftModifier);
+    const qsizetype page = lines();
+    EXPECT_GE(page, 8);
+    EXPECT_LE(page, 640 / 40);
+    window.key(Qt::Key_PageDown, Qt::ShiftModifier);
+    EXPECT_NEAR(lines(), 2 * page, 2);
+    window.key(Qt::Key_PageUp, Qt::ShiftModifier);
+    EXPECT_NEAR(lines(), page, 1);
+    for (int i = 0; i < 10; ++i)
+        window.key(Qt::Key_PageDown, Qt::ShiftModifier);
+    EXPECT_TRUE(window.selected().endsWith(QStringLiteral("line 59")));
+    for (int i = 0; i < 10; ++i)
+        window.key(Qt::Key_PageUp, Qt::ShiftModifier);
+    EXPECT_FALSE(window.view.hasSelection());
+}
+
 TEST(Selecting, CopyingMakesTheTextWhenItIsAskedFor) {
     Window window(smallTalk());
     window.view.selectAll();

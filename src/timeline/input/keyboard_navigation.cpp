@@ -18,7 +18,7 @@ constexpr qreal ringDistance = 3;  // points
 constexpr qreal ringWidth = 2;
 constexpr qreal ringCorner = 8;
 constexpr qreal linePoints = 60;  // what an arrow key scrolls in a high row
-constexpr qreal pageOverlap = 40;
+constexpr qreal beyondEdges = 40;
 
 QRect shownPart(const RowLayout& layout) {
     return layout.frame.isEmpty() ? layout.content : layout.frame;
@@ -35,11 +35,15 @@ void KeyboardNavigation::paint(QPainter& painter) const {
     if (!isRingShown_ || !area_.hasFocus() || !isOnScreen(row_)) return;
     const int distance = context_.px(ringDistance);
     const QPoint corner(layout_.rowLeft(), static_cast<int>(layout_.rowTop(row_)));
-    const QRect ring = shownPart(layout_.row(row_).layout)
-                           .translated(corner)
-                           .adjusted(-distance, -distance, distance, distance);
+    const QRect shown = shownPart(layout_.row(row_).layout).translated(corner);
+    QRect ring = shown.adjusted(-distance, -distance, distance, distance);
+    // Around a whole row the ring is whole, even where the row touches the edge.
+    const int line = context_.px(ringWidth);
+    if (shown.top() >= 0) ring.setTop(std::max(ring.top(), line / 2));
+    if (shown.bottom() < layout_.viewportHeight())
+        ring.setBottom(std::min(ring.bottom(), layout_.viewportHeight() - 1 - line));
     // Painters fail at the edges of rows that are higher than some ten thousand pixels.
-    const int around = context_.px(pageOverlap);
+    const int around = context_.px(beyondEdges);
     const QRect near = ring.intersected(
         QRect(ring.left(), -around, ring.width(), layout_.viewportHeight() + 2 * around));
     painter.save();
@@ -87,7 +91,7 @@ bool KeyboardNavigation::key(const QKeyEvent& event) {
             jump(neighbour(-1, 1), 1);
             return true;
         case Qt::Key_End:
-            jump(neighbour(layout_.rowCount(), -1), -1);
+            goToEnd();
             return true;
         case Qt::Key_Return:
         case Qt::Key_Enter:
@@ -125,12 +129,32 @@ void KeyboardNavigation::jump(qsizetype row, int direction) {
 
 void KeyboardNavigation::page(int direction) {
     const qint64 before = layout_.offset();
-    scroller_.scrollByPixels(direction *
-                             std::max(layout_.viewportHeight() - context_.px(pageOverlap), 1));
+    scroller_.scrollByPixels(direction * scroller_.pagePixels());
+    if (layout_.visibleRows().empty()) return;
     const bool isAtEnd = layout_.offset() == before;
+    choose(wholeRow(isAtEnd ? direction : -1), true);
+}
+
+qsizetype KeyboardNavigation::wholeRow(int from) const {
     const auto& visible = layout_.visibleRows();
-    if (visible.empty()) return;
-    choose(isAtEnd && direction > 0 ? visible.back().index : visible.front().index, true);
+    const auto isWhole = [this](const auto& row) {
+        return row.top >= 0 && row.top + row.row->layout.height <= layout_.viewportHeight();
+    };
+    if (from > 0) {
+        const auto last = std::find_if(visible.rbegin(), visible.rend(), isWhole);
+        return last == visible.rend() ? visible.back().index : last->index;
+    }
+    const auto first = std::find_if(visible.begin(), visible.end(), isWhole);
+    return first == visible.end() ? visible.front().index : first->index;
+}
+
+void KeyboardNavigation::goToEnd() {
+    const qsizetype last = neighbour(layout_.rowCount(), -1);
+    if (last < 0) return;
+    const TimelinePlace left = scroller_.place();
+    scroller_.scrollToEnd();
+    choose(last, true);
+    Q_EMIT jumped(left);
 }
 
 void KeyboardNavigation::goTo(qsizetype row, int direction) {

@@ -6,7 +6,7 @@
 //
 //     up, down                  the next row; of one that is higher than the window the next lines
 //     page up, page down, space a page
-//     home, end                 the first and the last row
+//     home, end                 the first row, and the last with all that is below it
 //     return, menu key          what a click on the row does, and its context menu
 
 #include <QObject>
@@ -58,6 +58,10 @@ class KeyboardNavigation final : public QObject {
     void step(int direction);
     void jump(qsizetype row, int direction);
     void page(int direction);
+    void goToEnd();
+    /// The first (-1) or last (1) row that is wholly on the screen; where none is, the one that is
+    /// partly there.
+    [[nodiscard]] qsizetype wholeRow(int from) const;
     void choose(qsizetype row, bool showRing);
     /// The current row, or the nearest to it that is on the screen.
     [[nodiscard]] qsizetype onScreen(int direction) const;

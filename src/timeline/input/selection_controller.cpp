@@ -240,6 +240,10 @@ std::optional<TextPosition> SelectionController::moved(TextPosition from, const 
             return movedByLine(from, -1);
         case Qt::Key_Down:
             return movedByLine(from, 1);
+        case Qt::Key_PageUp:
+            return movedByPage(from, -1);
+        case Qt::Key_PageDown:
+            return movedByPage(from, 1);
         case Qt::Key_Home:
             return isFar ? TextPosition{} : selection_.rowStart(from.row);
         case Qt::Key_End:
@@ -280,6 +284,21 @@ TextPosition SelectionController::movedByLine(TextPosition from, int step) {
     const QRect entry = layout_.exactCaret(next, entered.offset);
     const TimelineLayout::Row& other = layout_.row(next);
     return RowPlace{next, QPoint(caret.left(), entry.center().y()), &other}.position();
+}
+
+// To the place that comes where the caret was, once the rows have moved by a page; where they
+// can't, the caret goes the rest of the way.
+TextPosition SelectionController::movedByPage(TextPosition from, int direction) {
+    scroller_.revealText({from, from});
+    const QRect caret = layout_.exactCaret(from.row, from.offset);
+    const qint64 y = layout_.rowTop(from.row) + caret.center().y();
+    const int page = scroller_.pagePixels();
+    const qint64 before = layout_.offset();
+    scroller_.scrollByPixels(direction * page);
+    const qint64 rest = std::max<qint64>(page - std::abs(layout_.offset() - before), 0);
+    const auto place = rowPlaceAt(
+        layout_, QPoint(layout_.rowLeft() + caret.left(), static_cast<int>(y + direction * rest)));
+    return place ? place->position() : from;
 }
 
 }  // namespace vell

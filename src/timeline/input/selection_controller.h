@@ -82,6 +82,7 @@ class SelectionController final : public QObject {
     [[nodiscard]] std::optional<TextPosition> moved(TextPosition from, const QKeyEvent& event);
     [[nodiscard]] TextPosition movedAcross(TextPosition from, bool forward, TextUnit unit);
     [[nodiscard]] TextPosition movedByLine(TextPosition from, int step);
+    [[nodiscard]] TextPosition movedByPage(TextPosition from, int direction);
     void update();
 
     QAbstractScrollArea& area_;

@@ -23,6 +23,7 @@ constexpr int idleSlice = 4;
 
 constexpr int frameMilliseconds = 8;
 constexpr qreal wheelLinePoints = 20;
+constexpr qreal pageOverlap = 40;
 constexpr int mostReveals = 4;
 constexpr qreal highestRow = 1e9;  // points, more than any
 
@@ -55,10 +56,20 @@ void TimelineScroller::scrollToRow(qsizetype index, qreal pointsAbove) {
     update();
 }
 
+void TimelineScroller::scrollToEnd() {
+    smoothScroll_.stop();
+    layout_.scrollTo(layout_.contentHeight());
+    update();
+}
+
 void TimelineScroller::scrollByPixels(qint64 pixels) {
     smoothScroll_.stop();
     layout_.scrollBy(pixels);
     update();
+}
+
+int TimelineScroller::pagePixels() const {
+    return std::max(layout_.viewportHeight() - context_.px(pageOverlap), 1);
 }
 
 void TimelineScroller::reveal(qsizetype row, const QRect& part) {

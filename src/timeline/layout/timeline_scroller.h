@@ -43,8 +43,11 @@ class TimelineScroller final : public QObject {
     /// Brings a row's top, or a place so many points below it, to the viewport's top edge, as far
     /// as there is enough below it.
     void scrollToRow(qsizetype index, qreal pointsAbove = 0);
+    void scrollToEnd();
     /// Moves by device pixels of what is there.
     void scrollByPixels(qint64 pixels);
+    /// What the page keys move by, in device pixels: some of the old page stays in view.
+    [[nodiscard]] int pagePixels() const;
     /// Scrolls as little as needed to show part of a row, given in device pixels.
     void reveal(qsizetype row, const QRect& part);
     /// Scrolls as little as needed to show a span within one row.
