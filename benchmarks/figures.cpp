@@ -41,6 +41,18 @@ bool report(const char* what, double figure, double limit, const char* unit) {
     return isMet;
 }
 
+bool reportTime(const char* what, double time, double limit, double yardstick,
+                double multipleLimit) {
+    const double multiple = time / yardstick;
+    const bool isMet = time <= limit && (multipleLimit == 0 || multiple <= multipleLimit);
+    isAnyExceeded |= !isMet;
+    std::printf("%-60s %8.3f ms  limit %3g  %7.2f moves", what, time, limit, multiple);
+    if (multipleLimit > 0) std::printf("  limit %3g", multipleLimit);
+    std::printf("  %s\n", isMet ? "met" : "EXCEEDED");
+    std::fflush(stdout);
+    return isMet;
+}
+
 int exitCode() {
     return isAnyExceeded ? 1 : 0;
 }

@@ -18,6 +18,10 @@ namespace benchmarks {
 
 /// Prints a figure beside its limit. Returns whether it is within.
 bool report(const char* what, double figure, double limit, const char* unit = "");
+/// A time in milliseconds; also as a multiple of another one measured in the same run, with a limit
+/// of its own if it isn't 0.
+bool reportTime(const char* what, double time, double limit, double yardstick,
+                double multipleLimit = 0);
 /// 1 once a reported figure has exceeded its limit, else 0.
 [[nodiscard]] int exitCode();
 

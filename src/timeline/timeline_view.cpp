@@ -22,6 +22,8 @@
 #include "timeline/input/row_place.h"
 #include "timeline/input/selection_controller.h"
 #include "timeline/layout/scroll_bar_marks.h"
+#include "timeline/painting/floating_day.h"
+#include "timeline/painting/row_painter.h"
 #include "timeline/pictures/gif_player.h"
 #include "timeline/pictures/picture_cache.h"
 
@@ -45,6 +47,8 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
       rows_(std::make_unique<RowInteraction>(*this, layout_, context_, *selection_)),
       keyboard_(std::make_unique<KeyboardNavigation>(*this, layout_, context_, scroller_, *rows_)),
       gifPlayer_(std::make_unique<GifPlayer>()),
+      painter_(std::make_unique<RowPainter>(layout_, context_, *selection_, *gifPlayer_)),
+      day_(std::make_unique<FloatingDay>(*this, layout_, context_)),
       marks_(new ScrollBarMarks(*verticalScrollBar(), layout_, context_)) {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -54,6 +58,7 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
     viewport()->setMouseTracking(true);
     presentSenders();
     connect(&scroller_, &TimelineScroller::moved, this, &TimelineView::stopUnseenPicture);
+    connect(&scroller_, &TimelineScroller::moved, day_.get(), &FloatingDay::follow);
     connect(selection_.get(), &SelectionController::changed, this, &TimelineView::selectionChanged);
     connect(keyboard_.get(), &KeyboardNavigation::changed, this, &TimelineView::currentRowChanged);
     connect(keyboard_.get(), &KeyboardNavigation::jumped, this, &TimelineView::jumped);
@@ -63,6 +68,7 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
     connect(gifPlayer_.get(), &GifPlayer::changed, this, &TimelineView::repaintRow);
     connect(&contacts, &ContactsStore::addressToContactChanged, this, [this] {
         layout_.invalidateCaptions();
+        painter_->reset();
         scroller_.update();
         Q_EMIT namesChanged();
     });
@@ -114,6 +120,8 @@ void TimelineView::rebuild() {
     context_.ratio = viewport()->devicePixelRatioF();
     context_.direction = layoutDirection();
     textTiles_.clear();
+    painter_->reset();
+    day_->reset();
     isBuilt_ = true;
     layout_.reset(viewportWidth(), viewportHeight());
     scroller_.reset();
@@ -291,6 +299,7 @@ void TimelineView::showEvent(QShowEvent* event) {
 void TimelineView::hideEvent(QHideEvent* event) {
     QAbstractScrollArea::hideEvent(event);
     gifPlayer_->stop();
+    painter_->reset();
 }
 
 void TimelineView::changeEvent(QEvent* event) {
@@ -382,45 +391,14 @@ void TimelineView::paintEvent(QPaintEvent* event) {
     const QPointF corner = painter.deviceTransform().map(QPointF(0, 0));
     painter.scale(1 / ratio(), 1 / ratio());
     painter.translate(QPointF(corner.toPoint()) - corner);
-    const QRect& area = event->rect();
-    const QRect exposed = QRectF(area.x() * ratio(), area.y() * ratio(), area.width() * ratio(),
-                                 area.height() * ratio())
-                              .toAlignedRect();
-    paintBackground(painter, exposed);
-    paintRows(painter, exposed);
-}
-
-// A bubble that is higher than the window hides most of what would be filled below it.
-void TimelineView::paintBackground(QPainter& painter, const QRect& exposed) {
-    QRegion free(exposed);
-    for (const TimelineLayout::VisibleRow& visible : layout_.visibleRows()) {
-        free -= opaquePart(visible.row->layout.frame, ratio())
-                    .translated(layout_.rowLeft(), visible.top);
-    }
-    for (const QRect& rect : free)
-        painter.fillRect(rect, context_.colors.background);
-}
-
-void TimelineView::paintRows(QPainter& painter, const QRect& exposed) {
-    const int left = layout_.rowLeft();
-    // Shadows reach a little beyond their rows.
-    const int around = context_.px(standardSpacing);
-    for (const TimelineLayout::VisibleRow& visible : layout_.visibleRows()) {
-        const QRect part = exposed.translated(-left, -visible.top);
-        if (part.top() > visible.row->layout.height + around || part.bottom() < -around) continue;
-        const RowLayout& layout = visible.row->layout;
-        const int above = layout.content.top();
-        const TextRange shown =
-            layout.text ? layout.text->offsetsBetween(part.top() - above, part.bottom() + 1 - above)
-                        : TextRange{0, 1};
-        painter.save();
-        painter.translate(left, visible.top);
-        visible.row->view.paint(painter, layout, context_,
-                                {visible.index, part, selection_->highlights(visible.index, shown),
-                                 gifPlayer_->frame(visible.index)});
-        painter.restore();
-    }
+    const auto onDevice = [this](const QRect& area) {
+        return QRectF(area.x() * ratio(), area.y() * ratio(), area.width() * ratio(),
+                      area.height() * ratio())
+            .toAlignedRect();
+    };
+    painter_->paint(painter, onDevice(viewport()->rect()).size(), onDevice(event->rect()));
     keyboard_->paint(painter);
+    day_->paint(painter);
 }
 
 }  // namespace vell

@@ -25,11 +25,13 @@
 namespace vell {
 
 class ContactsStore;
+class FloatingDay;
 class GifPlayer;
 class KeyboardNavigation;
 class Links;
 class PictureCache;
 class RowInteraction;
+class RowPainter;
 class ScrollBarMarks;
 class SelectionController;
 struct RowPlace;
@@ -129,8 +131,6 @@ class TimelineView final : public QAbstractScrollArea {
     void presentSenders();
     /// Takes fonts, colours and ratio from the widget, and lays everything out anew.
     void rebuild();
-    void paintBackground(QPainter& painter, const QRect& exposed);
-    void paintRows(QPainter& painter, const QRect& exposed);
     void pictureChanged(const char* bytes);
     /// Starts or stops a GIF.
     void playPicture(qsizetype row);
@@ -152,6 +152,8 @@ class TimelineView final : public QAbstractScrollArea {
     std::unique_ptr<RowInteraction> rows_;
     std::unique_ptr<KeyboardNavigation> keyboard_;
     std::unique_ptr<GifPlayer> gifPlayer_;
+    std::unique_ptr<RowPainter> painter_;
+    std::unique_ptr<FloatingDay> day_;
     ScrollBarMarks* marks_;
 };
 

@@ -58,12 +58,14 @@ struct DateFormatter::Format {
         UErrorCode status = U_ZERO_ERROR;
         // Local time is handed over as if it were UTC: the calendar knows the zones, those that
         // are only a rule included, and ICU would silently take UTC for what it can't find.
-        const bool isFull = style == Style::fullDateTime;
+        const bool isFull = style == Style::fullDate || style == Style::fullDateTime;
         const UDateFormatStyle date = isFull                      ? UDAT_FULL
                                       : style == Style::shortTime ? UDAT_NONE
                                                                   : UDAT_MEDIUM;
-        handle = udat_open(isFull ? UDAT_MEDIUM : UDAT_SHORT, date, locale.constData(), u"Etc/UTC",
-                           -1, nullptr, 0, &status);
+        const UDateFormatStyle time = style == Style::fullDate       ? UDAT_NONE
+                                      : style == Style::fullDateTime ? UDAT_MEDIUM
+                                                                     : UDAT_SHORT;
+        handle = udat_open(time, date, locale.constData(), u"Etc/UTC", -1, nullptr, 0, &status);
         if (U_FAILURE(status)) handle = nullptr;
         if (handle) avoidJulianDates();
     }
@@ -156,6 +158,7 @@ struct Prototypes {
     std::mutex lock;
     QByteArray locale = environmentDateLocale();
     foundation::Calendar calendar = foundation::Calendar::current();
+    std::optional<DateFormatter> separator;
     std::optional<DateFormatter> day;
     std::optional<DateFormatter> time;
     std::optional<DateFormatter> full;
@@ -194,12 +197,17 @@ class OwnFormatter {
 }  // namespace
 
 const DateFormatter& daySeparatorFormatter() {
-    thread_local OwnFormatter mine(Style::mediumDateShortTime, &Prototypes::day);
+    thread_local OwnFormatter mine(Style::mediumDateShortTime, &Prototypes::separator);
     return mine.get();
 }
 
 const DateFormatter& timeSeparatorFormatter() {
     thread_local OwnFormatter mine(Style::shortTime, &Prototypes::time);
+    return mine.get();
+}
+
+const DateFormatter& dayFormatter() {
+    thread_local OwnFormatter mine(Style::fullDate, &Prototypes::day);
     return mine.get();
 }
 
@@ -214,6 +222,7 @@ void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& c
     if (locale == all.locale && calendar.hasZoneOf(all.calendar)) return;
     all.locale = locale;
     all.calendar = calendar;
+    all.separator.reset();
     all.day.reset();
     all.time.reset();
     all.full.reset();

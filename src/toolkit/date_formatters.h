@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 //
 // Dates for people, in their locale and time zone: the shared formatters that separators on screen
-// and headings in exported text are made with, and a full one for tooltips. Making
-// one takes milliseconds, so there is one of each for the process, and a clone for every further
-// thread that asks.
+// and headings in exported text are made with, one for days alone and a full one for tooltips.
+// Making one takes milliseconds, so there is one of each for the process, and a clone for every
+// further thread that asks.
 //
 //     timeSeparatorFormatter().string(event.timestamp)
 
@@ -22,7 +22,7 @@ namespace vell {
 /// another one gets its own, and is safe at any time.
 class DateFormatter {
   public:
-    enum class Style { mediumDateShortTime, shortTime, fullDateTime };
+    enum class Style { mediumDateShortTime, shortTime, fullDate, fullDateTime };
 
     /// Locales as in LANG or as language tags: "de_DE.UTF-8", "de-DE"; "C" and "POSIX" are English.
     DateFormatter(Style style, const QByteArray& locale, foundation::Calendar calendar);
@@ -51,6 +51,8 @@ class DateFormatter {
 [[nodiscard]] const DateFormatter& daySeparatorFormatter();
 /// Short time alone; otherwise like daySeparatorFormatter().
 [[nodiscard]] const DateFormatter& timeSeparatorFormatter();
+/// Weekday and date; otherwise like daySeparatorFormatter().
+[[nodiscard]] const DateFormatter& dayFormatter();
 /// Weekday, date, time with seconds, and the zone; otherwise like daySeparatorFormatter().
 [[nodiscard]] const DateFormatter& fullDateFormatter();
 

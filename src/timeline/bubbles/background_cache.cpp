@@ -23,8 +23,13 @@ void drawColumn(QPainter& painter, const QImage& image, int column, const QRect&
     for (int top = 0, bottom = 0; top < height; top = bottom) {
         while (bottom < height && at(bottom) == at(top))
             ++bottom;
-        painter.fillRect(QRect(area.x(), area.y() + top, area.width(), bottom - top),
-                         QColor::fromRgba(qUnpremultiply(at(top))));
+        const QRect run(area.x(), area.y() + top, area.width(), bottom - top);
+        if (qAlpha(at(top)) == 255) {
+            painter.fillRect(run, QColor::fromRgb(at(top)));
+        } else {
+            // Its colour would be rounded twice.
+            painter.drawImage(run, image, QRect(column, top, 1, 1));
+        }
     }
 }
 

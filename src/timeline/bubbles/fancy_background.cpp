@@ -133,6 +133,28 @@ QSize stretchableSize(QSize size, qreal ratio) {
     return size.boundedTo(QSize(longest, longest));
 }
 
+bool looksAlike(const FancyBackground& background, BubbleRows a, BubbleRows b, int count,
+                qreal ratio) {
+    // Rows near the edges have shapes of their own, those between them share one.
+    const int cap = backgroundCapPixels(ratio);
+    const auto shape = [cap](BubbleRows rows, int i) {
+        const int row = rows.first + i;
+        return row <= cap ? row : std::max(cap, row - (rows.height - 2 * cap - 1));
+    };
+    const int last = count - 1;
+    const int first = shape(a, 0);
+    const int span = shape(a, last) - first;
+    if (std::min(a.height, b.height) <= 2 * cap || (span != 0 && span != last) ||
+        shape(b, 0) != first || shape(b, last) != first + span)
+        return false;
+    // The gradients run one way: what agrees at both ends agrees between them.
+    const auto colors = [&](BubbleRows rows, int i) {
+        return colorsAt(background, rows.first + i, rows.height, ratio);
+    };
+    const LineColors top = colors(a, 0);
+    return top == colors(a, last) && top == colors(b, 0) && top == colors(b, last);
+}
+
 QImage composeBackground(const BackgroundMasks& masks, const FancyBackground& background,
                          int height, int firstRow, int rowCount, qreal ratio) {
     QImage image(masks.outline.width(), rowCount, QImage::Format_ARGB32_Premultiplied);

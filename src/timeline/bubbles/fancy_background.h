@@ -66,4 +66,14 @@ struct BackgroundMasks {
                                        const FancyBackground& background, int height, int firstRow,
                                        int rowCount, qreal ratio);
 
+/// Some rows of a bubble, counted from its top edge.
+struct BubbleRows {
+    int height;  ///< of the bubble
+    int first;
+};
+
+/// Whether `count` rows of two bubbles with these colours look alike. May say no where they do.
+[[nodiscard]] bool looksAlike(const FancyBackground& background, BubbleRows a, BubbleRows b,
+                              int count, qreal ratio);
+
 }  // namespace vell

@@ -42,10 +42,10 @@ void TimelineLayout::noteHeight(qsizetype index, const Row& row) {
     isExact_[static_cast<size_t>(index)] = !text || !text->isLong() || !text->firstEstimated();
 }
 
-std::unique_ptr<TimelineLayout::Row> TimelineLayout::makeRow(qsizetype index) const {
+std::unique_ptr<TimelineLayout::Row> TimelineLayout::makeRow(qsizetype index) {
     const TesselChatLog::Event& event = chatlog_->events()[static_cast<size_t>(index)];
     auto row = std::make_unique<Row>(
-        Row{TimelineRowView(event, TimelineRowView::isOwn(event, *chatlog_)), {}});
+        Row{TimelineRowView(event, TimelineRowView::isOwn(event, *chatlog_)), {}, ++rowsMade_});
     row->layout = row->view.measure(context_, rowWidth_);
     return row;
 }

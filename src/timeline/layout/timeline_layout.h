@@ -34,6 +34,7 @@ class TimelineLayout {
     struct Row {
         TimelineRowView view;
         RowLayout layout;
+        quint64 serial;  ///< no other row, nor this one laid out anew, ever has the same
     };
     struct VisibleRow {
         qsizetype index;
@@ -119,7 +120,7 @@ class TimelineLayout {
     };
 
     Row& materialise(qsizetype index);
-    std::unique_ptr<Row> makeRow(qsizetype index) const;
+    std::unique_ptr<Row> makeRow(qsizetype index);
     [[nodiscard]] Row* longRow(qsizetype index) const;
     [[nodiscard]] int spacedHeight(const Row& row) const;
     void noteHeight(qsizetype index, const Row& row);
@@ -151,6 +152,7 @@ class TimelineLayout {
     std::unordered_map<qsizetype, std::unique_ptr<Row>> rows_;
     std::unordered_map<qsizetype, std::unique_ptr<Row>> longRows_;
     std::vector<VisibleRow> visible_;
+    quint64 rowsMade_ = 0;
 
     // The idle pass works outwards from the place it started at: rows [exactFrom_, exactTo_) are
     // done.

@@ -27,6 +27,7 @@ struct TextHighlight {
     static constexpr qsizetype textEnd = std::numeric_limits<qsizetype>::max();
     TextRange range;
     HighlightKind kind = HighlightKind::selection;
+    friend bool operator==(const TextHighlight&, const TextHighlight&) = default;
 };
 
 /// Paints what lies behind a row's text of this colour; the painter counts device pixels from the

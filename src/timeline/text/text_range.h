@@ -13,6 +13,7 @@ namespace vell {
 struct TextRange {
     qsizetype from = 0;
     qsizetype to = 0;
+    friend bool operator==(const TextRange&, const TextRange&) = default;
 };
 
 /// A place in the text that a row shows.
