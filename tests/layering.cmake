@@ -21,7 +21,7 @@ set(cli ${export} export library)
 set(app ${export} export library timeline)
 
 # The order inside a folder that has folders of its own, from the top; "." are the files beside them.
-set(timeline_rooms accessibility . input layout saving rows text pictures bubbles)
+set(timeline_rooms accessibility . painting input layout saving rows text pictures bubbles)
 set(identity_rooms service vcard contacts identicons)
 set(app_rooms . search documents windows desktop)
 

@@ -47,7 +47,8 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
       rows_(std::make_unique<RowInteraction>(*this, layout_, context_, *selection_)),
       keyboard_(std::make_unique<KeyboardNavigation>(*this, layout_, context_, scroller_, *rows_)),
       gifPlayer_(std::make_unique<GifPlayer>()),
-      painter_(std::make_unique<RowPainter>(layout_, context_, *selection_, *gifPlayer_)),
+      painter_(
+          std::make_unique<RowPainter>(*viewport(), layout_, context_, *selection_, *gifPlayer_)),
       day_(std::make_unique<FloatingDay>(*this, layout_, context_)),
       marks_(new ScrollBarMarks(*verticalScrollBar(), layout_, context_)) {
     setFrameShape(QFrame::NoFrame);
@@ -59,6 +60,9 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
     presentSenders();
     connect(&scroller_, &TimelineScroller::moved, this, &TimelineView::stopUnseenPicture);
     connect(&scroller_, &TimelineScroller::moved, day_.get(), &FloatingDay::follow);
+    connect(&scroller_, &TimelineScroller::moved, this, [this] {
+        painter_->refresh({keyboard_->ringArea(), day_->shownArea()});
+    });
     connect(selection_.get(), &SelectionController::changed, this, &TimelineView::selectionChanged);
     connect(keyboard_.get(), &KeyboardNavigation::changed, this, &TimelineView::currentRowChanged);
     connect(keyboard_.get(), &KeyboardNavigation::jumped, this, &TimelineView::jumped);
@@ -299,7 +303,6 @@ void TimelineView::showEvent(QShowEvent* event) {
 void TimelineView::hideEvent(QHideEvent* event) {
     QAbstractScrollArea::hideEvent(event);
     gifPlayer_->stop();
-    painter_->reset();
 }
 
 void TimelineView::changeEvent(QEvent* event) {
@@ -391,14 +394,14 @@ void TimelineView::paintEvent(QPaintEvent* event) {
     const QPointF corner = painter.deviceTransform().map(QPointF(0, 0));
     painter.scale(1 / ratio(), 1 / ratio());
     painter.translate(QPointF(corner.toPoint()) - corner);
-    const auto onDevice = [this](const QRect& area) {
-        return QRectF(area.x() * ratio(), area.y() * ratio(), area.width() * ratio(),
-                      area.height() * ratio())
-            .toAlignedRect();
-    };
-    painter_->paint(painter, onDevice(viewport()->rect()).size(), onDevice(event->rect()));
-    keyboard_->paint(painter);
-    day_->paint(painter);
+    painter_->prepare(event->region());
+    for (const QRect& rect : event->region()) {
+        const QRect part = painter_->onDevice(rect);
+        painter.setClipRect(part);
+        painter_->paint(painter, part);
+        keyboard_->paint(painter);
+        day_->paint(painter);
+    }
 }
 
 }  // namespace vell

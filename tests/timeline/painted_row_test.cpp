@@ -125,6 +125,51 @@ TEST(PaintedRow, BubblesHaveTheColourTailTextAndPictureOfTheirSender) {
     }
 }
 
+double luminance(QRgb color) {
+    const auto linear = [](int channel) {
+        return channel <= 10 ? channel / 255.0 / 12.92
+                             : std::pow((channel / 255.0 + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(qRed(color)) + 0.7152 * linear(qGreen(color)) +
+           0.0722 * linear(qBlue(color));
+}
+
+TEST(PaintedRow, HighlightedTextIsLegibleOnEveryBubble) {
+    Painted row(bob, TesselChatLog::PlainText{QStringLiteral("some words\non two lines")});
+    const RowLayout& layout = row.layout;
+    // The selection's colour in light and dark palettes, and the lightest that one could have.
+    for (const QColor& accent : {QColor(48, 140, 198), QColor(142, 140, 216), QColor(Qt::yellow)}) {
+        row.context.rows.colors.highlight = accent;
+        for (int aqua = 0; aqua < Style::aquaCount; ++aqua) {
+            const auto style = static_cast<Style::Aqua>(aqua);
+            const QColor letters = Style::textColor(style);
+            for (const auto kind :
+                 {HighlightKind::match, HighlightKind::currentMatch, HighlightKind::selection}) {
+                const TextHighlight highlight{{0, TextHighlight::textEnd}, kind};
+                const QRect all(0, 0, rowWidth, layout.height);
+                const QImage image = row.onPaper([&](QPainter& painter) {
+                    row.context.backgrounds.paint(painter, layout.frame, style, Direction::left, 1,
+                                                  all);
+                    paintHighlights(painter, layout, letters, row.context.rows,
+                                    {1, all, {&highlight, 1}});
+                });
+                double least = 99;
+                for (const QRect& line : layout.text->region({0, 999}, 0, layout.height)) {
+                    for (const int y : {line.top() + 3, line.bottom() - 3}) {
+                        const QPoint place(line.center().x(), y);
+                        const QRgb behind = image.pixel(layout.content.topLeft() + place);
+                        const double ours = luminance(letters.rgb()) + 0.05;
+                        const double theirs = luminance(behind) + 0.05;
+                        least = std::min(least, std::max(ours / theirs, theirs / ours));
+                    }
+                }
+                EXPECT_GE(least, 4.5)
+                    << aqua << " " << static_cast<int>(kind) << " " << accent.name().toStdString();
+            }
+        }
+    }
+}
+
 TEST(PaintedRow, PicturesStandOffFromTheTail) {
     const test::Context context;
     for (const bool own : {true, false}) {

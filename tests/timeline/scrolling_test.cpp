@@ -4,6 +4,8 @@
 // These run at several ratios, a process each.
 #include <gtest/gtest.h>
 
+#include <QBackingStore>
+#include <QPaintEvent>
 #include <QRandomGenerator>
 #include <QWheelEvent>
 
@@ -52,20 +54,49 @@ void wheel(TimelineView& view, int points) {
     QCoreApplication::sendEvent(view.viewport(), &event);
 }
 
-QImage seen(TimelineView& view) {
-    return view.viewport()->grab().toImage();
-}
-
-/// After a change of the height nothing that was painted serves any more.
+/// The viewport as painted from scratch.
 QImage paintedAnew(TimelineView& view) {
-    const QSize size = view.size();
-    view.resize(size - QSize(0, 1));
-    view.resize(size);
-    return seen(view);
+    return view.viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
-void expectEqual(const QImage& moved, const QImage& anew) {
-    ASSERT_EQ(moved.size(), anew.size());
+/// The viewport as it is in the window's memory, where pixels are moved.
+QImage onScreen(TimelineView& view) {
+    QCoreApplication::processEvents();
+    const auto* window = dynamic_cast<QImage*>(view.backingStore()->paintDevice());
+    const qreal ratio = view.devicePixelRatioF();
+    const QPointF corner = QPointF(view.viewport()->pos()) * ratio;
+    const QSizeF size = QSizeF(view.viewport()->size()) * ratio;
+    return window
+        ->copy({corner.toPoint(),
+                QSize(static_cast<int>(size.width()), static_cast<int>(size.height()))})
+        .convertToFormat(QImage::Format_RGB32);
+}
+
+/// How much of the viewport is painted.
+class PaintedPart final : public QObject {
+  public:
+    explicit PaintedPart(QWidget& viewport) : viewport_(viewport) {
+        viewport.installEventFilter(this);
+    }
+    double take() {
+        QCoreApplication::processEvents();
+        return std::exchange(part_, 0);
+    }
+
+  private:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() != QEvent::Paint) return false;
+        for (const QRect& rect : static_cast<QPaintEvent*>(event)->region())
+            part_ += 1.0 * rect.width() * rect.height() / viewport_.width() / viewport_.height();
+        return false;
+    }
+    QWidget& viewport_;
+    double part_ = 0;
+};
+
+void expectEqual(const QImage& moved, const QImage& grabbed) {
+    const QImage anew = grabbed.copy(moved.rect());
+    if (moved == anew) return;
     QRect different;
     int most = 0;
     for (int y = 0; y < anew.height(); ++y) {
@@ -129,17 +160,83 @@ TEST(Scrolling, MovedRowsAreThoseThatArePaintedAnew) {
                 } else {
                     wheel(view, round == 7 ? 4000 : random.bounded(20, 140) * (round % 4 ? -1 : 1));
                 }
-                QCoreApplication::processEvents();
+                if (step != 1) QCoreApplication::processEvents();
                 if (step == 1 && round % 3 == 0) window.key(Qt::Key_Right, Qt::ShiftModifier);
-                static_cast<void>(seen(view));
             }
             QTest::qWait(row.start == 15 ? 40 : 0);
-            const QImage moved = seen(view);
-            expectEqual(moved, paintedAnew(view));
-            // So that there are moved rows again.
-            wheel(view, -3);
-            static_cast<void>(seen(view));
+            expectEqual(onScreen(view), paintedAnew(view));
         }
+    }
+}
+
+TEST(Scrolling, NotchPaintsWhatComesInAndNoMore) {
+    for (const bool isLong : {false, true}) {
+        Window window(isLong ? longTexts() : test::randomLog(300, 16));
+        TimelineView& view = window.view;
+        view.scroller().scrollToRow(isLong ? 0 : 100);
+        wheel(view, -600);
+        PaintedPart painted(*view.viewport());
+        static_cast<void>(painted.take());
+        view.selectAll();
+        EXPECT_GE(painted.take(), 1);
+        for (const int points : {-60, -60, 60, 60, -60}) {
+            wheel(view, points);
+            EXPECT_LT(painted.take(), 0.4) << "of 640 points 60 come in";
+        }
+    }
+}
+
+TEST(Scrolling, DayFloatsWhileRowsMoveAndFades) {
+    LogBuilder log;
+    for (int i = 0; i < 100; ++i)
+        log.text(bob, QStringLiteral("line %1").arg(i));
+    Window window(log.log());
+    TimelineView& view = window.view;
+    const QImage opened = onScreen(view);
+    view.resize(view.size() + QSize(0, 1));
+    view.resize(view.size() - QSize(0, 1));
+    EXPECT_EQ(onScreen(view), opened) << "shown though nothing was scrolled";
+    wheel(view, -1000);
+    const QImage scrolled = onScreen(view);
+    QTest::qWait(300);
+    EXPECT_EQ(onScreen(view), scrolled) << "fades at once";
+    ASSERT_TRUE(test::waitFor([&] { return onScreen(view) != scrolled; }));
+    QTest::qWait(500);
+    const QImage still = onScreen(view);
+    QRect day;
+    for (int y = 0; y < still.height(); ++y) {
+        for (int x = 0; x < still.width(); ++x) {
+            if (still.pixel(x, y) != scrolled.pixel(x, y)) day |= QRect(x, y, 1, 1);
+        }
+    }
+    const qreal ratio = view.devicePixelRatioF();
+    EXPECT_GE(day.width(), 100 * ratio);
+    EXPECT_LE(day.bottom(), 50 * ratio);
+    EXPECT_NEAR(day.center().x(), still.width() / 2, 3 * ratio);
+}
+
+TEST(Scrolling, LinesThatComeInAreNeverBlank) {
+    Window window(LogBuilder().text(bob, QStringLiteral("line\n").repeated(400)).log());
+    TimelineView& view = window.view;
+    for (int step = 0; step < 60; ++step) {
+        wheel(view, -7);
+        QCoreApplication::processEvents();
+    }
+    const QImage image = paintedAnew(view);
+    const auto& row = view.timeline().visibleRows().front();
+    const RowLayout& layout = row.row->layout;
+    const QPoint corner = layout.content.topLeft() + QPoint(view.timeline().rowLeft(), row.top);
+    const int height = layout.text->caret(0).height();
+    for (qsizetype block = 0; block < layout.text->blockCount(); ++block) {
+        const QRect line(corner + QPoint(0, static_cast<int>(layout.text->blockTop(block))),
+                         QSize(2 * height, height));
+        if (!image.rect().contains(line)) continue;
+        int darkest = 255;
+        for (int y = line.top(); y <= line.bottom(); ++y) {
+            for (int x = line.left(); x <= line.right(); ++x)
+                darkest = std::min(darkest, qGray(image.pixel(x, y)));
+        }
+        EXPECT_LT(darkest, 60) << block;
     }
 }
 

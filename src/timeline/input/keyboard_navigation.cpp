@@ -31,8 +31,8 @@ KeyboardNavigation::KeyboardNavigation(QAbstractScrollArea& area, TimelineLayout
                                        RowInteraction& rows)
     : area_(area), layout_(layout), context_(context), scroller_(scroller), rows_(rows) {}
 
-void KeyboardNavigation::paint(QPainter& painter) const {
-    if (!isRingShown_ || !area_.hasFocus() || !isOnScreen(row_)) return;
+QRect KeyboardNavigation::ring() const {
+    if (!isRingShown_ || !area_.hasFocus() || !isOnScreen(row_)) return {};
     const int distance = context_.px(ringDistance);
     const QPoint corner(layout_.rowLeft(), static_cast<int>(layout_.rowTop(row_)));
     const QRect shown = shownPart(layout_.row(row_).layout).translated(corner);
@@ -42,6 +42,18 @@ void KeyboardNavigation::paint(QPainter& painter) const {
     if (shown.top() >= 0) ring.setTop(std::max(ring.top(), line / 2));
     if (shown.bottom() < layout_.viewportHeight())
         ring.setBottom(std::min(ring.bottom(), layout_.viewportHeight() - 1 - line));
+    return ring;
+}
+
+QRect KeyboardNavigation::ringArea() const {
+    const QRect ring = this->ring();
+    const int line = context_.px(ringWidth);
+    return ring.isEmpty() ? QRect() : ring.adjusted(-line, -line, line, line);
+}
+
+void KeyboardNavigation::paint(QPainter& painter) const {
+    const QRect ring = this->ring();
+    if (ring.isEmpty()) return;
     // Painters fail at the edges of rows that are higher than some ten thousand pixels.
     const int around = context_.px(beyondEdges);
     const QRect near = ring.intersected(

@@ -10,6 +10,7 @@
 //     return, menu key          what a click on the row does, and its context menu
 
 #include <QObject>
+#include <QRect>
 #include <optional>
 
 #include "timeline/rows/row_context.h"
@@ -38,6 +39,8 @@ class KeyboardNavigation final : public QObject {
     [[nodiscard]] qsizetype row() const { return row_; }
     /// Shows a row and makes it the current one; going up, the end of a high row is shown.
     void goTo(qsizetype row, int direction);
+    /// What the ring touches, in the viewport's device pixels; empty while it isn't shown.
+    [[nodiscard]] QRect ringArea() const;
     /// Paints the ring, if the keyboard is in use; the painter counts the viewport's device pixels.
     void paint(QPainter& painter) const;
 
@@ -55,6 +58,7 @@ class KeyboardNavigation final : public QObject {
     void jumped(const vell::TimelinePlace& left);
 
   private:
+    [[nodiscard]] QRect ring() const;
     void step(int direction);
     void jump(qsizetype row, int direction);
     void page(int direction);

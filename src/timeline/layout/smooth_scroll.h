@@ -19,13 +19,15 @@ class SmoothScroll {
     void stop() { remaining_ = 0; }
     [[nodiscard]] bool isMoving() const { return std::abs(remaining_) >= 1; }
 
-    /// The pixels to scroll after so many milliseconds.
-    [[nodiscard]] qint64 step(double milliseconds) {
+    /// The pixels to scroll after so many milliseconds, a multiple of `grain` until the end.
+    [[nodiscard]] qint64 step(double milliseconds, int grain = 1) {
         constexpr double timeConstant = 45;
         double part = remaining_ * (1 - std::exp(-milliseconds / timeConstant));
-        // The last pixels come one a frame instead of ever more slowly.
-        if (std::abs(part) < 1) part = std::copysign(std::min(1.0, std::abs(remaining_)), part);
-        const auto whole = static_cast<qint64>(part);
+        // The last pixels come a grain a frame instead of ever more slowly.
+        if (std::abs(part) < grain)
+            part = std::copysign(std::min<double>(grain, std::abs(remaining_)), part);
+        auto whole = static_cast<qint64>(part);
+        if (std::abs(whole) > grain) whole -= whole % grain;
         remaining_ -= static_cast<double>(whole);
         return whole;
     }

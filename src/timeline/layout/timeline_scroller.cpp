@@ -108,7 +108,6 @@ void TimelineScroller::reset() {
 void TimelineScroller::update() {
     syncScrollBar();
     idleTimer_.start(idlePause, this);
-    area_.viewport()->update();
     Q_EMIT moved();
 }
 
@@ -170,11 +169,20 @@ void TimelineScroller::scrollSmoothly(double pixels) {
     frameTimer_.start(frameMilliseconds, Qt::PreciseTimer, this);
 }
 
+// Of so many pixels a screen's pixels can be moved, and needn't be painted again.
+int TimelineScroller::wholePoints() const {
+    for (int points = 1; points <= 4; ++points) {
+        const qreal pixels = points * context_.ratio;
+        if (pixels == std::floor(pixels)) return static_cast<int>(pixels);
+    }
+    return 1;
+}
+
 void TimelineScroller::timerEvent(QTimerEvent* event) {
     if (event->timerId() == frameTimer_.timerId()) {
         const double elapsed = static_cast<double>(frameClock_.nsecsElapsed()) / 1e6;
         frameClock_.restart();
-        layout_.scrollBy(smoothScroll_.step(elapsed));
+        layout_.scrollBy(smoothScroll_.step(elapsed, wholePoints()));
         if (!smoothScroll_.isMoving()) frameTimer_.stop();
         update();
     } else if (event->timerId() == idleTimer_.timerId()) {

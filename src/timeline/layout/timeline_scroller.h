@@ -59,11 +59,11 @@ class TimelineScroller final : public QObject {
 
     /// To be called after the layout was reset.
     void reset();
-    /// To be called after rows have changed: the scroll bar follows, everything is painted.
+    /// To be called after rows have changed: the scroll bar follows, and moved() is emitted.
     void update();
 
   Q_SIGNALS:
-    /// Other rows may be on the screen now.
+    /// Rows may have moved or changed: what shows them is to be painted.
     void moved();
 
   protected:
@@ -72,6 +72,7 @@ class TimelineScroller final : public QObject {
   private:
     void syncScrollBar();
     void scrollSmoothly(double pixels);
+    [[nodiscard]] int wholePoints() const;
 
     QAbstractScrollArea& area_;
     TimelineLayout& layout_;

@@ -29,6 +29,8 @@ class FloatingDay final : public QObject {
     void follow();
     /// Hides the day. The next follow() only takes note of where the rows are.
     void reset();
+    /// Where it is painted, in device pixels; empty while it isn't shown.
+    [[nodiscard]] QRect shownArea() const { return timer_.isActive() ? area() : QRect(); }
     /// The painter counts the viewport's device pixels.
     void paint(QPainter& painter) const;
 
@@ -45,7 +47,7 @@ class FloatingDay final : public QObject {
     void setText(const QString& text);
     [[nodiscard]] qreal opacity() const;
     [[nodiscard]] int fadeMilliseconds() const;
-    /// Where it is painted, in device pixels; outside the viewport while a separator is there.
+    /// Outside the viewport while a separator is there.
     [[nodiscard]] QRect area() const;
     void updateArea();
 

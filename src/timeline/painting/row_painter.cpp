@@ -2,6 +2,8 @@
 #include "timeline/painting/row_painter.h"
 
 #include <QPainter>
+#include <QWidget>
+#include <cmath>
 #include <utility>
 
 #include "timeline/bubbles/background_cache.h"
@@ -10,39 +12,53 @@
 
 namespace vell {
 
-void RowPainter::reset() {
-    image_.clear();
-    painted_ = {};
+QRect RowPainter::onDevice(const QRect& points) const {
+    const qreal ratio = context_.ratio;
+    return QRectF(points.x() * ratio, points.y() * ratio, points.width() * ratio,
+                  points.height() * ratio)
+        .toAlignedRect();
 }
 
-void RowPainter::paint(QPainter& painter, QSize viewport, const QRect& part) {
-    update(viewport);
-    if (image_.isNull()) {
-        paintAll(painter, part);
-    } else {
-        image_.draw(painter, part);
-    }
-}
-
-void RowPainter::update(QSize viewport) {
+void RowPainter::refresh(const Overlays& overlays) {
     VisiblePieces pieces = visiblePieces(layout_, context_, selection_, player_);
-    Repaint repaint = repaintFor(painted_, pieces, viewport, context_);
-    painted_ = std::move(pieces);
-    if (image_.size() != viewport) {
-        // What isn't scrolled is painted where it is shown, and needs no memory.
-        image_.clear();
-        if (repaint.moved.value_or(0) == 0) return;
-        image_.create(viewport);
-        repaint = {std::nullopt, QRect(QPoint(0, 0), viewport)};
+    const Repaint repaint = repaintFor(shown_, pieces, onDevice(viewport_.rect()).size(), context_);
+    shown_ = std::move(pieces);
+    const Overlays before = std::exchange(overlays_, overlays);
+    if (!repaint.moved || !movePixels(*repaint.moved)) {
+        viewport_.update();
+        return;
     }
-    if (repaint.moved) image_.scrollDown(*repaint.moved);
-    for (const QRect& lines : repaint.lines) {
-        image_.paint(lines.top(), lines.bottom() + 1,
-                     [this](QPainter& painter, const QRect& part) { paintAll(painter, part); });
+    update(repaint.lines);
+    const QRect ring = before.ring.translated(0, *repaint.moved);
+    if (ring != overlays.ring) update(QRegion(ring) + overlays.ring);
+    update(QRegion(before.day.translated(0, *repaint.moved)) + overlays.day);
+}
+
+bool RowPainter::movePixels(int down) {
+    const qreal points = down / context_.ratio;
+    const int whole = qRound(points);
+    if (std::abs(points - whole) > 1e-6) return false;
+    if (whole != 0) viewport_.scroll(0, whole, viewport_.rect());
+    return true;
+}
+
+void RowPainter::update(const QRegion& pixels) {
+    const qreal ratio = context_.ratio;
+    for (const QRect& rect : pixels) {
+        viewport_.update(
+            QRectF(rect.x() / ratio, rect.y() / ratio, rect.width() / ratio, rect.height() / ratio)
+                .toAlignedRect());
     }
 }
 
-void RowPainter::paintAll(QPainter& painter, const QRect& part) const {
+void RowPainter::prepare(const QRegion& region) {
+    VisiblePieces pieces = visiblePieces(layout_, context_, selection_, player_);
+    if (pieces == shown_) return;
+    shown_ = std::move(pieces);
+    if (region != viewport_.rect()) viewport_.update();
+}
+
+void RowPainter::paint(QPainter& painter, const QRect& part) const {
     paintBackground(painter, part);
     paintRows(painter, part);
 }
@@ -60,16 +76,17 @@ void RowPainter::paintBackground(QPainter& painter, const QRect& part) const {
 
 void RowPainter::paintRows(QPainter& painter, const QRect& part) const {
     const int left = layout_.rowLeft();
-    // Shadows reach a little beyond their rows.
+    // Shadows reach a little beyond their rows, and highlights beyond their lines.
     const int around = context_.px(standardSpacing);
     for (const TimelineLayout::VisibleRow& visible : layout_.visibleRows()) {
         const RowLayout& layout = visible.row->layout;
         const QRect inRow = part.translated(-left, -visible.top);
         if (inRow.top() > layout.height + around || inRow.bottom() < -around) continue;
         const int above = layout.content.top();
-        const TextRange shown = layout.text ? layout.text->offsetsBetween(
-                                                  inRow.top() - above, inRow.bottom() + 1 - above)
-                                            : TextRange{0, 1};
+        const TextRange shown =
+            layout.text ? layout.text->offsetsBetween(inRow.top() - above - around,
+                                                      inRow.bottom() + 1 - above + around)
+                        : TextRange{0, 1};
         painter.save();
         painter.translate(left, visible.top);
         visible.row->view.paint(painter, layout, context_,

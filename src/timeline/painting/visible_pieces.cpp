@@ -2,6 +2,7 @@
 #include "timeline/painting/visible_pieces.h"
 
 #include <algorithm>
+#include <cmath>
 #include <span>
 #include <utility>
 
@@ -144,8 +145,11 @@ Repaint repaintFor(const VisiblePieces& before, const VisiblePieces& after, QSiz
     const int moved = *repaint.moved;
     // Shadows reach a little beyond their rows.
     Lines lines(viewport, context.px(standardSpacing));
-    lines.add(0, moved);
-    lines.add(viewport.height() + moved, viewport.height());
+    // Between whole pixels the edges of what was moved are blurred.
+    const bool isExact = context.ratio == std::floor(context.ratio);
+    const int edge = isExact || moved == 0 ? 0 : context.px(2);
+    lines.add(0, std::max(moved, 0) + edge);
+    lines.add(viewport.height() + std::min(moved, 0) - edge, viewport.height());
     auto old = before.pieces.begin();
     auto now = after.pieces.begin();
     while (old != before.pieces.end() || now != after.pieces.end()) {

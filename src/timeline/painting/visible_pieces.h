@@ -33,6 +33,7 @@ struct VisiblePiece {
     int top = 0;
 
     [[nodiscard]] int bottom() const { return top + look.height; }
+    friend bool operator==(const VisiblePiece&, const VisiblePiece&) = default;
 };
 
 /// The bubble around a long text: its colours change as parts off the screen change their height.
@@ -40,11 +41,13 @@ struct LongBubble {
     qsizetype row = 0;
     QRect frame;
     Style::Aqua aqua = Style::Aqua::graphite;
+    friend bool operator==(const LongBubble&, const LongBubble&) = default;
 };
 
 struct VisiblePieces {
     std::vector<VisiblePiece> pieces;  ///< top down
     std::vector<LongBubble> longBubbles;
+    friend bool operator==(const VisiblePieces&, const VisiblePieces&) = default;
 };
 
 [[nodiscard]] VisiblePieces visiblePieces(const TimelineLayout& layout, const RowContext& context,

@@ -3,6 +3,7 @@
 
 #include <QPainter>
 #include <algorithm>
+#include <cmath>
 
 #include "timeline/rows/row_layout.h"
 
@@ -20,9 +21,28 @@ bool isLight(const QColor& color) {
     return qGray(color.rgb()) > 127;
 }
 
-// Pale behind dark letters, deep behind light ones.
+double luminance(const QColor& color) {
+    const auto linear = [](double channel) {
+        return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+           0.0722 * linear(color.blueF());
+}
+
+// What white stands out from by 4.5 to 1, even with a light bubble showing through.
+bool isDeep(const QColor& color) {
+    const auto over = [](float channel) { return channel * opacity + (1 - opacity); };
+    return luminance(QColor::fromRgbF(over(color.redF()), over(color.greenF()),
+                                      over(color.blueF()))) <= 1.05 / 4.5 - 0.05;
+}
+
+// Pale behind dark letters, deep behind light ones; yellow must be deeper than blue.
 QColor behind(const QColor& text, float hue, float saturation, float pale) {
-    return QColor::fromHslF(hue, saturation, isLight(text) ? 0.27f : pale, opacity);
+    if (!isLight(text)) return QColor::fromHslF(hue, saturation, pale, opacity);
+    float lightness = 0.27f;
+    while (!isDeep(QColor::fromHslF(hue, saturation, lightness)))
+        lightness -= 0.01f;
+    return QColor::fromHslF(hue, saturation, lightness, opacity);
 }
 
 QColor highlightColor(HighlightKind kind, const QColor& text, const RowContext& context) {
@@ -44,8 +64,10 @@ void paintHighlights(QPainter& painter, const RowLayout& layout, const QColor& t
                      const RowContext& context, const RowPaint& what) {
     if (what.highlights.empty()) return;
     const QPoint origin = layout.content.topLeft();
-    const int top = what.visible.top() - origin.y();
-    const int bottom = what.visible.bottom() + 1 - origin.y();
+    // What lies behind a line is higher than the line.
+    const int around = context.px(standardSpacing);
+    const int top = what.visible.top() - origin.y() - around;
+    const int bottom = what.visible.bottom() + 1 - origin.y() + around;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     for (const TextHighlight& highlight : what.highlights) {

@@ -192,7 +192,7 @@ qsizetype LaidOutText::blockOf(qsizetype offset) const {
 }
 
 bool LaidOutText::measureBlock(qsizetype block) {
-    if (!isLong_ || isMeasured_[static_cast<size_t>(block)]) return false;
+    if (isMeasured(block)) return false;
     isMeasured_[static_cast<size_t>(block)] = true;
     const int height = layoutHeight(layout(block));
     if (height == heights_.height(block)) return false;
@@ -211,7 +211,7 @@ std::optional<qsizetype> LaidOutText::firstEstimated(qsizetype from) const {
 void LaidOutText::paint(QPainter& painter, QPoint origin, int top, int bottom) const {
     for (qsizetype i = blockAt(top); i < blockCount() && blockTop(i) < bottom; ++i) {
         // The next block starts where the estimate ends: drawing this one might cover it.
-        if (isLong_ && !isMeasured_[static_cast<size_t>(i)]) continue;
+        if (!isMeasured(i)) continue;
         const auto y = static_cast<int>(blockTop(i));
         // A layout places lines with 26 bits before the point: the painter takes them down instead.
         painter.save();
@@ -230,7 +230,7 @@ std::vector<QRect> LaidOutText::region(TextRange range, int top, int bottom) con
     for (qsizetype i = blockAt(top); i < blockCount() && blockTop(i) < bottom; ++i) {
         const TextBlock& block = blocks_[static_cast<size_t>(i)];
         if (range.to <= block.start) break;
-        if (isLong_ && !isMeasured_[static_cast<size_t>(i)]) continue;
+        if (!isMeasured(i)) continue;
         const auto first = static_cast<int>(std::max<qsizetype>(range.from - block.start, 0));
         const auto end =
             static_cast<int>(std::min<qsizetype>(range.to - block.start, block.length));

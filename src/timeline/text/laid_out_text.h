@@ -53,6 +53,9 @@ class LaidOutText {
     [[nodiscard]] qsizetype blockOf(qsizetype offset) const;
     /// Lays out a block, so that its height is exact; returns whether that changed it.
     bool measureBlock(qsizetype block);
+    [[nodiscard]] bool isMeasured(qsizetype block) const {
+        return !isLong_ || isMeasured_[static_cast<size_t>(block)];
+    }
     /// The first block at or after `from` whose height is an estimate; nothing when there is none.
     [[nodiscard]] std::optional<qsizetype> firstEstimated(qsizetype from = 0) const;
 

@@ -94,6 +94,8 @@ void TextTiles::paint(QPainter& painter, qint64 id, const LaidOutText& text, QPo
         const auto bottom = block + 1 < end ? static_cast<int>(text.blockTop(block + 1)) - margin
                                             : text.height() + margin;
         if (top >= visibleBottom) break;
+        // Just below the edge: a tile made now would be blank, and be kept.
+        if (!text.isMeasured(block)) continue;
         const int firstBand = std::max(0, visibleTop - top) / tileHeight;
         for (int band = firstBand; top + band * tileHeight < std::min(bottom, visibleBottom);
              ++band) {
