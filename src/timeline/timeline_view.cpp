@@ -60,16 +60,15 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
     presentSenders();
     connect(&scroller_, &TimelineScroller::moved, this, &TimelineView::stopUnseenPicture);
     connect(&scroller_, &TimelineScroller::moved, day_.get(), &FloatingDay::follow);
-    connect(&scroller_, &TimelineScroller::moved, this, [this] {
-        painter_->refresh({keyboard_->ringArea(), day_->shownArea()});
-    });
+    connect(&scroller_, &TimelineScroller::moved, this, &TimelineView::refresh);
     connect(selection_.get(), &SelectionController::changed, this, &TimelineView::selectionChanged);
     connect(keyboard_.get(), &KeyboardNavigation::changed, this, &TimelineView::currentRowChanged);
     connect(keyboard_.get(), &KeyboardNavigation::jumped, this, &TimelineView::jumped);
     connect(rows_.get(), &RowInteraction::linkHovered, this, &TimelineView::linkHovered);
     connect(rows_.get(), &RowInteraction::gifClicked, this, &TimelineView::playPicture);
     connect(rows_.get(), &RowInteraction::pictureOpened, this, &TimelineView::pictureOpened);
-    connect(gifPlayer_.get(), &GifPlayer::changed, this, &TimelineView::repaintRow);
+    connect(gifPlayer_.get(), &GifPlayer::changed, this, &TimelineView::refresh);
+    connect(gifPlayer_.get(), &GifPlayer::changed, this, &TimelineView::stopUnseenPicture);
     connect(&contacts, &ContactsStore::addressToContactChanged, this, [this] {
         layout_.invalidateCaptions();
         painter_->reset();
@@ -374,15 +373,8 @@ void TimelineView::stopUnseenPicture() {
     if (!isSeen || window()->isMinimized()) gifPlayer_->stop();
 }
 
-void TimelineView::repaintRow(qsizetype row) {
-    for (const auto& visible : layout_.visibleRows()) {
-        if (visible.index != row) continue;
-        const QRectF place(layout_.rowLeft(), visible.top, layout_.rowWidth(),
-                           visible.row->layout.height);
-        viewport()->update(
-            QRectF(place.topLeft() / ratio(), place.size() / ratio()).toAlignedRect());
-    }
-    stopUnseenPicture();
+void TimelineView::refresh() {
+    painter_->refresh({keyboard_->ringArea(), day_->shownArea()});
 }
 
 // ---- painting ----------------------------------------------------------------------------------

@@ -135,7 +135,8 @@ class TimelineView final : public QAbstractScrollArea {
     /// Starts or stops a GIF.
     void playPicture(qsizetype row);
     void stopUnseenPicture();
-    void repaintRow(qsizetype row);
+    /// Brings to the screen what has changed of the rows.
+    void refresh();
     [[nodiscard]] qreal ratio() const { return context_.ratio; }
     [[nodiscard]] int viewportWidth() const;
     [[nodiscard]] int viewportHeight() const;

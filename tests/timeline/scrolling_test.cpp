@@ -135,14 +135,16 @@ TEST(Scrolling, MovedRowsAreThoseThatArePaintedAnew) {
              for (qsizetype row = 0; row < 300; ++row)
                  matches.push_back({{row, 1}, {row, 4}});
              window.view.selectAll();
-             window.view.setFindMatches(std::move(matches), 103);
+             window.view.setFindMatches(std::make_shared<const FoundSpans>(std::move(matches)),
+                                        103);
          }},
         {"the ring", test::randomLog(300, 14), 100, true, Qt::LeftToRight,
          [](Window& window) { window.key(Qt::Key_Down); }},
         {"long texts", longTexts(), 0, false, Qt::LeftToRight,
          [](Window& window) {
              window.view.selectAll();
-             window.view.setFindMatches({{{0, 3}, {0, 70}}, {{0, 500}, {0, 800}}}, 1);
+             const std::vector<TextSpan> matches{{{0, 3}, {0, 70}}, {{0, 500}, {0, 800}}};
+             window.view.setFindMatches(std::make_shared<const FoundSpans>(matches), 1);
          }},
         {"a GIF", playing(), 15, false, Qt::LeftToRight,
          [](Window& window) { window.view.activateRow(20); }},
