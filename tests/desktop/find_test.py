@@ -140,16 +140,23 @@ class Search:
 
     def drag_selected(self):
         """A selected word goes into the find bar's text by the mouse."""
-        self.mouse(a11y.on_text(self.row("bathroom?"), "bathroom"), "click --repeat 2 1")
         self.keys("ctrl+f", "ctrl+a", "BackSpace")
         edit = a11y.wait_find(self.window, "text", a11y.named("Find in chat"))
         x, y = a11y.on_text(self.row("bathroom?"), "bathroom")
-        self.mouse((x, y), "mousedown 1", *((x, y + down) for down in (4, 12, 30, 60)))
         target = a11y.middle(edit)
-        for right in range(0, 60, 6):
-            self.mouse((target[0] + right, target[1]), "sleep 0.05")
-        self.mouse("mouseup 1")
-        wait_for(lambda: a11y.text(edit) == "bathroom", "the dropped word")
+
+        def is_dropped():
+            if a11y.text(edit) == "bathroom":
+                return True
+            self.mouse((x, y), "click --repeat 2 1", "sleep 0.5", "mousedown 1")
+            for down in (4, 12, 30, 60):
+                self.mouse((x, y + down), "sleep 0.05")
+            # A drop counts only once the program below has said that it takes it.
+            for right in range(0, 60, 6):
+                self.mouse((target[0] + right, target[1]), "sleep 0.1")
+            self.mouse("mouseup 1", "sleep 0.5")
+
+        wait_for(is_dropped, "the dropped word")
         self.mouse(a11y.on_text(self.row("bathroom?"), "Is"), "mousedown 1", "mouseup 1")
         self.keys("Escape")
 
