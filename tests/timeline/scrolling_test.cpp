@@ -7,6 +7,7 @@
 #include <QBackingStore>
 #include <QPaintEvent>
 #include <QRandomGenerator>
+#include <QScrollBar>
 #include <QWheelEvent>
 
 #include "identity/waiting.h"
@@ -182,6 +183,7 @@ TEST(Scrolling, NotchPaintsWhatComesInAndNoMore) {
         view.scroller().scrollToRow(isLong ? 0 : 100);
         wheel(view, -600);
         PaintedPart painted(*view.viewport());
+        PaintedPart bar(*view.verticalScrollBar());
         static_cast<void>(painted.take());
         view.selectAll();
         EXPECT_GE(painted.take(), 1);
@@ -189,6 +191,11 @@ TEST(Scrolling, NotchPaintsWhatComesInAndNoMore) {
             wheel(view, points);
             EXPECT_LT(painted.take(), 0.4) << "of 640 points 60 come in";
         }
+        static_cast<void>(bar.take());
+        wheel(view, -1);
+        EXPECT_EQ(bar.take(), 0) << "the slider looks as before";
+        wheel(view, -3000);
+        EXPECT_GT(bar.take(), 0);
     }
 }
 

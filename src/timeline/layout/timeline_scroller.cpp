@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "timeline/layout/timeline_layout.h"
+#include "timeline/layout/timeline_scroll_bar.h"
 
 namespace vell {
 namespace {
@@ -31,7 +32,9 @@ constexpr qreal highestRow = 1e9;  // points, more than any
 
 TimelineScroller::TimelineScroller(QAbstractScrollArea& area, TimelineLayout& layout,
                                    const RowContext& context)
-    : area_(area), layout_(layout), context_(context) {}
+    : area_(area), layout_(layout), context_(context) {
+    area_.setVerticalScrollBar(new TimelineScrollBar(Qt::Vertical));
+}
 
 qsizetype TimelineScroller::topRow() const {
     return isReady_ ? std::max<qsizetype>(layout_.rowAt(0), 0) : wantedRow_;

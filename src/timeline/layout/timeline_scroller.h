@@ -32,7 +32,8 @@ class TimelineScroller final : public QObject {
     Q_OBJECT
 
   public:
-    /// All must outlive the scroller. Until the first reset() it only remembers where to go.
+    /// All must outlive the scroller, which gives the area its scroll bar. Until the first reset()
+    /// it only remembers where to go.
     TimelineScroller(QAbstractScrollArea& area, TimelineLayout& layout, const RowContext& context);
 
     /// The row at the viewport's top edge.
