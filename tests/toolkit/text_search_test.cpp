@@ -92,9 +92,9 @@ TEST(PatternSearch, FindsOrSaysWhyNot) {
     EXPECT_EQ(matches(u"c.t", {.matchCase = true}, u"Cat cut"), (std::vector<Match>{{4, 3}}));
     EXPECT_EQ(matches(u"[a-z]ut", {.wholeWords = true}, u"cut cute"), (std::vector<Match>{{0, 3}}));
     EXPECT_EQ(matches(u"^b*$", {}, u"a\nbb\n\nb"), (std::vector<Match>{{2, 2}, {6, 1}})) << "lines";
-    for (const QString& pattern : {u"a)b"_s, u"(a"_s, u"[a"_s, u"*"_s, u"a{2"_s, u"a{3,1}"_s,
-                                   u"\\y"_s, u"(?<=a*)b"_s, u"[b-a]"_s, u"\\p{Nothing}"_s,
-                                   u"(?z)"_s}) {
+    for (const QString& pattern :
+         {u"a)b"_s, u"(a"_s, u"[a"_s, u"*"_s, u"a{2"_s, u"a{3,1}"_s, u"\\y"_s, u"(?<=a*)b"_s,
+          u"[b-a]"_s, u"\\p{Nothing}"_s, u"(?z)"_s}) {
         const PatternSearch search(pattern, {}, isCancelled);
         EXPECT_FALSE(search.problem().isEmpty()) << pattern.toStdString();
     }
