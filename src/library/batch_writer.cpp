@@ -2,6 +2,8 @@
 #include "library/batch_writer.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <map>
 #include <utility>
 
@@ -33,8 +35,9 @@ PreparedFile prepared(FileReading reading, TextTokenizer& tokenizer) {
 
 BatchWriter::BatchWriter(LibraryStore& store, std::function<bool()> isCancelled)
     : database_(store.database()),
-      insertFile_(database_.prepare("INSERT INTO files (path, size, modified, inode, hash, reason) "
-                                    "VALUES (?, ?, ?, ?, ?, ?)")),
+      insertFile_(database_.prepare(
+          "INSERT INTO files (path, size, modified, inode, hash, reason, owner, messages, "
+          "firstDate, lastDate) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")),
       insertParticipant_(database_.prepare("INSERT INTO participants VALUES (?, ?)")),
       insertPerson_(
           database_.prepare("INSERT OR IGNORE INTO people (service, account) VALUES (?, ?)")),
@@ -192,8 +195,23 @@ qint64 BatchWriter::insertFile(const FileReading& reading, const QByteArray& rea
     insertFile_.bind(4, static_cast<qint64>(reading.file.inode));
     insertFile_.bind(5, reading.hash);
     reason.isEmpty() ? insertFile_.bindNull(6) : insertFile_.bindText(6, reason);
+    bindSummary(reason.isEmpty() ? reading.conversation : Conversation());
     insertFile_.run();
     return database_.lastRow();
+}
+
+void BatchWriter::bindSummary(const Conversation& conversation) {
+    double first = std::numeric_limits<double>::quiet_NaN();  // null in the database
+    double last = first;
+    for (const LibraryMessage& message : conversation.messages) {
+        first = std::fmin(first, message.date.secondsSinceReferenceDate);
+        last = std::fmax(last, message.date.secondsSinceReferenceDate);
+    }
+    const auto& people = conversation.people;
+    people.empty() ? insertFile_.bindNull(7) : insertFile_.bind(7, personNumber(people.front()));
+    insertFile_.bind(8, static_cast<qint64>(conversation.messages.size()));
+    insertFile_.bind(9, first);
+    insertFile_.bind(10, last);
 }
 
 std::vector<qint64> BatchWriter::insertPeople(const Conversation& conversation, qint64 file) {

@@ -72,6 +72,8 @@ class BatchWriter {
     void addAll();
     void addFile(const PreparedFile& file, std::vector<Row>& rows);
     qint64 insertFile(const FileReading& reading, const QByteArray& reason);
+    /// What lists of conversations tell of a file.
+    void bindSummary(const Conversation& conversation);
     [[nodiscard]] std::vector<qint64> insertPeople(const Conversation& conversation, qint64 file);
     void addRows(std::vector<Row>& rows);
     [[nodiscard]] qint64 personNumber(const TesselUserID& person);

@@ -28,7 +28,7 @@ struct LibraryMessage {
 };
 
 struct Conversation {
-    /// All who wrote or took part, each once.
+    /// All who wrote or took part, each once; the owner of the transcript first.
     std::vector<TesselUserID> people;
     /// In the file's order; messages that hold nothing are left out.
     std::vector<LibraryMessage> messages;

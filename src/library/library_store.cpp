@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 applicationId = 0x56656c6c;  // "Vell"
-constexpr qint64 schemaVersion = 1;
+constexpr qint64 schemaVersion = 2;
 constexpr double secondsPerDay = 86400;
 constexpr double mostDays = 4'000'000;  // beyond the year 9999
 
@@ -32,7 +32,8 @@ constexpr const char* settings = R"(
 // The ASCII tokenizer divides what TextTokenizer writes at its blanks and nowhere else.
 constexpr const char* schema = R"(
     CREATE TABLE files (id INTEGER PRIMARY KEY, path BLOB NOT NULL UNIQUE, size INTEGER NOT NULL,
-        modified INTEGER NOT NULL, inode INTEGER NOT NULL, hash BLOB NOT NULL, reason TEXT);
+        modified INTEGER NOT NULL, inode INTEGER NOT NULL, hash BLOB NOT NULL, reason TEXT,
+        owner INTEGER, messages INTEGER NOT NULL, firstDate REAL, lastDate REAL);
     CREATE TABLE people (id INTEGER PRIMARY KEY, service TEXT NOT NULL, account TEXT NOT NULL,
         UNIQUE (service, account));
     CREATE TABLE participants (file INTEGER, person INTEGER, PRIMARY KEY (file, person))

@@ -51,7 +51,9 @@ class Fixture {
 [[nodiscard]] inline QStringList dump(LibraryStore& store) {
     QStringList lines;
     for (const char* sql :
-         {"SELECT path || '|' || hash || '|' || ifnull(reason, '') FROM files ORDER BY path",
+         {"SELECT path || '|' || hash || '|' || ifnull(reason, '') || '|' || messages || '|' || "
+          "ifnull(account, '') || '|' || ifnull(firstDate, '') || '|' || ifnull(lastDate, '') "
+          "FROM files LEFT JOIN people ON people.id = owner ORDER BY path",
           "SELECT path || '|' || account FROM participants JOIN files ON files.id = file "
           "JOIN people ON people.id = person ORDER BY 1",
           "SELECT path || '|' || sequence || '|' || date || '|' || ifnull(account, '') || '|' || "
