@@ -56,10 +56,13 @@ class ProgressLine {
     ProgressLine() : isShown_(isatty(STDERR_FILENO) != 0) { elapsed_.start(); }
 
     void show(const QString& what, const Indexer::Progress& progress) {
-        if (!isShown_ || elapsed_.elapsed() < next_) return;
-        next_ = elapsed_.elapsed() + progressInterval;
         QString line = u"%1: %2 of %3"_s.arg(what).arg(progress.done).arg(progress.all);
         if (progress.secondsLeft) line += u", %1 left"_s.arg(shownSpan(*progress.secondsLeft));
+        show(line);
+    }
+    void show(const QString& line) {
+        if (!isShown_ || elapsed_.elapsed() < next_) return;
+        next_ = elapsed_.elapsed() + progressInterval;
         writeError(u"\r\033[K"_s + line);
         isDirty_ = true;
     }
@@ -137,6 +140,9 @@ class Finder {
 
     void search(LibraryStore& store) {
         Indexer indexer(store);
+        indexer.onFound = [this](qsizetype count) {
+            progress_.show(u"Looking for transcripts: %1"_s.arg(count));
+        };
         indexer.onProgress = [this](const Indexer::Progress& progress) {
             progress_.show(u"Indexing"_s, progress);
         };
@@ -152,7 +158,7 @@ class Finder {
 
     void readFiles() {
         const auto onFile = [this](qsizetype done, qsizetype all) {
-            progress_.show(u"Reading"_s, {done, all, {}});
+            progress_.show(u"Reading"_s, {done, all, 0, 0, {}});
         };
         directSearch(options_.query, scope_, isStopped, onFile, [this](const SearchHit& hit) {
             progress_.clear();

@@ -70,8 +70,8 @@ bool BatchWriter::isFull() const {
     return messageCount_ >= fullBatch;
 }
 
-void BatchWriter::flush() {
-    if (added_.empty() && removed_.empty() && updated_.empty()) return;
+bool BatchWriter::flush() {
+    if (added_.empty() && removed_.empty() && updated_.empty()) return false;
     people_.clear();
     nextNumbers_.clear();
     Transaction transaction(database_);
@@ -85,6 +85,7 @@ void BatchWriter::flush() {
     removed_.clear();
     updated_.clear();
     messageCount_ = 0;
+    return true;
 }
 
 void BatchWriter::removeAll() {

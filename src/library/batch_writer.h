@@ -39,8 +39,9 @@ class BatchWriter {
     void update(qint64 file, const FoundFile& now);
     /// Whether it is time to flush.
     [[nodiscard]] bool isFull() const;
-    /// Writes all of it; the files are safe then, whatever happens to the program.
-    void flush();
+    /// Writes all of it; the files are safe then, whatever happens to the program. Whether there
+    /// was anything to write.
+    bool flush();
 
   private:
     struct Row {

@@ -114,11 +114,11 @@ void Database::Close::operator()(sqlite3* database) const {
     sqlite3_close_v2(database);
 }
 
-Database::Database(const QByteArray& path) {
+Database::Database(const QByteArray& path, Missing missing) {
     sqlite3* opened = nullptr;
-    const int result =
-        sqlite3_open_v2(path.constData(), &opened,
-                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int create = missing == Missing::create ? SQLITE_OPEN_CREATE : 0;
+    const int result = sqlite3_open_v2(
+        path.constData(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | create, nullptr);
     database_.reset(opened);
     check(opened, result);
     sqlite3_busy_timeout(opened, lockPatience);

@@ -70,8 +70,9 @@ class Statement {
 
 class Database {
   public:
-    /// Opens the file, which is created if necessary.
-    explicit Database(const QByteArray& path);
+    /// Opens the file, which is created if it may be.
+    enum class Missing { create, refuse };
+    explicit Database(const QByteArray& path, Missing missing = Missing::create);
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 

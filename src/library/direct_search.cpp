@@ -93,7 +93,7 @@ void directSearch(const Query& query, const SearchScope& scope, const std::atomi
                   const std::function<void(qsizetype done, qsizetype all)>& onFile,
                   const TakeHit& take) {
     const std::vector<FoundFile> found = transcriptsIn(scope.folders, stop);
-    ParallelFiles<std::vector<RankedHit>> files(found, [&query, &scope] {
+    ParallelFiles<std::vector<RankedHit>> files(found, [query, scope] {
         return [search = std::make_shared<FileSearch>(query, scope)](const FoundFile& file) {
             return search->hitsIn(file);
         };

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "library/indexer.h"
+#include "library/changes.h"
 
 namespace vell {
 namespace {

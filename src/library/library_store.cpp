@@ -28,6 +28,11 @@ constexpr const char* settings = R"(
     PRAGMA cache_size = -32768;
     PRAGMA temp_store = MEMORY;
 )";
+constexpr const char* settingsToRead = R"(
+    PRAGMA query_only = ON;
+    PRAGMA cache_size = -32768;
+    PRAGMA temp_store = MEMORY;
+)";
 
 // The ASCII tokenizer divides what TextTokenizer writes at its blanks and nowhere else.
 constexpr const char* schema = R"(
@@ -67,11 +72,11 @@ qint64 LibraryStore::firstNumberOnDayOf(double secondsSinceReferenceDate) {
     return static_cast<qint64>(std::clamp(day, -mostDays, mostDays)) * mostMessagesOnDay;
 }
 
-LibraryStore::LibraryStore(const QByteArray& path) : path_(path) {
+LibraryStore::LibraryStore(const QByteArray& path, Access access) : path_(path) {
     try {
-        open();
+        access == Access::read ? openToRead() : open();
     } catch (const DatabaseError& error) {
-        if (error.kind() == DatabaseError::Kind::damaged) {
+        if (error.kind() == DatabaseError::Kind::damaged && access == Access::write) {
             wasDamaged_ = true;
             startAnew();
         } else if (error.kind() == DatabaseError::Kind::locked) {
@@ -85,24 +90,40 @@ LibraryStore::LibraryStore(const QByteArray& path) : path_(path) {
 void LibraryStore::open() {
     if (!makePrivateFolder(path_.first(path_.lastIndexOf('/'))))
         throw StoreRefusal{u"its folder can't be made"_s};
-    const int created = ::open(path_.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    // Only ever a new file: closing one that this process has open would release its locks.
+    const int created = ::open(path_.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (created >= 0) ::close(created);
     database_ = std::make_unique<Database>(path_);
     prepareSchema();
 }
 
-void LibraryStore::prepareSchema() {
-    const bool isEmpty = database_->value("SELECT count(*) FROM sqlite_schema") == 0;
+void LibraryStore::openToRead() {
+    database_ = std::make_unique<Database>(path_, Database::Missing::refuse);
+    if (checkedVersion(false) < schemaVersion) throw StoreRefusal{u"it is from an older version"_s};
+    database_->run(settingsToRead);
+}
+
+bool LibraryStore::isEmpty() {
+    return database_->value("SELECT count(*) FROM sqlite_schema") == 0;
+}
+
+/// The version of the schema, of a database that is ours.
+qint64 LibraryStore::checkedVersion(bool mayBeEmpty) {
     const qint64 application = database_->value("PRAGMA application_id");
     const qint64 version = database_->value("PRAGMA user_version");
-    if (application != applicationId && !(isEmpty && application == 0))
+    if (application != applicationId && !(mayBeEmpty && application == 0))
         throw StoreRefusal{u"it belongs to another program"_s};
     if (version > schemaVersion) throw StoreRefusal{u"it is from a newer version"_s};
-    if (version < schemaVersion && !isEmpty) return startAnew();
+    return version;
+}
+
+void LibraryStore::prepareSchema() {
+    const bool wasEmpty = isEmpty();
+    if (checkedVersion(wasEmpty) < schemaVersion && !wasEmpty) return startAnew();
     database_->run(settings);
     // Also shows whether it can be written.
     Transaction transaction(*database_);
-    if (database_->value("SELECT count(*) FROM sqlite_schema") == 0) {
+    if (isEmpty()) {
         database_->run(schema);
         database_->run(
             ("PRAGMA application_id = " + QByteArray::number(applicationId)).constData());

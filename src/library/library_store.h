@@ -3,7 +3,8 @@
 //
 // LibraryStore: the database that searches over many transcripts use. It lies in the user's cache
 // folder, readable by its owner only, and holds nothing that can't be made again from the files.
-// One thread at a time; several programs may have it open.
+// One thread at a time. Several threads and programs may each have it open: an indexer writes,
+// any number of others search beside it and see each of its transactions whole.
 //
 // A message's number says on which day it was sent, so that the words' index, which is in the order
 // of its numbers, finds the newest messages first, and those of some days at once.
@@ -27,14 +28,19 @@ class LibraryStore {
     /// The user's own.
     [[nodiscard]] static QByteArray defaultPath();
 
-    /// Opens the database or makes an empty one. What is damaged or from an older version is made
-    /// anew. Throws StoreRefusal when it belongs to something else or can't be written.
-    explicit LibraryStore(const QByteArray& path);
+    /// To write: opens the database or makes an empty one. What is damaged or from an older version
+    /// is made anew. Throws StoreRefusal when it belongs to something else or can't be written.
+    /// To read: waits for no writer and changes nothing. Throws StoreRefusal when there is none
+    /// that can be read.
+    enum class Access { write, read };
+    explicit LibraryStore(const QByteArray& path, Access access = Access::write);
 
     /// Whether a damaged database was replaced.
     [[nodiscard]] bool wasDamaged() const { return wasDamaged_; }
     [[nodiscard]] Database& database() { return *database_; }
-    /// Throws away the database and begins with an empty one.
+    [[nodiscard]] const QByteArray& path() const { return path_; }
+    /// Throws away the database and begins with an empty one. Stores that are open to read keep
+    /// the old one until they are opened again.
     void startAnew();
 
     struct KnownFile {
@@ -56,6 +62,9 @@ class LibraryStore {
     bool wasDamaged_ = false;
 
     void open();
+    void openToRead();
+    [[nodiscard]] bool isEmpty();
+    [[nodiscard]] qint64 checkedVersion(bool mayBeEmpty);
     void prepareSchema();
     void removeFiles() const;
 };

@@ -22,6 +22,7 @@
 
 #include "foundation/guarded.h"
 #include "library/folder_walk.h"
+#include "library/pause_switch.h"
 
 namespace vell {
 
@@ -31,9 +32,12 @@ class ParallelFiles {
     using Work = std::function<Result(const FoundFile&)>;
 
     /// Each thread makes the work for itself. What a work throws costs that thread's files only.
-    ParallelFiles(std::vector<FoundFile> files, const std::function<Work()>& makeWork)
+    /// While the switch is on, if there is one, no further file is begun.
+    ParallelFiles(std::vector<FoundFile> files, const std::function<Work()>& makeWork,
+                  std::shared_ptr<const PauseSwitch> pause = {})
         : state_(std::make_shared<State>()) {
         state_->files = std::move(files);
+        state_->pause = std::move(pause);
         const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
         state_->running = std::min(cores, state_->files.size());
         for (std::size_t i = state_->running; i > 0; --i) {
@@ -67,6 +71,7 @@ class ParallelFiles {
 
     struct State {
         std::vector<FoundFile> files;
+        std::shared_ptr<const PauseSwitch> pause;
         std::mutex mutex;
         std::condition_variable changed;
         std::size_t nextFile = 0;
@@ -77,6 +82,10 @@ class ParallelFiles {
         void run(const Work& work) {
             std::unique_lock lock(mutex);
             while (!isCancelled && nextFile < files.size()) {
+                if (pause && pause->isOn()) {
+                    changed.wait_for(lock, stopCheckInterval);
+                    continue;
+                }
                 const FoundFile& file = files[nextFile++];
                 lock.unlock();
                 Result result = work(file);

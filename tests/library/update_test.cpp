@@ -6,9 +6,12 @@
 #include <sys/stat.h>
 
 #include <QProcess>
+#include <chrono>
 #include <random>
+#include <thread>
 
 #include "archive.h"
+#include "library/file_list.h"
 #include "library/fixture.h"
 
 namespace vell {
@@ -121,6 +124,55 @@ TEST(Update, StopsWhenAsked) {
     }
     fixture.update(store);
     EXPECT_EQ(dump(store), freshDump(fixture));
+}
+
+TEST(Update, WaitsWhilePausedAndShowsWhatItHasWritten) {
+    const Fixture fixture;
+    fixture.chat(u"ann.ichat"_s, {u"plum"_s});
+    LibraryStore store(fixture.database);
+    Indexer indexer(store);
+    LibraryStore searched(fixture.database, LibraryStore::Access::read);
+    qint64 seen = 0;
+    indexer.onCommitted = [&] { seen = found(searched, fixture, u"plum"_s); };
+    indexer.setPaused(true);
+    std::atomic<bool> stop = false;
+    std::thread other([&] { indexer.update({fixture.chats}, stop); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_EQ(fileCountsIn(searched).files, 0);
+    LibraryStore second(fixture.database);
+    EXPECT_THROW(fixture.update(second), DatabaseError) << "one indexes at a time";
+    indexer.setPaused(false);
+    other.join();
+    EXPECT_EQ(seen, 1);
+    indexer.setPaused(true);
+    fixture.chat(u"ben.ichat"_s, {u"plum"_s});
+    other = std::thread([&] { indexer.update({fixture.chats}, stop); });
+    stop = true;
+    other.join();
+    EXPECT_EQ(fileCountsIn(searched).files, 1);
+}
+
+TEST(Update, ListsBrokenFilesAndCopies) {
+    const Fixture fixture;
+    LibraryStore store(fixture.database);
+    fixture.chat(u"b.ichat"_s, {u"plum"_s, u"pear"_s});
+    fixture.chat(u"c.ichat"_s, {u"fig"_s});
+    QFile::copy(fixture.path(u"b.ichat"_s), fixture.path(u"a.ichat"_s));
+    fixture.write(u"bad.ichat"_s, "nothing");
+    fixture.write(u"worse.ichat"_s, "nothing at all");
+    fixture.update(store);
+    store.database().run("UPDATE files SET hash = x'' WHERE reason IS NOT NULL");  // unreadable
+    const FileCounts counts = fileCountsIn(store);
+    EXPECT_EQ(std::tuple(counts.files, counts.broken, counts.copies, counts.messages),
+              std::tuple(5, 2, 1, 5));
+    const auto broken = brokenFilesIn(store);
+    ASSERT_EQ(broken.size(), 2U);
+    EXPECT_TRUE(broken[0].path.endsWith("/bad.ichat"));
+    EXPECT_FALSE(broken[0].reason.isEmpty());
+    const auto copies = copiesIn(store);
+    ASSERT_EQ(copies.size(), 1U);
+    ASSERT_EQ(copies[0].paths.size(), 2U);
+    EXPECT_TRUE(copies[0].paths[0].endsWith("/a.ichat"));
 }
 
 }  // namespace
