@@ -51,7 +51,9 @@ void convert(const QByteArray& input) {
     const auto write = [&](const vell::ByteSink& sink) {
         vell::writeMarkdown(log, contacts, sink);
     };
-    if (vell::expandsBeyond(vell::exportLimit(input.size()), log, contacts, false, write)) return;
+    if (vell::expandsBeyond(vell::exportLimit(input.size()), vell::ExpansionBound(log), contacts,
+                            write))
+        return;
     if (!log.events().empty() && vell::generatePlainText(log, contacts).isEmpty()) std::abort();
 }
 

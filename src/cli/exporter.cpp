@@ -104,8 +104,11 @@ bool Exporter::exportOne() {
 void Exporter::write(const Input& input, const TesselChatLog& log) {
     const auto writeTo = [&](const ByteSink& sink) { options_.format->write(log, context_, sink); };
     const quint64 limit = exportLimit(input.bytes.size());
-    if (!options_.expand &&
-        expandsBeyond(limit, log, contacts_, options_.format->readsAttachments, writeTo)) {
+    const auto isTooLarge = [&] {
+        return (options_.format->readsAttachments && attachmentsExceed(limit, log)) ||
+               expandsBeyond(limit, ExpansionBound(log), contacts_, writeTo);
+    };
+    if (!options_.expand && isTooLarge()) {
         throw WriteError{
             u"as %1 it takes more than %2 MB, out of all proportion to the file "
             "(--expand allows it)"_s.arg(QString::fromLatin1(options_.format->name))

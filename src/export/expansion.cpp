@@ -61,34 +61,61 @@ quint64 mostOfUser(const TesselUserID& user, const ContactsStore& contacts) {
            perUnit;
 }
 
-/// Whether a document of any format may exceed the limit.
-bool mayExpandBeyond(quint64 limit, const TesselChatLog& log, const ContactsStore& contacts) {
-    quint64 most = aroundText + mostOfUser(log.ownUserID(), contacts);
-    for (const TesselUserID& user : log.otherUserIDs()) {
-        if (most > limit) return true;
-        most += aroundText + mostOfUser(user, contacts);
-    }
-    std::unordered_map<const TesselUserID*, quint64> senders;
-    for (const TesselChatLog::Event& event : log.events()) {
-        if (most > limit) return true;
-        most += std::visit(MostOfEvent(), event.value);
-        if (!event.sender) continue;
-        const auto [sender, isNew] = senders.try_emplace(event.sender.operator->());
-        if (isNew) sender->second = mostOfUser(*event.sender, contacts);
-        most += sender->second;
-    }
-    return most > limit;
-}
-
 const Data* attachedData(const TesselChatLog::Event& event) {
     if (const auto* image = std::get_if<TesselChatLog::Image>(&event.value)) return &image->data();
     const auto* file = std::get_if<TesselChatLog::File>(&event.value);
     return file && file->wrapper->contents ? &*file->wrapper->contents : nullptr;
 }
 
-/// Whether the attached bytes exceed the limit; each slice of the file counts once, and slices may
-/// overlap.
-bool readsBeyond(quint64 limit, const TesselChatLog& log) {
+/// Ends a document that has reached the limit.
+struct LimitReached {};
+
+}  // namespace
+
+quint64 exportLimit(qsizetype transcriptSize) {
+    return static_cast<quint64>(transcriptSize) * limitPerByte + baseLimit;
+}
+
+ExpansionBound::ExpansionBound(const TesselChatLog& log) : withoutUsers_(aroundText) {
+    users_.emplace_back(log.ownUserID(), 1);
+    for (const TesselUserID& user : log.otherUserIDs()) {
+        withoutUsers_ += aroundText;
+        users_.emplace_back(user, 1);
+    }
+    std::unordered_map<const TesselUserID*, size_t> places;
+    for (const TesselChatLog::Event& event : log.events()) {
+        withoutUsers_ += std::visit(MostOfEvent(), event.value);
+        if (!event.sender) continue;
+        const auto [place, isNew] = places.try_emplace(event.sender.operator->(), users_.size());
+        if (isNew) users_.emplace_back(event.sender, 0);
+        ++users_[place->second].second;
+    }
+}
+
+quint64 ExpansionBound::bytes(const ContactsStore& contacts) const {
+    quint64 bytes = withoutUsers_;
+    for (const auto& [user, times] : users_)
+        bytes += mostOfUser(*user, contacts) * times;
+    return bytes;
+}
+
+bool expandsBeyond(quint64 limit, const ExpansionBound& bound, const ContactsStore& contacts,
+                   const std::function<void(const ByteSink&)>& write) {
+    if (bound.bytes(contacts) <= limit) return false;
+    quint64 left = limit;
+    try {
+        write([&left](QByteArrayView bytes) {
+            const auto size = static_cast<quint64>(bytes.size());
+            if (size > left) throw LimitReached();
+            left -= size;
+        });
+    } catch (const LimitReached&) {
+        return true;
+    }
+    return false;
+}
+
+bool attachmentsExceed(quint64 limit, const TesselChatLog& log) {
     quint64 sum = 0;
     for (const TesselChatLog::Event& event : log.events()) {
         if (const Data* data = attachedData(event)) sum += static_cast<quint64>(data->size());
@@ -101,32 +128,6 @@ bool readsBeyond(quint64 limit, const TesselChatLog& log) {
         if (!data || !slices.emplace(data->begin(), data->size()).second) continue;
         sum += static_cast<quint64>(data->size());
         if (sum > limit) return true;
-    }
-    return false;
-}
-
-/// Ends a document that has reached the limit.
-struct LimitReached {};
-
-}  // namespace
-
-quint64 exportLimit(qsizetype transcriptSize) {
-    return static_cast<quint64>(transcriptSize) * limitPerByte + baseLimit;
-}
-
-bool expandsBeyond(quint64 limit, const TesselChatLog& log, const ContactsStore& contacts,
-                   bool readsAttachments, const std::function<void(const ByteSink&)>& write) {
-    if (readsAttachments && readsBeyond(limit, log)) return true;
-    if (!mayExpandBeyond(limit, log, contacts)) return false;
-    quint64 left = limit;
-    try {
-        write([&left](QByteArrayView bytes) {
-            const auto size = static_cast<quint64>(bytes.size());
-            if (size > left) throw LimitReached();
-            left -= size;
-        });
-    } catch (const LimitReached&) {
-        return true;
     }
     return false;
 }

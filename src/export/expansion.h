@@ -6,8 +6,11 @@
 // written.
 
 #include <functional>
+#include <utility>
+#include <vector>
 
 #include "export/text_sink.h"
+#include "transcript/user_id.h"
 
 namespace vell {
 
@@ -17,11 +20,26 @@ class TesselChatLog;
 /// The bytes that an export of a transcript of this size may take without further confirmation.
 [[nodiscard]] quint64 exportLimit(qsizetype transcriptSize);
 
-/// Whether `write` writes more than `limit` bytes or, if it reads attachments, reads more than
-/// that. Usually the sizes of the log's texts decide; otherwise it is run up to the limit, and its
-/// output discarded.
-[[nodiscard]] bool expandsBeyond(quint64 limit, const TesselChatLog& log,
-                                 const ContactsStore& contacts, bool readsAttachments,
+/// An upper bound of what a document of any format takes, whatever part of the log it holds. Found
+/// in one pass over the log; names may change afterwards.
+class ExpansionBound {
+  public:
+    explicit ExpansionBound(const TesselChatLog& log);
+    [[nodiscard]] quint64 bytes(const ContactsStore& contacts) const;
+
+  private:
+    quint64 withoutUsers_;
+    std::vector<std::pair<SharedUserID, quint64>> users_;  ///< and how often each is written
+};
+
+/// Whether `write` writes more than `limit` bytes. Usually the bound decides; otherwise it is run up
+/// to the limit, and its output discarded.
+[[nodiscard]] bool expandsBeyond(quint64 limit, const ExpansionBound& bound,
+                                 const ContactsStore& contacts,
                                  const std::function<void(const ByteSink&)>& write);
+
+/// Whether more than `limit` bytes are attached; each slice of the file counts once, and slices may
+/// overlap.
+[[nodiscard]] bool attachmentsExceed(quint64 limit, const TesselChatLog& log);
 
 }  // namespace vell

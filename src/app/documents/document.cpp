@@ -25,7 +25,9 @@ foundation::Error textWriteInapplicableDocumentTypeError() {
 }
 
 VellDocument::VellDocument(TesselChatLog chatlog, foundation::Data data)
-    : chatlog_(std::make_shared<const TesselChatLog>(std::move(chatlog))), data_(std::move(data)) {}
+    : chatlog_(std::make_shared<const TesselChatLog>(std::move(chatlog))),
+      data_(std::move(data)),
+      expansion_(*chatlog_) {}
 
 VellDocument VellDocument::read(const foundation::FileWrapper& file,
                                 const std::function<void()>& presentLoadLogWindow) {

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 
+#include "export/expansion.h"
 #include "foundation/error.h"
 #include "foundation/file_wrapper.h"
 #include "transcript/chat_log.h"
@@ -49,10 +50,13 @@ class VellDocument {
     }
     /// The file's complete bytes, exactly as read.
     [[nodiscard]] const foundation::Data& data() const { return data_; }
+    /// Of the chat's exports.
+    [[nodiscard]] const ExpansionBound& expansion() const { return expansion_; }
 
   private:
     std::shared_ptr<const TesselChatLog> chatlog_;
     foundation::Data data_;
+    ExpansionBound expansion_;
 };
 
 }  // namespace vell

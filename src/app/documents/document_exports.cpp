@@ -36,9 +36,8 @@ void DocumentWindow::writeMarkdown(const ByteSink& output) const {
 }
 
 bool DocumentWindow::isOutOfProportion() const {
-    return expandsBeyond(exportLimit(document_->data().size()), document_->chatlog(),
-                         services_.contacts, false,
-                         [this](const ByteSink& output) { writeMarkdown(output); });
+    return expandsBeyond(exportLimit(document_->data().size()), document_->expansion(),
+                         services_.contacts, [this](const ByteSink& output) { writeMarkdown(output); });
 }
 
 QString DocumentWindow::sizeLimit() const {

@@ -105,9 +105,9 @@ TesselChatLog SelectionData::selectedLog() const {
 
 bool SelectionData::isOutOfProportion() const {
     if (isOneMessage_) return false;
-    const TesselChatLog log = selectedLog();
-    return expandsBeyond(exportLimit(document_->data().size()), log, contacts_, false,
-                         [&](const ByteSink& output) { writeHtml(log, contacts_, output); });
+    return expandsBeyond(
+        exportLimit(document_->data().size()), document_->expansion(), contacts_,
+        [this](const ByteSink& output) { writeHtml(selectedLog(), contacts_, output); });
 }
 
 QVariant SelectionData::retrieveData(const QString& format, QMetaType type) const {
