@@ -63,9 +63,9 @@ CoverageMask CoverageMask::stroked(const QPainterPath& path, qreal lineWidth, QS
 CoverageMask CoverageMask::ofAlpha(const QImage& image) {
     CoverageMask mask(image.width(), image.height());
     uint8_t* out = mask.bytes_.data();
-    for (int y = 0; y < image.height(); ++y) {
+    for (int y = 0; y < mask.height_; ++y) {
         const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        for (int x = 0; x < image.width(); ++x)
+        for (int x = 0; x < mask.width_; ++x)
             *out++ = static_cast<uint8_t>(qAlpha(line[x]));
     }
     return mask;
@@ -80,8 +80,11 @@ CoverageMask CoverageMask::blurred(double sigma) const {
     // Across first, from rows with nothing on both sides.
     std::vector<float> padded(rowSize + 2 * static_cast<size_t>(reach));
     std::vector<float> across(bytes_.size());
+    std::vector<char> isCovered(static_cast<size_t>(height_));  // between lines of text nothing is
     for (int y = 0; y < height_; ++y) {
         const uint8_t* in = row(y);
+        if (std::all_of(in, in + width_, [](uint8_t cover) { return cover == 0; })) continue;
+        isCovered[static_cast<size_t>(y)] = 1;
         std::copy(in, in + width_, padded.begin() + reach);
         float* sums = across.data() + static_cast<size_t>(y) * rowSize;
         for (int tap = 0; tap <= 2 * reach; ++tap) {
@@ -91,8 +94,13 @@ CoverageMask CoverageMask::blurred(double sigma) const {
     CoverageMask result(width_, height_);
     std::vector<float> sums(rowSize);
     for (int y = 0; y < height_; ++y) {
+        const int first = std::max(-reach, -y);
+        const int last = std::min(reach, height_ - 1 - y);
+        const auto rows = isCovered.begin() + y;
+        if (std::find(rows + first, rows + last + 1, 1) == rows + last + 1) continue;
         std::fill(sums.begin(), sums.end(), 0.5f);
-        for (int tap = std::max(-reach, -y); tap <= std::min(reach, height_ - 1 - y); ++tap) {
+        for (int tap = first; tap <= last; ++tap) {
+            if (rows[tap] == 0) continue;
             addWeighted(sums.data(), across.data() + static_cast<size_t>(y + tap) * rowSize,
                         weights[static_cast<size_t>(tap + reach)], width_);
         }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <utility>
 
 #include "timeline/bubbles/coverage_mask.h"
@@ -31,10 +32,11 @@ QImage withShadow(const QImage& image, int top, int bottom, const Style::TextSha
     const auto down = static_cast<int>(std::lround(shadow.offset.y() * ratio));
     const auto opacity = static_cast<uint32_t>(shadow.color.alpha());
     const uint32_t white = shadow.color.lightness() > 127 ? 0xff : 0;
+    const int width = result.width();
     for (int y = std::max(top, down); y < bottom; ++y) {
         const uint8_t* row = cover.row(y - down);
         auto* out = reinterpret_cast<QRgb*>(result.scanLine(y - top));
-        for (int x = 0; x < result.width(); ++x) {
+        for (int x = 0; x < width; ++x) {
             const uint32_t below = row[x] * opacity * (255 - (out[x] >> 24)) / (255 * 255);
             const uint32_t tint = below & white;
             out[x] += below << 24 | tint << 16 | tint << 8 | tint;
@@ -43,17 +45,39 @@ QImage withShadow(const QImage& image, int top, int bottom, const Style::TextSha
     return result;
 }
 
-// Rows [top, bottom) of the text, as wide as it is and its overhang on both sides.
+// The columns of a picture that hold anything, as [first, end).
+std::pair<int, int> usedColumns(const QImage& image) {
+    const auto isInk = [](QRgb pixel) { return pixel != 0; };
+    const int width = image.width();
+    int first = width;
+    int end = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        first = static_cast<int>(std::find_if(line, line + first, isInk) - line);
+        const std::reverse_iterator last(line + width);
+        const std::reverse_iterator known(line + end);
+        end = width - static_cast<int>(std::find_if(last, known, isInk) - last);
+    }
+    return {std::min(first, end), end};
+}
+
+// Rows [top, bottom) of the text, as wide as it and its shadow are there. The picture's offset is
+// where it belongs, from the text's left edge.
 QImage render(const LaidOutText& text, int top, int bottom, const TextColors& colors, qreal ratio) {
     const int margin = overhang(colors.shadow, ratio);
     const int height = bottom - top + 2 * margin;
-    QImage image(text.width() + 2 * margin, height, QImage::Format_ARGB32_Premultiplied);
+    QImage image(text.width() + 4 * margin, height, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setPen(colors.text);
-    text.paint(painter, QPoint(margin, margin - top), top - margin, bottom + margin);
+    text.paint(painter, QPoint(2 * margin, margin - top), top - margin, bottom + margin);
     painter.end();
-    return withShadow(image, margin, margin + bottom - top, colors.shadow, ratio);
+    const auto [first, end] = usedColumns(image);
+    const int left = std::max(first - margin, 0);
+    const QImage used = image.copy(left, 0, std::min(end + margin, image.width()) - left, height);
+    QImage shadowed = withShadow(used, margin, margin + bottom - top, colors.shadow, ratio);
+    shadowed.setOffset(QPoint(left - 2 * margin, 0));
+    return shadowed;
 }
 
 }  // namespace
@@ -65,14 +89,14 @@ void paintShadowedText(QPainter& painter, const LaidOutText& text, QPoint origin
     const int bottom = std::min(text.height() + margin, visible.bottom() + 1 - origin.y());
     if (top >= bottom) return;
     const QImage image = render(text, top, bottom, colors, ratio);
-    painter.drawImage(origin + QPoint(-margin, top), image);
+    painter.drawImage(origin + image.offset() + QPoint(0, top), image);
 }
 
 TextTiles::Tile::Tile(QImage picture) : image(std::move(picture)) {
+    const int width = image.width();
     for (int y = 0; y < image.height(); ++y) {
         const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        if (std::all_of(line, line + image.width(), [](QRgb pixel) { return pixel == 0; }))
-            continue;
+        if (std::all_of(line, line + width, [](QRgb pixel) { return pixel == 0; })) continue;
         if (!rows.empty() && rows.back().top + rows.back().height == y) {
             ++rows.back().height;
         } else {
@@ -108,7 +132,7 @@ void TextTiles::paint(QPainter& painter, qint64 id, const LaidOutText& text, QPo
             }
             const Tile* tile = tiles_.object(key);
             if (!tile) continue;  // too large for the whole cache
-            const QPoint corner = origin + QPoint(-margin, bandTop);
+            const QPoint corner = origin + tile->image.offset() + QPoint(0, bandTop);
             for (const auto& [rowTop, rowHeight] : tile->rows) {
                 painter.drawImage(corner + QPoint(0, rowTop), tile->image,
                                   QRect(0, rowTop, tile->image.width(), rowHeight));

@@ -32,7 +32,7 @@ void paintShadowedText(QPainter& painter, const LaidOutText& text, QPoint origin
 class TextTiles {
   public:
     static constexpr int tileHeight = 256;
-    static constexpr qsizetype defaultBytes = qsizetype(32) * 1024 * 1024;
+    static constexpr qsizetype defaultBytes = qsizetype(64) * 1024 * 1024;
 
     explicit TextTiles(qsizetype maxBytes = defaultBytes) : tiles_(maxBytes) {}
 
