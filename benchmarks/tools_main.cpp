@@ -116,8 +116,7 @@ void reportCopying(const Log& log) {
     const vell::ContactsStore contacts;
     // As large as its texts would be in a file.
     const QByteArray file(100'000'000, ' ');
-    const auto document =
-        std::make_shared<const vell::VellDocument>(*log, foundation::Data(file));
+    const auto document = std::make_shared<const vell::VellDocument>(*log, foundation::Data(file));
     vell::TextSpan all;
     all.to.row = static_cast<qsizetype>(log->events().size()) - 1;
     all.to.offset = std::numeric_limits<int>::max();

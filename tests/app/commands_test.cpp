@@ -16,6 +16,7 @@
 #include <QToolBar>
 #include <QUrl>
 
+#include "app/desktop/file_drops.h"
 #include "app/documents/find/find_bar.h"
 #include "app/documents/load_log_window.h"
 #include "export/markdown.h"
@@ -281,8 +282,10 @@ TEST_F(CommandsTest, FilesMayBeDroppedOnAnyWindow) {
         QCoreApplication::sendEvent(target, &enter);
         QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         EXPECT_TRUE(enter.isAccepted()) << number;
+        EXPECT_TRUE(target->window()->property(vell::isDropTargetProperty).toBool()) << number;
         QCoreApplication::sendEvent(target, &drop);
         EXPECT_TRUE(drop.isAccepted()) << number;
+        EXPECT_FALSE(target->window()->property(vell::isDropTargetProperty).toBool()) << number;
         EXPECT_TRUE(waitUntil([&] { return windowOf(path) && windowOf(path)->isLoaded(); }));
     }
     EXPECT_EQ(documentWindows().size(), std::size(targets) + 1);

@@ -20,6 +20,11 @@ QStringList localFiles(const QMimeData& data) {
     return paths;
 }
 
+void markTarget(QObject* object, bool isTarget) {
+    if (const auto* widget = qobject_cast<QWidget*>(object))
+        widget->window()->setProperty(isDropTargetProperty, isTarget);
+}
+
 }  // namespace
 
 FileDrops::FileDrops(QObject* parent) : QObject(parent) {
@@ -37,20 +42,24 @@ bool FileDrops::eventFilter(QObject* object, QEvent* event) {
         }
         case QEvent::DragEnter:
         case QEvent::DragMove:
-            return object->isWidgetType() && take(*static_cast<QDropEvent*>(event), false);
+            return object->isWidgetType() && take(*object, *static_cast<QDropEvent*>(event), false);
+        case QEvent::DragLeave:
+            markTarget(object, false);
+            return false;
         case QEvent::Drop:
-            return object->isWidgetType() && take(*static_cast<QDropEvent*>(event), true);
+            return object->isWidgetType() && take(*object, *static_cast<QDropEvent*>(event), true);
         default:
             return false;
     }
 }
 
-bool FileDrops::take(QDropEvent& event, bool isDropped) {
+bool FileDrops::take(QObject& object, QDropEvent& event, bool isDropped) {
     // Reading the address of a picture dragged from our own window would write it to a file.
     if (event.source()) return false;
     const QStringList files = localFiles(*event.mimeData());
     if (files.isEmpty()) return false;
     event.acceptProposedAction();
+    markTarget(&object, !isDropped);
     if (isDropped) Q_EMIT dropped(files);
     return true;
 }

@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // FileDrops: lets every window of the program accept files dropped from other programs anywhere in
-// it. Drags from our own windows are ignored.
+// it. Drags from our own windows are ignored. A window above which files are held has the property
+// `isDropTargetProperty`.
 
 #include <QObject>
 #include <QStringList>
@@ -10,6 +11,8 @@
 class QDropEvent;
 
 namespace vell {
+
+inline constexpr const char* isDropTargetProperty = "isDropTarget";
 
 class FileDrops final : public QObject {
     Q_OBJECT
@@ -23,7 +26,7 @@ class FileDrops final : public QObject {
     void dropped(const QStringList& paths);
 
   private:
-    bool take(QDropEvent& event, bool isDropped);
+    bool take(QObject& object, QDropEvent& event, bool isDropped);
 };
 
 }  // namespace vell

@@ -2,6 +2,7 @@
 #include "app/search/find_files_window.h"
 
 #include <QCheckBox>
+#include <QDir>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -18,6 +19,16 @@ namespace {
 constexpr int placesWidth = 190;
 constexpr qsizetype mostOpenedUnasked = 10;
 
+QString title(const QStringList& folders) {
+    if (folders.isEmpty()) return FindFilesWindow::tr("Find iChat Files");
+    QStringList names;
+    for (const QString& folder : folders) {
+        const QString name = QDir(folder).dirName();
+        names.append(name.isEmpty() ? folder : name);
+    }
+    return FindFilesWindow::tr("iChat Files in “%1”").arg(names.join(u", "));
+}
+
 }  // namespace
 
 FindFilesWindow::FindFilesWindow(std::shared_ptr<FileReader> reader, ContactsStore& contacts,
@@ -26,8 +37,7 @@ FindFilesWindow::FindFilesWindow(std::shared_ptr<FileReader> reader, ContactsSto
       table_(std::move(reader), contacts),
       places_(new SearchPlaces(folders)) {
     setObjectName(QStringLiteral("findFilesWindow"));
-    setWindowTitle(folders.isEmpty() ? tr("Find iChat Files")
-                                     : tr("iChat Files in “%1”").arg(folders.join(u", ")));
+    setWindowTitle(title(folders));
     resize(1000, 560);
 
     sorted_.setSourceModel(&table_);

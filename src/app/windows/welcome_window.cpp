@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/desktop/file_drops.h"
 #include "app/desktop/recent_files.h"
 #include "app/windows/commands.h"
 #include "app/windows/common_commands.h"
@@ -32,15 +33,26 @@ class DropPlace final : public QLabel {
         setForegroundRole(QPalette::PlaceholderText);
         setMinimumHeight(72);
     }
+    bool eventFilter(QObject* window, QEvent* event) override {
+        if (event->type() == QEvent::DynamicPropertyChange) update();
+        return QLabel::eventFilter(window, event);
+    }
 
   protected:
     void paintEvent(QPaintEvent* event) override {
         QLabel::paintEvent(event);
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        QColor line = palette().color(QPalette::WindowText);
-        line.setAlphaF(0.3F);
-        painter.setPen(QPen(line, 1.5, Qt::DashLine));
+        const bool isTarget = window()->property(isDropTargetProperty).toBool();
+        QColor line = palette().color(isTarget ? QPalette::Highlight : QPalette::WindowText);
+        if (isTarget) {
+            QColor light = line;
+            light.setAlphaF(0.15F);
+            painter.setBrush(light);
+        } else {
+            line.setAlphaF(0.3F);
+        }
+        painter.setPen(QPen(line, 1.5, isTarget ? Qt::SolidLine : Qt::DashLine));
         painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 10, 10);
     }
 };
@@ -70,7 +82,9 @@ WelcomeWindow::WelcomeWindow(Commands& commands, RecentFiles& recentFiles, Conta
     column->addSpacing(padding / 2);
     column->addWidget(secondaryLabel(tr("Recent transcripts")));
     column->addWidget(recentList(), 1);
-    column->addWidget(new DropPlace);
+    auto* dropPlace = new DropPlace;
+    column->addWidget(dropPlace);
+    installEventFilter(dropPlace);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSpacing(0);

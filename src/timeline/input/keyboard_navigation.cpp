@@ -150,7 +150,8 @@ void KeyboardNavigation::page(int direction) {
 qsizetype KeyboardNavigation::wholeRow(int from) const {
     const auto& visible = layout_.visibleRows();
     const auto isWhole = [this](const auto& row) {
-        return row.top >= 0 && row.top + row.row->layout.height <= layout_.viewportHeight();
+        return !isCaption(row.index) && row.top >= 0 &&
+               row.top + row.row->layout.height <= layout_.viewportHeight();
     };
     if (from > 0) {
         const auto last = std::find_if(visible.rbegin(), visible.rend(), isWhole);
@@ -198,12 +199,15 @@ qsizetype KeyboardNavigation::onScreen(int direction) const {
     return direction > 0 ? visible.front().index : visible.back().index;
 }
 
+// A caption says who has spoken; it is part of the messages above it.
+bool KeyboardNavigation::isCaption(qsizetype row) const {
+    const auto& event = layout_.chatlog().events()[static_cast<size_t>(row)];
+    return std::holds_alternative<TesselChatLog::User>(event.value);
+}
+
 qsizetype KeyboardNavigation::neighbour(qsizetype row, int direction) const {
-    const auto& events = layout_.chatlog().events();
-    for (row += direction; row >= 0 && row < std::ssize(events); row += direction) {
-        const auto& event = events[static_cast<size_t>(row)];
-        // A caption says who has spoken; it is part of the messages above it.
-        if (!std::holds_alternative<TesselChatLog::User>(event.value)) return row;
+    for (row += direction; row >= 0 && row < layout_.rowCount(); row += direction) {
+        if (!isCaption(row)) return row;
     }
     return -1;
 }

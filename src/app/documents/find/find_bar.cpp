@@ -37,7 +37,8 @@ FindBar::FindBar(QWidget* parent)
       next_(arrowButton(Qt::DownArrow, tr("Next match"))),
       matchCase_(addOption(QStringLiteral("Aa"), tr("Match case"))),
       wholeWords_(addOption(QStringLiteral("ab"), tr("Whole words"))),
-      pattern_(addOption(QStringLiteral(".*"), tr("Regular expression"))),
+      // A mark keeps the order of the signs in windows from right to left.
+      pattern_(addOption(QStringLiteral("\u200e.*"), tr("Regular expression"))),
       people_(new QComboBox),
       list_(flatButton(tr("List of matches"))),
       notice_(new QLabel) {
