@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "library/batch_writer.h"
 
+#include <QStringEncoder>
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -20,14 +21,46 @@ struct OldMessage {
 
 }  // namespace
 
+void PackedTexts::reserve(std::size_t count, qsizetype bytes) {
+    bytes_.reserve(bytes);
+    ends_.reserve(count);
+}
+
+void PackedTexts::append(QStringView text) {
+    QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
+    const qsizetype begin = bytes_.size();
+    bytes_.resize(begin + encoder.requiredSpace(text.size()));
+    const char* const end = encoder.appendToBuffer(bytes_.data() + begin, text);
+    bytes_.truncate(end - bytes_.constData());
+    ends_.push_back(bytes_.size());
+}
+
+QByteArrayView PackedTexts::operator[](std::size_t index) const {
+    const qsizetype begin = index == 0 ? 0 : ends_[index - 1];
+    return QByteArrayView(bytes_).sliced(begin, ends_[index] - begin);
+}
+
+std::size_t PackedTexts::bytes() const {
+    return static_cast<std::size_t>(bytes_.capacity()) + ends_.capacity() * sizeof(ends_[0]);
+}
+
+std::size_t PreparedFile::bytes() const {
+    return sizeof(*this) + texts.bytes() + words.bytes() +
+           reading.conversation.messages.capacity() * sizeof(LibraryMessage);
+}
+
 PreparedFile prepared(FileReading reading, TextTokenizer& tokenizer) {
     PreparedFile file;
-    file.texts.reserve(reading.conversation.messages.size());
-    file.words.reserve(reading.conversation.messages.size());
-    for (LibraryMessage& message : reading.conversation.messages) {
+    auto& messages = reading.conversation.messages;
+    qsizetype units = 0;
+    for (const LibraryMessage& message : messages)
+        units += message.text.size();
+    file.texts.reserve(messages.size(), units);
+    file.words.reserve(messages.size(), units);
+    for (LibraryMessage& message : messages) {
         tokenizer.read(message.text);
-        file.words.push_back(tokenizer.folded().toUtf8());
-        file.texts.push_back(std::exchange(message.text, {}).toUtf8());
+        file.words.append(tokenizer.folded());
+        file.texts.append(std::exchange(message.text, {}));
     }
     file.reading = std::move(reading);
     return file;
@@ -44,7 +77,9 @@ BatchWriter::BatchWriter(LibraryStore& store, std::function<bool()> isCancelled)
       findPerson_(database_.prepare("SELECT id FROM people WHERE service = ? AND account = ?")),
       insertStretch_(database_.prepare("INSERT INTO stretches VALUES (?, ?, ?)")),
       lastOfDay_(database_.prepare("SELECT max(id) FROM messages WHERE id >= ?1 AND id < ?1 + ?2")),
-      insertMessage_(database_.prepare("INSERT INTO messages VALUES (?, ?, ?, ?, ?, ?, ?)")),
+      insertMessage_(
+          database_.prepare("INSERT INTO messages (id, file, sequence, time, sender, kinds, text) "
+                            "VALUES (?, ?, ?, ?, ?, ?, ?)")),
       insertWords_(database_.prepare("INSERT INTO words (rowid, text) VALUES (?, ?)")) {
     database_.interruptWhen(std::move(isCancelled));
 }
@@ -54,7 +89,7 @@ BatchWriter::~BatchWriter() {
 }
 
 void BatchWriter::add(PreparedFile file) {
-    messageCount_ += file.texts.size();
+    messageCount_ += file.reading.conversation.messages.size();
     added_.push_back(std::move(file));
 }
 
@@ -234,7 +269,7 @@ void BatchWriter::addRows(std::vector<Row>& rows) {
         insertMessage_.bind(1, row.number);
         insertMessage_.bind(2, row.file);
         insertMessage_.bind(3, from.sequence);
-        insertMessage_.bind(4, from.date.secondsSinceReferenceDate);  // null when it is no number
+        bindTime(from.date, row.number);
         row.sender ? insertMessage_.bind(5, row.sender) : insertMessage_.bindNull(5);
         insertMessage_.bind(6, qint64{from.kinds});
         insertMessage_.bindText(7, row.source->texts[row.index]);
@@ -243,6 +278,12 @@ void BatchWriter::addRows(std::vector<Row>& rows) {
         insertWords_.bindText(2, row.source->words[row.index]);
         insertWords_.run();
     }
+}
+
+void BatchWriter::bindTime(foundation::Date date, qint64 number) {
+    const auto time = LibraryStore::timeOfDay(date, number);
+    // What the calendar can't express stays as it is; null when it is no number.
+    time ? insertMessage_.bind(4, *time) : insertMessage_.bind(4, date.secondsSinceReferenceDate);
 }
 
 qint64 BatchWriter::personNumber(const TesselUserID& person) {

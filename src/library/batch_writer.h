@@ -15,11 +15,27 @@
 
 namespace vell {
 
+/// Texts in UTF-8, one behind the other.
+class PackedTexts {
+  public:
+    void reserve(std::size_t count, qsizetype bytes);
+    void append(QStringView text);
+    [[nodiscard]] QByteArrayView operator[](std::size_t index) const;
+    [[nodiscard]] std::size_t bytes() const;
+
+  private:
+    QByteArray bytes_;
+    std::vector<qsizetype> ends_;
+};
+
 /// A file that was read, and its messages as the database keeps them.
 struct PreparedFile {
     FileReading reading;
-    std::vector<QByteArray> texts;  ///< one for each message, in UTF-8
-    std::vector<QByteArray> words;  ///< the tokens of each, divided by blanks
+    PackedTexts texts;  ///< one for each message
+    PackedTexts words;  ///< the tokens of each, divided by blanks
+
+    /// That it occupies in memory, roughly.
+    [[nodiscard]] std::size_t bytes() const;
 };
 /// Takes the texts out of the reading.
 [[nodiscard]] PreparedFile prepared(FileReading reading, TextTokenizer& tokenizer);
@@ -77,6 +93,7 @@ class BatchWriter {
     void bindSummary(const Conversation& conversation);
     [[nodiscard]] std::vector<qint64> insertPeople(const Conversation& conversation, qint64 file);
     void addRows(std::vector<Row>& rows);
+    void bindTime(foundation::Date date, qint64 number);
     [[nodiscard]] qint64 personNumber(const TesselUserID& person);
     [[nodiscard]] qint64& nextNumber(qint64 firstOfDay);
 };

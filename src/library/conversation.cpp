@@ -68,6 +68,11 @@ bool isMarker(const TesselChatLog::Event& event) {
            std::holds_alternative<TesselChatLog::User>(event.value);
 }
 
+foundation::Date wholeMilliseconds(foundation::Date date) {
+    const auto milliseconds = date.millisecondsSinceEpoch();
+    return milliseconds ? foundation::Date::fromMillisecondsSinceEpoch(*milliseconds) : date;
+}
+
 }  // namespace
 
 Conversation conversationOf(const TesselChatLog& log, qsizetype fileSize) {
@@ -97,8 +102,11 @@ Conversation conversationOf(const TesselChatLog& log, qsizetype fileSize) {
             lastSender = first.sender;
             lastNumber = numberOf(*first.sender);
         }
-        LibraryMessage message{
-            first.sequence, first.timestamp, first.sender ? lastNumber : -1, 0, {}};
+        LibraryMessage message{first.sequence,
+                               wholeMilliseconds(first.timestamp),
+                               first.sender ? lastNumber : -1,
+                               0,
+                               {}};
         MessageBuilder builder(message);
         do {
             std::visit(builder, events[i++].value);

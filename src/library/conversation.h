@@ -20,9 +20,9 @@ struct ContentKinds {
 };
 
 struct LibraryMessage {
-    qint64 sequence = 0;  ///< of its first event
-    foundation::Date date;
-    int sender = -1;  ///< an index into the conversation's people; -1 for system messages
+    qint64 sequence = 0;    ///< of its first event
+    foundation::Date date;  ///< in whole milliseconds
+    int sender = -1;        ///< an index into the conversation's people; -1 for system messages
     quint8 kinds = 0;
     QString text;
 };

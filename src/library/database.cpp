@@ -28,6 +28,11 @@ DatabaseError::Kind kindOf(int result) {
     }
 }
 
+/// Before SQLite is first used: keeping statistics of its memory takes a lock for each allocation.
+void configureOnce() {
+    [[maybe_unused]] static const int result = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+}
+
 void check(sqlite3* database, int result) {
     if (result == SQLITE_OK || result == SQLITE_ROW || result == SQLITE_DONE) return;
     throw DatabaseError(kindOf(result), database ? sqlite3_errmsg(database) : "out of memory");
@@ -115,6 +120,7 @@ void Database::Close::operator()(sqlite3* database) const {
 }
 
 Database::Database(const QByteArray& path, Missing missing) {
+    configureOnce();
     sqlite3* opened = nullptr;
     const int create = missing == Missing::create ? SQLITE_OPEN_CREATE : 0;
     const int result = sqlite3_open_v2(

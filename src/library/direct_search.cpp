@@ -93,11 +93,14 @@ void directSearch(const Query& query, const SearchScope& scope, const std::atomi
                   const std::function<void(qsizetype done, qsizetype all)>& onFile,
                   const TakeHit& take) {
     const std::vector<FoundFile> found = transcriptsIn(scope.folders, stop);
-    ParallelFiles<std::vector<RankedHit>> files(found, [query, scope] {
-        return [search = std::make_shared<FileSearch>(query, scope)](const FoundFile& file) {
-            return search->hitsIn(file);
-        };
-    });
+    ParallelFiles<std::vector<RankedHit>> files(
+        found,
+        [query, scope] {
+            return [search = std::make_shared<FileSearch>(query, scope)](const FoundFile& file) {
+                return search->hitsIn(file);
+            };
+        },
+        [](const auto& hits) { return hits.size() * sizeof(RankedHit); });
     std::vector<RankedHit> hits;
     qsizetype done = 0;
     while (auto more = files.next(stop)) {

@@ -104,7 +104,8 @@ class Indexer::Run {
                 return prepared(reader->read(file), *tokenizer);
             };
         };
-        ParallelFiles<PreparedFile> files(std::move(toRead), makeWork, indexer_.pause_);
+        ParallelFiles<PreparedFile> files(std::move(toRead), makeWork, &PreparedFile::bytes,
+                                          indexer_.pause_);
         while (auto file = files.next(stop_)) {
             const qint64 size = file->reading.file.size;
             if (!apply(*std::move(file))) continue;

@@ -11,8 +11,10 @@
 
 #include <QByteArray>
 #include <QString>
+#include <optional>
 #include <vector>
 
+#include "foundation/date.h"
 #include "library/database.h"
 #include "library/folder_walk.h"
 
@@ -53,6 +55,9 @@ class LibraryStore {
 
     /// The first number of messages that were sent on the day of this date, and later.
     [[nodiscard]] static qint64 firstNumberOnDayOf(double secondsSinceReferenceDate);
+    /// Milliseconds of the date since its day began, in UTC; nothing for a date outside the
+    /// calendar. The number is that of the message.
+    [[nodiscard]] static std::optional<qint64> timeOfDay(foundation::Date date, qint64 number);
     static constexpr int numberBits = 20;
     static constexpr qint64 mostMessagesOnDay = qint64{1} << numberBits;
 

@@ -32,11 +32,14 @@ class ParallelFiles {
     using Work = std::function<Result(const FoundFile&)>;
 
     /// Each thread makes the work for itself. What a work throws costs that thread's files only.
-    /// While the switch is on, if there is one, no further file is begun.
+    /// While the switch is on, if there is one, no further file is begun. `bytes` says what a
+    /// result occupies: of those that wait to be taken there are never much more than mostBytes.
     ParallelFiles(std::vector<FoundFile> files, const std::function<Work()>& makeWork,
+                  std::function<std::size_t(const Result&)> bytes,
                   std::shared_ptr<const PauseSwitch> pause = {})
         : state_(std::make_shared<State>()) {
         state_->files = std::move(files);
+        state_->bytes = std::move(bytes);
         state_->pause = std::move(pause);
         const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
         state_->running = std::min(cores, state_->files.size());
@@ -61,21 +64,24 @@ class ParallelFiles {
         if (stop || state_->ready.empty()) return std::nullopt;
         std::optional<Result> result = std::move(state_->ready.front());
         state_->ready.pop_front();
+        state_->readyBytes -= state_->bytes(*result);
         state_->changed.notify_all();
         return result;
     }
 
   private:
     static constexpr std::chrono::milliseconds stopCheckInterval{20};
-    static constexpr std::size_t mostReady = 64;
+    static constexpr std::size_t mostBytes = std::size_t{64} << 20;
 
     struct State {
         std::vector<FoundFile> files;
+        std::function<std::size_t(const Result&)> bytes;
         std::shared_ptr<const PauseSwitch> pause;
         std::mutex mutex;
         std::condition_variable changed;
         std::size_t nextFile = 0;
         std::deque<Result> ready;
+        std::size_t readyBytes = 0;
         std::size_t running = 0;
         bool isCancelled = false;
 
@@ -90,7 +96,8 @@ class ParallelFiles {
                 lock.unlock();
                 Result result = work(file);
                 lock.lock();
-                changed.wait(lock, [this] { return ready.size() < mostReady || isCancelled; });
+                changed.wait(lock, [this] { return readyBytes < mostBytes || isCancelled; });
+                readyBytes += bytes(result);
                 ready.push_back(std::move(result));
                 changed.notify_all();
             }
