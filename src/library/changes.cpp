@@ -84,7 +84,7 @@ std::vector<qint64> Changes::vanished() const {
     return result;
 }
 
-FileReader::Hashes Changes::knownHashes() const {
+TranscriptReader::Hashes Changes::knownHashes() const {
     auto result = std::make_shared<QSet<QByteArray>>();
     for (const auto& [hash, number] : vanished_)
         result->insert(hash);

@@ -34,7 +34,7 @@ class Changes {
     /// Those that nothing has taken.
     [[nodiscard]] std::vector<qint64> vanished() const;
     /// Of contents that needn't be read again.
-    [[nodiscard]] FileReader::Hashes knownHashes() const;
+    [[nodiscard]] TranscriptReader::Hashes knownHashes() const;
 
   private:
     QHash<QByteArray, KnownFile> known_;

@@ -44,7 +44,7 @@ class FileSearch {
   private:
     const Query query_;
     const SearchScope scope_;
-    FileReader reader_;
+    TranscriptReader reader_;
     TextTokenizer tokenizer_;
 
     [[nodiscard]] bool isWanted(const Conversation& conversation) const {

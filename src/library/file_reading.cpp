@@ -23,10 +23,10 @@ constexpr qint64 nanosecondsPerMillisecond = 1'000'000;
 
 }  // namespace
 
-FileReader::FileReader(Hashes knownHashes)
+TranscriptReader::TranscriptReader(Hashes knownHashes)
     : knownHashes_(std::move(knownHashes)), calendar_(foundation::Calendar::current()) {}
 
-FileReading FileReader::read(const FoundFile& file) {
+FileReading TranscriptReader::read(const FoundFile& file) {
     FileReading reading;
     reading.file = file;
     try {
@@ -38,7 +38,7 @@ FileReading FileReader::read(const FoundFile& file) {
     return reading;
 }
 
-void FileReader::readInto(FileReading& reading) {
+void TranscriptReader::readInto(FileReading& reading) {
     const int descriptor =
         ::open(reading.file.path.constData(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     QFile file;

@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// FileReader: reads transcripts for the library, one after the other; each thread has its own.
-// Whatever is wrong with a file is that file's reason, never an exception.
+// TranscriptReader: reads transcripts for the library, one after the other; each thread has its
+// own. Whatever is wrong with a file is that file's reason, never an exception.
 
 #include <QByteArray>
 #include <QSet>
@@ -26,12 +26,12 @@ struct FileReading {
     Conversation conversation;
 };
 
-class FileReader {
+class TranscriptReader {
   public:
     using Hashes = std::shared_ptr<const QSet<QByteArray>>;
 
     /// Files whose hash is among these, if there are any, are read no further.
-    explicit FileReader(Hashes knownHashes = {});
+    explicit TranscriptReader(Hashes knownHashes = {});
 
     [[nodiscard]] FileReading read(const FoundFile& file);
 

@@ -96,10 +96,10 @@ class Indexer::Run {
     QElapsedTimer elapsed_;
     std::chrono::milliseconds pausedBefore_{0};
 
-    void read(std::vector<FoundFile> toRead, const FileReader::Hashes& known) {
+    void read(std::vector<FoundFile> toRead, const TranscriptReader::Hashes& known) {
         const auto makeWork = [known, priority = indexer_.priority_] {
             usePriority(priority);
-            return [reader = std::make_shared<FileReader>(known),
+            return [reader = std::make_shared<TranscriptReader>(known),
                     tokenizer = std::make_shared<TextTokenizer>()](const FoundFile& file) {
                 return prepared(reader->read(file), *tokenizer);
             };
