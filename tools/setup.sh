@@ -52,7 +52,7 @@ missing() {
 # another program holds a lock: apt-get's own option doesn't cover the lock of the package lists.
 apt() {
     local command=(env LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive apt-get -y "$@")
-    local patience=300 holder
+    local attemptsLeft=300 holder
     while true; do
         if [ -t 2 ]; then
             "${sudo[@]}" "${command[@]}" -o Dpkg::Progress-Fancy=1 </dev/null >&2 2>"$log" && return
@@ -60,8 +60,8 @@ apt() {
             "${sudo[@]}" "${command[@]}" -q -o Dpkg::Use-Pty=0 </dev/null >"$log" 2>&1 && return
         fi
         holder=$(sed -n 's/^E[a-z]*: Could not get lock/Could not get lock/p' "$log")
-        [ -n "$holder" ] && ((patience-- > 0)) || return
-        ((patience < 299)) || say "Waiting for another program: $holder"
+        [ -n "$holder" ] && ((attemptsLeft-- > 0)) || return
+        ((attemptsLeft < 299)) || say "Waiting for another program: $holder"
         sleep 2
     done
 }
