@@ -87,6 +87,15 @@ function(vell_library name)
     endif()
 endfunction()
 
+# Without a runtime folder Qt makes one below /tmp and leaves it there.
+function(vell_test_environment name)
+    set(runtime "${CMAKE_BINARY_DIR}/runtime")
+    file(MAKE_DIRECTORY "${runtime}")
+    file(CHMOD "${runtime}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT
+        "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;XDG_RUNTIME_DIR=${runtime}")
+endfunction()
+
 # vell_test(NAME [SOURCES …] [LINK …]): a GoogleTest program that ctest runs as one test.
 function(vell_test name)
     cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
@@ -95,12 +104,7 @@ function(vell_test name)
                                           GTest::gtest_main)
     vell_use_precompiled(${name} vell_test_headers)
     add_test(NAME ${name} COMMAND ${name})
-    # Without a runtime folder Qt makes one below /tmp and leaves it there.
-    set(runtime "${CMAKE_BINARY_DIR}/runtime")
-    file(MAKE_DIRECTORY "${runtime}")
-    file(CHMOD "${runtime}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
-    set_tests_properties(${name} PROPERTIES ENVIRONMENT
-        "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;XDG_RUNTIME_DIR=${runtime}")
+    vell_test_environment(${name})
 endfunction()
 
 # vell_fuzz(NAME [SOURCES …] [LINK …] [DICTIONARY FILE] [SEEDS FOLDER]): the program fuzz_NAME around a
@@ -116,6 +120,7 @@ function(vell_fuzz name)
     if(NOT VELL_FUZZ)
         target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp")
         add_test(NAME ${target} COMMAND ${target} "${corpus}" ${arg_SEEDS})
+        vell_test_environment(${target})
         return()
     endif()
     target_link_options(${target} PRIVATE -fsanitize=fuzzer)
@@ -128,4 +133,5 @@ function(vell_fuzz name)
     add_test(NAME ${target}
              COMMAND ${target} -max_total_time=10 -timeout=5 -rss_limit_mb=512 -print_final_stats=1
                      ${dictionary} "-artifact_prefix=${found}/" "${found}/corpus" "${corpus}" ${arg_SEEDS})
+    vell_test_environment(${target})
 endfunction()
