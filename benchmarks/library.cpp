@@ -8,6 +8,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
@@ -15,6 +16,8 @@
 #include <atomic>
 #include <cstdio>
 #include <filesystem>
+#include <random>
+#include <thread>
 #include <vector>
 
 #include "archive.h"
@@ -34,6 +37,9 @@ constexpr int repetitions = 15;
 constexpr qsizetype firstResults = 50;
 constexpr double longestSearch = 30;  // milliseconds
 constexpr double longestCount = 150;  // milliseconds
+constexpr int stops = 20;
+constexpr unsigned mostBeforeStop = 5000;  // milliseconds
+constexpr double longestStop = 100;        // milliseconds
 
 const std::atomic<bool> neverStops = false;
 
@@ -89,11 +95,35 @@ void measureIndexing(LibraryStore& store, const std::string& folder) {
     const auto files = transcriptsIn({folder}, neverStops);
     const double exported = exportMilliseconds(files);
     const Times first = timed([&] { Indexer(store).update({folder}, neverStops); });
-    std::printf("%zu files; JSON of all: %.0f ms; indexing: %.0f ms, %.0f ms by the clock\n",
-                files.size(), exported, first.processor, first.real);
+    const unsigned cores = std::max(1U, std::thread::hardware_concurrency());
+    std::printf(
+        "%zu files; JSON of all: %.0f ms; indexing: %.0f ms, %.0f ms by the clock,\n"
+        "with %.0f %% of %u processors\n",
+        files.size(), exported, first.processor, first.real,
+        100 * first.processor / first.real / cores, cores);
     report("indexing / writing JSON, processor time", first.processor / exported, 2.5);
     const Times second = timed([&] { Indexer(store).update({folder}, neverStops); });
     report("indexing once more, nothing new", second.processor, 1000, "ms");
+}
+
+/// By the clock: from the request at some moment of indexing to the end of update().
+void measureStopping(const QTemporaryDir& place, const std::string& folder) {
+    std::mt19937 random(1);
+    double longest = 0;
+    for (int i = 0; i < stops; ++i) {
+        const QString index = place.filePath(u"stopped"_s);
+        LibraryStore store(QFile::encodeName(index + u"/messages.sqlite"_s));
+        std::atomic<bool> stop = false;
+        std::thread indexing([&] { Indexer(store).update({folder}, stop); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(random() % mostBeforeStop));
+        QElapsedTimer time;
+        time.start();
+        stop = true;
+        indexing.join();
+        longest = std::max(longest, static_cast<double>(time.nsecsElapsed()) / 1e6);
+        QDir(index).removeRecursively();
+    }
+    report("stopping, the longest of twenty times", longest, longestStop, "ms");
 }
 
 void measureSize(LibraryStore& store, const QByteArray& path) {
@@ -151,5 +181,6 @@ int main() {
     measureIndexing(store, folder);
     measureSize(store, path);
     measureSearch(store, folder);
+    measureStopping(place, folder);
     return benchmarks::exitCode();
 }

@@ -11,8 +11,10 @@
 namespace vell {
 namespace {
 
-// Some 40 MB of messages in memory, a second or less of writing.
-constexpr std::size_t fullBatch = 100'000;
+// Messages in a transaction. The first ones are small, so that something can be found soon; the
+// others have some 60 MB in memory and a second or two of writing.
+constexpr std::size_t firstBatch = 25'000;
+constexpr std::size_t largestBatch = 200'000;
 
 struct OldMessage {
     qint64 number;
@@ -80,7 +82,8 @@ BatchWriter::BatchWriter(LibraryStore& store, std::function<bool()> isCancelled)
       insertMessage_(
           database_.prepare("INSERT INTO messages (id, file, sequence, time, sender, kinds, text) "
                             "VALUES (?, ?, ?, ?, ?, ?, ?)")),
-      insertWords_(database_.prepare("INSERT INTO words (rowid, text) VALUES (?, ?)")) {
+      insertWords_(database_.prepare("INSERT INTO words (rowid, text) VALUES (?, ?)")),
+      fullBatch_(firstBatch) {
     database_.interruptWhen(std::move(isCancelled));
 }
 
@@ -102,7 +105,7 @@ void BatchWriter::update(qint64 file, const FoundFile& now) {
 }
 
 bool BatchWriter::isFull() const {
-    return messageCount_ >= fullBatch;
+    return messageCount_ >= fullBatch_;
 }
 
 bool BatchWriter::flush() {
@@ -120,6 +123,7 @@ bool BatchWriter::flush() {
     removed_.clear();
     updated_.clear();
     messageCount_ = 0;
+    fullBatch_ = std::min(2 * fullBatch_, largestBatch);
     return true;
 }
 

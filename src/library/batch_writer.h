@@ -81,6 +81,7 @@ class BatchWriter {
     std::vector<qint64> removed_;
     std::vector<std::pair<qint64, FoundFile>> updated_;
     std::size_t messageCount_ = 0;
+    std::size_t fullBatch_;
     QHash<TesselUserID, qint64> people_;
     QHash<qint64, qint64> nextNumbers_;  // by the first one of the day
 

@@ -145,6 +145,10 @@ qint64 Database::lastRow() const {
     return sqlite3_last_insert_rowid(database_.get());
 }
 
+void Database::keepLogWhenClosed() {
+    sqlite3_db_config(database_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+}
+
 void Database::interruptWhen(std::function<bool()> isCancelled) {
     isCancelled_ = std::move(isCancelled);
     const auto check = [](void* database) {

@@ -82,6 +82,8 @@ class Database {
     /// The value of a query without parameters.
     [[nodiscard]] qint64 value(const QByteArray& sql) { return prepare(sql).run(); }
     [[nodiscard]] qint64 lastRow() const;
+    /// Closing it takes no time then. Whoever has it open next moves the log into the file.
+    void keepLogWhenClosed();
     /// Asks now and then while a statement runs; it fails as interrupted once this returns true.
     void interruptWhen(std::function<bool()> isCancelled);
 

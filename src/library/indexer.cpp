@@ -14,6 +14,7 @@
 
 #include "library/batch_writer.h"
 #include "library/changes.h"
+#include "library/checkpointer.h"
 #include "library/parallel_files.h"
 
 namespace vell {
@@ -67,7 +68,9 @@ class Indexer::Run {
         : indexer_(indexer),
           changes_(changes),
           stop_(stop),
-          writer_(indexer.store_, [&stop] { return stop.load(); }) {}
+          writer_(indexer.store_, [&stop] { return stop.load(); }),
+          checkpointer_(indexer.store_.path(),
+                        [priority = indexer.priority_] { usePriority(priority); }) {}
 
     void run() {
         for (const auto& [number, file] : changes_.moved)
@@ -83,6 +86,7 @@ class Indexer::Run {
         for (const qint64 number : changes_.vanished())
             writer_.remove(number);
         flush();
+        checkpointer_.finish(stop_);
     }
 
   private:
@@ -90,6 +94,7 @@ class Indexer::Run {
     Changes& changes_;
     const std::atomic<bool>& stop_;
     BatchWriter writer_;
+    Checkpointer checkpointer_;
     /// Files of known content that has to be read nevertheless.
     std::vector<FoundFile> again_;
     Progress progress_;
@@ -139,7 +144,9 @@ class Indexer::Run {
     }
 
     void flush() {
-        if (writer_.flush() && indexer_.onCommitted) indexer_.onCommitted();
+        if (!writer_.flush()) return;
+        if (indexer_.onCommitted) indexer_.onCommitted();
+        checkpointer_.run(stop_);
     }
 
     void report(qint64 size) {
@@ -188,6 +195,7 @@ void Indexer::update(const std::vector<std::string>& folders, const std::atomic<
     } catch (const DatabaseError& error) {
         if (error.kind() != DatabaseError::Kind::interrupted) throw;
     }
+    if (stop) store_.database().keepLogWhenClosed();
 }
 
 }  // namespace vell

@@ -27,7 +27,7 @@ constexpr const char* settings = R"(
     PRAGMA page_size = 8192;
     PRAGMA journal_mode = WAL;
     PRAGMA synchronous = NORMAL;
-    PRAGMA wal_autocheckpoint = 8192;
+    PRAGMA wal_autocheckpoint = 0;
     PRAGMA cache_size = -32768;
     PRAGMA temp_store = MEMORY;
 )";

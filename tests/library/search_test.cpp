@@ -63,7 +63,7 @@ QString randomQuery(const std::vector<QString>& texts, std::mt19937& random) {
 
 TEST(Search, IndexFindsWhatReadingFinds) {
     const Fixture fixture;
-    archive::write(QString::fromStdString(fixture.chats), {24, 1400, 20});
+    archive::write(QString::fromStdString(fixture.chats), {12, 600, 10});
     LibraryStore store(fixture.database);
     fixture.update(store);
     std::vector<QString> texts;
