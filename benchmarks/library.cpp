@@ -22,7 +22,6 @@
 
 #include "archive.h"
 #include "figures.h"
-#include "foundation/print.h"
 #include "library/indexer.h"
 #include "library/library_search.h"
 
@@ -170,7 +169,6 @@ void measureSearch(LibraryStore& store, const std::string& folder) {
 }  // namespace
 
 int main() {
-    foundation::setPrintFunction([](QStringView) {});
     const QTemporaryDir place;
     const QString chats = place.filePath(u"chats"_s);
     archive::write(chats, {});

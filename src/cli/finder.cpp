@@ -122,16 +122,17 @@ class Finder {
             try {
                 search(store);
             } catch (const DatabaseError& error) {
-                if (error.kind() != DatabaseError::Kind::damaged || count_ > 0) throw;
-                say(u"the index was damaged, and is made again"_s);
+                if (error.kind() != DatabaseError::Kind::damaged) throw;
                 store.startAnew();
+                // What was printed can't be taken back.
+                if (count_ > 0) throw;
+                say(u"the index was damaged, and is made again"_s);
                 search(store);
             }
             return true;
         } catch (const StoreRefusal& refusal) {
             sayWithout(refusal.reason);
         } catch (const DatabaseError& error) {
-            // What was printed can't be taken back.
             if (count_ > 0) throw;
             sayWithout(QString::fromUtf8(error.what()));
         }
@@ -192,8 +193,7 @@ int finish(const FindOptions& options) {
 }  // namespace
 
 int runFind(const QStringList& arguments) {
-    // Broken transcripts are many files' own business; vell-export tells about one.
-    foundation::setPrintFunction([](QStringView) {});
+    foundation::setPrintTarget(stderr);
     console::setDefaultConsole(std::make_shared<Console2<>>(
         FileOutputStream(stderr), FileOutputStream(stderr), LogLevel::defaultLevel()));
     try {

@@ -13,6 +13,7 @@
 
 #include "foundation/error.h"
 #include "foundation/plain_reason.h"
+#include "foundation/print.h"
 #include "foundation/whole_file.h"
 
 namespace vell {
@@ -27,6 +28,7 @@ TranscriptReader::TranscriptReader(Hashes knownHashes)
     : knownHashes_(std::move(knownHashes)), calendar_(foundation::Calendar::current()) {}
 
 FileReading TranscriptReader::read(const FoundFile& file) {
+    const foundation::SilentThread silent;
     FileReading reading;
     reading.file = file;
     try {

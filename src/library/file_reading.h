@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // TranscriptReader: reads transcripts for the library, one after the other; each thread has its
-// own. Whatever is wrong with a file is that file's reason, never an exception.
+// own. Whatever is wrong with a file is that file's reason: never an exception, nor a printed line.
 
 #include <QByteArray>
 #include <QSet>

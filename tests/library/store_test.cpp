@@ -35,6 +35,7 @@ TEST(Store, UnusableDatabasesAreMadeAnewOrLeftAlone) {
          "from a newer version"},
         {"no folder for it", "rm -r $XDG_CACHE_HOME/vell; touch $XDG_CACHE_HOME/vell",
          "its folder can't be made"},
+        {"no room for it", "ulimit -f 16", "so the files are read"},
         {"a folder at its place", "mkdir $db", "unable to open database file"},
         {"in use", "{ echo 'BEGIN EXCLUSIVE;'; sleep 9; } | sqlite3 $db & sleep 1",
          "another program is using it"},
