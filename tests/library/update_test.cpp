@@ -56,7 +56,7 @@ TEST(Update, FollowsTheFiles) {
     EXPECT_EQ(read, 0) << "nothing is new; the broken file has not changed either";
     fixture.chat(u"ann.ichat"_s, {u"cherry"_s});
     fixture.chat(u"bad.ichat"_s, {u"mended"_s});
-    fixture.chat(u"dan.ichat"_s, {u"grape"_s});
+    fixture.chat(u"dan.ichat"_s, {u"fog"_s});
     QFile::remove(fixture.path(u"eve.ichat"_s));
     update();
     EXPECT_EQ(found(store, fixture, u"apple"_s) + found(store, fixture, u"fig"_s), 0);
