@@ -1,8 +1,8 @@
 # bash completion for vell-export
 _vell_export() {
     local current=$2 previous=$3
-    local options='--format --output --output-dir --force --expand --files0-from --contacts
-        --time-zone --locale --load-log --quiet --version --help'
+    local options='--format --output --output-dir --force --expand --byte-order-mark --files0-from
+        --contacts --time-zone --locale --load-log --verbose --quiet --version --help'
     # "--format=j" comes as three words.
     if [[ ${COMP_WORDS[COMP_CWORD]} == = ]]; then
         current=
@@ -12,7 +12,7 @@ _vell_export() {
     COMPREPLY=()
     case $previous in
         -f | --format)
-            mapfile -t COMPREPLY < <(compgen -W 'markdown md text txt json' -- "$current")
+            mapfile -t COMPREPLY < <(compgen -W 'markdown md text txt json jsonl csv' -- "$current")
             ;;
         --time-zone)
             mapfile -t COMPREPLY < <(compgen -W "$(awk '!/^#/ { print $3 }' \

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "export/expansion.h"
+#include "export/message.h"
 #include "foundation/local_path.h"
 #include "foundation/plain_reason.h"
 #include "foundation/print.h"
@@ -102,7 +103,12 @@ bool Exporter::exportOne() {
 }
 
 void Exporter::write(const Input& input, const TesselChatLog& log) {
-    const auto writeTo = [&](const ByteSink& sink) { options_.format->write(log, context_, sink); };
+    const DocumentSource source{.log = log,
+                                .context = context_,
+                                .file = input.name,
+                                .followsAnother = output_.followsAnother(),
+                                .hasByteOrderMark = options_.byteOrderMark};
+    const auto writeTo = [&](const ByteSink& sink) { return options_.format->write(source, sink); };
     const quint64 limit = exportLimit(input.bytes.size());
     const auto isTooLarge = [&] {
         return (options_.format->readsAttachments && attachmentsExceed(limit, log)) ||
@@ -114,13 +120,19 @@ void Exporter::write(const Input& input, const TesselChatLog& log) {
             "(--expand allows it)"_s.arg(QString::fromLatin1(options_.format->name))
                 .arg(limit / 1'000'000)};
     }
-    output_.write(
-        input, [&](Sink& sink) { writeTo([&sink](QByteArrayView bytes) { sink.write(bytes); }); });
+    const qint64 all = messageCount(log);
+    output_.write(input, [&](Sink& sink) {
+        const qint64 written = writeTo([&sink](QByteArrayView bytes) { sink.write(bytes); });
+        if (written != all)
+            throw WriteError{u"only %1 of %2 messages could be written"_s.arg(written).arg(all)};
+    });
+    if (options_.verbose) report(all == 1 ? u"1 message"_s : u"%1 messages"_s.arg(all));
 }
 
-void Exporter::report(const QString& reason) const {
+/// Says something about the file at hand.
+void Exporter::report(const QString& text) const {
     clearProgress();
-    writeError(oneLine(u"vell-export: "_s + displayName(file_) + u": "_s + reason.simplified()) +
+    writeError(oneLine(u"vell-export: "_s + displayName(file_) + u": "_s + text.simplified()) +
                u'\n');
 }
 

@@ -35,7 +35,7 @@ class Exporter {
 
     bool exportOne();
     void write(const Input& input, const TesselChatLog& log);
-    void report(const QString& reason) const;
+    void report(const QString& text) const;
     void printDiagnostic(QStringView line) const;
     void showProgress(qsizetype done) const;
     void clearProgress() const;

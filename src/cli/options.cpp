@@ -21,18 +21,32 @@ QString formatNames() {
     return names.join(u", "_s);
 }
 
+/// A line for each.
+QString describedFormats() {
+    QString lines;
+    for (const Format& format : formats()) {
+        lines += u"                          "_s +
+                 QString::fromLatin1(format.name).leftJustified(10) +
+                 QString::fromLatin1(format.description) + u'\n';
+    }
+    return lines;
+}
+
 QString helpText() {
     return u"Usage: vell-export [OPTION]… [--] FILE…\n"
            "  or:  vell-export [OPTION]… --files0-from LIST\n"
            "Writes transcripts in another format; \"-\" is standard input.\n"
            "\n"
-           "  -f, --format NAME     %1 (default: %2)\n"
-           "  -o, --output NAME     where to write: a file, a folder that exists or ends with\n"
+           "  -f, --format NAME     the format (default: %1):\n"_s.arg(
+               QString::fromLatin1(formats()[0].name)) +
+           describedFormats() +
+           u"  -o, --output NAME     where to write: a file, a folder that exists or ends with\n"
            "                        \"/\", a pipe or a device; \"-\" is standard output, the\n"
            "                        default\n"
            "  -d, --output-dir DIR  write into this folder, which is created if necessary\n"
            "      --force           replace existing files\n"
            "      --expand          also write documents that are far larger than their files\n"
+           "      --byte-order-mark  begin CSV with a mark, which some spreadsheets need\n"
            "      --files0-from LIST  export the files named in LIST, each name terminated by\n"
            "                        a null byte; \"-\" is standard input\n"
            "      --contacts FILE   take the names of people from these vCards; may be repeated\n"
@@ -40,13 +54,13 @@ QString helpText() {
            "                        (default: yours)\n"
            "      --locale LOCALE   language and style of dates, such as en_GB (default: yours)\n"
            "      --load-log        for a file that can't be read, print what was tried\n"
+           "  -v, --verbose         print how many messages each document has\n"
            "  -q, --quiet           report failures only\n"
            "      --version         print the version\n"
            "  -h, --help            print this help\n"
            "\n"
            "In a folder, documents are named after their files. Exit status: 0 success, 1 a file\n"
-           "couldn't be read or written, 2 wrong usage.\n"_s.arg(
-               formatNames(), QString::fromLatin1(formats()[0].name));
+           "couldn't be read or written, 2 wrong usage.\n"_s;
 }
 
 struct Arguments {
@@ -55,19 +69,21 @@ struct Arguments {
     const QCommandLineOption outputDir{{u"d"_s, u"output-dir"_s}, {}, u"DIR"_s};
     const QCommandLineOption force{u"force"_s};
     const QCommandLineOption expand{u"expand"_s};
+    const QCommandLineOption byteOrderMark{u"byte-order-mark"_s};
     const QCommandLineOption files0From{u"files0-from"_s, {}, u"LIST"_s};
     const QCommandLineOption contacts{u"contacts"_s, {}, u"FILE"_s};
     const QCommandLineOption timeZone{u"time-zone"_s, {}, u"ZONE"_s};
     const QCommandLineOption locale{u"locale"_s, {}, u"LOCALE"_s};
     const QCommandLineOption loadLog{u"load-log"_s};
+    const QCommandLineOption verbose{{u"v"_s, u"verbose"_s}};
     const QCommandLineOption quiet{{u"q"_s, u"quiet"_s}};
     const QCommandLineOption version{u"version"_s};
     const QCommandLineOption help{{u"h"_s, u"help"_s}};
     QCommandLineParser parser;
 
     explicit Arguments(const QStringList& arguments) {
-        parser.addOptions({format, output, outputDir, force, expand, files0From, contacts, timeZone,
-                           locale, loadLog, quiet, version, help});
+        parser.addOptions({format, output, outputDir, force, expand, byteOrderMark, files0From,
+                           contacts, timeZone, locale, loadLog, verbose, quiet, version, help});
         // The parser takes its first argument for the program's name.
         if (!parser.parse(QStringList(u"vell-export"_s) + arguments))
             throw UsageError{parser.errorText()};
@@ -158,6 +174,8 @@ Options parseOptions(const QStringList& arguments) {
         .outputIsFolder = false,
         .force = parser.isSet(given.force),
         .expand = parser.isSet(given.expand),
+        .byteOrderMark = parser.isSet(given.byteOrderMark),
+        .verbose = parser.isSet(given.verbose),
         .quiet = parser.isSet(given.quiet),
         .printsLoadLog = parser.isSet(given.loadLog),
         .contacts = parser.values(given.contacts),

@@ -7,8 +7,8 @@
 #include <QString>
 #include <QStringList>
 
-#include "cli/format.h"
 #include "cli/standard_streams.h"
+#include "export/format.h"
 #include "foundation/calendar.h"
 
 namespace vell {
@@ -20,6 +20,8 @@ struct Options {
     bool outputIsFolder = false;     ///< by its name, whether or not it exists
     bool force = false;
     bool expand = false;  ///< also out of all proportion
+    bool byteOrderMark = false;
+    bool verbose = false;
     bool quiet = false;
     bool printsLoadLog = false;
     QStringList contacts;  ///< vCard files

@@ -51,6 +51,9 @@ class Output {
     /// Whether documents go to standard output or the like.
     [[nodiscard]] bool isStream() const { return stream_ >= 0; }
 
+    /// Whether the next document goes to the same stream as one before it.
+    [[nodiscard]] bool followsAnother() const { return isStream() && hasWritten_; }
+
   private:
     using FileIdentity = std::pair<dev_t, ino_t>;
 

@@ -20,8 +20,9 @@ QString systemReason() {
 }
 
 void Sink::write(QByteArrayView bytes) {
-    if (held_.size() + bytes.size() > maxHeldSize) flush();
-    if (bytes.size() > maxHeldSize)
+    const bool isLarge = bytes.size() > maxHeldSize / 2;
+    if (isLarge || held_.size() + bytes.size() > maxHeldSize) flush();
+    if (isLarge)
         writeNow(bytes);
     else
         held_ += bytes;

@@ -63,7 +63,8 @@ class NextContent {
 
 }  // namespace
 
-void visit(const TesselChatLog& log, ChatLogVisitor& visitor) {
+qint64 visit(const TesselChatLog& log, ChatLogVisitor& visitor) {
+    qint64 messages = 0;
     const auto& events = log.events();
     NextContent nextContent(events);
     for (std::size_t i = 0; i < events.size();) {
@@ -81,13 +82,16 @@ void visit(const TesselChatLog& log, ChatLogVisitor& visitor) {
                 break;
             case EventRole::systemMessage:
                 visitor.systemMessage(message);
+                ++messages;
                 break;
             case EventRole::content:
                 visitor.message(message);
+                ++messages;
                 break;
         }
         i += message.size();
     }
+    return messages;
 }
 
 }  // namespace vell

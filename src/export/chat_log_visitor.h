@@ -27,6 +27,7 @@ class ChatLogVisitor {
     ~ChatLogVisitor() = default;
 };
 
-void visit(const TesselChatLog& log, ChatLogVisitor& visitor);
+/// Returns the number of messages that were visited, system messages among them.
+qint64 visit(const TesselChatLog& log, ChatLogVisitor& visitor);
 
 }  // namespace vell

@@ -6,96 +6,160 @@
 #include <utility>
 
 #include "export/json_writer.h"
+#include "export/message.h"
 #include "transcript/chat_log.h"
 
 namespace vell {
 namespace {
 
+using Event = TesselChatLog::Event;
+
 constexpr qint64 schemaVersion = 1;
-constexpr qsizetype pieceSize = 1 << 16;
 
 class JsonRenderer {
   public:
-    explicit JsonRenderer(const ByteSink& output) : output_(output) {}
-    void write(const TesselChatLog& log);
+    JsonRenderer(const TesselChatLog& log, const ByteSink& output,
+                 const AttachmentPaths& attachments)
+        : log_(log), attachments_(attachments), writer_(output) {}
+    qint64 write();
+    qint64 writeLines(const QString& file);
 
     // Each writes the kind and its members.
     void operator()(const TesselChatLog::PlainText& value);
     void operator()(const TesselChatLog::Image& value);
     void operator()(const TesselChatLog::File& value);
     void operator()(const TesselChatLog::Link& value);
-    void operator()(const TesselChatLog::NewDay&) { stringMember("kind", u"newDay"); }
-    void operator()(const TesselChatLog::NewMinute&) { stringMember("kind", u"newMinute"); }
-    void operator()(const TesselChatLog::User&) { stringMember("kind", u"user"); }
+    void operator()(const TesselChatLog::NewDay&) { kind("newDay"); }
+    void operator()(const TesselChatLog::NewMinute&) { kind("newMinute"); }
+    void operator()(const TesselChatLog::User&) { kind("user"); }
 
   private:
-    const ByteSink& output_;
+    const TesselChatLog& log_;
+    const AttachmentPaths& attachments_;
     JsonWriter writer_;
+    qint64 messages_ = 0;
+    qint64 sequence_ = 0;  // of the event at hand
     // By where the bytes are: one picture may occur in a log a thousand times.
     std::map<std::pair<const char*, qsizetype>, QString> hashes_;
+    // What neighbouring events share, as it is written.
+    foundation::Date time_;
+    JsonWriter timeMembers_;
+    const TesselUserID* sender_ = nullptr;
+    JsonWriter senderMember_;
 
-    void stringMember(const char* key, QStringView text);
-    void optionalMember(const char* key, const std::optional<QString>& text);
-    void numberMember(const char* key, qint64 value);
+    template <std::size_t size>
+    void kind(const char (&name)[size]);
+    template <std::size_t size>
+    void stringMember(const char (&key)[size], QStringView text);
+    template <std::size_t size>
+    void optionalMember(const char (&key)[size], const std::optional<QString>& text);
     void contentMembers(const foundation::Data* data);
-    void user(const TesselUserID& user);
-    void event(const TesselChatLog::Event& event);
-    void endPiece();
+    void attachmentMember();
+    void event(std::size_t index);
+    void timeMembers(foundation::Date time);
+    void senderMember(const SharedUserID& sender);
     const QString& sha256(const foundation::Data& data);
 };
 
-void JsonRenderer::write(const TesselChatLog& log) {
+void writeUser(JsonWriter& writer, const TesselUserID& user) {
+    writer.beginObject();
+    writer.key("serviceID");
+    writer.string(user.serviceID.rawValue);
+    writer.key("userID");
+    writer.string(user.userID);
+    writer.endObject();
+}
+
+qint64 JsonRenderer::write() {
     writer_.beginObject();
-    numberMember("schema", schemaVersion);
-    stringMember("serviceID", log.serviceID().rawValue);
+    writer_.key("schema");
+    writer_.number(schemaVersion);
+    stringMember("serviceID", log_.serviceID().rawValue);
     writer_.key("ownUserID");
-    user(log.ownUserID());
+    writeUser(writer_, log_.ownUserID());
     writer_.key("otherUserIDs");
     writer_.beginArray();
-    for (const TesselUserID& other : sorted(log.otherUserIDs())) {
-        user(other);
-        endPiece();
-    }
+    for (const TesselUserID& other : sorted(log_.otherUserIDs()))
+        writeUser(writer_, other);
     writer_.endArray();
     writer_.key("events");
     writer_.beginArray();
-    for (const TesselChatLog::Event& each : log.events()) {
+    for (std::size_t i = 0; i < log_.events().size(); ++i) {
         writer_.breakLine();
-        event(each);
-        endPiece();
+        writer_.beginObject();
+        event(i);
+        writer_.endObject();
     }
     writer_.breakLine();
     writer_.endArray();
     writer_.endObject();
-    output_(writer_.take() + '\n');
+    writer_.endLine();
+    writer_.flush();
+    return messages_;
 }
 
-void JsonRenderer::endPiece() {
-    if (writer_.size() >= pieceSize) output_(writer_.take());
+qint64 JsonRenderer::writeLines(const QString& file) {
+    JsonWriter member;
+    member.key("file");
+    member.string(file);
+    const QByteArray fileMember = member.take();
+    for (std::size_t i = 0; i < log_.events().size(); ++i) {
+        writer_.beginObject();
+        writer_.written(fileMember);
+        event(i);
+        writer_.endObject();
+        writer_.endLine();
+    }
+    writer_.flush();
+    return messages_;
 }
 
-void JsonRenderer::event(const TesselChatLog::Event& event) {
-    writer_.beginObject();
-    numberMember("sequence", event.sequence);
-    optionalMember("timestamp", event.timestamp.iso8601());
-    writer_.key("secondsSinceReferenceDate");
-    writer_.number(event.timestamp.secondsSinceReferenceDate);
-    writer_.key("sender");
-    if (event.sender)
-        user(*event.sender);
-    else
-        writer_.null();
+void JsonRenderer::event(std::size_t index) {
+    const Event& event = log_.events()[index];
+    sequence_ = event.sequence;
+    writer_.key("sequence");
+    writer_.number(event.sequence);
+    timeMembers(event.timestamp);
+    senderMember(event.sender);
     std::visit(*this, event.value);
-    writer_.endObject();
+    if (beginsMessage(log_, index)) ++messages_;
+}
+
+void JsonRenderer::timeMembers(foundation::Date time) {
+    if (timeMembers_.view().isEmpty() || time_ != time) {
+        timeMembers_.clear();
+        timeMembers_.key("timestamp");
+        const auto text = time.iso8601();
+        text ? timeMembers_.string(*text) : timeMembers_.null();
+        timeMembers_.key("secondsSinceReferenceDate");
+        timeMembers_.number(time.secondsSinceReferenceDate);
+        time_ = time;
+    }
+    writer_.written(timeMembers_.view());
+}
+
+void JsonRenderer::senderMember(const SharedUserID& sender) {
+    if (!sender) {
+        writer_.key("sender");
+        writer_.null();
+        return;
+    }
+    if (&*sender != sender_) {
+        senderMember_.clear();
+        senderMember_.key("sender");
+        writeUser(senderMember_, *sender);
+        sender_ = &*sender;
+    }
+    writer_.written(senderMember_.view());
 }
 
 void JsonRenderer::operator()(const TesselChatLog::PlainText& value) {
-    stringMember("kind", u"plainText");
+    kind("plainText");
     stringMember("text", value.text);
 }
 
 void JsonRenderer::operator()(const TesselChatLog::Image& value) {
-    stringMember("kind", u"image");
+    kind("image");
     stringMember("type", value.type());
     optionalMember("path", value.path());
     contentMembers(&value.data());
@@ -104,36 +168,41 @@ void JsonRenderer::operator()(const TesselChatLog::Image& value) {
     size ? writer_.number(qint64(size->width())) : writer_.null();
     writer_.key("pixelHeight");
     size ? writer_.number(qint64(size->height())) : writer_.null();
+    attachmentMember();
 }
 
 void JsonRenderer::operator()(const TesselChatLog::File& value) {
     const foundation::FileWrapper& wrapper = *value.wrapper;
-    stringMember("kind", u"file");
+    kind("file");
     optionalMember("fileName", wrapper.filename ? wrapper.filename : wrapper.preferredFilename);
     writer_.key("isDirectory");
     writer_.boolean(wrapper.isDirectory());
     contentMembers(wrapper.isRegularFile() && wrapper.contents ? &*wrapper.contents : nullptr);
+    attachmentMember();
 }
 
 void JsonRenderer::operator()(const TesselChatLog::Link& value) {
-    stringMember("kind", u"link");
+    kind("link");
     stringMember("url", value.url->absoluteString());
     stringMember("title", value.title);
 }
 
-void JsonRenderer::stringMember(const char* key, QStringView text) {
+template <std::size_t size>
+void JsonRenderer::kind(const char (&name)[size]) {
+    writer_.key("kind");
+    writer_.ascii({name, static_cast<qsizetype>(size) - 1});
+}
+
+template <std::size_t size>
+void JsonRenderer::stringMember(const char (&key)[size], QStringView text) {
     writer_.key(key);
     writer_.string(text);
 }
 
-void JsonRenderer::optionalMember(const char* key, const std::optional<QString>& text) {
+template <std::size_t size>
+void JsonRenderer::optionalMember(const char (&key)[size], const std::optional<QString>& text) {
     writer_.key(key);
     text ? writer_.string(*text) : writer_.null();
-}
-
-void JsonRenderer::numberMember(const char* key, qint64 value) {
-    writer_.key(key);
-    writer_.number(value);
 }
 
 void JsonRenderer::contentMembers(const foundation::Data* data) {
@@ -143,11 +212,10 @@ void JsonRenderer::contentMembers(const foundation::Data* data) {
     data ? writer_.string(sha256(*data)) : writer_.null();
 }
 
-void JsonRenderer::user(const TesselUserID& user) {
-    writer_.beginObject();
-    stringMember("serviceID", user.serviceID.rawValue);
-    stringMember("userID", user.userID);
-    writer_.endObject();
+/// Only of what was written out, so that documents without are what they always were.
+void JsonRenderer::attachmentMember() {
+    if (const auto path = attachments_.constFind(sequence_); path != attachments_.cend())
+        stringMember("attachment", *path);
 }
 
 const QString& JsonRenderer::sha256(const foundation::Data& data) {
@@ -161,8 +229,14 @@ const QString& JsonRenderer::sha256(const foundation::Data& data) {
 
 }  // namespace
 
-void writeJson(const TesselChatLog& log, const ByteSink& output) {
-    JsonRenderer(output).write(log);
+qint64 writeJson(const TesselChatLog& log, const ByteSink& output,
+                 const AttachmentPaths& attachments) {
+    return JsonRenderer(log, output, attachments).write();
+}
+
+qint64 writeJsonLines(const TesselChatLog& log, const QString& file, const ByteSink& output,
+                      const AttachmentPaths& attachments) {
+    return JsonRenderer(log, output, attachments).writeLines(file);
 }
 
 }  // namespace vell

@@ -1,31 +1,48 @@
 // SPDX-License-Identifier: MIT
 #include "export/json_writer.h"
 
-#include <QChar>
-#include <charconv>
 #include <cmath>
-#include <cstring>
+#include <optional>
 
 namespace vell {
+namespace {
 
-void JsonWriter::key(const char* name) {
-    beginValue();
-    buffer_ += '"';
-    buffer_ += name;
-    buffer_ += "\":";
-    wantsComma_ = false;
+/// Most numbers are dates with few decimals. Finding the fewest digits of any double takes ten
+/// times as long as this, which has the same result: in this range no two thousandths are the same
+/// double.
+std::optional<qint64> wholeThousandths(double value) {
+    if (!(value > 0 && value < 1e12)) return std::nullopt;
+    const qint64 thousandths = std::llround(value * 1000);
+    if (static_cast<double>(thousandths) / 1000 != value) return std::nullopt;
+    return thousandths;
 }
+
+}  // namespace
 
 void JsonWriter::string(QStringView text) {
     beginValue();
-    buffer_ += '"';
-    appendEscaped(text);
-    buffer_ += '"';
+    out_.append('"');
+    const auto isSpecial = [](char16_t c) { return (c < 0x20) | (c == u'"') | (c == u'\\'); };
+    out_.appendText(text, isSpecial, [this](char c) {
+        constexpr char hexDigits[] = "0123456789abcdef";
+        constexpr char namedEscapes[] = "btn\0fr";  // from U+0008 on
+        out_.append('\\');
+        if (c == '"' || c == '\\') {
+            out_.append(c);
+        } else if (c >= 8 && c <= 13 && namedEscapes[c - 8] != 0) {
+            out_.append(namedEscapes[c - 8]);
+        } else {
+            out_.append("u00");
+            out_.append(hexDigits[c >> 4]);
+            out_.append(hexDigits[c & 15]);
+        }
+    });
+    out_.append('"');
 }
 
 void JsonWriter::number(qint64 value) {
     beginValue();
-    buffer_ += QByteArray::number(value);
+    out_.appendNumber(value);
 }
 
 void JsonWriter::number(double value) {
@@ -36,73 +53,33 @@ void JsonWriter::number(double value) {
     beginValue();
     // The fewest digits; an exponent only where there would be a long row of zeros.
     const double size = std::abs(value);
-    const bool isPlain = value == 0 || (size >= 1e-6 && size < 1e15);
-    char digits[32];
-    const auto end = isPlain
-                         ? std::to_chars(digits, std::end(digits), value, std::chars_format::fixed)
-                         : std::to_chars(digits, std::end(digits), value);
-    buffer_.append(digits, end.ptr - digits);
+    if (const std::optional<qint64> thousandths = wholeThousandths(size)) {
+        if (value < 0) out_.append('-');
+        appendThousandths(*thousandths);
+    } else if (value == 0 || (size >= 1e-6 && size < 1e15)) {
+        out_.appendNumber(value, std::chars_format::fixed);
+    } else {
+        out_.appendNumber(value);
+    }
+}
+
+void JsonWriter::appendThousandths(qint64 thousandths) {
+    out_.appendNumber(thousandths / 1000);
+    if (thousandths % 1000 == 0) return;
+    out_.append('.');
+    qint64 rest = thousandths % 1000;
+    for (qint64 unit = 100; rest > 0; rest %= unit, unit /= 10)
+        out_.append(static_cast<char>('0' + rest / unit));
 }
 
 void JsonWriter::boolean(bool value) {
     beginValue();
-    buffer_ += value ? "true" : "false";
+    value ? out_.append("true") : out_.append("false");
 }
 
 void JsonWriter::null() {
     beginValue();
-    buffer_ += "null";
-}
-
-void JsonWriter::open(char bracket) {
-    beginValue();
-    buffer_ += bracket;
-    wantsComma_ = false;
-}
-
-void JsonWriter::close(char bracket) {
-    if (std::exchange(wantsLineFeed_, false)) buffer_ += '\n';
-    buffer_ += bracket;
-    wantsComma_ = true;
-}
-
-void JsonWriter::beginValue() {
-    if (std::exchange(wantsComma_, true)) buffer_ += ',';
-    if (std::exchange(wantsLineFeed_, false)) buffer_ += '\n';
-}
-
-void JsonWriter::appendEscaped(QStringView text) {
-    constexpr char hexDigits[] = "0123456789abcdef";
-    qsizetype begin = 0;  // of what was not yet written
-    const auto flush = [&](qsizetype end) {
-        if (end > begin) buffer_ += text.sliced(begin, end - begin).toUtf8();
-        begin = end + 1;
-    };
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const char16_t unit = text[i].unicode();
-        if (QChar::isHighSurrogate(unit) && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
-            ++i;
-        } else if (QChar::isSurrogate(unit)) {
-            flush(i);
-            buffer_ += "\xef\xbf\xbd";
-        } else if (unit == u'"' || unit == u'\\') {
-            flush(i);
-            buffer_ += '\\';
-            buffer_ += static_cast<char>(unit);
-        } else if (unit < 0x20) {
-            flush(i);
-            constexpr char namedEscapes[] = "btn\0fr";  // from U+0008 on
-            buffer_ += '\\';
-            if (unit >= 8 && unit <= 13 && namedEscapes[unit - 8] != 0) {
-                buffer_ += namedEscapes[unit - 8];
-            } else {
-                buffer_ += "u00";
-                buffer_ += hexDigits[unit >> 4];
-                buffer_ += hexDigits[unit & 15];
-            }
-        }
-    }
-    flush(text.size());
+    out_.append("null");
 }
 
 }  // namespace vell

@@ -174,12 +174,13 @@ QString generatePlainText(const TesselChatLog& log, const ContactsStore& contact
     return sink.take();
 }
 
-void writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts, const ByteSink& output,
-                   const TextRenderSettings& settings) {
+qint64 writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts,
+                     const ByteSink& output, const TextRenderSettings& settings) {
     TextSink sink(output);
     Renderer renderer(log, contacts, settings, sink);
-    visit(log, renderer);
+    const qint64 messages = visit(log, renderer);
     sink.passOn();
+    return messages;
 }
 
 }  // namespace vell

@@ -15,8 +15,10 @@ class TesselChatLog;
 [[nodiscard]] QString generatePlainText(const TesselChatLog& log, const ContactsStore& contacts,
                                         const TextRenderSettings& settings = TextRenderSettings());
 
-/// Writes it piece by piece. What the output throws passes through.
-void writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts, const ByteSink& output,
-                   const TextRenderSettings& settings = TextRenderSettings());
+/// Writes it piece by piece. Returns the number of messages written.
+/// What the output throws passes through.
+qint64 writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts,
+                     const ByteSink& output,
+                     const TextRenderSettings& settings = TextRenderSettings());
 
 }  // namespace vell

@@ -25,6 +25,16 @@ struct ContentOf {
     Content operator()(const TesselChatLog::User&) const { return std::nullopt; }
 };
 
+struct IsContent {
+    bool operator()(const TesselChatLog::PlainText&) const { return true; }
+    bool operator()(const TesselChatLog::Link&) const { return true; }
+    bool operator()(const TesselChatLog::Image&) const { return true; }
+    bool operator()(const TesselChatLog::File&) const { return true; }
+    bool operator()(const TesselChatLog::NewDay&) const { return false; }
+    bool operator()(const TesselChatLog::NewMinute&) const { return false; }
+    bool operator()(const TesselChatLog::User&) const { return false; }
+};
+
 bool isEmptyText(const Event& event) {
     const auto* text = plainText(event);
     return text && text->text.isEmpty();
@@ -64,13 +74,31 @@ void PieceReader::appendTextsTo(QString& text) {
     }
 }
 
+bool isContent(const Event& event) {
+    return std::visit(IsContent(), event.value);
+}
+
+bool beginsMessage(const TesselChatLog& log, std::size_t index) {
+    return isContent(log.events()[index]) && !log.continuesMessage(index);
+}
+
+qint64 messageCount(const TesselChatLog& log) {
+    qint64 count = 0;
+    for (std::size_t i = 0; i < log.events().size(); ++i)
+        count += beginsMessage(log, i) ? 1 : 0;
+    return count;
+}
+
 bool isEmpty(Message message) {
     return std::all_of(message.begin(), message.end(), isEmptyText);
 }
 
+QString fileName(const foundation::FileWrapper& wrapper) {
+    return wrapper.filename.value_or(wrapper.preferredFilename.value_or(QStringLiteral("unnamed")));
+}
+
 QString fileLine(const foundation::FileWrapper& wrapper) {
-    const QString name =
-        wrapper.filename.value_or(wrapper.preferredFilename.value_or(QStringLiteral("unnamed")));
+    const QString name = fileName(wrapper);
     switch (wrapper.kind) {
         case foundation::FileWrapper::Kind::regularFile:
             return QStringLiteral("File: ") + name + QStringLiteral(" (") +

@@ -43,9 +43,18 @@ class PieceReader {
     void appendTextsTo(QString& text);
 };
 
+/// Whether the event is a piece of a message; the others are markers.
+[[nodiscard]] bool isContent(const TesselChatLog::Event& event);
+/// Whether the event at the index is the first piece of a message.
+[[nodiscard]] bool beginsMessage(const TesselChatLog& log, std::size_t index);
+/// The number of messages in the log, without which no document is complete.
+[[nodiscard]] qint64 messageCount(const TesselChatLog& log);
+
 /// Whether the message consists of empty texts.
 [[nodiscard]] bool isEmpty(Message message);
 
+/// The name of a file in a transcript; "unnamed" without one.
+[[nodiscard]] QString fileName(const foundation::FileWrapper& wrapper);
 /// "File: NAME (1234 bytes)", "Folder: NAME (2 entries)", "Symbolic link: NAME"; not escaped.
 [[nodiscard]] QString fileLine(const foundation::FileWrapper& wrapper);
 /// Where the picture came from: its path, else a file name that says what it is.

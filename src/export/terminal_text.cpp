@@ -187,12 +187,13 @@ void Renderer::clean(QStringView text) {
 
 }  // namespace
 
-void writeTerminalText(const TesselChatLog& log, const ContactsStore& contacts,
-                       const ByteSink& output, const TextRenderSettings& settings) {
+qint64 writeTerminalText(const TesselChatLog& log, const ContactsStore& contacts,
+                         const ByteSink& output, const TextRenderSettings& settings) {
     TextSink sink(output);
     Renderer renderer(contacts, settings, sink);
-    visit(log, renderer);
+    const qint64 messages = visit(log, renderer);
     sink.passOn();
+    return messages;
 }
 
 }  // namespace vell

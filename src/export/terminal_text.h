@@ -26,9 +26,10 @@ class ContactsStore;
 class TesselChatLog;
 
 /// UTF-8 with line feeds only, the last line ended; nothing without events. Of the settings only
-/// the formatters are used. What the output throws passes through.
-void writeTerminalText(const TesselChatLog& log, const ContactsStore& contacts,
-                       const ByteSink& output,
-                       const TextRenderSettings& settings = TextRenderSettings());
+/// the formatters are used. Returns the number of messages written.
+/// What the output throws passes through.
+qint64 writeTerminalText(const TesselChatLog& log, const ContactsStore& contacts,
+                         const ByteSink& output,
+                         const TextRenderSettings& settings = TextRenderSettings());
 
 }  // namespace vell

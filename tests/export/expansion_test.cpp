@@ -5,10 +5,9 @@
 
 #include <algorithm>
 
-#include "export/json.h"
+#include "export/format.h"
 #include "export/log_builder.h"
-#include "export/markdown.h"
-#include "export/terminal_text.h"
+#include "export/message.h"
 #include "identity/contacts/contacts_store.h"
 
 using namespace Qt::StringLiterals;
@@ -18,12 +17,10 @@ namespace {
 
 const ContactsStore contacts({{u"c"_s, {u"1"_s, u"c"_s, QString(3000, u'n'), std::nullopt}}});
 
-void markdown(const TesselChatLog& log, const ByteSink& output) {
-    writeMarkdown(log, contacts, output);
-}
-
-void text(const TesselChatLog& log, const ByteSink& output) {
-    writeTerminalText(log, contacts, output);
+qint64 write(const char* format, const TesselChatLog& log, const ByteSink& output) {
+    const FormatContext context(foundation::Calendar::current(), "C", contacts);
+    return findFormat(QString::fromLatin1(format))
+        ->write({.log = log, .context = context, .file = u"a.ichat"_s}, output);
 }
 
 /// Messages with the same text, by all senders in turn.
@@ -65,33 +62,41 @@ TEST(Expansion, CountsWhatEachFormatWritesAndReads) {
     };
     for (const auto& row : rows) {
         const TesselChatLog log = row.log.log();
-        const auto expands = [&](bool reads, const auto& write) {
-            return (reads && attachmentsExceed(60'000, log)) ||
+        const auto expands = [&](const char* format) {
+            return (findFormat(QString::fromLatin1(format))->readsAttachments &&
+                    attachmentsExceed(60'000, log)) ||
                    expandsBeyond(60'000, ExpansionBound(log), contacts,
-                                 [&](const ByteSink& output) { write(log, output); });
+                                 [&](const ByteSink& output) { write(format, log, output); });
         };
-        EXPECT_EQ(expands(false, markdown), row.inMarkdown) << row.what;
-        EXPECT_EQ(expands(true, writeJson), row.inJson) << row.what;
+        EXPECT_EQ(expands("markdown"), row.inMarkdown) << row.what;
+        EXPECT_EQ(expands("json"), row.inJson) << row.what;
     }
     EXPECT_EQ(exportLimit(1'000'000), (64U << 20) + 16'000'000U);
 }
 
-TEST(Expansion, DocumentsAreWrittenPieceByPiece) {
-    LogBuilder log;
+TEST(Expansion, DocumentsAreWrittenPieceByPieceAndWithinTheirBound) {
+    const QString longest = u"<\U0001f408\x01&"_s.repeated(1000);
+    LogBuilder builder;
     for (int i = 0; i < 10; ++i) {
-        log.text(u"b"_s, QString(5'000, u'x'));
-        for (int run = 0; run < 100; ++run)
-            log.joined().link(u"b"_s, u"a:b"_s, QString(5'000, u'x'));
+        builder.text(u"b"_s, longest);
+        for (int run = 0; run < 20; ++run)
+            builder.joined().link(u"b"_s, u"http://a/"_s, longest);
+        builder.newDay().image(u"c"_s, longest).file(u"\""_s, longest, "contents").system(u"=\""_s);
     }
-    for (const auto write : {&markdown, &text, &writeJson}) {
+    const TesselChatLog log = builder.log();
+    for (const Format& format : formats()) {
+        SCOPED_TRACE(format.name);
         qsizetype largest = 0;
-        qsizetype sum = 0;
-        write(log.log(), [&](QByteArrayView bytes) {
+        quint64 sum = 0;
+        const qint64 messages = write(format.name, log, [&](QByteArrayView bytes) {
             largest = std::max(largest, bytes.size());
-            sum += bytes.size();
+            sum += static_cast<quint64>(bytes.size());
         });
-        EXPECT_GT(sum, 5'000'000);
-        EXPECT_LT(largest, 200'000);
+        EXPECT_EQ(messages, 40);
+        EXPECT_EQ(messages, messageCount(log));
+        EXPECT_GT(sum, 1'000'000U);
+        EXPECT_LT(sum, ExpansionBound(log).bytes(contacts));
+        EXPECT_LT(largest, 250'000);
     }
 }
 

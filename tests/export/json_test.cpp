@@ -25,6 +25,11 @@ TEST(Json, NumbersComeBackAsTheyWere) {
         {0.1, "0.1"},
         {-63113904000.0, "-63113904000"},
         {9.4e12, "9400000000000"},
+        {-0.5, "-0.5"},
+        {1000.05, "1000.05"},
+        {0.001, "0.001"},
+        {999999999999.999, "999999999999.999"},
+        {0.0005, "0.0005"},
         {1e300, "1e+300"},
         {5e-324, "5e-324"},
         {268405445.123456, "268405445.123456"},
@@ -40,10 +45,10 @@ TEST(Json, NumbersComeBackAsTheyWere) {
 
 TEST(Json, TextIsEscapedAndValidUtf8) {
     JsonWriter writer;
-    writer.string(u"\"\\/\b\t\n\f\r\x0b\x01\x7fé\U0001d4b3"_s + QChar(0xd835) + u'x' +
-                  QChar(0xdcb3) + QChar(0));
+    writer.string(u"longer than a block \"\\/\b\t\n\f\r\x0b\x01\x7fé\U0001d4b3"_s + QChar(0xd835) +
+                  u'x' + QChar(0xdcb3) + QChar(0));
     EXPECT_EQ(writer.take().toStdString(),
-              "\"\\\"\\\\/\\b\\t\\n\\f\\r\\u000b\\u0001\x7f"
+              "\"longer than a block \\\"\\\\/\\b\\t\\n\\f\\r\\u000b\\u0001\x7f"
               "é\U0001d4b3\ufffdx\ufffd\\u0000\"");
 }
 

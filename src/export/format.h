@@ -2,13 +2,14 @@
 // SPDX-License-Identifier: MIT
 //
 // The formats that a chat log can be written in. To add one, add its function and a row to the
-// table in format.cpp.
+// table in format.cpp; programs, their help and their menus offer what is in it.
 
 #include <QByteArray>
 #include <QString>
 #include <optional>
 #include <span>
 
+#include "export/attachment_paths.h"
 #include "export/text_render_settings.h"
 #include "export/text_sink.h"
 #include "foundation/calendar.h"
@@ -40,13 +41,26 @@ class FormatContext {
     mutable std::optional<TextRenderSettings> settings_;
 };
 
+/// One document: what it is made of, and what its format may need to know besides.
+struct DocumentSource {
+    const TesselChatLog& log;
+    const FormatContext& context;
+    QString file;                   ///< the transcript, as documents that name it do
+    AttachmentPaths attachments{};  ///< of what was written beside the document
+    bool followsAnother = false;    ///< in the same stream and format
+    bool hasByteOrderMark = false;  ///< in formats that may have one
+};
+
 struct Format {
     const char* name;       ///< as given on the command line
     const char* extension;  ///< of files, without a dot; the other name on the command line
-    const char* separator;  ///< between two documents of one stream
-    bool readsAttachments;  ///< not only their sizes and names
-    /// Writes one document; what the output throws passes through.
-    void (*write)(const TesselChatLog& log, const FormatContext& context, const ByteSink& output);
+    const char* mimeType;
+    const char* description;  ///< a few words for people
+    const char* separator;    ///< between two documents of one stream
+    bool readsAttachments;    ///< not only their sizes and names
+    /// Writes one document and returns the number of messages in it; what the output throws passes
+    /// through.
+    qint64 (*write)(const DocumentSource& source, const ByteSink& output);
 };
 
 /// All of them, the default one first.
