@@ -13,6 +13,8 @@ namespace benchmarks {
 [[nodiscard]] double processorMilliseconds(clockid_t clock = CLOCK_THREAD_CPUTIME_ID);
 /// The most memory this process has had; 0 where the system doesn't say.
 [[nodiscard]] double peakBytes();
+/// From now on the peak is that of the time after.
+void forgetPeak();
 /// Of values in any order, not empty: 0.5 is the median.
 [[nodiscard]] double quantile(std::vector<double> values, double part);
 

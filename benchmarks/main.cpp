@@ -78,8 +78,18 @@ void reportIfMeasured(const char* what, std::optional<double> figure, double lim
     if (figure) benchmarks::report(what, *figure, limit);
 }
 
-/// The highest peak memory of a benchmark, in sizes of its file.
+/// The highest peak memory of a benchmark, in sizes of its file, and in megabytes.
 std::map<std::string, double> memoryRatios;
+std::map<std::string, double> memories;
+
+struct DocumentTask {
+    const char* name;
+    Task task;
+};
+constexpr DocumentTask documents[] = {
+    {"Markdown", Task::markdown},     {"text", Task::text}, {"JSON", Task::json},
+    {"JSON Lines", Task::json_lines}, {"CSV", Task::csv},
+};
 
 void add(const char* name, Task task, QString (*file)(Files&), Files& files) {
     const auto run = [=, &files](State& state) {
@@ -92,6 +102,7 @@ void add(const char* name, Task task, QString (*file)(Files&), Files& files) {
             }
             state.SetIterationTime(cost->seconds);
             double& ratio = memoryRatios[name];
+            memories[name] = std::max(memories[name], cost->peakBytes / 1e6);
             ratio = std::max(ratio, cost->peakBytes / static_cast<double>(QFile(path).size()));
         }
     };
@@ -112,7 +123,9 @@ void addAll(Files& files) {
     add(
         "non-keyed/100000", Task::load,
         [](Files& f) { return f.conversation(100'000, Form::nonKeyed); }, files);
-    add("markdown/100000", Task::markdown, keyed, files);
+    add("markdown text/100000", Task::markdown_text, keyed, files);
+    for (const auto& [name, task] : documents)
+        add(name, task, keyed, files);
     add("pictures/read", Task::read_file, pictures, files);
     add("pictures/load", Task::load_file, pictures, files);
 }
@@ -121,6 +134,13 @@ std::optional<double> memoryRatio(const char* name) {
     const auto at = memoryRatios.find(name);
     if (at == memoryRatios.end()) return {};
     return at->second;
+}
+
+void reportDocument(const Recorder& recorder, const std::string& name) {
+    const std::string what = name + " of 100,000 messages: ";
+    reportIfMeasured((what + "time / Markdown's").c_str(), recorder.ratio(name, "Markdown"), 1.3);
+    if (const auto memory = memories.find(name); memory != memories.end())
+        reportIfMeasured((what + "memory, MB").c_str(), memory->second, 64);
 }
 
 int reportAll(const Recorder& recorder) {
@@ -132,7 +152,9 @@ int reportAll(const Recorder& recorder) {
     reportIfMeasured("keyed, 1,000,000 messages: time / ten times 100,000",
                      recorder.ratio("keyed/1000000", "keyed/100000", 10), 1.3);
     reportIfMeasured("Markdown of 100,000 messages: time / loading them",
-                     recorder.ratio("markdown/100000", "keyed/100000"), 1);
+                     recorder.ratio("markdown text/100000", "keyed/100000"), 1);
+    for (const DocumentTask& document : documents)
+        reportDocument(recorder, document.name);
     reportIfMeasured("500 MB of pictures: time / reading the file",
                      recorder.ratio("pictures/load", "pictures/read"), 1.3);
     reportIfMeasured("keyed, 100,000 messages: peak memory / file", memoryRatio("keyed/100000"), 4);

@@ -9,6 +9,7 @@
 #include <ctime>
 #include <exception>
 
+#include "export/format.h"
 #include "export/markdown.h"
 #include "figures.h"
 #include "identity/contacts/contacts_store.h"
@@ -44,7 +45,7 @@ QByteArray bytesOf(const QString& path) {
     return file.readAll();
 }
 
-// Each answers the seconds it took, less than 0 when it failed. What it made is kept until then:
+// Each returns the seconds it took, less than 0 when it failed. What it made is kept until then:
 // freeing isn't part of the work.
 
 double parseWithLibplist([[maybe_unused]] const QByteArray& bytes) {
@@ -67,6 +68,22 @@ double load(const QByteArray& bytes, const foundation::Calendar& calendar, bool 
     return generatePlainText(log, contacts).isEmpty() ? -1 : exporting.seconds();
 }
 
+/// From the file to a document, as for people; `memory` becomes what the writing took.
+double write(Task task, const QString& path, const foundation::Calendar& calendar, double& memory) {
+    const Stopwatch stopwatch;
+    const auto log = TesselChatLog::fromFile(path, calendar);
+    const vell::ContactsStore contacts;
+    const vell::FormatContext context(calendar, "C", contacts);
+    const auto index = static_cast<std::size_t>(task) - static_cast<std::size_t>(Task::markdown);
+    forgetPeak();
+    const double before = peakBytes();
+    vell::formats()[index].write({.log = log, .context = context, .file = path},
+                                 [](QByteArrayView) {});
+    const double seconds = stopwatch.seconds();
+    memory = peakBytes() - before;
+    return seconds;
+}
+
 double readFile(const QString& path) {
     const Stopwatch stopwatch;
     return bytesOf(path).isEmpty() ? -1 : stopwatch.seconds();
@@ -78,18 +95,24 @@ double loadFile(const QString& path, const foundation::Calendar& calendar) {
     return log.events().empty() ? -1 : stopwatch.seconds();
 }
 
-double run(Task task, const QString& path) {
+double run(Task task, const QString& path, double& memory) {
     const foundation::Calendar calendar(QTimeZone("Europe/Berlin"));
     switch (task) {
         case Task::libplist:
             return parseWithLibplist(bytesOf(path));
         case Task::load:
-        case Task::markdown:
-            return load(bytesOf(path), calendar, task == Task::markdown);
+        case Task::markdown_text:
+            return load(bytesOf(path), calendar, task == Task::markdown_text);
         case Task::read_file:
             return readFile(path);
         case Task::load_file:
             return loadFile(path, calendar);
+        case Task::markdown:
+        case Task::text:
+        case Task::json:
+        case Task::json_lines:
+        case Task::csv:
+            return write(task, path, calendar, memory);
     }
     return -1;
 }
@@ -103,8 +126,9 @@ bool isTask(int argc, char** argv) {
 int runTask(int, char** argv) {
     try {
         const auto task = static_cast<Task>(QByteArray(argv[2]).toInt());
-        const double seconds = run(task, QFile::decodeName(argv[3]));
-        std::printf("%.9f %.0f\n", seconds, peakBytes());
+        double memory = 0;
+        const double seconds = run(task, QFile::decodeName(argv[3]), memory);
+        std::printf("%.9f %.0f\n", seconds, memory > 0 ? memory : peakBytes());
         return seconds < 0 ? 1 : 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());

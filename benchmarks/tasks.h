@@ -11,16 +11,23 @@
 namespace benchmarks {
 
 enum class Task {
-    libplist,   ///< plist_from_bin over the bytes
-    load,       ///< from the bytes to the chat log
-    markdown,   ///< from the chat log to Markdown
-    read_file,  ///< from the file to the bytes
-    load_file,  ///< from the file to the chat log
+    libplist,       ///< plist_from_bin over the bytes
+    load,           ///< from the bytes to the chat log
+    markdown_text,  ///< from the chat log to Markdown as one text
+    read_file,      ///< from the file to the bytes
+    load_file,      ///< from the file to the chat log
+    // From the file to a document that nothing keeps, in the order of vell::formats().
+    markdown,
+    text,
+    json,
+    json_lines,
+    csv,
 };
 
 struct Cost {
-    double seconds = 0;    ///< of the processor
-    double peakBytes = 0;  ///< the most memory that the process ever had
+    double seconds = 0;  ///< of the processor
+    /// The most memory that the process ever had; of a document, beyond what it had before.
+    double peakBytes = 0;
 };
 
 /// What the task costs in a process of its own; nothing when it fails, or when this program was
