@@ -20,7 +20,8 @@ int main(int argc, char** argv) {
         archive::Sizes sizes;
         if (arguments.size() == 4)
             sizes = {arguments[1].toInt(), arguments[2].toInt(), arguments[3].toInt()};
-        if ((arguments.size() != 1 && arguments.size() != 4) || sizes.files <= 0) {
+        if ((arguments.size() != 1 && arguments.size() != 4) || arguments[0].startsWith(u'-') ||
+            sizes.files <= 0) {
             std::fprintf(stderr,
                          "usage: make-archive FOLDER [FILES MESSAGES PICTURES]\n"
                          "       make-archive --move FOLDER\n");
