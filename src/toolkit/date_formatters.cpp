@@ -158,10 +158,7 @@ struct Prototypes {
     std::mutex lock;
     QByteArray locale = environmentDateLocale();
     foundation::Calendar calendar = foundation::Calendar::current();
-    std::optional<DateFormatter> separator;
-    std::optional<DateFormatter> day;
-    std::optional<DateFormatter> time;
-    std::optional<DateFormatter> full;
+    std::array<std::optional<DateFormatter>, 4> formatters;  // by style, made on demand
     std::atomic<quint64> generation = 1;
 };
 
@@ -173,47 +170,44 @@ Prototypes& prototypes() {
 /// One thread's formatter, replaced in place when another format has been set.
 class OwnFormatter {
   public:
-    OwnFormatter(Style style, std::optional<DateFormatter> Prototypes::*which)
-        : style_(style), which_(which) {}
-
-    const DateFormatter& get() {
+    const DateFormatter& get(Style style) {
         Prototypes& all = prototypes();
         if (generation_ == all.generation.load(std::memory_order_acquire)) return *formatter_;
         const std::lock_guard lock(all.lock);
-        std::optional<DateFormatter>& prototype = all.*which_;
-        if (!prototype) prototype.emplace(style_, all.locale, all.calendar);
+        std::optional<DateFormatter>& prototype = all.formatters[static_cast<std::size_t>(style)];
+        if (!prototype) prototype.emplace(style, all.locale, all.calendar);
         formatter_.emplace(*prototype);
         generation_ = all.generation;
         return *formatter_;
     }
 
   private:
-    Style style_;
-    std::optional<DateFormatter> Prototypes::*which_;
     std::optional<DateFormatter> formatter_;
     quint64 generation_ = 0;
 };
 
+template <Style style>
+const DateFormatter& ownFormatter() {
+    thread_local OwnFormatter own;
+    return own.get(style);
+}
+
 }  // namespace
 
 const DateFormatter& daySeparatorFormatter() {
-    thread_local OwnFormatter mine(Style::mediumDateShortTime, &Prototypes::separator);
-    return mine.get();
+    return ownFormatter<Style::mediumDateShortTime>();
 }
 
 const DateFormatter& timeSeparatorFormatter() {
-    thread_local OwnFormatter mine(Style::shortTime, &Prototypes::time);
-    return mine.get();
+    return ownFormatter<Style::shortTime>();
 }
 
 const DateFormatter& dayFormatter() {
-    thread_local OwnFormatter mine(Style::fullDate, &Prototypes::day);
-    return mine.get();
+    return ownFormatter<Style::fullDate>();
 }
 
 const DateFormatter& fullDateFormatter() {
-    thread_local OwnFormatter mine(Style::fullDateTime, &Prototypes::full);
-    return mine.get();
+    return ownFormatter<Style::fullDateTime>();
 }
 
 void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& calendar) {
@@ -222,10 +216,8 @@ void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& c
     if (locale == all.locale && calendar.hasZoneOf(all.calendar)) return;
     all.locale = locale;
     all.calendar = calendar;
-    all.separator.reset();
-    all.day.reset();
-    all.time.reset();
-    all.full.reset();
+    for (auto& formatter : all.formatters)
+        formatter.reset();
     ++all.generation;
 }
 
@@ -256,8 +248,7 @@ bool isKnownTimeZone(const QByteArray& zone) {
     const QString name = QString::fromUtf8(zone);
     UChar canonical[128];
     UErrorCode status = U_ZERO_ERROR;
-    ucal_getCanonicalTimeZoneID(reinterpret_cast<const UChar*>(name.utf16()),
-                                static_cast<int32_t>(name.size()), canonical,
+    ucal_getCanonicalTimeZoneID(asUtf16(name), static_cast<int32_t>(name.size()), canonical,
                                 static_cast<int32_t>(std::size(canonical)), nullptr, &status);
     return U_SUCCESS(status);
 }
