@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "foundation/derived_texts.h"
 #include "foundation/local_path.h"
 #include "foundation/object_memory.h"
 #include "foundation/print.h"
@@ -31,24 +32,12 @@ namespace {
 
 using Event = TesselChatLog::Event;
 
-/// The texts of messages without a sender, in which a placeholder stands for a name. A text that
-/// several messages share is replaced once.
-class SystemTexts {
-  public:
-    QString replaced(const QString& text) {
-        if (text.isDetached()) return QString(text).replace(u"%@"_s, u"User"_s);
-        auto [at, isNew] = known_.try_emplace(text.constData());
-        if (isNew) at->second = {text, QString(text).replace(u"%@"_s, u"User"_s)};
-        return at->second.replaced;
-    }
-
-  private:
-    struct Text {
-        QString original;  // keeps the address of its characters in use
-        QString replaced;
-    };
-    std::unordered_map<const QChar*, Text> known_;
-};
+/// The text of a message without a sender, whose placeholder stands for a name. One that several
+/// messages share is replaced once.
+QString systemText(const QString& text, foundation::DerivedTexts& known) {
+    const auto replaced = [&] { return QString(text).replace(u"%@"_s, u"User"_s); };
+    return text.isDetached() ? replaced() : known.derived(text, nullptr, replaced);
+}
 
 /// The runs of attributed strings that several messages share, each extracted once.
 class SharedRuns {
@@ -148,7 +137,7 @@ class Conversion {
     SharedRuns sharedRuns_;
     Extraction extraction_;  // of the message at hand
     RecentSenders recentSenders_;
-    SystemTexts systemTexts_;
+    foundation::DerivedTexts systemTexts_;
 
     // The state between two messages.
     Date date_ = Date::distantPast;
@@ -266,7 +255,7 @@ void Conversion::appendRun(Run&& run) {
             self.append(
                 self.date_, self.sender_,
                 TesselChatLog::PlainText{self.sender_ ? std::move(plain.text)
-                                                      : self.systemTexts_.replaced(plain.text)});
+                                                      : systemText(plain.text, self.systemTexts_)});
         }
         void operator()(TesselChatLog::Link&& link) const {
             self.append(self.date_, self.sender_, std::move(link));
