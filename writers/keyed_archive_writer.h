@@ -59,7 +59,7 @@ class KeyedArchiveWriter {
 
     static constexpr Uid nil{0};
 
-    /// A place for an object that is told later: for cycles, and for the platform's order, in which
+    /// A place for an object that is set later: for cycles, and for the platform's order, in which
     /// an object comes before what it holds.
     Uid reserve();
     void set(Uid uid, const Inline& value);

@@ -40,7 +40,7 @@ class NonKeyedArchiveWriter {
 
     // Whole groups, each an object or what encodes one.
 
-    /// An object; answers its number, which the body's own references may already use.
+    /// An object; returns its number, which the body's own references may already use.
     int object(const ClassChain& classes, const Body& body);
     /// An object of a platform class, or of a class that stands below NSObject.
     int object(const char* className, const Body& body);

@@ -20,9 +20,9 @@ namespace {
 constexpr int days = 3652;  // from the start of 2003 on
 constexpr int firstDay = 730;
 constexpr double secondsPerDay = 86400;
-constexpr int filesPerCopy = 50;     // one of so many is there twice
-constexpr int filesPerBroken = 400;  // one of so many is cut short
-constexpr int linksPerMessage = 20;  // one of so many has a link
+constexpr int filesPerCopy = 50;     // every 50th is there twice
+constexpr int filesPerBroken = 400;  // every 400th is cut short
+constexpr int messagesPerLink = 20;  // on average
 constexpr int filesPerMove = 100;
 
 struct Someone {
@@ -128,7 +128,7 @@ class Archive {
     std::vector<writers::Piece> body(Language language, bool hasPicture) {
         using namespace writers;
         std::vector<Piece> pieces{words(phrases_[size_t(language)].sentence(random_))};
-        if (below(linksPerMessage) == 0) {
+        if (below(messagesPerLink) == 0) {
             const QString url = u"http://www.example.org/%1"_s.arg(below(1000));
             pieces.push_back(words(u" "_s));
             pieces.push_back(linked(url, url));

@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Writes an archive as somebody might have it after ten years: a folder for each day, in it the
+// Writes an archive as a person might have it after ten years: a folder for each day, in it the
 // day's conversations of twelve people in three languages, in both forms. Some files are there
 // twice, some are broken. The same sizes always make the same bytes.
 

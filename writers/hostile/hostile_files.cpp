@@ -2,6 +2,8 @@
 #include "writers/hostile/hostile_files.h"
 
 #include <QtEndian>
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include "writers/hostile/keyed_file.h"
@@ -12,7 +14,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Half of a file is what is shared, the other half names it: so many times at so many bytes each.
+/// Half of a file is what is shared, the other half names it: this often, at this many bytes each.
 int timesIn(qsizetype size, int bytes) {
     return static_cast<int>(size / 2 / bytes);
 }
@@ -57,48 +59,49 @@ QByteArray peopleOnOneLongService(qsizetype size) {
     return file.bytes();
 }
 
-QByteArray nonKeyedPrefixedPeople(qsizetype size) {
+/// A non-keyed transcript of nothing but people, each written by `person`.
+QByteArray nonKeyedPeople(int count,
+                          const std::function<void(NonKeyedArchiveWriter&, int index)>& person) {
     NonKeyedArchiveWriter archive;
     archive.array(4, [&] {
         archive.string(u"AIM"_s);
         archive.string({});
         archive.array(0, [] {});
-        const int count = timesIn(size, 7);
         archive.array(count, [&] {
-            std::pair<int, int> texts;
             for (int i = 0; i < count; ++i)
-                archive.object("Presentity", [&] {
-                    if (i == 0) texts.first = archive.string(u"iMessage"_s);
-                    if (i == 0) texts.second = archive.string(u"e:"_s + longText(size));
-                    if (i > 0) archive.reference(texts.first);
-                    if (i > 0) archive.reference(texts.second);
-                });
+                person(archive, i);
         });
     });
     return archive.bytes();
 }
 
-/// Strings that are archived as references to one long C string.
-QByteArray nonKeyedSharedCStrings(qsizetype size) {
-    NonKeyedArchiveWriter archive;
-    const QByteArray text(size / 2, 'a');
-    archive.array(4, [&] {
-        archive.string(u"AIM"_s);
-        archive.string({});
-        archive.array(0, [] {});
-        const int count = timesIn(size, 10);
-        archive.array(count, [&] {
-            for (int i = 0; i < count; ++i)
-                archive.object("Presentity", [&] {
-                    archive.nil();
-                    archive.object("NSString", [&] {
-                        archive.group("*");
-                        archive.cString(text);
-                    });
-                });
+QByteArray nonKeyedPrefixedPeople(qsizetype size) {
+    std::pair<int, int> texts;
+    return nonKeyedPeople(timesIn(size, 7), [&](NonKeyedArchiveWriter& archive, int index) {
+        archive.object("Presentity", [&] {
+            if (index == 0) {
+                texts.first = archive.string(u"iMessage"_s);
+                texts.second = archive.string(u"e:"_s + longText(size));
+            } else {
+                archive.reference(texts.first);
+                archive.reference(texts.second);
+            }
         });
     });
-    return archive.bytes();
+}
+
+/// Strings that are archived as references to one long C string.
+QByteArray nonKeyedSharedCStrings(qsizetype size) {
+    const QByteArray text(size / 2, 'a');
+    return nonKeyedPeople(timesIn(size, 10), [&](NonKeyedArchiveWriter& archive, int) {
+        archive.object("Presentity", [&] {
+            archive.nil();
+            archive.object("NSString", [&] {
+                archive.group("*");
+                archive.cString(text);
+            });
+        });
+    });
 }
 
 QByteArray word(quint32 value) {
@@ -225,18 +228,10 @@ QByteArray peopleOfOneLongClassName(qsizetype size) {
 }
 
 QByteArray nonKeyedPeopleOfOneLongClassName(qsizetype size) {
-    NonKeyedArchiveWriter archive;
-    archive.array(4, [&] {
-        archive.string(u"AIM"_s);
-        archive.string({});
-        archive.array(0, [] {});
-        const int count = timesIn(size, 8);
-        archive.array(count, [&] {
-            for (int i = 0; i < count; ++i)
-                archive.object({{QByteArray(size / 2, 'a'), 0}, {"NSObject", 0}}, [] {});
-        });
+    const QByteArray name(size / 2, 'a');
+    return nonKeyedPeople(timesIn(size, 8), [&](NonKeyedArchiveWriter& archive, int) {
+        archive.object({{name, 0}, {"NSObject", 0}}, [] {});
     });
-    return archive.bytes();
 }
 
 constexpr int overlapStep = 8;
