@@ -35,8 +35,8 @@ qint64 afterBlocks(const Bytes& bytes, qint64 at) {
     return at + 1;
 }
 
-/// The length of the colour table that a byte of flags announces.
-qint64 colours(quint8 flags) {
+/// In bytes.
+qint64 colorTableSize(quint8 flags) {
     return flags & 0x80 ? qint64{3} << ((flags & 7) + 1) : 0;
 }
 
@@ -58,13 +58,13 @@ bool isAnimated(const Picture& picture) {
     if (picture.format != PictureFormat::gif) return false;
     const Bytes bytes(picture.data.view());
     int frames = 0;
-    qint64 at = 13 + colours(bytes.u8(10));
+    qint64 at = 13 + colorTableSize(bytes.u8(10));
     for (int step = 0; step < maximumSteps && bytes.has(at, 1); ++step) {
         if (bytes.u8(at) == 0x21) {  // an extension
             at = afterBlocks(bytes, at + 2);
         } else if (bytes.u8(at) == 0x2c) {
             if (++frames > 1) return true;
-            at = afterBlocks(bytes, at + 11 + colours(bytes.u8(at + 9)));
+            at = afterBlocks(bytes, at + 11 + colorTableSize(bytes.u8(at + 9)));
         } else {
             break;
         }

@@ -39,7 +39,7 @@ class PrintingOfOneFile {
     qint64 lines_ = 0;
 };
 
-/// While it lives, its thread prints nothing: what it reads is nothing that anybody has opened.
+/// While it lives, its thread prints nothing: for files that are only looked through, not opened.
 class SilentThread {
   public:
     SilentThread();

@@ -28,7 +28,7 @@ using picture_messages::Reply;
 namespace {
 
 // Milliseconds. The process itself allows a picture fewer seconds of the processor.
-constexpr int patience = 30'000;
+constexpr int replyTimeout = 30'000;
 constexpr int longestDelay = 3'600'000;
 
 /// Moves a descriptor above the three standard ones and closes it on exec.
@@ -106,8 +106,7 @@ std::unique_ptr<PictureProcess> PictureProcess::start(const QString& program) {
     close(other);
     if (started->process_ < 0) return nullptr;
     Ready ready{0};
-    const bool isOurs =
-        started->receive(&ready, sizeof ready, patience) && ready.version == Ready().version;
+    const bool isOurs = started->receive(&ready, sizeof ready) && ready.version == Ready().version;
     return isOurs ? std::move(started) : nullptr;
 }
 
@@ -169,15 +168,15 @@ std::optional<PictureProcess::Answer> PictureProcess::ask() {
         return std::nullopt;
     }
     Reply reply;
-    if (!receive(&reply, sizeof reply, patience)) return std::nullopt;
+    if (!receive(&reply, sizeof reply)) return std::nullopt;
     auto answer = read(reply);
     if (!answer) finish(End::during);  // its memory may be corrupted
     return answer;
 }
 
 /// Receives one whole message; on failure the process is ended.
-bool PictureProcess::receive(void* message, size_t size, int patience) {
-    const QDeadlineTimer deadline(patience);
+bool PictureProcess::receive(void* message, size_t size) {
+    const QDeadlineTimer deadline(replyTimeout);
     pollfd wait{socket_, POLLIN, 0};
     int ready = -1;
     do {

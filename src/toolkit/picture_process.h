@@ -60,7 +60,7 @@ class PictureProcess {
     PictureProcess() = default;
     [[nodiscard]] bool share(const foundation::Data& picture, QSize wanted);
     [[nodiscard]] std::optional<Answer> ask();
-    [[nodiscard]] bool receive(void* message, size_t size, int patience);
+    [[nodiscard]] bool receive(void* message, size_t size);
     [[nodiscard]] std::optional<Answer> read(const picture_messages::Reply& reply);
     void finish(End end);
 

@@ -63,7 +63,7 @@ class FoldTable {
     std::array<char16_t, 0x10000> units_;
 };
 
-// So many characters are remembered.
+// The most characters remembered.
 constexpr qsizetype mostExpansions = 1 << 14;
 
 // How much around a place decides whether a word ends there.

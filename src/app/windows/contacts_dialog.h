@@ -3,7 +3,7 @@
 //
 // ContactsDialog: asks the user once whether the address book may be read, and names what that
 // covers. Only "Allow" and "Don't Allow" are answers: after "Not Now", or when it is closed or its
-// window closes, it is asked again.
+// window closes, the question comes again.
 
 #include <QCoreApplication>
 #include <QMessageBox>

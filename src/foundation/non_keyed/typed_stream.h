@@ -38,7 +38,7 @@ class TypedStream {
         ++position_;
         return true;
     }
-    /// Reads so many bytes.
+    /// The next bytes, in place.
     std::string_view bytes(quint64 size) {
         if (size > remaining()) throw MalformedArchive();
         const std::string_view result(position_, size);

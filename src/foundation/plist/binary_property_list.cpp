@@ -13,7 +13,7 @@ namespace {
 constexpr quint64 trailerSize = 32;
 constexpr quint64 largestCount = quint64(std::numeric_limits<qint64>::max());
 
-/// Whether a number of so many bytes can address everything below the bound.
+/// Whether a number of this many bytes can address everything below the bound.
 bool canAddress(unsigned bytes, quint64 bound) {
     return bytes == 8 || (quint64(1) << (8 * bytes)) > bound;
 }

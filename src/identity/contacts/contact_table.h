@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// ContactTable: files contacts under their addresses. Whoever comes first keeps an address; the
+// ContactTable: files contacts under their addresses. The first contact keeps an address; the
 // cleaned form of a phone number, the written one without spaces and hyphens, is the exception:
 // there the last one wins, silently.
 

@@ -20,7 +20,7 @@ namespace {
 
 const QString didRequestKey = QStringLiteral("VellDidRequestABAccess");
 /// How long the program waits for reads when it exits: another program's service may hang.
-constexpr std::chrono::milliseconds patience{300};
+constexpr std::chrono::milliseconds exitTimeout{300};
 
 ContactsStore* sharedStore = nullptr;
 
@@ -59,7 +59,7 @@ struct ContactsStore::Background {
 
     void waitBriefly() {
         std::unique_lock lock(mutex_);
-        ended_.wait_for(lock, patience, [this] { return running_ == 0; });
+        ended_.wait_for(lock, exitTimeout, [this] { return running_ == 0; });
     }
 
   private:

@@ -4,8 +4,8 @@
 // Identicons: the pictures made so far, one for each user id shown and, on finer screens, one for
 // each device ratio beside it. Nothing is ever dropped. For the GUI thread only.
 //
-//     painter.drawImage(frame, identicons().icon(sender.userID,
-//     painter.device()->devicePixelRatio()));
+//     const QImage picture = identicons().icon(sender.userID, context.ratio);
+//     painter.drawImage(frame, picture);
 
 #include <QHash>
 #include <QImage>

@@ -42,7 +42,7 @@ constexpr const char* everyContact = R"((contains "x-evolution-any-field" ""))";
 constexpr const char* busNames = "org.gnome.evolution.dataserver";
 constexpr const char* addressBookName = "org.gnome.evolution.dataserver.AddressBook";
 constexpr guint burstMilliseconds = 200;
-constexpr std::chrono::seconds patience{10};
+constexpr std::chrono::seconds serviceTimeout{10};
 
 struct Card {
     std::string book;
@@ -124,7 +124,7 @@ std::string Service::open() {
     std::future<std::string> result = opened.get_future();
     thread_ =
         std::thread([this, promise = std::move(opened)]() mutable { run(std::move(promise)); });
-    if (result.wait_for(patience) == std::future_status::ready) return result.get();
+    if (result.wait_for(serviceTimeout) == std::future_status::ready) return result.get();
     return "The address-book service doesn't answer.";
 }
 
@@ -352,7 +352,7 @@ bool Service::enumerate(int (*handle)(void*, const VellServiceContact*), void* c
         collect(job->collection);
         job->done.set_value();
     });
-    if (done.wait_for(patience) != std::future_status::ready) {
+    if (done.wait_for(serviceTimeout) != std::future_status::ready) {
         g_cancellable_cancel(cancellable_.get());
         error = "The address-book service doesn't answer.";
         return false;

@@ -18,7 +18,7 @@ constexpr std::chrono::milliseconds burst = 150ms;
 /// Each watched file costs the system something. Files beyond this many are seen to be replaced,
 /// added and removed, which is how programs write one file a contact, but not edited in place.
 constexpr qsizetype mostWatchedFiles = 2000;
-constexpr unsigned long patienceMilliseconds = 300;
+constexpr unsigned long exitTimeout = 300;  // milliseconds
 
 }  // namespace
 
@@ -78,7 +78,7 @@ FileWatch::FileWatch(std::function<void()> changed)
 FileWatch::~FileWatch() {
     thread_->quit();
     // A disk that doesn't respond blocks this thread only.
-    if (thread_->wait(patienceMilliseconds)) delete thread_;
+    if (thread_->wait(exitTimeout)) delete thread_;
 }
 
 void FileWatch::watch(const QStringList& paths, const ContactFiles& found) {
