@@ -36,6 +36,30 @@ PreferencesWindow::PreferencesWindow(Settings& settings, ContactsStore& contacts
 
 QWidget* PreferencesWindow::contactsBox() {
     auto* box = new QGroupBox(tr("Contacts"));
+    QCheckBox* allow = accessCheckBox();
+    QLabel* explanation = secondaryLabel(
+        tr("This is the desktop’s address book and the vCard files in your contacts folders. "
+           "Nothing is ever written to them."));
+    explanation->setWordWrap(true);
+
+    files_ = new QListWidget;
+    files_->setAccessibleName(tr("vCard files"));
+    files_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    files_->setMaximumHeight(120);
+
+    auto* layout = new QVBoxLayout(box);
+    layout->addWidget(allow);
+    layout->addWidget(explanation);
+    layout->addWidget(new QLabel(tr("vCard files that are always read:")));
+    layout->addWidget(files_);
+    layout->addLayout(fileButtons());
+
+    connect(&settings_, &Settings::contactsFilesChanged, this, &PreferencesWindow::fillFiles);
+    fillFiles();
+    return box;
+}
+
+QCheckBox* PreferencesWindow::accessCheckBox() {
     auto* allow = new QCheckBox(tr("Read names and pictures from the &address book"));
     allow->setObjectName(QStringLiteral("allowContacts"));
     const auto showAccess = [this, allow] {
@@ -49,15 +73,10 @@ QWidget* PreferencesWindow::contactsBox() {
         access_.setAccess(allowed);
         contacts_.requestAccess();
     });
-    QLabel* explanation = secondaryLabel(
-        tr("This is the desktop’s address book and the vCard files in your contacts folders. "
-           "Nothing is ever written to them."));
-    explanation->setWordWrap(true);
+    return allow;
+}
 
-    files_ = new QListWidget;
-    files_->setAccessibleName(tr("vCard files"));
-    files_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    files_->setMaximumHeight(120);
+QLayout* PreferencesWindow::fileButtons() {
     auto* addFiles = new QPushButton(tr("Add &Files …"));
     auto* addFolder = new QPushButton(tr("Add F&older …"));
     auto* remove = new QPushButton(tr("&Remove"));
@@ -69,35 +88,27 @@ QWidget* PreferencesWindow::contactsBox() {
     buttons->addStretch();
     buttons->addWidget(remove);
 
-    auto* layout = new QVBoxLayout(box);
-    layout->addWidget(allow);
-    layout->addWidget(explanation);
-    layout->addWidget(new QLabel(tr("vCard files that are always read:")));
-    layout->addWidget(files_);
-    layout->addLayout(buttons);
-
     connect(addFiles, &QPushButton::clicked, this, [this] {
-        auto* dialog = new QFileDialog(this, tr("Choose vCard Files"));
-        dialog->setAttribute(Qt::WA_DeleteOnClose);
-        dialog->setFileMode(QFileDialog::ExistingFiles);
+        auto* dialog = contactsDialog(tr("Choose vCard Files"), QFileDialog::ExistingFiles);
         dialog->setNameFilters({tr("vCard files (*.vcf *.vcard)"), tr("All files (*)")});
-        connect(dialog, &QFileDialog::filesSelected, this, &PreferencesWindow::addContacts);
         dialog->open();
     });
     connect(addFolder, &QPushButton::clicked, this, [this] {
-        auto* dialog = new QFileDialog(this, tr("Choose a Folder of vCard Files"));
-        dialog->setAttribute(Qt::WA_DeleteOnClose);
-        dialog->setFileMode(QFileDialog::Directory);
-        connect(dialog, &QFileDialog::filesSelected, this, &PreferencesWindow::addContacts);
-        dialog->open();
+        contactsDialog(tr("Choose a Folder of vCard Files"), QFileDialog::Directory)->open();
     });
     connect(remove, &QPushButton::clicked, this, &PreferencesWindow::removeSelected);
     connect(files_, &QListWidget::itemSelectionChanged, remove,
             [this, remove] { remove->setEnabled(!files_->selectedItems().isEmpty()); });
     remove->setEnabled(false);
-    connect(&settings_, &Settings::contactsFilesChanged, this, &PreferencesWindow::fillFiles);
-    fillFiles();
-    return box;
+    return buttons;
+}
+
+QFileDialog* PreferencesWindow::contactsDialog(const QString& title, QFileDialog::FileMode mode) {
+    auto* dialog = new QFileDialog(this, title);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(mode);
+    connect(dialog, &QFileDialog::filesSelected, this, &PreferencesWindow::addContacts);
+    return dialog;
 }
 
 QWidget* PreferencesWindow::windowsBox() {

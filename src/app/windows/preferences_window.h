@@ -5,7 +5,10 @@
 // windows of the last session are reopened. Changes take effect at once.
 
 #include <QDialog>
+#include <QFileDialog>
 
+class QCheckBox;
+class QLayout;
 class QListWidget;
 
 namespace vell {
@@ -23,6 +26,10 @@ class PreferencesWindow final : public QDialog {
 
   private:
     QWidget* contactsBox();
+    QCheckBox* accessCheckBox();
+    QLayout* fileButtons();
+    /// Adds what is chosen in it to the vCard files; not yet open, deleted on closing.
+    QFileDialog* contactsDialog(const QString& title, QFileDialog::FileMode mode);
     QWidget* windowsBox();
     void addContacts(const QStringList& paths);
     void removeSelected();
