@@ -216,28 +216,29 @@ std::optional<RowPlace> TimelineView::placeAt(QPoint point) {
 }
 
 // The order in which the three see an event; what one has consumed is hidden from those after it.
+bool TimelineView::dispatchMouse(const QMouseEvent& event) {
+    const auto place = placeAt(event.position().toPoint());
+    switch (event.type()) {
+        case QEvent::MouseButtonPress:
+            keyboard_->press(place);
+            return rows_->press(event, place) || selection_->press(event, place);
+        case QEvent::MouseButtonDblClick:
+            return selection_->press(event, place);
+        case QEvent::MouseMove:
+            return rows_->move(event, place) || selection_->move(event, place);
+        default:
+            rows_->release(event, place);
+            return selection_->release(event);
+    }
+}
+
 bool TimelineView::dispatch(QEvent& event) {
     switch (event.type()) {
-        case QEvent::MouseButtonPress: {
-            const auto& mouse = static_cast<const QMouseEvent&>(event);
-            const auto place = placeAt(mouse.position().toPoint());
-            keyboard_->press(place);
-            return rows_->press(mouse, place) || selection_->press(mouse, place);
-        }
-        case QEvent::MouseButtonDblClick: {
-            const auto& mouse = static_cast<const QMouseEvent&>(event);
-            return selection_->press(mouse, placeAt(mouse.position().toPoint()));
-        }
-        case QEvent::MouseMove: {
-            const auto& mouse = static_cast<const QMouseEvent&>(event);
-            const auto place = placeAt(mouse.position().toPoint());
-            return rows_->move(mouse, place) || selection_->move(mouse, place);
-        }
-        case QEvent::MouseButtonRelease: {
-            const auto& mouse = static_cast<const QMouseEvent&>(event);
-            rows_->release(mouse, placeAt(mouse.position().toPoint()));
-            return selection_->release(mouse);
-        }
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseMove:
+        case QEvent::MouseButtonRelease:
+            return dispatchMouse(static_cast<const QMouseEvent&>(event));
         case QEvent::Leave:
             rows_->hover({});
             return false;
@@ -366,11 +367,7 @@ void TimelineView::playPicture(qsizetype row) {
 }
 
 void TimelineView::stopUnseenPicture() {
-    const auto& rows = layout_.visibleRows();
-    const bool isSeen = std::any_of(rows.begin(), rows.end(), [this](const auto& visible) {
-        return visible.index == gifPlayer_->row();
-    });
-    if (!isSeen || window()->isMinimized()) gifPlayer_->stop();
+    if (!layout_.isVisible(gifPlayer_->row()) || window()->isMinimized()) gifPlayer_->stop();
 }
 
 void TimelineView::refresh() {
@@ -388,7 +385,7 @@ void TimelineView::paintEvent(QPaintEvent* event) {
     painter.translate(QPointF(corner.toPoint()) - corner);
     painter_->prepare(event->region());
     for (const QRect& rect : event->region()) {
-        const QRect part = painter_->onDevice(rect);
+        const QRect part = context_.touchedPixels(rect);
         painter.setClipRect(part);
         painter_->paint(painter, part);
         keyboard_->paint(painter);

@@ -127,6 +127,7 @@ class TimelineView final : public QAbstractScrollArea {
 
   private:
     bool dispatch(QEvent& event);
+    bool dispatchMouse(const QMouseEvent& event);
     [[nodiscard]] std::optional<RowPlace> placeAt(QPoint point);
     void presentSenders();
     /// Takes fonts, colours and ratio from the widget, and lays everything out anew.

@@ -88,20 +88,11 @@ int AccessibleTimeline::childCount() const {
 }
 
 qsizetype AccessibleTimeline::rowOfChild(int index) const {
-    // The left out row number i lies behind the children that come before it: row - i of them.
     const auto& out = leftOut();
-    qsizetype before = 0;
-    for (auto count = static_cast<qsizetype>(out.size()); count > 0;) {
-        const qsizetype step = count / 2;
-        const qsizetype middle = before + step;
-        if (out[static_cast<size_t>(middle)] - middle <= index) {
-            before = middle + 1;
-            count -= step + 1;
-        } else {
-            count = step;
-        }
-    }
-    return index + before;
+    // Before the left out row number i there are row - i children.
+    const auto isBefore = [&](const qsizetype& row) { return row - (&row - out.data()) <= index; };
+    const auto after = std::partition_point(out.begin(), out.end(), isBefore);
+    return index + (after - out.begin());
 }
 
 QAccessibleInterface* AccessibleTimeline::child(int index) const {

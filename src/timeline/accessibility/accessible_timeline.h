@@ -19,7 +19,7 @@ class TimelineView;
 
 class AccessibleTimeline final : public QAccessibleWidget {
   public:
-    /// So many items are kept at most.
+    /// The most items kept.
     static constexpr size_t mostItems = 16'384;
 
     /// Makes a view's interface one of these, and reports changes in it to assistive technology.

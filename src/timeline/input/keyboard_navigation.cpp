@@ -32,7 +32,7 @@ KeyboardNavigation::KeyboardNavigation(QAbstractScrollArea& area, TimelineLayout
     : area_(area), layout_(layout), context_(context), scroller_(scroller), rows_(rows) {}
 
 QRect KeyboardNavigation::ring() const {
-    if (!isRingShown_ || !area_.hasFocus() || !isOnScreen(row_)) return {};
+    if (!isRingShown_ || !area_.hasFocus() || !layout_.isVisible(row_)) return {};
     const int distance = context_.px(ringDistance);
     const QPoint corner(layout_.rowLeft(), static_cast<int>(layout_.rowTop(row_)));
     const QRect shown = shownPart(layout_.row(row_).layout).translated(corner);
@@ -116,7 +116,7 @@ bool KeyboardNavigation::key(const QKeyEvent& event) {
 }
 
 void KeyboardNavigation::step(int direction) {
-    if (!isOnScreen(row_)) {
+    if (!layout_.isVisible(row_)) {
         choose(onScreen(direction), true);
         return;
     }
@@ -187,15 +187,9 @@ void KeyboardNavigation::choose(qsizetype row, bool showRing) {
     Q_EMIT changed(row_);
 }
 
-bool KeyboardNavigation::isOnScreen(qsizetype row) const {
-    const auto& visible = layout_.visibleRows();
-    return std::any_of(visible.begin(), visible.end(),
-                       [row](const auto& shown) { return shown.index == row; });
-}
-
 qsizetype KeyboardNavigation::onScreen(int direction) const {
     const auto& visible = layout_.visibleRows();
-    if (isOnScreen(row_) || visible.empty()) return row_;
+    if (layout_.isVisible(row_) || visible.empty()) return row_;
     return direction > 0 ? visible.front().index : visible.back().index;
 }
 

@@ -69,7 +69,6 @@ class KeyboardNavigation final : public QObject {
     void choose(qsizetype row, bool showRing);
     /// The current row, or the nearest to it that is on the screen.
     [[nodiscard]] qsizetype onScreen(int direction) const;
-    [[nodiscard]] bool isOnScreen(qsizetype row) const;
     [[nodiscard]] bool isCaption(qsizetype row) const;
     [[nodiscard]] qsizetype neighbour(qsizetype row, int direction) const;
 

@@ -20,7 +20,7 @@ namespace vell {
 namespace {
 
 constexpr int scrollMilliseconds = 16;
-// The further out the mouse, the faster: so much of the distance a step.
+// The further out the mouse, the faster: this fraction of the distance a step.
 constexpr int scrollFraction = 4;
 
 }  // namespace

@@ -14,6 +14,8 @@ namespace {
 
 using Event = TesselChatLog::Event;
 
+constexpr int lengthClasses = 125;
+
 enum : uint8_t {
     emptyClass,
     dayClass,
@@ -22,12 +24,11 @@ enum : uint8_t {
     imageClass,
     fileClass,
     bubbleClass,  ///< and one for every length
-    lineClass = bubbleClass + 125,
+    lineClass = bubbleClass + lengthClasses,
 };
 
 // Lengths have four classes to the octave, above the shortest ones.
 constexpr size_t shortest = 16;
-constexpr int lengthClasses = 125;
 constexpr double typicalFileLine = 50;
 
 int lengthClass(qsizetype length) {

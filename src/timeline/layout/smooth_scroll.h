@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// SmoothScroll: spreads the jumps of a mouse wheel over a few frames. A plain value that gets
-// the time that has passed; whole pixels come out, and in the end exactly as many as went in.
+// SmoothScroll: spreads the jumps of a mouse wheel over a few frames. A plain value that is told
+// the time that has passed; it returns whole pixels, and in the end exactly as many as were added.
 
 #include <QtGlobal>
 #include <cmath>
@@ -11,7 +11,7 @@ namespace vell {
 
 class SmoothScroll {
   public:
-    /// Adds a distance to what is still to be scrolled; one against it takes its place.
+    /// Adds a distance to what is still to be scrolled; one in the other direction replaces it.
     void add(double pixels) {
         if (pixels * remaining_ < 0) remaining_ = 0;
         remaining_ += pixels;
@@ -19,7 +19,7 @@ class SmoothScroll {
     void stop() { remaining_ = 0; }
     [[nodiscard]] bool isMoving() const { return std::abs(remaining_) >= 1; }
 
-    /// The pixels to scroll after so many milliseconds, a multiple of `grain` until the end.
+    /// The pixels to scroll after this many milliseconds, a multiple of `grain` until the end.
     [[nodiscard]] qint64 step(double milliseconds, int grain = 1) {
         constexpr double timeConstant = 45;
         double part = remaining_ * (1 - std::exp(-milliseconds / timeConstant));

@@ -11,7 +11,7 @@ namespace {
 constexpr qsizetype keptAround = 128;
 // How far from the viewport the idle pass goes in a log that is too large for all of it.
 constexpr qsizetype exactAround = 1000;
-// Moves beyond so many viewports go by what is known of the heights.
+// Longer moves, in viewports, go by what is known of the heights.
 constexpr qint64 longestWalk = 4;
 
 }  // namespace
@@ -291,12 +291,13 @@ void TimelineLayout::scrollToRow(qsizetype index, qint64 pixelsAbove) {
     settle();
 }
 
+bool TimelineLayout::isVisible(qsizetype index) const {
+    return std::any_of(visible_.begin(), visible_.end(),
+                       [index](const VisibleRow& row) { return row.index == index; });
+}
+
 void TimelineLayout::reveal(qsizetype index, const QRect& part) {
-    const auto isVisible = [&] {
-        return std::any_of(visible_.begin(), visible_.end(),
-                           [&](const VisibleRow& row) { return row.index == index; });
-    };
-    if (!isVisible()) {
+    if (!isVisible(index)) {
         const bool isBelow = index > anchor_.row;
         scrollToRow(index);
         if (isBelow) scrollBy(-std::max(0, viewportHeight_ - part.bottom() - 1));

@@ -1,11 +1,11 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// TimelineLayout: which rows stand where. Every row has a height, estimated at first; whoever looks
-// at a row gets its exact one, and an idle pass makes the others exact too. What is kept while that
-// happens is the place at the top of the viewport: a row (in a long text a block) and the pixels
-// above it. Offsets are computed from it, never the other way round, so that nothing on the screen
-// moves when a row above it turns out higher than thought.
+// TimelineLayout: which rows stand where. Every row has a height, estimated at first; one that is
+// looked at gets its exact height, and an idle pass makes the others exact too. What is kept while
+// that happens is the place at the top of the viewport: a row (in a long text a block) and the
+// pixels above it. Offsets are computed from it, never the other way round, so that nothing on the
+// screen moves when a row above it turns out higher than thought.
 //
 //        offset() ->  .----------.  <- the place: row 2, some pixels down
 //                     |  row 2   |
@@ -42,7 +42,7 @@ class TimelineLayout {
         const Row* row;
     };
 
-    /// Beyond so many events the idle pass stays near the viewport.
+    /// With more events than this the idle pass stays near the viewport.
     static constexpr qsizetype mostMadeExact = 100'000;
 
     /// The context is borrowed; after every change of it reset() must follow.
@@ -73,17 +73,19 @@ class TimelineLayout {
 
     /// Goes to an offset by what is known of the heights; for jumps.
     void scrollTo(qint64 offset);
-    /// Moves by exactly so many pixels of what is really there, as far as there is something.
+    /// Moves by exactly this many pixels of what is really there, as far as there is something.
     void scrollBy(qint64 pixels);
     /// Moves as little as needed to show a row; `part` is what of it matters most, from its top
     /// left.
     void reveal(qsizetype index, const QRect& part);
-    /// Brings a row's top to the viewport's, or so many pixels of the row above it.
+    /// Brings a row's top to the viewport's, or the place this many pixels below it.
     void scrollToRow(qsizetype index, qint64 pixelsAbove = 0);
 
     /// The rows on the screen, top down; exact. Pointers hold until the next call that moves
     /// something.
     [[nodiscard]] const std::vector<VisibleRow>& visibleRows() const { return visible_; }
+    /// Whether a row is among them.
+    [[nodiscard]] bool isVisible(qsizetype index) const;
     /// Any row, laid out; exact unless its text is long.
     const Row& row(qsizetype index);
     /// A row's top in the viewport, as far as it is known.

@@ -17,8 +17,8 @@
 namespace vell {
 namespace {
 
-// The idle pass waits so long after the last scrolling, then works in slices. A slice may overrun
-// by the longest row that is laid out at once.
+// The idle pass begins this long after the last scrolling and works in slices, in milliseconds. A
+// slice may overrun by the longest row that is laid out at once.
 constexpr int idlePause = 200;
 constexpr int idleSlice = 4;
 
@@ -172,7 +172,7 @@ void TimelineScroller::scrollSmoothly(double pixels) {
     frameTimer_.start(frameMilliseconds, Qt::PreciseTimer, this);
 }
 
-// Of so many pixels a screen's pixels can be moved, and needn't be painted again.
+// By multiples of this many pixels painted rows can be moved, and needn't be painted again.
 int TimelineScroller::wholePoints() const {
     for (int points = 1; points <= 4; ++points) {
         const qreal pixels = points * context_.ratio;

@@ -41,7 +41,7 @@ class TimelineScroller final : public QObject {
     /// How many points of the top row are above that edge.
     [[nodiscard]] qreal pointsAbove() const;
     [[nodiscard]] TimelinePlace place() const { return {topRow(), pointsAbove()}; }
-    /// Brings a row's top, or a place so many points below it, to the viewport's top edge, as far
+    /// Brings a row's top, or a place this many points below it, to the viewport's top edge, as far
     /// as there is enough below it.
     void scrollToRow(qsizetype index, qreal pointsAbove = 0);
     void scrollToEnd();

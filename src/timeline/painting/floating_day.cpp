@@ -106,10 +106,7 @@ void FloatingDay::paint(QPainter& painter) const {
 }
 
 void FloatingDay::updateArea() {
-    const QRect place = area();
-    area_.viewport()->update(QRectF(place.x() / context_.ratio, place.y() / context_.ratio,
-                                    place.width() / context_.ratio, place.height() / context_.ratio)
-                                 .toAlignedRect());
+    area_.viewport()->update(context_.touchedPoints(area()));
 }
 
 void FloatingDay::timerEvent(QTimerEvent* event) {

@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// FloatingDay: tells the day of the rows at the top edge while they are scrolled, and fades a
+// FloatingDay: shows the day of the rows at the top edge while they are scrolled, and fades a
 // second later. A day separator that comes up takes its place.
 
 #include <QBasicTimer>

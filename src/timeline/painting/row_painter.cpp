@@ -12,16 +12,10 @@
 
 namespace vell {
 
-QRect RowPainter::onDevice(const QRect& points) const {
-    const qreal ratio = context_.ratio;
-    return QRectF(points.x() * ratio, points.y() * ratio, points.width() * ratio,
-                  points.height() * ratio)
-        .toAlignedRect();
-}
-
 void RowPainter::refresh(const Overlays& overlays) {
     VisiblePieces pieces = visiblePieces(layout_, context_, selection_, player_);
-    const Repaint repaint = repaintFor(shown_, pieces, onDevice(viewport_.rect()).size(), context_);
+    const Repaint repaint =
+        repaintFor(shown_, pieces, context_.touchedPixels(viewport_.rect()).size(), context_);
     shown_ = std::move(pieces);
     const Overlays before = std::exchange(overlays_, overlays);
     if (!repaint.moved || !movePixels(*repaint.moved)) {
@@ -43,12 +37,8 @@ bool RowPainter::movePixels(int down) {
 }
 
 void RowPainter::update(const QRegion& pixels) {
-    const qreal ratio = context_.ratio;
-    for (const QRect& rect : pixels) {
-        viewport_.update(
-            QRectF(rect.x() / ratio, rect.y() / ratio, rect.width() / ratio, rect.height() / ratio)
-                .toAlignedRect());
-    }
+    for (const QRect& rect : pixels)
+        viewport_.update(context_.touchedPoints(rect));
 }
 
 void RowPainter::prepare(const QRegion& region) {

@@ -42,9 +42,6 @@ class RowPainter {
     /// Paints a part of the viewport; the painter counts its device pixels.
     void paint(QPainter& painter, const QRect& part) const;
 
-    /// The device pixels that a part of the viewport touches.
-    [[nodiscard]] QRect onDevice(const QRect& points) const;
-
   private:
     /// Returns whether the pixels could be moved, which needs whole points.
     bool movePixels(int down);

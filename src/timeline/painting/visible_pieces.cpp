@@ -16,7 +16,7 @@ namespace {
 
 using Row = TimelineLayout::VisibleRow;
 
-// The colours of long bubbles are compared in bands of so many lines.
+// The colours of long bubbles are compared in bands of this many lines.
 constexpr int bandHeight = 64;
 
 qint64 frameKey(const GifPlayer& player, qsizetype row) {

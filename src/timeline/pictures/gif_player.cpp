@@ -29,7 +29,7 @@ class GifPlayer::Reader {
         return {std::move(answer->image), answer->delay};
     }
 
-    /// Nobody waits for a frame any more. Any thread.
+    /// No frame is needed any more. Any thread.
     void cancel() {
         const std::lock_guard lock(mutex_);
         isCancelled_ = true;

@@ -4,7 +4,7 @@
 // GifPlayer: plays one animated GIF of a timeline, at the size it is shown in. A process of its own
 // decodes frames, one ahead of the one that is seen. GUI thread only.
 //
-//     player.play(row, picture, room.size());
+//     player.toggle(row, picture, room.size());
 //     if (const QImage* frame = player.frame(row)) painter.drawImage(room, *frame);
 
 #include <QBasicTimer>

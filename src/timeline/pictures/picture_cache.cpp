@@ -15,8 +15,8 @@ namespace {
 constexpr int decoders = 2;
 // Requests that have scrolled away long ago are dropped; painting the picture requests it again.
 constexpr size_t mostRequests = 64;
-// A decoder that is busy when the program ends gets so long, in milliseconds.
-constexpr int patience = 2000;
+// How long the program waits for a busy decoder when it ends, in milliseconds.
+constexpr int exitTimeout = 2000;
 
 }  // namespace
 
@@ -32,7 +32,7 @@ PictureCache::~PictureCache() {
     callbacks_->close();
     threads_->clear();
     // The threads own all they touch: one that doesn't end is left to itself.
-    if (!threads_->waitForDone(patience)) static_cast<void>(threads_.release());
+    if (!threads_->waitForDone(exitTimeout)) static_cast<void>(threads_.release());
 }
 
 QSize PictureCache::size(const foundation::Picture& picture) {

@@ -41,4 +41,16 @@ RowColors RowColors::make(const QPalette& palette) {
             palette.color(QPalette::HighlightedText)};
 }
 
+QRect RowContext::touchedPixels(const QRect& points) const {
+    return QRectF(points.x() * ratio, points.y() * ratio, points.width() * ratio,
+                  points.height() * ratio)
+        .toAlignedRect();
+}
+
+QRect RowContext::touchedPoints(const QRect& pixels) const {
+    return QRectF(pixels.x() / ratio, pixels.y() / ratio, pixels.width() / ratio,
+                  pixels.height() / ratio)
+        .toAlignedRect();
+}
+
 }  // namespace vell

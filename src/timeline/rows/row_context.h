@@ -8,6 +8,7 @@
 #include <QFont>
 #include <QPalette>
 #include <QPoint>
+#include <QRect>
 #include <Qt>
 #include <cmath>
 
@@ -62,6 +63,10 @@ struct RowContext {
     }
     /// A place in points in device pixels.
     [[nodiscard]] QPoint toDevice(QPoint point) const { return (QPointF(point) * ratio).toPoint(); }
+    /// The device pixels that an area in points touches.
+    [[nodiscard]] QRect touchedPixels(const QRect& points) const;
+    /// The points that an area in device pixels touches.
+    [[nodiscard]] QRect touchedPoints(const QRect& pixels) const;
 };
 
 }  // namespace vell

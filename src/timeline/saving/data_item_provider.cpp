@@ -45,7 +45,7 @@ QString mimeName(PictureFormat format) {
     return QString::fromLatin1(foundation::mimeType(format));
 }
 
-/// What a program asks for, answered by the provider.
+/// The provider's data in the form that clipboards and drags carry.
 class ProvidedData : public QMimeData {
   public:
     explicit ProvidedData(const TesselChatLog::Image& image)
@@ -61,7 +61,7 @@ class ProvidedData : public QMimeData {
   protected:
     [[nodiscard]] QVariant retrieveData(const QString& format, QMetaType) const override {
         const QString asked = format == mimeType_ ? type_ : identifier(format);
-        // Whoever gets this far asks within this process.
+        // What gets this far is a request within this process.
         static_cast<void>(provider_.itemProviderVisibilityForRepresentation(asked));
         try {
             return provider_.loadData(asked).toByteArray();

@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Names that a transcript gives its files, made harmless: they come from somebody else.
+// Names that a transcript gives its files, made harmless: they come from another person.
 
 #include <QString>
 

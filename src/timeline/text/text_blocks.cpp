@@ -9,8 +9,8 @@
 namespace vell {
 namespace {
 
-// Paragraphs of so many full blocks are cut into shorter ones: what comes on the screen while they
-// are scrolled is laid out sooner, and among so many lines short ones don't show.
+// Longer paragraphs, in full blocks, are cut into shorter blocks: what comes on the screen while
+// they are scrolled is laid out sooner, and among that many lines short ones don't show.
 constexpr qsizetype manyBlocks = 4;
 
 // How far back from a full block's end a blank is looked for, and a character's start.

@@ -3,7 +3,7 @@
 //
 // TextTiles: pictures of text with its blurred shadow, so that scrolling draws no glyph twice. A
 // tile is a band of a message, never higher than `tileHeight` device pixels; the cache is bounded
-// in bytes. Whoever changes fonts, colours, widths or the ratio clears it. GUI thread only.
+// in bytes. Clear it when fonts, colours, widths or the ratio change. GUI thread only.
 
 #include <QCache>
 #include <QColor>
