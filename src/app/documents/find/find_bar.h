@@ -37,7 +37,6 @@ class FindBar final : public QWidget {
     void clearCount() { count_->clear(); }
     /// A line of its own; empty for none.
     void setNotice(const QString& notice);
-    void setListShown(bool isShown) { list_->setChecked(isShown); }
 
   Q_SIGNALS:
     /// query() is another one.
