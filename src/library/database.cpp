@@ -8,7 +8,7 @@
 namespace vell {
 namespace {
 
-constexpr int lockPatience = 2000;        // milliseconds
+constexpr int lockTimeout = 2000;         // milliseconds
 constexpr int operationsPerCheck = 2000;  // of the virtual machine, some hundred microseconds
 
 DatabaseError::Kind kindOf(int result) {
@@ -127,7 +127,7 @@ Database::Database(const QByteArray& path, Missing missing) {
         path.constData(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | create, nullptr);
     database_.reset(opened);
     check(opened, result);
-    sqlite3_busy_timeout(opened, lockPatience);
+    sqlite3_busy_timeout(opened, lockTimeout);
 }
 
 Statement Database::prepare(const QByteArray& sql) {

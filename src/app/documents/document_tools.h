@@ -52,7 +52,7 @@ class DocumentTools final : public QObject {
     void toggleSharedPane();
     void showSharedPane();
     void widenFor(int points);
-    /// Brings a row to the top of the view, with so many points of what is above it.
+    /// Brings a row to the top of the view, below this many points of what is above it.
     void goTo(qsizetype row, int pointsAbove = 0);
 
     QMainWindow& window_;

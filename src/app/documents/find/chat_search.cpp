@@ -14,7 +14,7 @@ namespace vell {
 namespace {
 
 constexpr int batchInterval = 40;  // milliseconds between batches; the first match comes at once
-// A pattern that takes too long in so many messages is given up.
+// A pattern is given up once it has taken too long in this many messages.
 constexpr qsizetype mostAbandoned = 20;
 
 }  // namespace

@@ -25,7 +25,7 @@ class MatchList final : public QDockWidget {
               QWidget* parent);
 
     void setMatches(const std::shared_ptr<const FoundSpans>& matches);
-    /// The matches have grown by so many.
+    /// This many matches were added.
     void grow(qsizetype first, qsizetype count);
     /// Selects a match; -1 for none.
     void setCurrent(qsizetype index);

@@ -32,7 +32,7 @@ class MatchModel final : public QAbstractListModel {
 
     /// Shows another list of matches, as long as it is now.
     void setMatches(std::shared_ptr<const FoundSpans> matches);
-    /// Shows that the list has grown by so many.
+    /// Shows that this many were added to the list.
     void grow(qsizetype first, qsizetype count);
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;

@@ -1,7 +1,7 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// SharedItems: a chat's pictures, links or files as a table, the pictures in so many columns.
+// SharedItems: a chat's pictures, links or files as a table, the pictures in several columns.
 
 #include <QAbstractTableModel>
 #include <QStringList>
