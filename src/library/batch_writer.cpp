@@ -168,14 +168,6 @@ void BatchWriter::removeAll() {
 }
 
 void BatchWriter::updateAll() {
-    // Two files may have exchanged their names.
-    Statement rename = database_.prepare("UPDATE files SET path = ?2 WHERE id = ?1");
-    for (const auto& [file, now] : updated_) {
-        const QByteArray none = '\0' + QByteArray::number(file);
-        rename.bind(1, file);
-        rename.bind(2, none);
-        rename.run();
-    }
     Statement update = database_.prepare(
         "UPDATE files SET path = ?2, size = ?3, modified = ?4, inode = ?5 WHERE id = ?1");
     for (const auto& [file, now] : updated_) {

@@ -54,6 +54,8 @@ class Fixture {
          {"SELECT path || '|' || hash || '|' || ifnull(reason, '') || '|' || messages || '|' || "
           "ifnull(account, '') || '|' || ifnull(firstDate, '') || '|' || ifnull(lastDate, '') "
           "FROM files LEFT JOIN people ON people.id = owner ORDER BY path",
+          "SELECT ifnull(path, 'none') || '|' || sum(count) FROM stretches "
+          "LEFT JOIN files ON files.id = file GROUP BY file ORDER BY 1",
           "SELECT path || '|' || account FROM participants JOIN files ON files.id = file "
           "JOIN people ON people.id = person ORDER BY 1",
           "SELECT path || '|' || sequence || '|' || date || '|' || ifnull(account, '') || '|' || "

@@ -66,6 +66,9 @@ TEST(Query, ReadsFilters) {
     EXPECT_EQ(days("in:2001-02"), std::pair(31, 59));
     EXPECT_EQ(days("after:2001-01 before:2001-03-01"), std::pair(31, 59));
     EXPECT_EQ(days("after:2001 in:2002-01-05"), std::pair(369, 370));
+    const Query day = Query::parse(u"in:2001-02-03"_s);
+    EXPECT_TRUE(day.accepts({day.begin}, 0));
+    EXPECT_FALSE(day.accepts({day.end}, 0));
     for (const char* bad : {"in:2001-13", "after:yesterday", "has:money"})
         EXPECT_THROW((void)Query::parse(QString::fromLatin1(bad)), QueryError) << bad;
     EXPECT_TRUE(Query::parse(u"!? \"\""_s).isEmpty());

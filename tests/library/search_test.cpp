@@ -3,6 +3,7 @@
 // What the index finds is what reading all files finds.
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <random>
 
 #include "archive.h"
@@ -30,13 +31,19 @@ QStringList described(const SearchHit& hit) {
     return lines;
 }
 
-/// A word, part of one, a phrase, or some of these with a filter, out of a text of the archive.
-QString randomQuery(const std::vector<QString>& texts, std::mt19937& random) {
+/// A message of the archive.
+struct Said {
+    QString text;
+    QString day;  // local
+};
+
+/// A word, part of one, a phrase, or some of these with a filter, out of a message.
+QString randomQuery(const std::vector<Said>& all, std::mt19937& random) {
     const auto below = [&](qsizetype limit) {
         return static_cast<qsizetype>(random() % static_cast<unsigned>(limit));
     };
-    const QString& text = texts[static_cast<size_t>(below(std::ssize(texts)))];
-    QStringList words = text.split(u' ', Qt::SkipEmptyParts);
+    const Said& said = all[static_cast<size_t>(below(std::ssize(all)))];
+    QStringList words = said.text.split(u' ', Qt::SkipEmptyParts);
     QString word = words[below(words.size())].remove(u'"').remove(u':');
     const qsizetype begin = below(std::max<qsizetype>(1, word.size()));
     switch (below(5)) {
@@ -55,26 +62,35 @@ QString randomQuery(const std::vector<QString>& texts, std::mt19937& random) {
         default:
             break;
     }
-    static const QStringList filters{u""_s,          u"from:an "_s,        u"with:ben "_s,
-                                     u"in:2005 "_s,  u"before:2006-07 "_s, u"after:2008-03-02 "_s,
-                                     u"has:link "_s, u"has:picture "_s};
+    const QStringList filters{u""_s,
+                              u"from:an "_s,
+                              u"with:ben "_s,
+                              u"in:%1 "_s.arg(said.day),
+                              u"before:%1 "_s.arg(said.day),
+                              u"after:%1 "_s.arg(said.day),
+                              u"has:link "_s,
+                              u"has:picture "_s};
     return filters[below(below(2) == 0 ? 1 : filters.size())] + word;
 }
 
 TEST(Search, IndexFindsWhatReadingFinds) {
+    // Its days begin within those of the database.
+    qputenv("TZ", "Asia/Tokyo");
+    tzset();
     const Fixture fixture;
     archive::write(QString::fromStdString(fixture.chats), {12, 600, 10});
     LibraryStore store(fixture.database);
     fixture.update(store);
-    std::vector<QString> texts;
-    Statement rows = store.database().prepare("SELECT text FROM messages");
+    std::vector<Said> all;
+    Statement rows = store.database().prepare(
+        "SELECT text, date(date + 978307200, 'unixepoch', 'localtime') FROM messages");
     while (rows.step())
-        texts.push_back(rows.text(0));
+        all.push_back({rows.text(0), rows.text(1)});
 
     std::mt19937 random(7);
     qsizetype found = 0;
     for (int i = 0; i < 200; ++i) {
-        const Query query = Query::parse(randomQuery(texts, random));
+        const Query query = Query::parse(randomQuery(all, random));
         if (query.isEmpty()) continue;
         SearchScope scope{{fixture.chats}, i % 3 == 0, i % 2, {}};
         if (i % 5 == 0) scope.folders = {fixture.chats + "/Copies"};

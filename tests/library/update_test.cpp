@@ -70,6 +70,10 @@ TEST(Update, FollowsTheFiles) {
     ::utimensat(AT_FDCWD, fixture.path(u"dan.ichat"_s).toUtf8().constData(), nullptr, 0);
     update();
     EXPECT_EQ(found(store, fixture, u"plum"_s), 2);
+    QFile::rename(fixture.path(u"ann.ichat"_s), fixture.path(u"exchanged"_s));
+    QFile::rename(fixture.path(u"dan.ichat"_s), fixture.path(u"ann.ichat"_s));
+    QFile::rename(fixture.path(u"exchanged"_s), fixture.path(u"dan.ichat"_s));
+    update();
 }
 
 TEST(Update, OfOneFolderLeavesTheOthers) {
@@ -108,12 +112,15 @@ TEST(Update, GoesOnAfterBeingKilled) {
     startFind(undisturbed, fixture, u"undisturbed"_s);
     ASSERT_TRUE(undisturbed.waitForFinished(-1));
     std::mt19937 random(3);
-    const auto longest = static_cast<unsigned>(time.elapsed());
+    const auto longest = static_cast<unsigned>(time.elapsed()) / 2;
     int killed = 0;
     for (int i = 0; i < 10; ++i) {
         QProcess process;
         startFind(process, fixture, u"killed"_s);
-        if (process.waitForFinished(static_cast<int>(random() % longest))) continue;
+        if (process.waitForFinished(static_cast<int>(random() % longest))) {
+            QDir(fixture.place.filePath(u"killed"_s)).removeRecursively();
+            continue;
+        }
         process.kill();
         process.waitForFinished(-1);
         ++killed;
