@@ -159,8 +159,14 @@ TEST(Update, WaitsWhilePausedAndShowsWhatItHasWritten) {
     indexer.onCommitted = [&] { seen = found(searched, fixture, u"plum"_s); };
     indexer.setPaused(true);
     std::atomic<bool> stop = false;
+    std::atomic<bool> hasBegun = false;
+    indexer.onFound = [&](qsizetype) {
+        hasBegun = true;
+        hasBegun.notify_one();
+    };
     std::thread other([&] { indexer.update({fixture.chats}, stop); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    hasBegun.wait(false);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
     EXPECT_EQ(fileCountsIn(searched).files, 0);
     LibraryStore second(fixture.database);
     EXPECT_THROW(fixture.update(second), DatabaseError) << "one indexes at a time";
