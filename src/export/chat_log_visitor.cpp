@@ -9,11 +9,12 @@ namespace {
 
 using Event = TesselChatLog::Event;
 
-enum class EventRole { newDay, newMinute, senderChange, systemMessage, content };
+enum class EventRole { session, newDay, newMinute, senderChange, systemMessage, content };
 
 struct RoleOf {
     bool isSystemMessage;
 
+    EventRole operator()(const TesselChatLog::Session&) const { return EventRole::session; }
     EventRole operator()(const TesselChatLog::NewDay&) const { return EventRole::newDay; }
     EventRole operator()(const TesselChatLog::NewMinute&) const { return EventRole::newMinute; }
     EventRole operator()(const TesselChatLog::User&) const { return EventRole::senderChange; }
@@ -45,13 +46,13 @@ Message messageAt(const TesselChatLog& log, std::size_t first) {
 class NextContent {
   public:
     explicit NextContent(const std::vector<Event>& events) : events_(events) {}
-    /// Null when a system message or the end comes first.
+    /// Null when a system message, another session or the end comes first.
     [[nodiscard]] const Event* after(std::size_t index) {
         if (next_ <= index) next_ = index + 1;
         for (; next_ < events_.size(); ++next_) {
             const EventRole role = roleOf(events_[next_]);
             if (role == EventRole::content) return &events_[next_];
-            if (role == EventRole::systemMessage) break;
+            if (role == EventRole::systemMessage || role == EventRole::session) break;
         }
         return nullptr;
     }
@@ -71,6 +72,9 @@ qint64 visit(const TesselChatLog& log, ChatLogVisitor& visitor) {
         const Event& event = events[i];
         const Message message = messageAt(log, i);
         switch (roleOf(event)) {
+            case EventRole::session:
+                visitor.session(std::get<TesselChatLog::Session>(event.value));
+                break;
             case EventRole::newDay:
                 visitor.newDay(event);
                 break;

@@ -15,6 +15,7 @@ class ChatLogVisitor {
   public:
     using Event = TesselChatLog::Event;
 
+    virtual void session(const TesselChatLog::Session& session) = 0;
     virtual void newDay(const Event& event) = 0;
     virtual void newMinute(const Event& event) = 0;
     /// A sender's run has ended. `next` is where the next one begins; null when a system message or

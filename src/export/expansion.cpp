@@ -49,6 +49,9 @@ struct MostOfEvent {
         return aroundText + units(value.url->absoluteString()) * perAddressUnit +
                units(value.title) * perUnit;
     }
+    quint64 operator()(const TesselChatLog::Session& value) const {
+        return aroundText + static_cast<quint64>(value.path.size()) * perUnit;
+    }
     template <class Marker>
     quint64 operator()(const Marker&) const {
         return aroundText;
@@ -78,9 +81,11 @@ quint64 exportLimit(qsizetype transcriptSize) {
 
 ExpansionBound::ExpansionBound(const TesselChatLog& log) : withoutUsers_(aroundText) {
     users_.emplace_back(log.ownUserID(), 1);
-    for (const TesselUserID& user : log.otherUserIDs()) {
-        withoutUsers_ += aroundText;
-        users_.emplace_back(user, 1);
+    for (const auto* users : {&log.furtherOwnUserIDs(), &log.otherUserIDs()}) {
+        for (const TesselUserID& user : *users) {
+            withoutUsers_ += aroundText;
+            users_.emplace_back(user, 1);
+        }
     }
     std::unordered_map<const TesselUserID*, size_t> places;
     for (const TesselChatLog::Event& event : log.events()) {

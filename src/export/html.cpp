@@ -26,6 +26,11 @@ class Writer final : public ChatLogVisitor {
     }
     void finish() { out_ += u"</body></html>\n"; }
 
+    void session(const TesselChatLog::Session& session) override {
+        out_ += u"<h2>";
+        text(session.name());
+        out_ += u"</h2>\n";
+    }
     void newDay(const Event& event) override {
         out_ += u"<h3>";
         text(daySeparatorFormatter().string(event.timestamp));

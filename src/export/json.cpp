@@ -29,6 +29,7 @@ class JsonRenderer {
     void operator()(const TesselChatLog::Image& value);
     void operator()(const TesselChatLog::File& value);
     void operator()(const TesselChatLog::Link& value);
+    void operator()(const TesselChatLog::Session& value);
     void operator()(const TesselChatLog::NewDay&) { kind("newDay"); }
     void operator()(const TesselChatLog::NewMinute&) { kind("newMinute"); }
     void operator()(const TesselChatLog::User&) { kind("user"); }
@@ -70,6 +71,13 @@ void writeUser(JsonWriter& writer, const TesselUserID& user) {
     writer.endObject();
 }
 
+void writeUsers(JsonWriter& writer, const QSet<TesselUserID>& users) {
+    writer.beginArray();
+    for (const TesselUserID& user : sorted(users))
+        writeUser(writer, user);
+    writer.endArray();
+}
+
 qint64 JsonRenderer::write() {
     writer_.beginObject();
     writer_.key("schema");
@@ -77,11 +85,12 @@ qint64 JsonRenderer::write() {
     stringMember("serviceID", log_.serviceID().rawValue);
     writer_.key("ownUserID");
     writeUser(writer_, log_.ownUserID());
+    if (!log_.furtherOwnUserIDs().isEmpty()) {
+        writer_.key("furtherOwnUserIDs");
+        writeUsers(writer_, log_.furtherOwnUserIDs());
+    }
     writer_.key("otherUserIDs");
-    writer_.beginArray();
-    for (const TesselUserID& other : sorted(log_.otherUserIDs()))
-        writeUser(writer_, other);
-    writer_.endArray();
+    writeUsers(writer_, log_.otherUserIDs());
     writer_.key("events");
     writer_.beginArray();
     for (std::size_t i = 0; i < log_.events().size(); ++i) {
@@ -185,6 +194,11 @@ void JsonRenderer::operator()(const TesselChatLog::Link& value) {
     kind("link");
     stringMember("url", value.url->absoluteString());
     stringMember("title", value.title);
+}
+
+void JsonRenderer::operator()(const TesselChatLog::Session& value) {
+    kind("session");
+    stringMember("fileName", value.name());
 }
 
 template <std::size_t size>

@@ -22,8 +22,9 @@ class Renderer final : public ChatLogVisitor {
   public:
     Renderer(const TesselChatLog& log, const ContactsStore& contacts,
              const TextRenderSettings& settings, TextSink& sink)
-        : ownUser_(log.ownUserID()), contacts_(contacts), settings_(settings), sink_(sink) {}
+        : log_(log), contacts_(contacts), settings_(settings), sink_(sink) {}
 
+    void session(const TesselChatLog::Session& session) override;
     void newDay(const Event& event) override;
     void newMinute(const Event& event) override;
     void senderChange(const Event* next) override;
@@ -37,7 +38,7 @@ class Renderer final : public ChatLogVisitor {
     void operator()(const TesselChatLog::File* file);
 
   private:
-    const SharedUserID ownUser_;
+    const TesselChatLog& log_;
     const ContactsStore& contacts_;
     const TextRenderSettings& settings_;
     TextSink& sink_;
@@ -56,6 +57,16 @@ class Renderer final : public ChatLogVisitor {
     [[nodiscard]] QString headingOf(const TesselUserID& sender) const;
     void pieces(Message message);
 };
+
+void Renderer::session(const TesselChatLog::Session& session) {
+    out_ += settings_.sessionLinePrefix;
+    out_ += settings_.sessionPrefix;
+    writer_.beginBlock({});
+    writer_.literal(session.name().simplified(), Next::more);
+    out_ += settings_.sessionLineSuffix;
+    headed_ = {};
+    followsBody_ = false;
+}
 
 void Renderer::newDay(const Event& event) {
     heading(settings_.dayLinePrefix, settings_.dayPrefix,
@@ -121,7 +132,7 @@ void Renderer::systemMessage(Message message) {
 void Renderer::message(Message message) {
     const SharedUserID& sender = message.front().sender;
     if (headed_ != sender) senderHeading(sender);
-    const bool isQuoted = settings_.quoteOtherMessages && sender != ownUser_;
+    const bool isQuoted = settings_.quoteOtherMessages && !log_.isOwn(sender);
     const bool isBlank = isEmpty(message);
     if (isBlank && !isQuoted) return;
     // Without an empty line paragraphs are joined, and an unquoted one becomes part of a quote.

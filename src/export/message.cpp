@@ -20,6 +20,7 @@ struct ContentOf {
     Content operator()(const TesselChatLog::Link& value) const { return &value; }
     Content operator()(const TesselChatLog::Image& value) const { return &value; }
     Content operator()(const TesselChatLog::File& value) const { return &value; }
+    Content operator()(const TesselChatLog::Session&) const { return std::nullopt; }
     Content operator()(const TesselChatLog::NewDay&) const { return std::nullopt; }
     Content operator()(const TesselChatLog::NewMinute&) const { return std::nullopt; }
     Content operator()(const TesselChatLog::User&) const { return std::nullopt; }
@@ -30,6 +31,7 @@ struct IsContent {
     bool operator()(const TesselChatLog::Link&) const { return true; }
     bool operator()(const TesselChatLog::Image&) const { return true; }
     bool operator()(const TesselChatLog::File&) const { return true; }
+    bool operator()(const TesselChatLog::Session&) const { return false; }
     bool operator()(const TesselChatLog::NewDay&) const { return false; }
     bool operator()(const TesselChatLog::NewMinute&) const { return false; }
     bool operator()(const TesselChatLog::User&) const { return false; }

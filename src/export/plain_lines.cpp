@@ -12,6 +12,11 @@ class Writer final : public ChatLogVisitor {
   public:
     Writer(const ContactsStore& contacts, TextSink& sink) : contacts_(contacts), sink_(sink) {}
 
+    void session(const TesselChatLog::Session& session) override {
+        if (!sink_.isEmpty()) out_ += u'\n';
+        out_ += session.name();
+        endLine();
+    }
     void newDay(const Event& event) override {
         if (!sink_.isEmpty()) out_ += u'\n';
         out_ += daySeparatorFormatter().string(event.timestamp);

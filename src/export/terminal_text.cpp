@@ -41,6 +41,7 @@ class Renderer final : public ChatLogVisitor {
     Renderer(const ContactsStore& contacts, const TextRenderSettings& settings, TextSink& sink)
         : contacts_(contacts), settings_(settings), sink_(sink) {}
 
+    void session(const TesselChatLog::Session& session) override;
     void newDay(const Event& event) override;
     void newMinute(const Event& event) override { minute_ = event.timestamp; }
     void senderChange(const Event* /*next*/) override { headed_ = {}; }
@@ -73,6 +74,16 @@ class Renderer final : public ChatLogVisitor {
     void write(QStringView text, LineBreaks breaks = LineBreaks::indented);
     void clean(QStringView text);
 };
+
+void Renderer::session(const TesselChatLog::Session& session) {
+    if (!sink_.isEmpty()) out_ += u"\n\n";
+    begin({}, {});
+    out_ += u"== ";
+    write(session.name(), LineBreaks::asBlanks);
+    out_ += u" ==\n";
+    minute_.reset();
+    headed_ = {};
+}
 
 void Renderer::newDay(const Event& event) {
     if (!sink_.isEmpty()) out_ += u"\n\n";

@@ -1,8 +1,9 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// TextRenderSettings: every piece of decoration that the Markdown of a chat log has around day,
-// minute and sender headings and around system messages, and the dates in all texts for people.
+// TextRenderSettings: every piece of decoration that the Markdown of a chat log has around
+// session, day, minute and sender headings and around system messages, and the dates in all texts
+// for people.
 
 #include <QString>
 
@@ -17,6 +18,9 @@ struct TextRenderSettings {
     TextRenderSettings(const DateFormatter& day, const DateFormatter& time)
         : dayFormatter(day), timeFormatter(time) {}
 
+    const QString sessionLinePrefix = QStringLiteral("\n---\n\n");
+    const QString sessionPrefix = QStringLiteral("**");
+    const QString sessionLineSuffix = QStringLiteral("**\n");
     const QString dayLinePrefix = QStringLiteral("\n");
     const QString dayPrefix = QStringLiteral("# ");
     const QString dayLineSuffix = QStringLiteral("\n");

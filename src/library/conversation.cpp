@@ -38,9 +38,8 @@ class MessageBuilder {
         const auto& name = value.wrapper->filename;
         appendLine((name ? name : value.wrapper->preferredFilename).value_or(QString()));
     }
-    void operator()(const TesselChatLog::NewDay&) {}
-    void operator()(const TesselChatLog::NewMinute&) {}
-    void operator()(const TesselChatLog::User&) {}
+    template <class Marker>
+    void operator()(const Marker&) {}
 
   private:
     LibraryMessage& message_;
@@ -65,7 +64,8 @@ class MessageBuilder {
 bool isMarker(const TesselChatLog::Event& event) {
     return std::holds_alternative<TesselChatLog::NewDay>(event.value) ||
            std::holds_alternative<TesselChatLog::NewMinute>(event.value) ||
-           std::holds_alternative<TesselChatLog::User>(event.value);
+           std::holds_alternative<TesselChatLog::User>(event.value) ||
+           std::holds_alternative<TesselChatLog::Session>(event.value);
 }
 
 foundation::Date wholeMilliseconds(foundation::Date date) {

@@ -33,6 +33,13 @@ namespace {
 constexpr QSize idealSize(520, 640);
 constexpr qsizetype longestPhrase = 200;
 
+bool isMessage(const TesselChatLog::Event& event) {
+    return !std::holds_alternative<TesselChatLog::NewDay>(event.value) &&
+           !std::holds_alternative<TesselChatLog::NewMinute>(event.value) &&
+           !std::holds_alternative<TesselChatLog::User>(event.value) &&
+           !std::holds_alternative<TesselChatLog::Session>(event.value);
+}
+
 }  // namespace
 
 TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, ContactsStore& contacts,
@@ -67,6 +74,7 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
     connect(rows_.get(), &RowInteraction::linkHovered, this, &TimelineView::linkHovered);
     connect(rows_.get(), &RowInteraction::gifClicked, this, &TimelineView::playPicture);
     connect(rows_.get(), &RowInteraction::pictureOpened, this, &TimelineView::pictureOpened);
+    connect(rows_.get(), &RowInteraction::sessionOpened, this, &TimelineView::sessionOpened);
     connect(gifPlayer_.get(), &GifPlayer::changed, this, &TimelineView::refresh);
     connect(gifPlayer_.get(), &GifPlayer::changed, this, &TimelineView::stopUnseenPicture);
     connect(&contacts, &ContactsStore::addressToContactChanged, this, [this] {
@@ -85,10 +93,13 @@ TimelineView::~TimelineView() {
 // Colours go by the order of the events, never by what happens to be painted first.
 void TimelineView::presentSenders() {
     QSet<SharedUserID> known;
+    SharedUserID last;
     for (const TesselChatLog::Event& event : chatlog().events()) {
-        if (!event.sender || known.contains(event.sender)) continue;
+        if (!event.sender || event.sender == last) continue;
+        last = event.sender;
+        if (known.contains(event.sender)) continue;
         known.insert(event.sender);
-        context_.bubbleColors.styleForUser(event.sender, *event.sender == chatlog().ownUserID());
+        context_.bubbleColors.styleForUser(event.sender, chatlog().isOwn(event.sender));
     }
 }
 
@@ -109,6 +120,30 @@ void TimelineView::setChatlog(std::shared_ptr<const TesselChatLog> chatlog) {
     selection_->setChatlog(chatlog);
     layout_.setChatlog(std::move(chatlog));
     if (isBuilt_) rebuild();
+}
+
+void TimelineView::replaceChatlog(std::shared_ptr<const TesselChatLog> chatlog,
+                                  const RowMap& rowOf) {
+    const auto& visible = layout_.visibleRows();
+    const auto kept = std::find_if(visible.begin(), visible.end(), [this](const auto& row) {
+        return isMessage(this->chatlog().events()[static_cast<size_t>(row.index)]);
+    });
+    const bool isMessageKept = kept != visible.end();
+    const qsizetype row = isMessageKept ? kept->index : scroller_.topRow();
+    const int top = isMessageKept ? kept->top : 0;
+    const qreal pointsAbove = isMessageKept ? 0 : scroller_.pointsAbove();
+    const auto selected = hasSelection() ? std::optional(selectedSpan()) : std::nullopt;
+    const qsizetype current = currentRow();
+
+    setChatlog(std::move(chatlog));
+    presentSenders();
+    if (current >= 0) keyboard_->setRow(rowOf(current));
+    if (selected) {
+        select({{rowOf(selected->from.row), selected->from.offset},
+                {rowOf(selected->to.row), selected->to.offset}});
+    }
+    scroller_.scrollToRow(rowOf(row), pointsAbove);
+    if (top != 0) scroller_.scrollByPixels(-top);
 }
 
 void TimelineView::setFontSize(qint64 points) {

@@ -8,6 +8,7 @@
 //     view->setFontSize(settings.timelineFontSize());
 
 #include <QAbstractScrollArea>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -51,6 +52,12 @@ class TimelineView final : public QAbstractScrollArea {
     }
     /// Shows the same messages with other marks of days and minutes; the place is kept.
     void setChatlog(std::shared_ptr<const TesselChatLog> chatlog);
+    /// Where a row of the log that was shown is in the one that replaces it; of a mark, where the
+    /// message below it is.
+    using RowMap = std::function<qsizetype(qsizetype row)>;
+    /// Shows a log with more or fewer messages. The ones on the screen stay where they are; the
+    /// selection and the keyboard's row stay, too.
+    void replaceChatlog(std::shared_ptr<const TesselChatLog> chatlog, const RowMap& rowOf);
     /// In points; any number, brought to the nearest that a font can have.
     void setFontSize(qint64 points);
     [[nodiscard]] qint64 fontSize() const { return fontSize_; }
@@ -106,6 +113,8 @@ class TimelineView final : public QAbstractScrollArea {
     void jumped(const vell::TimelinePlace& left);
     /// A row's picture is to be shown large.
     void pictureOpened(qsizetype row);
+    /// A session's file is to be shown alone.
+    void sessionOpened(const QByteArray& path);
     /// People may be called something else now.
     void namesChanged();
     /// A row's picture turned out not to be drawable; the row says why.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "transcript/chat_log.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <type_traits>
 #include <utility>
@@ -24,6 +26,7 @@ struct Describe {
     QString operator()(const TesselChatLog::Link& v) const {
         return u" link "_s + v.url->absoluteString() + u" \""_s + v.title + u'"';
     }
+    QString operator()(const TesselChatLog::Session& v) const { return u" session "_s + v.name(); }
     QString operator()(const TesselChatLog::NewDay&) const { return u" new-day"_s; }
     QString operator()(const TesselChatLog::NewMinute&) const { return u" new-minute"_s; }
     QString operator()(const TesselChatLog::User&) const { return u" user"_s; }
@@ -50,12 +53,19 @@ TesselChatLog::Image::Image(foundation::Picture image, foundation::Data data, QS
 
 TesselChatLog::TesselChatLog(TesselServiceID serviceID, TesselUserID ownUserID,
                              QSet<TesselUserID> otherUserIDs, std::vector<Event> events,
-                             std::vector<bool> continuations)
+                             std::vector<bool> continuations, QSet<TesselUserID> furtherOwnUserIDs)
     : serviceID_(std::move(serviceID)),
       ownUserID_(std::move(ownUserID)),
       otherUserIDs_(std::move(otherUserIDs)),
+      furtherOwnUserIDs_(std::move(furtherOwnUserIDs)),
       events_(std::move(events)),
       continuations_(std::move(continuations)) {}
+
+QString TesselChatLog::Session::name() const {
+    const QFileInfo file(QFile::decodeName(path));
+    const QString base = file.completeBaseName();
+    return base.isEmpty() ? file.fileName() : base;
+}
 
 QString TesselChatLog::Event::description() const {
     QString result = u"<Event["_s + QString::number(sequence) + u"]: ts="_s +

@@ -4,6 +4,7 @@
 // TesselChatLog: a transcript as everything else sees it, a flat list of events numbered from 1.
 // An immutable value; copies share their events' content. TesselChatLog::fromData reads one.
 
+#include <QByteArray>
 #include <QString>
 #include <memory>
 #include <optional>
@@ -81,6 +82,15 @@ class TesselChatLog {
         }
     };
 
+    /// The following messages are from another file. Only in logs that were merged of several.
+    struct Session {
+        QByteArray path;
+        /// The file's name for people.
+        [[nodiscard]] QString name() const;
+        friend bool operator==(const Session&, const Session&) = default;
+        friend size_t qHash(const Session& v, size_t seed = 0) { return ::qHash(v.path, seed); }
+    };
+
     /// The following events are on a new calendar day.
     struct NewDay {
         friend bool operator==(const NewDay&, const NewDay&) = default;
@@ -95,7 +105,7 @@ class TesselChatLog {
     };
 
     struct Event {
-        using Value = std::variant<PlainText, Image, File, Link, NewDay, NewMinute, User>;
+        using Value = std::variant<PlainText, Image, File, Link, NewDay, NewMinute, User, Session>;
 
         qint64 sequence = 0;  ///< 1, 2, 3 … without gaps; the event's identity
         foundation::Date timestamp;
@@ -114,7 +124,17 @@ class TesselChatLog {
     /// `continuations` may end early; every event after it begins a new message.
     TesselChatLog(TesselServiceID serviceID, TesselUserID ownUserID,
                   QSet<TesselUserID> otherUserIDs, std::vector<Event> events,
-                  std::vector<bool> continuations = {});
+                  std::vector<bool> continuations = {}, QSet<TesselUserID> furtherOwnUserIDs = {});
+    /// A log of the same people with other events.
+    [[nodiscard]] TesselChatLog withEvents(std::vector<Event> events,
+                                           std::vector<bool> continuations) const {
+        return {serviceID_,
+                ownUserID_,
+                otherUserIDs_,
+                std::move(events),
+                std::move(continuations),
+                furtherOwnUserIDs_};
+    }
 
     /// Reads a transcript's bytes, keyed or non-keyed. Throws the keyed reader's error when neither
     /// form can be read. `fileDate` dates the events of an empty transcript. The steps are written
@@ -135,6 +155,12 @@ class TesselChatLog {
     [[nodiscard]] const TesselServiceID& serviceID() const { return serviceID_; }
     /// The user who owned the transcript; "?" on the transcript's service when unknown.
     [[nodiscard]] const TesselUserID& ownUserID() const { return ownUserID_; }
+    /// Under which other names the owner wrote; only in logs that were merged of several.
+    [[nodiscard]] const QSet<TesselUserID>& furtherOwnUserIDs() const { return furtherOwnUserIDs_; }
+    [[nodiscard]] bool isOwn(const SharedUserID& user) const {
+        return user && (*user == ownUserID_ ||
+                        (!furtherOwnUserIDs_.isEmpty() && furtherOwnUserIDs_.contains(*user)));
+    }
     [[nodiscard]] const QSet<TesselUserID>& otherUserIDs() const { return otherUserIDs_; }
     [[nodiscard]] const std::vector<Event>& events() const { return events_; }
     /// Whether the event at the index is a further piece of the message that the one before it
@@ -149,7 +175,8 @@ class TesselChatLog {
     /// Compares all of the above except where messages end.
     friend bool operator==(const TesselChatLog& a, const TesselChatLog& b) {
         return a.serviceID_ == b.serviceID_ && a.ownUserID_ == b.ownUserID_ &&
-               a.otherUserIDs_ == b.otherUserIDs_ && a.events_ == b.events_;
+               a.otherUserIDs_ == b.otherUserIDs_ && a.furtherOwnUserIDs_ == b.furtherOwnUserIDs_ &&
+               a.events_ == b.events_;
     }
     friend size_t qHash(const TesselChatLog& log, size_t seed = 0) { return log.hash(seed); }
     [[nodiscard]] size_t hash(size_t seed = 0) const;
@@ -158,6 +185,7 @@ class TesselChatLog {
     TesselServiceID serviceID_;
     TesselUserID ownUserID_;
     QSet<TesselUserID> otherUserIDs_;
+    QSet<TesselUserID> furtherOwnUserIDs_;
     std::vector<Event> events_;
     std::vector<bool> continuations_;
 };

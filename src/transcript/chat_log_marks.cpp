@@ -39,6 +39,11 @@ TesselChatLog TesselChatLog::markedIn(const foundation::Calendar& calendar) cons
     for (std::size_t index = 0; index < events_.size(); ++index) {
         const Event& event = events_[index];
         const foundation::Date date = event.timestamp;
+        // What a new session begins with stands below its heading.
+        if (std::holds_alternative<Session>(event.value)) {
+            append(date, std::nullopt, event.value);
+            continue;
+        }
         // The end of a run stands before the mark of the message that has ended it.
         if (endsRun(event)) append(date, event.sender, event.value);
         if (!calendar.isSameDay(date, previous)) {
@@ -54,7 +59,7 @@ TesselChatLog TesselChatLog::markedIn(const foundation::Calendar& calendar) cons
         }
         append(date, event.sender, event.value);
     }
-    return {serviceID_, ownUserID_, otherUserIDs_, std::move(events), std::move(continuations)};
+    return withEvents(std::move(events), std::move(continuations));
 }
 
 }  // namespace vell

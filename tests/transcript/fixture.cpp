@@ -61,6 +61,9 @@ std::vector<std::string> summary(const TesselChatLog& log) {
         QString operator()(const TesselChatLog::NewDay&) const { return u"day"_s; }
         QString operator()(const TesselChatLog::NewMinute&) const { return u"minute"_s; }
         QString operator()(const TesselChatLog::User&) const { return u"user"_s; }
+        QString operator()(const TesselChatLog::Session& v) const {
+            return u"session "_s + v.name();
+        }
     };
     std::vector<std::string> result;
     for (const TesselChatLog::Event& event : log.events()) {

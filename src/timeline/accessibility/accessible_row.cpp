@@ -8,6 +8,7 @@
 #include "timeline/accessibility/accessible_timeline.h"
 #include "timeline/input/links.h"
 #include "timeline/pictures/picture_cache.h"
+#include "timeline/rows/row_text.h"
 #include "timeline/timeline_view.h"
 #include "toolkit/date_formatters.h"
 #include "toolkit/shown_text.h"
@@ -35,6 +36,7 @@ struct Spoken {
         return parts.join(QStringLiteral(", "));
     }
     // Rows that are no messages have names of their own.
+    QString operator()(const SessionHeadingView&) const { return {}; }
     QString operator()(const DaySeparatorView&) const { return {}; }
     QString operator()(const TimeSeparatorView&) const { return {}; }
     QString operator()(const SenderInfoView&) const { return {}; }
@@ -47,6 +49,9 @@ QString accessibleRowName(TimelineView& view, qsizetype row) {
     const Event& event = view.chatlog().events()[static_cast<size_t>(row)];
     if (std::holds_alternative<TesselChatLog::NewDay>(event.value))
         return daySeparatorFormatter().string(event.timestamp);
+    if (std::holds_alternative<TesselChatLog::Session>(event.value))
+        //: A heading above the messages of one file; %1 is the file's name.
+        return QCoreApplication::translate("Timeline", "Chat “%1”").arg(rowText(event));
     const QString time = timeSeparatorFormatter().string(event.timestamp);
     if (std::holds_alternative<TesselChatLog::NewMinute>(event.value)) return time;
 
@@ -84,6 +89,9 @@ QRect AccessibleRow::rect() const {
 
 QAccessible::Role AccessibleRow::role() const {
     struct Visitor {
+        QAccessible::Role operator()(const TesselChatLog::Session&) const {
+            return QAccessible::Heading;
+        }
         QAccessible::Role operator()(const TesselChatLog::NewDay&) const {
             return QAccessible::Heading;
         }
@@ -129,6 +137,7 @@ void* AccessibleRow::interface_cast(QAccessible::InterfaceType type) {
 bool AccessibleRow::canBePressed() const {
     const auto* image = std::get_if<TesselChatLog::Image>(&event().value);
     return role() == QAccessible::Link ||
+           std::holds_alternative<TesselChatLog::Session>(event().value) ||
            (image && image->image().format == foundation::PictureFormat::gif);
 }
 

@@ -36,6 +36,8 @@ class KeyboardNavigation final : public QObject {
                        TimelineScroller& scroller, RowInteraction& rows);
 
     /// The current row; -1 before any was chosen.
+    /// The row has another number now.
+    void setRow(qsizetype row) { row_ = row; }
     [[nodiscard]] qsizetype row() const { return row_; }
     /// Shows a row and makes it the current one; going up, the end of a high row is shown.
     void goTo(qsizetype row, int direction);

@@ -4,6 +4,7 @@
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QDrag>
+#include <QFile>
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QToolTip>
@@ -52,6 +53,11 @@ const TesselChatLog::Link* RowInteraction::linkAt(const RowPlace& place) const {
     return place.isOnText() ? std::get_if<TesselChatLog::Link>(&eventAt(place.row).value) : nullptr;
 }
 
+bool RowInteraction::isOnHeading(const RowPlace& place) const {
+    return std::holds_alternative<TesselChatLog::Session>(eventAt(place.row).value) &&
+           place.content->layout.frame.contains(place.point);
+}
+
 // ---- clicks and drags --------------------------------------------------------------------------
 
 bool RowInteraction::press(const QMouseEvent& event, const std::optional<RowPlace>& place) {
@@ -59,11 +65,11 @@ bool RowInteraction::press(const QMouseEvent& event, const std::optional<RowPlac
     if (event.button() != Qt::LeftButton || event.modifiers() != Qt::NoModifier || !place)
         return false;
     const bool isOnPicture = place->isOnPicture();
-    if (!isOnPicture && !linkAt(*place)) return false;
+    if (!isOnPicture && !linkAt(*place) && !isOnHeading(*place)) return false;
     pressed_ = event.position().toPoint();
     pressedRow_ = place->row;
     if (isOnPicture) selection_.clear();
-    return isOnPicture;  // a link's text can be selected
+    return isOnPicture;  // texts can be selected
 }
 
 bool RowInteraction::move(const QMouseEvent& event, const std::optional<RowPlace>& place) {
@@ -82,7 +88,7 @@ void RowInteraction::release(const QMouseEvent& event, const std::optional<RowPl
     if (!place || place->row != pressedRow_) return;
     if (place->isOnPicture()) {
         clickPicture(pressedRow_);
-    } else if (linkAt(*place) && selection_.isEmpty()) {
+    } else if ((linkAt(*place) || isOnHeading(*place)) && selection_.isEmpty()) {
         open(pressedRow_);
     }
 }
@@ -90,6 +96,8 @@ void RowInteraction::release(const QMouseEvent& event, const std::optional<RowPl
 void RowInteraction::open(qsizetype row) {
     if (const auto* link = std::get_if<TesselChatLog::Link>(&eventAt(row).value)) {
         links_.open(link->url->absoluteString(), link->title);
+    } else if (const auto* session = std::get_if<TesselChatLog::Session>(&eventAt(row).value)) {
+        Q_EMIT sessionOpened(session->path);
     } else {
         Q_EMIT pictureOpened(row);
     }
@@ -106,12 +114,14 @@ void RowInteraction::clickPicture(qsizetype row) {
 bool RowInteraction::canOpen(const TesselChatLog::Event::Value& value) const {
     if (const auto* image = std::get_if<TesselChatLog::Image>(&value))
         return context_.pictures.problem(image->image()).isEmpty();
-    return std::holds_alternative<TesselChatLog::Link>(value);
+    return std::holds_alternative<TesselChatLog::Link>(value) ||
+           std::holds_alternative<TesselChatLog::Session>(value);
 }
 
 void RowInteraction::activate(qsizetype row) {
     const TesselChatLog::Event::Value& value = eventAt(row).value;
-    if (std::holds_alternative<TesselChatLog::Link>(value)) {
+    if (std::holds_alternative<TesselChatLog::Link>(value) ||
+        std::holds_alternative<TesselChatLog::Session>(value)) {
         open(row);
     } else if (canOpen(value)) {
         clickPicture(row);
@@ -148,6 +158,8 @@ void RowInteraction::hover(const std::optional<RowPlace>& place) {
         if (const TesselChatLog::Link* link = linkAt(*place)) {
             address = shownAddress(link->url->absoluteString());
             shape = Qt::PointingHandCursor;
+        } else if (isOnHeading(*place)) {
+            shape = Qt::PointingHandCursor;
         } else if (place->isOnText()) {
             shape = Qt::IBeamCursor;
         }
@@ -163,6 +175,8 @@ void RowInteraction::showToolTip(const QHelpEvent& event, const RowPlace& place)
     QStringList lines;
     if (const TesselChatLog::Link* link = linkAt(place))
         lines += shownAddress(link->url->absoluteString());
+    if (const auto* session = std::get_if<TesselChatLog::Session>(&shown.value))
+        lines += shownText(QFile::decodeName(session->path));
     if (shown.sender) lines += shownText(senderName(*shown.sender, context_.contacts));
     lines += fullDateFormatter().string(shown.timestamp);
     QToolTip::showText(event.globalPos(), toolTip(lines), area_.viewport());

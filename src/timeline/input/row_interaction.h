@@ -54,14 +54,17 @@ class RowInteraction final : public QObject {
     void gifClicked(qsizetype row);
     /// A picture is to be shown large.
     void pictureOpened(qsizetype row);
+    /// A session's file is to be shown alone.
+    void sessionOpened(const QByteArray& path);
 
   private:
     [[nodiscard]] const TesselChatLog::Event& eventAt(qsizetype row) const;
     [[nodiscard]] const TesselChatLog::Link* linkAt(const RowPlace& place) const;
+    [[nodiscard]] bool isOnHeading(const RowPlace& place) const;
     void dragPicture(qsizetype row);
     void open(qsizetype row);
     void clickPicture(qsizetype row);
-    /// Links, and pictures that aren't known not to be drawable.
+    /// Links, headings of sessions, and pictures that aren't known not to be drawable.
     [[nodiscard]] bool canOpen(const TesselChatLog::Event::Value& value) const;
 
     QAbstractScrollArea& area_;

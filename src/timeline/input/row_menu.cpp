@@ -16,7 +16,13 @@ RowMenu::RowMenu(QWidget& parent, const SelectionController& selection,
     : QMenu(&parent), parent_(parent) {
     const QString text = rowText(event);
     const auto* image = std::get_if<TesselChatLog::Image>(&event.value);
-    if (open) addAction(image ? tr("&Open Picture") : tr("&Open Link"), &parent, open);
+    const bool isSession = std::holds_alternative<TesselChatLog::Session>(event.value);
+    if (open) {
+        addAction(image       ? tr("&Open Picture")
+                  : isSession ? tr("&Open Chat Alone")
+                              : tr("&Open Link"),
+                  &parent, open);
+    }
     if (!selection.isEmpty()) {
         addAction(tr("&Copy"), &parent, [&selection] { selection.copy(); });
     } else if (isSelectable(event) && !image) {

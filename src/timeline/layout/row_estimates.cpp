@@ -14,10 +14,11 @@ namespace {
 
 using Event = TesselChatLog::Event;
 
-constexpr int lengthClasses = 125;
+constexpr int lengthClasses = 124;
 
 enum : uint8_t {
     emptyClass,
+    sessionClass,
     dayClass,
     minuteClass,
     captionClass,
@@ -60,6 +61,7 @@ uint8_t classOf(const Event& event) {
         }
         uint8_t operator()(const TesselChatLog::Image&) const { return imageClass; }
         uint8_t operator()(const TesselChatLog::File&) const { return fileClass; }
+        uint8_t operator()(const TesselChatLog::Session&) const { return sessionClass; }
         uint8_t operator()(const TesselChatLog::NewDay&) const { return dayClass; }
         uint8_t operator()(const TesselChatLog::NewMinute&) const { return minuteClass; }
         uint8_t operator()(const TesselChatLog::User&) const {
@@ -129,6 +131,7 @@ void RowEstimates::prepare(const RowContext& context, int rowWidth) {
         return measured(std::move(value), context, rowWidth, hasSender).height;
     };
     heights_[emptyClass] = 0;
+    heights_[sessionClass] = kind(TesselChatLog::Session{"x"}, false);
     heights_[dayClass] = kind(TesselChatLog::NewDay(), false);
     heights_[minuteClass] = kind(TesselChatLog::NewMinute(), false);
     heights_[captionClass] = kind(TesselChatLog::User(), true);

@@ -6,6 +6,7 @@
 
 #include "timeline/rows/line_views.h"
 #include "toolkit/date_formatters.h"
+#include "toolkit/shown_text.h"
 
 namespace vell {
 namespace {
@@ -21,6 +22,9 @@ struct Text {
     QString operator()(const TesselChatLog::Image& value) const {
         const QString name = pictureName(value);
         return name.isEmpty() ? QCoreApplication::translate("Timeline", "Picture") : name;
+    }
+    QString operator()(const TesselChatLog::Session& value) const {
+        return shownText(value.name()).simplified();
     }
     QString operator()(const TesselChatLog::NewDay&) const {
         return daySeparatorFormatter().string(timestamp);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "timeline/rows/separator_views.h"
 
+#include <QFontMetricsF>
 #include <QPainter>
 #include <algorithm>
 
@@ -14,6 +15,11 @@ namespace {
 constexpr qreal labelPadding = 8;
 constexpr qreal dividerThickness = 1;
 constexpr qreal labelShadowRadius = 1.5;
+
+constexpr qreal aboveHeading = 20;  // tells sessions apart when one scrolls fast
+constexpr qreal headingPadding = 14;
+constexpr qreal headingVerticalPadding = 5;
+constexpr float headingOpacity = 0.07f;
 
 }  // namespace
 
@@ -43,6 +49,34 @@ void DaySeparatorView::paint(QPainter& painter, const RowLayout& layout, const R
                             {white, labelShadowRadius, QPointF(0, 1)}};
     paintShadowedText(painter, *layout.text, layout.content.topLeft(), what.visible, colors,
                       context.ratio);
+}
+
+RowLayout SessionHeadingView::measure(const RowContext& context, int width) const {
+    RowLayout layout = measureLine(name, context.fonts.body, LineSide::center, context,
+                                   width - 2 * context.px(headingPadding));
+    const int side = context.px(headingPadding);
+    const int vertical = context.px(headingVerticalPadding);
+    layout.width = width;
+    layout.content.translate(side, context.px(aboveHeading) + vertical);
+    layout.frame = layout.content.adjusted(-side, -vertical, side, vertical);
+    layout.height = layout.frame.bottom() + 1;
+    return layout;
+}
+
+void SessionHeadingView::paint(QPainter& painter, const RowLayout& layout,
+                               const RowContext& context, const RowPaint& what) const {
+    QColor field = context.colors.label;
+    field.setAlphaF(headingOpacity);
+    const qreal radius = (QFontMetricsF(context.fonts.body).height() * context.ratio +
+                          2 * context.px(headingVerticalPadding)) /
+                         2;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(field);
+    painter.drawRoundedRect(layout.frame, radius, radius);
+    painter.restore();
+    paintLine(painter, layout, context.colors.label, context, what);
 }
 
 RowLayout TimeSeparatorView::measure(const RowContext& context, int width) const {

@@ -1,8 +1,10 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// The rows that mark a new day and a new minute. Their fonts are the desktop's, whatever the size
-// of the messages.
+// The rows that mark a new session, day and minute. Their fonts are the desktop's, whatever the
+// size of the messages.
+
+#include <QString>
 
 #include "foundation/date.h"
 #include "timeline/rows/row_context.h"
@@ -18,6 +20,15 @@ struct DaySeparatorView {
     void paint(QPainter& painter, const RowLayout& layout, const RowContext& context,
                const RowPaint& what) const;
     friend bool operator==(const DaySeparatorView&, const DaySeparatorView&) = default;
+};
+
+/// The name of the file that the following messages are from, on a field that can be clicked.
+struct SessionHeadingView {
+    QString name;
+
+    [[nodiscard]] RowLayout measure(const RowContext& context, int width) const;
+    void paint(QPainter& painter, const RowLayout& layout, const RowContext& context,
+               const RowPaint& what) const;
 };
 
 /// The time, centred.

@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <type_traits>
 
+#include "toolkit/shown_text.h"
+
 namespace vell {
 namespace {
 
@@ -35,6 +37,9 @@ struct Chooser {
         return ImageBubbleView{value, owner()};
     }
     Content operator()(const TesselChatLog::File& value) const { return FileView{value.wrapper}; }
+    Content operator()(const TesselChatLog::Session& value) const {
+        return SessionHeadingView{shownText(value.name()).simplified()};
+    }
     Content operator()(const TesselChatLog::NewDay&) const {
         return DaySeparatorView{event.timestamp};
     }

@@ -17,15 +17,15 @@ namespace vell {
 class TimelineRowView {
   public:
     /// The views a row can have; std::monostate takes no room.
-    using Content =
-        std::variant<std::monostate, PlainMessageBubbleView, SystemMessageView, ImageBubbleView,
-                     FileView, DaySeparatorView, TimeSeparatorView, SenderInfoView>;
+    using Content = std::variant<std::monostate, PlainMessageBubbleView, SystemMessageView,
+                                 ImageBubbleView, FileView, SessionHeadingView, DaySeparatorView,
+                                 TimeSeparatorView, SenderInfoView>;
 
     TimelineRowView(const TesselChatLog::Event& event, bool isOwn);
 
     /// Whether the event's sender is the owner of the transcript.
     static bool isOwn(const TesselChatLog::Event& event, const TesselChatLog& chatlog) {
-        return event.sender && *event.sender == chatlog.ownUserID();
+        return chatlog.isOwn(event.sender);
     }
 
     [[nodiscard]] const Content& content() const { return content_; }
