@@ -40,29 +40,36 @@ FileReading TranscriptReader::read(const FoundFile& file) {
     return reading;
 }
 
-void TranscriptReader::readInto(FileReading& reading) {
+QByteArray readBytes(FoundFile& found) {
     const int descriptor =
-        ::open(reading.file.path.constData(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+        ::open(found.path.constData(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     QFile file;
     if (descriptor < 0 || !file.open(descriptor, QIODevice::ReadOnly, QFile::AutoCloseHandle))
         throw std::system_error(errno, std::generic_category());
     struct stat status {};
     ::fstat(descriptor, &status);
-    reading.file.size = status.st_size;
-    reading.file.modified = status.st_mtim.tv_sec * nanosecondsPerSecond + status.st_mtim.tv_nsec;
-    reading.file.inode = status.st_ino;
+    found.size = status.st_size;
+    found.modified = status.st_mtim.tv_sec * nanosecondsPerSecond + status.st_mtim.tv_nsec;
+    found.inode = status.st_ino;
+    return foundation::readWhole(file);
+}
 
-    const QByteArray bytes = foundation::readWhole(file);
+TesselChatLog logOf(const FoundFile& file, const foundation::Data& bytes,
+                    const foundation::Calendar& calendar) {
+    if (bytes.isEmpty()) throw std::runtime_error("it is empty");
+    const auto modified =
+        foundation::Date::fromMillisecondsSinceEpoch(file.modified / nanosecondsPerMillisecond);
+    return TesselChatLog::fromData(bytes, modified, calendar);
+}
+
+void TranscriptReader::readInto(FileReading& reading) {
+    const QByteArray bytes = readBytes(reading.file);
     reading.hash = QCryptographicHash::hash(bytes, QCryptographicHash::Sha1);
     if (knownHashes_ && knownHashes_->contains(reading.hash)) {
         reading.isKnown = true;
         return;
     }
-    if (bytes.isEmpty()) throw std::runtime_error("it is empty");
-    const auto modified = foundation::Date::fromMillisecondsSinceEpoch(reading.file.modified /
-                                                                       nanosecondsPerMillisecond);
-    reading.conversation =
-        conversationOf(TesselChatLog::fromData(bytes, modified, calendar_), bytes.size());
+    reading.conversation = conversationOf(logOf(reading.file, bytes, calendar_), bytes.size());
 }
 
 }  // namespace vell

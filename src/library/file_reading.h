@@ -26,6 +26,12 @@ struct FileReading {
     Conversation conversation;
 };
 
+/// A file's bytes; what is known of the file becomes what it was while it was read. Throws.
+[[nodiscard]] QByteArray readBytes(FoundFile& file);
+/// The transcript in a file's bytes. Throws.
+[[nodiscard]] TesselChatLog logOf(const FoundFile& file, const foundation::Data& bytes,
+                                  const foundation::Calendar& calendar);
+
 class TranscriptReader {
   public:
     using Hashes = std::shared_ptr<const QSet<QByteArray>>;
