@@ -21,8 +21,7 @@
 
 #include "app/desktop/recent_files.h"
 #include "app/desktop/settings.h"
-#include "app/documents/document.h"
-#include "app/documents/document_tools.h"
+#include "app/documents/chat_tools.h"
 #include "app/documents/jump_history.h"
 #include "app/documents/selection_data.h"
 #include "app/documents/services.h"
@@ -66,7 +65,7 @@ class Window {
         window_.setCentralWidget(view);
         window_.resize(900, 1000);
         history_.attach(*view);
-        tools_ = new vell::DocumentTools(
+        tools_ = new vell::ChatTools(
             window_, vell::Services{settings_, recentFiles_, contacts_, pictures_}, history_);
         go_ = tools_->addGoCommands(menu_);
         show_ = tools_->addViewCommands(menu_);
@@ -106,7 +105,7 @@ class Window {
     vell::JumpHistory history_;
     QMenu menu_;
     QMainWindow window_;
-    vell::DocumentTools* tools_ = nullptr;
+    vell::ChatTools* tools_ = nullptr;
     QList<QAction*> go_;
     QList<QAction*> show_;
 };
@@ -115,15 +114,15 @@ class Window {
 void reportCopying(const Log& log) {
     const vell::ContactsStore contacts;
     // As large as its texts would be in a file.
-    const QByteArray file(100'000'000, ' ');
-    const auto document = std::make_shared<const vell::VellDocument>(*log, foundation::Data(file));
+    const vell::ShownChat chat{
+        log, std::make_shared<const vell::ExpansionBound>(*log), 100'000'000, {}};
     vell::TextSpan all;
     all.to.row = static_cast<qsizetype>(log->events().size()) - 1;
     all.to.offset = std::numeric_limits<int>::max();
     std::vector<double> times;
     for (int i = 0; i < 5; ++i) {
         const double start = processorMilliseconds();
-        const vell::SelectionData data(document, contacts, all);
+        const vell::SelectionData data(chat, contacts, all);
         if (data.isOutOfProportion() || data.count() < 1'000'000) std::abort();
         times.push_back(processorMilliseconds() - start);
     }

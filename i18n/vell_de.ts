@@ -236,6 +236,11 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <source>Conversation</source>
         <translation>Unterhaltung</translation>
     </message>
+    <message>
+        <source>Chat “%1”</source>
+        <extracomment>A heading above the messages of one file; %1 is the file&apos;s name.</extracomment>
+        <translation>Chat „%1“</translation>
+    </message>
 </context>
 <context>
     <name>Version</name>
@@ -286,64 +291,34 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     </message>
 </context>
 <context>
-    <name>vell::ContactsBar</name>
+    <name>vell::ChatPane</name>
     <message>
-        <source>This app can show participant names and icons if you grant it access to your addressbook.</source>
-        <translation>Dieses Programm kann Namen und Bilder der Beteiligten zeigen, wenn Sie ihm Zugriff auf Ihr Adressbuch gewähren.</translation>
+        <source>Opening …</source>
+        <translation>Wird geöffnet …</translation>
     </message>
     <message>
-        <source>Grant or Deny</source>
-        <translation>Erlauben oder ablehnen</translation>
-    </message>
-</context>
-<context>
-    <name>vell::DocumentTools</name>
-    <message>
-        <source>Go to &amp;Date …</source>
-        <translation>Gehe zu &amp;Datum …</translation>
+        <source>Font size: %1</source>
+        <translation>Schriftgröße: %1</translation>
     </message>
     <message>
-        <source>&amp;Previous Day</source>
-        <translation>Vo&amp;rheriger Tag</translation>
-    </message>
-    <message>
-        <source>&amp;Next Day</source>
-        <translation>&amp;Nächster Tag</translation>
-    </message>
-    <message>
-        <source>The chat has no earlier day.</source>
-        <translation>Der Chat hat keinen früheren Tag.</translation>
-    </message>
-    <message>
-        <source>The chat has no later day.</source>
-        <translation>Der Chat hat keinen späteren Tag.</translation>
-    </message>
-    <message>
-        <source>&amp;Shared Items</source>
-        <translation>&amp;Geteilte Inhalte</translation>
-    </message>
-</context>
-<context>
-    <name>vell::DocumentWindow</name>
-    <message>
-        <source>Toolbar</source>
-        <translation>Werkzeugleiste</translation>
-    </message>
-    <message>
-        <source>&amp;File</source>
-        <translation>&amp;Datei</translation>
+        <source>Font size: %1, shown as %2</source>
+        <translation>Schriftgröße: %1, dargestellt als %2</translation>
     </message>
     <message>
         <source>&amp;Save Chat as Markdown …</source>
         <translation>Chat als Markdown &amp;sichern …</translation>
     </message>
     <message>
-        <source>&amp;Edit</source>
-        <translation>&amp;Bearbeiten</translation>
-    </message>
-    <message>
         <source>Copy</source>
         <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>Copy &amp;Whole Chat</source>
+        <translation>&amp;Ganzen Chat kopieren</translation>
+    </message>
+    <message>
+        <source>Select &amp;All</source>
+        <translation>&amp;Alles auswählen</translation>
     </message>
     <message>
         <source>&amp;Find …</source>
@@ -358,14 +333,6 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <translation>&amp;Rückwärts weitersuchen</translation>
     </message>
     <message>
-        <source>F&amp;ormat</source>
-        <translation>F&amp;ormat</translation>
-    </message>
-    <message>
-        <source>&amp;Font</source>
-        <translation>&amp;Schrift</translation>
-    </message>
-    <message>
         <source>&amp;Show Fonts</source>
         <translation>Schriften &amp;zeigen</translation>
     </message>
@@ -378,48 +345,12 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <translation>&amp;Kleiner</translation>
     </message>
     <message>
-        <source>&amp;View</source>
-        <translation>&amp;Ansicht</translation>
+        <source>P&amp;revious Session</source>
+        <translation>Vor&amp;herige Sitzung</translation>
     </message>
     <message>
-        <source>&amp;Actual Size</source>
-        <translation>&amp;Originalgröße</translation>
-    </message>
-    <message>
-        <source>&amp;Full Screen</source>
-        <translation>&amp;Vollbild</translation>
-    </message>
-    <message>
-        <source>Opening …</source>
-        <translation>Wird geöffnet …</translation>
-    </message>
-    <message>
-        <source>Standard Input</source>
-        <translation>Standardeingabe</translation>
-    </message>
-    <message>
-        <source>Chat</source>
-        <translation>Chat</translation>
-    </message>
-    <message>
-        <source>Save Chat as Markdown</source>
-        <translation>Chat als Markdown sichern</translation>
-    </message>
-    <message>
-        <source>The chat could not be saved as “%1”.</source>
-        <translation>Der Chat konnte nicht als „%1“ gesichert werden.</translation>
-    </message>
-    <message>
-        <source>%1. Choose another folder or name.</source>
-        <translation>%1. Wählen Sie einen anderen Ordner oder Namen.</translation>
-    </message>
-    <message>
-        <source>Copy &amp;Whole Chat</source>
-        <translation>&amp;Ganzen Chat kopieren</translation>
-    </message>
-    <message>
-        <source>Select &amp;All</source>
-        <translation>&amp;Alles auswählen</translation>
+        <source>Ne&amp;xt Session</source>
+        <translation>Nächste &amp;Sitzung</translation>
     </message>
     <message>
         <source>Copy Whole Chat</source>
@@ -434,36 +365,16 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <translation>Als Text braucht er mehr als %1, weit mehr als seine Datei. Sichern Sie ihn als Markdown oder kopieren Sie einen Teil davon.</translation>
     </message>
     <message>
-        <source>Save a document that is far larger than the chat’s file?</source>
-        <translation>Soll ein Dokument gesichert werden, das weit größer ist als die Datei des Chats?</translation>
-    </message>
-    <message>
-        <source>As Markdown the chat takes more than %1.</source>
-        <translation>Als Markdown braucht der Chat mehr als %1.</translation>
-    </message>
-    <message>
-        <source>&amp;Go</source>
-        <translation>&amp;Gehe zu</translation>
-    </message>
-    <message>
-        <source>&amp;Toolbar</source>
-        <translation>&amp;Werkzeugleiste</translation>
-    </message>
-    <message>
-        <source>Font size: %1</source>
-        <translation>Schriftgröße: %1</translation>
-    </message>
-    <message>
-        <source>Font size: %1, shown as %2</source>
-        <translation>Schriftgröße: %1, dargestellt als %2</translation>
-    </message>
-    <message>
         <source>Copied the whole chat: %1 characters</source>
         <translation>Ganzer Chat kopiert: %1 Zeichen</translation>
     </message>
     <message>
-        <source>Time zone: %1</source>
-        <translation>Zeitzone: %1</translation>
+        <source>Copied %1 characters</source>
+        <translation>%1 Zeichen kopiert</translation>
+    </message>
+    <message>
+        <source>Copied %1 messages</source>
+        <translation>%1 Nachrichten kopiert</translation>
     </message>
     <message>
         <source>What is selected is too long to copy.</source>
@@ -474,12 +385,125 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <translation>Als Text braucht sie mehr als %1, weit mehr als die Datei des Chats. Sichern Sie den Chat als Markdown oder kopieren Sie einen kleineren Teil.</translation>
     </message>
     <message>
-        <source>Copied %1 characters</source>
-        <translation>%1 Zeichen kopiert</translation>
+        <source>Save Chat as Markdown</source>
+        <translation>Chat als Markdown sichern</translation>
     </message>
     <message>
-        <source>Copied %1 messages</source>
-        <translation>%1 Nachrichten kopiert</translation>
+        <source>Save a document that is far larger than the chat’s file?</source>
+        <translation>Soll ein Dokument gesichert werden, das weit größer ist als die Datei des Chats?</translation>
+    </message>
+    <message>
+        <source>As Markdown the chat takes more than %1.</source>
+        <translation>Als Markdown braucht der Chat mehr als %1.</translation>
+    </message>
+    <message>
+        <source>Chat</source>
+        <translation>Chat</translation>
+    </message>
+    <message>
+        <source>The chat could not be saved as “%1”.</source>
+        <translation>Der Chat konnte nicht als „%1“ gesichert werden.</translation>
+    </message>
+    <message>
+        <source>%1. Choose another folder or name.</source>
+        <translation>%1. Wählen Sie einen anderen Ordner oder Namen.</translation>
+    </message>
+    <message>
+        <source>There is no earlier session.</source>
+        <translation>Es gibt keine frühere Sitzung.</translation>
+    </message>
+    <message>
+        <source>There is no later session.</source>
+        <translation>Es gibt keine spätere Sitzung.</translation>
+    </message>
+</context>
+<context>
+    <name>vell::ChatTools</name>
+    <message>
+        <source>Go to &amp;Date …</source>
+        <translation>Gehe zu &amp;Datum …</translation>
+    </message>
+    <message>
+        <source>&amp;Previous Day</source>
+        <translation>Vo&amp;rheriger Tag</translation>
+    </message>
+    <message>
+        <source>&amp;Next Day</source>
+        <translation>&amp;Nächster Tag</translation>
+    </message>
+    <message>
+        <source>&amp;Shared Items</source>
+        <translation>&amp;Geteilte Inhalte</translation>
+    </message>
+    <message>
+        <source>The chat has no earlier day.</source>
+        <translation>Der Chat hat keinen früheren Tag.</translation>
+    </message>
+    <message>
+        <source>The chat has no later day.</source>
+        <translation>Der Chat hat keinen späteren Tag.</translation>
+    </message>
+</context>
+<context>
+    <name>vell::ContactsBar</name>
+    <message>
+        <source>This app can show participant names and icons if you grant it access to your addressbook.</source>
+        <translation>Dieses Programm kann Namen und Bilder der Beteiligten zeigen, wenn Sie ihm Zugriff auf Ihr Adressbuch gewähren.</translation>
+    </message>
+    <message>
+        <source>Grant or Deny</source>
+        <translation>Erlauben oder ablehnen</translation>
+    </message>
+</context>
+<context>
+    <name>vell::DocumentWindow</name>
+    <message>
+        <source>Toolbar</source>
+        <translation>Werkzeugleiste</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>F&amp;ormat</source>
+        <translation>F&amp;ormat</translation>
+    </message>
+    <message>
+        <source>&amp;Font</source>
+        <translation>&amp;Schrift</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>&amp;Actual Size</source>
+        <translation>&amp;Originalgröße</translation>
+    </message>
+    <message>
+        <source>&amp;Full Screen</source>
+        <translation>&amp;Vollbild</translation>
+    </message>
+    <message>
+        <source>Standard Input</source>
+        <translation>Standardeingabe</translation>
+    </message>
+    <message>
+        <source>&amp;Go</source>
+        <translation>&amp;Gehe zu</translation>
+    </message>
+    <message>
+        <source>&amp;Toolbar</source>
+        <translation>&amp;Werkzeugleiste</translation>
+    </message>
+    <message>
+        <source>Time zone: %1</source>
+        <translation>Zeitzone: %1</translation>
     </message>
 </context>
 <context>
@@ -952,6 +976,10 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     <message>
         <source>&amp;Open Link</source>
         <translation>Link ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <source>&amp;Open Chat Alone</source>
+        <translation>Chat &amp;allein öffnen</translation>
     </message>
 </context>
 <context>

@@ -17,6 +17,7 @@
 #include <QUrl>
 
 #include "app/desktop/file_drops.h"
+#include "app/documents/chat_pane.h"
 #include "app/documents/find/find_bar.h"
 #include "app/documents/load_log_window.h"
 #include "export/markdown.h"
@@ -90,7 +91,8 @@ TEST_F(CommandsTest, FontSizeIsSharedAndUnbounded) {
 }
 
 TEST_F(CommandsTest, TheContentHasItsSizes) {
-    EXPECT_EQ(window->centralWidget()->minimumSize(), QSize(272, 320));
+    EXPECT_EQ(window->findChild<vell::ChatPane*>()->centralWidget()->minimumSize(),
+              QSize(272, 320));
     EXPECT_EQ(window->width(), 520);
     EXPECT_EQ(window->findChild<QToolBar*>()->actions().front()->text(), u"Copy"_s);
 }

@@ -76,7 +76,8 @@ ChatContents::Found ChatContents::read(const TesselChatLog& log,
             continue;
         }
         if (std::holds_alternative<TesselChatLog::NewMinute>(event.value) ||
-            std::holds_alternative<TesselChatLog::User>(event.value))
+            std::holds_alternative<TesselChatLog::User>(event.value) ||
+            std::holds_alternative<TesselChatLog::Session>(event.value))
             continue;
         if (isInDay && event.sender && !log.continuesMessage(index)) ++found.days.back().messages;
         if (std::holds_alternative<TesselChatLog::Image>(event.value)) share(SharedKind::picture);

@@ -35,11 +35,6 @@ class VellDocument {
         const QString& contentType,
         std::shared_ptr<const foundation::FileWrapper> existingFile) const;
 
-    /// The same document with its days and minutes marked as this calendar has them.
-    [[nodiscard]] VellDocument markedIn(const foundation::Calendar& calendar) const {
-        return {chatlog_->markedIn(calendar), data_};
-    }
-
     static const QStringList& readableContentTypes();
     static const QStringList& writableContentTypes();
 

@@ -21,6 +21,9 @@ JumpHistory::JumpHistory(QObject* parent)
 
 void JumpHistory::attach(TimelineView& timeline) {
     timeline_ = &timeline;
+    back_.clear();
+    forward_.clear();
+    update();
     connect(&timeline, &TimelineView::jumped, this, &JumpHistory::add);
     timeline.viewport()->installEventFilter(this);
 }
@@ -37,6 +40,13 @@ void JumpHistory::add(const TimelinePlace& left) {
     back_.push_back(left);
     forward_.clear();
     update();
+}
+
+void JumpHistory::mapRows(const TimelineView::RowMap& rowOf) {
+    for (Places* places : {&back_, &forward_}) {
+        for (TimelinePlace& place : *places)
+            place.row = rowOf(place.row);
+    }
 }
 
 void JumpHistory::go(Places& from, Places& to) {

@@ -21,7 +21,7 @@ class JumpHistory final : public QObject {
   public:
     explicit JumpHistory(QObject* parent = nullptr);
 
-    /// Until then there is nowhere to go. The jumps that the view makes itself are remembered, too;
+    /// There is nowhere to go yet. The jumps that the view makes itself are remembered, too;
     /// the mouse's buttons for going back and forward work on it.
     void attach(TimelineView& timeline);
 
@@ -30,6 +30,9 @@ class JumpHistory final : public QObject {
     void jump(const std::function<void()>& move);
     /// Remembers that a jump has just left this place.
     void add(const TimelinePlace& left);
+
+    /// The rows have other numbers now.
+    void mapRows(const TimelineView::RowMap& rowOf);
 
     void goBack() { go(back_, forward_); }
     void goForward() { go(forward_, back_); }

@@ -31,7 +31,8 @@ QString markdownName() {
 }
 
 bool isSeparator(const Event& event) {
-    return std::holds_alternative<TesselChatLog::NewDay>(event.value) ||
+    return std::holds_alternative<TesselChatLog::Session>(event.value) ||
+           std::holds_alternative<TesselChatLog::NewDay>(event.value) ||
            std::holds_alternative<TesselChatLog::NewMinute>(event.value);
 }
 
@@ -58,24 +59,23 @@ struct LimitExceeded {};
 
 }  // namespace
 
-SelectionData::SelectionData(std::shared_ptr<const VellDocument> document,
-                             const ContactsStore& contacts, const TextSpan& span)
-    : document_(std::move(document)),
+SelectionData::SelectionData(ShownChat chat, const ContactsStore& contacts, const TextSpan& span)
+    : chat_(std::move(chat)),
       contacts_(contacts),
       span_(span),
-      isOneMessage_(countMessages(document_->chatlog(), span, true, 2) < 2) {
+      isOneMessage_(countMessages(*chat_.log, span, true, 2) < 2) {
     // A clipboard's manager asks after the program's objects have gone.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &SelectionData::makeAll);
 }
 
 qsizetype SelectionData::count() const {
-    const TesselChatLog& log = document_->chatlog();
+    const TesselChatLog& log = *chat_.log;
     if (isOneMessage_) return selectedText(log, span_).size();
     return countMessages(log, span_, false, std::numeric_limits<qsizetype>::max());
 }
 
 QStringList SelectionData::formats() const {
-    if (!document_) return QMimeData::formats();
+    if (!chat_.log) return QMimeData::formats();
     if (isOneMessage_) return {plainType()};
     return {plainType(), markdownName(), htmlType()};
 }
@@ -85,7 +85,7 @@ bool SelectionData::hasFormat(const QString& format) const {
 }
 
 TesselChatLog SelectionData::selectedLog() const {
-    const TesselChatLog& log = document_->chatlog();
+    const TesselChatLog& log = *chat_.log;
     std::vector<Event> events;
     std::vector<bool> continuations;
     for (qsizetype row = span_.from.row; row <= span_.to.row; ++row) {
@@ -99,23 +99,22 @@ TesselChatLog SelectionData::selectedLog() const {
         if (row == span_.from.row)
             cut(events.back(), span_.from.offset, std::numeric_limits<int>::max());
     }
-    return TesselChatLog(log.serviceID(), log.ownUserID(), log.otherUserIDs(), std::move(events),
-                         std::move(continuations));
+    return log.withEvents(std::move(events), std::move(continuations));
 }
 
 bool SelectionData::isOutOfProportion() const {
     if (isOneMessage_) return false;
     return expandsBeyond(
-        exportLimit(document_->data().size()), document_->expansion(), contacts_,
+        exportLimit(chat_.fileSize), *chat_.expansion, contacts_,
         [this](const ByteSink& output) { writeHtml(selectedLog(), contacts_, output); });
 }
 
 QVariant SelectionData::retrieveData(const QString& format, QMetaType type) const {
-    if (!document_) return QMimeData::retrieveData(format, type);
+    if (!chat_.log) return QMimeData::retrieveData(format, type);
     if (!hasFormat(format)) return {};
-    if (isOneMessage_) return selectedText(document_->chatlog(), span_);
+    if (isOneMessage_) return selectedText(*chat_.log, span_);
     QByteArray bytes;
-    const quint64 limit = exportLimit(document_->data().size());
+    const quint64 limit = exportLimit(chat_.fileSize);
     const ByteSink output = [&](QByteArrayView more) {
         if (static_cast<quint64>(bytes.size() + more.size()) > limit) throw LimitExceeded();
         bytes.append(more);
@@ -144,7 +143,7 @@ void SelectionData::makeAll() {
                                        ? made.toString().toUtf8()
                                        : made.toByteArray());
     }
-    document_.reset();
+    chat_.log.reset();
 }
 
 }  // namespace vell

@@ -8,7 +8,7 @@
 #include <QMimeData>
 #include <memory>
 
-#include "app/documents/document.h"
+#include "app/documents/shown_chat.h"
 #include "timeline/text/text_range.h"
 
 namespace vell {
@@ -20,8 +20,7 @@ class SelectionData final : public QMimeData {
 
   public:
     /// The store lives until the program's end.
-    SelectionData(std::shared_ptr<const VellDocument> document, const ContactsStore& contacts,
-                  const TextSpan& span);
+    SelectionData(ShownChat chat, const ContactsStore& contacts, const TextSpan& span);
 
     /// Whether it is far larger than the chat's file; it has no formats then.
     [[nodiscard]] bool isOutOfProportion() const;
@@ -41,7 +40,7 @@ class SelectionData final : public QMimeData {
     void makeAll();
     [[nodiscard]] TesselChatLog selectedLog() const;
 
-    std::shared_ptr<const VellDocument> document_;  // null once all has been made
+    ShownChat chat_;  // without a log once all has been made
     const ContactsStore& contacts_;
     TextSpan span_;
     bool isOneMessage_;

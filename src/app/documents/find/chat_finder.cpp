@@ -68,6 +68,22 @@ void ChatFinder::makeList() {
     connect(list_, &MatchList::left, this, [this] { bar_->open(); });
 }
 
+void ChatFinder::chatReplaced(const TimelineView::RowMap& rowOf) {
+    anchor_.row = rowOf(anchor_.row);
+    search_.setLog(timeline_.sharedChatlog());
+    lastPlace_ = timeline_.scroller().place();
+    if (list_) {
+        const bool wasShown = list_->isVisible();
+        delete list_;
+        if (wasShown) showList(true);
+    }
+    if (!bar_) return;
+    fillPeople();
+    if (!bar_->isVisible()) return;
+    isStaying_ = true;
+    search_.start(bar_->query(), anchor_.row);
+}
+
 void ChatFinder::open() {
     if (!bar_) makeBar();
     const bool wasOpen = bar_->isVisible();
@@ -100,6 +116,7 @@ void ChatFinder::search() {
         lastPlace_ = place;
         isRefining_ = false;
     }
+    isStaying_ = false;
     search_.start(bar_->query(), anchor_.row);
 }
 
@@ -115,21 +132,25 @@ void ChatFinder::take(qsizetype first, qsizetype count) {
     if (current_ < 0) {
         if (const qsizetype next = search_.matches()->firstAt(anchor_);
             next < search_.matches()->size()) {
-            goTo(next);
-            isRefining_ = true;
-            return;
+            if (!isStaying_) {
+                goTo(next);
+                isRefining_ = true;
+                return;
+            }
+            current_ = next;
         }
     }
     showState();
 }
 
 void ChatFinder::finish() {
-    if (current_ < 0 && !search_.matches()->isEmpty()) {
+    if (current_ < 0 && !search_.matches()->isEmpty() && !isStaying_) {
         goTo(0);
         isRefining_ = true;
     } else {
         showState();
     }
+    isStaying_ = false;
 }
 
 void ChatFinder::step(int direction) {

@@ -11,6 +11,7 @@
 #include "app/documents/find/chat_search.h"
 #include "timeline/layout/timeline_scroller.h"
 #include "timeline/text/text_range.h"
+#include "timeline/timeline_view.h"
 
 class QBoxLayout;
 class QMainWindow;
@@ -20,7 +21,6 @@ namespace vell {
 class FindBar;
 class JumpHistory;
 class MatchList;
-class TimelineView;
 
 class ChatFinder final : public QObject {
     Q_OBJECT
@@ -31,6 +31,9 @@ class ChatFinder final : public QObject {
     ChatFinder(QMainWindow& window, QBoxLayout& layout, TimelineView& timeline,
                JumpHistory& history);
     ~ChatFinder() override;
+
+    /// The timeline shows another log; the search goes on in it, and the reader stays.
+    void chatReplaced(const TimelineView::RowMap& rowOf);
 
     /// Opens the bar; with what is selected, if that is part of one line.
     void open();
@@ -65,6 +68,7 @@ class ChatFinder final : public QObject {
     TextPosition anchor_;      // the first match at or after this is gone to
     TimelinePlace lastPlace_;  // after the latest change of ours
     bool isRefining_ = false;  // the place before was come to by typing
+    bool isStaying_ = false;   // the chat was replaced: a match is found again, not gone to
 };
 
 }  // namespace vell

@@ -107,6 +107,13 @@ ChatSearch::~ChatSearch() {
     cancel();
 }
 
+void ChatSearch::setLog(std::shared_ptr<const TesselChatLog> log) {
+    cancel();
+    log_ = std::move(log);
+    matches_ = std::make_shared<FoundSpans>();
+    shared_ = matches_;
+}
+
 void ChatSearch::start(const ChatQuery& query, qsizetype row) {
     cancel();
     matches_ = std::make_shared<FoundSpans>();

@@ -36,6 +36,8 @@ class ChatSearch final : public QObject {
     explicit ChatSearch(std::shared_ptr<const TesselChatLog> log, QObject* parent = nullptr);
     ~ChatSearch() override;
 
+    /// Stops, forgets what was found, and searches another log from now on.
+    void setLog(std::shared_ptr<const TesselChatLog> log);
     /// Starts a new search at a row and drops earlier results. An empty text finds nothing.
     void start(const ChatQuery& query, qsizetype row = 0);
     [[nodiscard]] bool isRunning() const { return running_ != nullptr; }

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "app/documents/document_tools.h"
+#include "app/documents/chat_tools.h"
 
+#include <QApplication>
 #include <QMainWindow>
 #include <QScreen>
-#include <QStatusBar>
 #include <algorithm>
+#include <utility>
 #include <variant>
 
 #include "app/documents/dates/go_to_date_dialog.h"
@@ -18,10 +19,9 @@
 namespace vell {
 namespace {
 
-constexpr int paneWidth = 290;    // points
-constexpr int contextPart = 4;    // of the view, above a message that was gone to
-constexpr int noticeTime = 4000;  // milliseconds
-constexpr int distance = 8;       // points between the window and its calendar
+constexpr int paneWidth = 290;  // points
+constexpr int contextPart = 4;  // of the view, above a message that was gone to
+constexpr int distance = 8;     // points between the window and its calendar
 
 /// Beside the window, where the screen has room for it; else the desktop places it.
 void placeBeside(const QWidget& window, QWidget& dialog) {
@@ -41,10 +41,10 @@ bool beginsDay(const TesselChatLog& log, qsizetype row) {
 
 }  // namespace
 
-DocumentTools::DocumentTools(QMainWindow& window, const Services& services, JumpHistory& history)
-    : QObject(&window), window_(window), services_(services), history_(history) {}
+ChatTools::ChatTools(QMainWindow& pane, const Services& services, JumpHistory& history)
+    : QObject(&pane), pane_(pane), services_(services), history_(history) {}
 
-QList<QAction*> DocumentTools::addGoCommands(QMenu& menu) {
+QList<QAction*> ChatTools::addGoCommands(QMenu& menu) {
     return {addCommand(menu, tr("Go to &Date …"), {QKeySequence(Qt::CTRL | Qt::Key_J)},
                        [this] { goToDate(); }),
             addCommand(menu, tr("&Previous Day"), {QKeySequence(Qt::ALT | Qt::Key_Up)},
@@ -53,34 +53,55 @@ QList<QAction*> DocumentTools::addGoCommands(QMenu& menu) {
                        [this] { goToNeighbouringDay(1); })};
 }
 
-QList<QAction*> DocumentTools::addViewCommands(QMenu& menu) {
+QList<QAction*> ChatTools::addViewCommands(QMenu& menu) {
     sharedAction_ = addCommand(menu, tr("&Shared Items"), {QKeySequence(Qt::Key_F9)},
                                [this] { toggleSharedPane(); });
     sharedAction_->setCheckable(true);
     return {sharedAction_};
 }
 
-void DocumentTools::setTimeline(TimelineView& timeline) {
+void ChatTools::setTimeline(TimelineView& timeline) {
     timeline_ = &timeline;
-    connect(timeline_, &TimelineView::pictureOpened, this, &DocumentTools::openPicture);
+    connect(timeline_, &TimelineView::pictureOpened, this, &ChatTools::openPicture);
+    if (std::exchange(hadPane_, false)) showPaneAgain(paneWidth);
 }
 
-void DocumentTools::chatChanged() {
-    const bool hadPane = sharedPane_ && sharedPane_->isVisible();
+void ChatTools::close() {
+    hadPane_ = hadPane_ || (sharedPane_ && sharedPane_->isVisible());
     delete sharedPane_;
     delete dateDialog_;
     delete viewer_;
     contents_.reset();
-    if (hadPane) showSharedPane();
 }
 
-ChatContents& DocumentTools::contents() {
+void ChatTools::chatChanged() {
+    const bool hadPane = sharedPane_ && sharedPane_->isVisible();
+    const int width = hadPane ? sharedPane_->width() : 0;
+    const bool hadFocus = hadPane && sharedPane_->isAncestorOf(QApplication::focusWidget());
+    close();
+    hadPane_ = false;
+    if (!hadPane) return;
+    showPaneAgain(width);
+    if (hadFocus) sharedPane_->focusItems();
+}
+
+void ChatTools::showPaneAgain(int width) {
+    makeSharedPane();
+    pane_.resizeDocks({sharedPane_}, {width}, Qt::Horizontal);
+    sharedPane_->show();
+}
+
+bool ChatTools::isViewing() const {
+    return viewer_ || dateDialog_;
+}
+
+ChatContents& ChatTools::contents() {
     if (!contents_)
         contents_ = std::make_unique<ChatContents>(timeline_->sharedChatlog(), sharedCalendar());
     return *contents_;
 }
 
-qsizetype DocumentTools::readRow() const {
+qsizetype ChatTools::readRow() const {
     const auto& visible = timeline_->timeline().visibleRows();
     const qsizetype current = timeline_->currentRow();
     const bool isSeen = std::any_of(visible.begin(), visible.end(), [current](const auto& shown) {
@@ -89,20 +110,20 @@ qsizetype DocumentTools::readRow() const {
     return isSeen ? current : timeline_->scroller().topRow();
 }
 
-qsizetype DocumentTools::dayOf(qsizetype row) const {
+qsizetype ChatTools::dayOf(qsizetype row) const {
     while (row >= 0 && !beginsDay(timeline_->chatlog(), row))
         --row;
     return row;
 }
 
-void DocumentTools::goToDate() {
+void ChatTools::goToDate() {
     ChatContents& contents = this->contents();
     if (!dateDialog_) {
-        dateDialog_ = new GoToDateDialog(&window_);
+        dateDialog_ = new GoToDateDialog(pane_.window());
         dateDialog_->setAttribute(Qt::WA_DeleteOnClose);
         connect(dateDialog_, &GoToDateDialog::chosen, this, [this](qsizetype row) { goTo(row); });
         const auto fill = [this, &contents] { dateDialog_->setDays(contents.days()); };
-        placeBeside(window_, *dateDialog_);
+        placeBeside(*pane_.window(), *dateDialog_);
         if (contents.isReady()) fill();
         connect(&contents, &ChatContents::ready, dateDialog_, fill);
     }
@@ -115,7 +136,7 @@ void DocumentTools::goToDate() {
     dateDialog_->activateWindow();
 }
 
-void DocumentTools::goToNeighbouringDay(int direction) {
+void ChatTools::goToNeighbouringDay(int direction) {
     const TesselChatLog& log = timeline_->chatlog();
     qsizetype row = readRow();
     if (direction < 0) {
@@ -129,15 +150,14 @@ void DocumentTools::goToNeighbouringDay(int direction) {
         goTo(row);
         return;
     }
-    window_.statusBar()->showMessage(
-        direction < 0 ? tr("The chat has no earlier day.") : tr("The chat has no later day."),
-        noticeTime);
+    Q_EMIT noticed(direction < 0 ? tr("The chat has no earlier day.")
+                                 : tr("The chat has no later day."));
 }
 
-void DocumentTools::openPicture(qsizetype row) {
+void ChatTools::openPicture(qsizetype row) {
     delete viewer_;
-    viewer_ = new PictureViewer(window_, timeline_->sharedChatlog(), row, services_.pictures,
-                                services_.contacts);
+    viewer_ = new PictureViewer(*pane_.window(), timeline_->sharedChatlog(), row,
+                                services_.pictures, services_.contacts);
     ChatContents& contents = this->contents();
     const auto fill = [this, &contents] { viewer_->setRows(contents.rows(SharedKind::picture)); };
     if (contents.isReady()) fill();
@@ -148,7 +168,7 @@ void DocumentTools::openPicture(qsizetype row) {
     });
 }
 
-void DocumentTools::toggleSharedPane() {
+void ChatTools::toggleSharedPane() {
     if (sharedPane_ && sharedPane_->isVisible()) {
         sharedPane_->close();
     } else {
@@ -156,39 +176,44 @@ void DocumentTools::toggleSharedPane() {
     }
 }
 
-void DocumentTools::showSharedPane() {
+void ChatTools::showSharedPane() {
     if (!sharedPane_) {
-        sharedPane_ = new SharedPane(timeline_->sharedChatlog(), services_.pictures,
-                                     services_.contacts, &window_);
-        connect(sharedPane_, &QDockWidget::visibilityChanged, sharedAction_, &QAction::setChecked);
-        connect(sharedPane_, &SharedPane::left, this, [this] { timeline_->setFocus(); });
-        connect(sharedPane_, &SharedPane::chosen, this,
-                [this](qsizetype row) { goTo(row, timeline_->height() / contextPart); });
-        connect(sharedPane_, &SharedPane::opened, this,
-                [this](qsizetype row) { timeline_->activateRow(row); });
-        ChatContents& contents = this->contents();
-        const auto fill = [this, &contents] { sharedPane_->setContents(contents); };
-        if (contents.isReady()) fill();
-        connect(&contents, &ChatContents::ready, sharedPane_, fill);
-        const bool isMirrored = window_.layoutDirection() == Qt::RightToLeft;
-        window_.addDockWidget(isMirrored ? Qt::LeftDockWidgetArea : Qt::RightDockWidgetArea,
-                              sharedPane_);
+        makeSharedPane();
         widenFor(paneWidth);
-        window_.resizeDocks({sharedPane_}, {paneWidth}, Qt::Horizontal);
+        pane_.resizeDocks({sharedPane_}, {paneWidth}, Qt::Horizontal);
     }
     sharedPane_->show();
     sharedPane_->focusItems();
 }
 
-// The chat keeps its width, where the screen has room for it.
-void DocumentTools::widenFor(int points) {
-    const QRect screen = window_.screen()->availableGeometry();
-    const int most = screen.right() - window_.frameGeometry().right();
-    if (window_.isMaximized() || window_.isFullScreen() || most < points) return;
-    window_.resize(window_.width() + points, window_.height());
+void ChatTools::makeSharedPane() {
+    sharedPane_ =
+        new SharedPane(timeline_->sharedChatlog(), services_.pictures, services_.contacts, &pane_);
+    if (sharedAction_)
+        connect(sharedPane_, &QDockWidget::visibilityChanged, sharedAction_, &QAction::setChecked);
+    connect(sharedPane_, &SharedPane::left, this, [this] { timeline_->setFocus(); });
+    connect(sharedPane_, &SharedPane::chosen, this,
+            [this](qsizetype row) { goTo(row, timeline_->height() / contextPart); });
+    connect(sharedPane_, &SharedPane::opened, this,
+            [this](qsizetype row) { timeline_->activateRow(row); });
+    ChatContents& contents = this->contents();
+    const auto fill = [this, &contents] { sharedPane_->setContents(contents); };
+    if (contents.isReady()) fill();
+    connect(&contents, &ChatContents::ready, sharedPane_, fill);
+    const bool isMirrored = pane_.layoutDirection() == Qt::RightToLeft;
+    pane_.addDockWidget(isMirrored ? Qt::LeftDockWidgetArea : Qt::RightDockWidgetArea, sharedPane_);
 }
 
-void DocumentTools::goTo(qsizetype row, int pointsAbove) {
+// The chat keeps its width, where the screen has room for it.
+void ChatTools::widenFor(int points) {
+    QWidget& window = *pane_.window();
+    const QRect screen = window.screen()->availableGeometry();
+    const int most = screen.right() - window.frameGeometry().right();
+    if (window.isMaximized() || window.isFullScreen() || most < points) return;
+    window.resize(window.width() + points, window.height());
+}
+
+void ChatTools::goTo(qsizetype row, int pointsAbove) {
     history_.jump([this, row, pointsAbove] {
         timeline_->scroller().scrollToRow(row);
         timeline_->scroller().scrollByPixels(-qRound(pointsAbove * timeline_->devicePixelRatioF()));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Copying and saving the whole chat of a document window.
+// Copying and saving the whole chat of a pane.
 #include <QClipboard>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -9,10 +9,11 @@
 #include <QMimeData>
 #include <QSaveFile>
 
-#include "app/documents/document_window.h"
+#include "app/documents/chat_pane.h"
 #include "app/documents/selection_data.h"
 #include "export/expansion.h"
 #include "export/markdown.h"
+#include "timeline/saving/safe_file_name.h"
 #include "transcript/content_types.h"
 
 namespace vell {
@@ -31,20 +32,20 @@ QMessageBox* openBox(QWidget* window, const QString& title, const QString& text,
 
 }  // namespace
 
-void DocumentWindow::writeMarkdown(const ByteSink& output) const {
-    vell::writeMarkdown(document_->chatlog(), services_.contacts, output);
+void ChatPane::writeMarkdown(const ByteSink& output) const {
+    vell::writeMarkdown(*chat_.log, services_.contacts, output);
 }
 
-bool DocumentWindow::isOutOfProportion() const {
-    return expandsBeyond(exportLimit(document_->data().size()), document_->expansion(),
-                         services_.contacts, [this](const ByteSink& output) { writeMarkdown(output); });
+bool ChatPane::isOutOfProportion() const {
+    return expandsBeyond(exportLimit(chat_.fileSize), *chat_.expansion, services_.contacts,
+                         [this](const ByteSink& output) { writeMarkdown(output); });
 }
 
-QString DocumentWindow::sizeLimit() const {
-    return locale().formattedDataSize(static_cast<qint64>(exportLimit(document_->data().size())));
+QString ChatPane::sizeLimit() const {
+    return locale().formattedDataSize(static_cast<qint64>(exportLimit(chat_.fileSize)));
 }
 
-void DocumentWindow::copyWholeChat() {
+void ChatPane::copyWholeChat() {
     if (isOutOfProportion()) {
         openBox(this, tr("Copy Whole Chat"), tr("The chat is too long to copy as a whole."),
                 tr("As text it takes more than %1, far more than its file. Save it as Markdown or "
@@ -53,22 +54,22 @@ void DocumentWindow::copyWholeChat() {
                 QMessageBox::Ok);
         return;
     }
-    const QString text = generatePlainText(document_->chatlog(), services_.contacts);
+    const QString text = generatePlainText(*chat_.log, services_.contacts);
     auto* item = new QMimeData;
     item->setText(text);
     item->setData(markdownType.mimeName.toString(), text.toUtf8());
     QGuiApplication::clipboard()->setMimeData(item);
-    showNotice(tr("Copied the whole chat: %1 characters").arg(locale().toString(text.size())));
+    notice(tr("Copied the whole chat: %1 characters").arg(locale().toString(text.size())));
 }
 
-std::unique_ptr<QMimeData> DocumentWindow::selectionData(const TextSpan& selected,
-                                                         SelectionTarget target) {
-    auto data = std::make_unique<SelectionData>(document_, services_.contacts, selected);
+std::unique_ptr<QMimeData> ChatPane::selectionData(const TextSpan& selected,
+                                                   SelectionTarget target) {
+    auto data = std::make_unique<SelectionData>(chat_, services_.contacts, selected);
     if (target != SelectionTarget::clipboard) return data;
     if (!data->isOutOfProportion()) {
         const QString count = locale().toString(data->count());
-        showNotice(data->isOneMessage() ? tr("Copied %1 characters").arg(count)
-                                        : tr("Copied %1 messages").arg(count));
+        notice(data->isOneMessage() ? tr("Copied %1 characters").arg(count)
+                                    : tr("Copied %1 messages").arg(count));
         return data;
     }
     openBox(this, tr("Copy"), tr("What is selected is too long to copy."),
@@ -79,7 +80,7 @@ std::unique_ptr<QMimeData> DocumentWindow::selectionData(const TextSpan& selecte
     return nullptr;
 }
 
-void DocumentWindow::saveAsMarkdown() {
+void ChatPane::saveAsMarkdown() {
     if (!isOutOfProportion()) {
         chooseMarkdownFile();
         return;
@@ -93,20 +94,19 @@ void DocumentWindow::saveAsMarkdown() {
     });
 }
 
-void DocumentWindow::chooseMarkdownFile() {
-    const QString suggestion =
-        isStandardInput(path_) ? tr("Chat") : QFileInfo(path_).completeBaseName();
+void ChatPane::chooseMarkdownFile() {
+    const QString suggestion = safeFileName(chat_.name, tr("Chat"));
     auto* dialog = new QFileDialog(this, tr("Save Chat as Markdown"), suggestion);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setMimeTypeFilters({markdownType.mimeName.toString()});
     dialog->setDefaultSuffix(QStringLiteral("md"));
     dialog->selectFile(suggestion + QStringLiteral(".md"));
-    connect(dialog, &QFileDialog::fileSelected, this, &DocumentWindow::saveMarkdown);
+    connect(dialog, &QFileDialog::fileSelected, this, &ChatPane::saveMarkdown);
     dialog->open();
 }
 
-void DocumentWindow::saveMarkdown(const QString& target) {
+void ChatPane::saveMarkdown(const QString& target) {
     QSaveFile file(target);
     try {
         if (!file.open(QIODevice::WriteOnly)) throw SavingFailed();

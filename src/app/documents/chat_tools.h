@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// DocumentTools: what a document window offers for finding one's way in a chat. Each tool is made
-// when it is first used, so that windows open as fast as without them.
+// ChatTools: what the pane of a chat offers for finding one's way in it. Each tool is made when it
+// is first used, so that windows open as fast as without them.
 
 #include <QList>
 #include <QObject>
@@ -24,21 +24,29 @@ class PictureViewer;
 class SharedPane;
 class TimelineView;
 
-class DocumentTools final : public QObject {
+class ChatTools final : public QObject {
     Q_OBJECT
 
   public:
-    /// Owned by the window; what is jumped from is added to the history.
-    DocumentTools(QMainWindow& window, const Services& services, JumpHistory& history);
+    /// Owned by the pane; what is jumped from is added to the history.
+    ChatTools(QMainWindow& pane, const Services& services, JumpHistory& history);
 
     /// Adds "Go to Date …" and the steps from day to day; returns what needs a chat.
     [[nodiscard]] QList<QAction*> addGoCommands(QMenu& menu);
     /// Adds "Shared Items"; returns what needs a chat.
     [[nodiscard]] QList<QAction*> addViewCommands(QMenu& menu);
-    /// The view of the chat, which must outlive the tools.
+    /// The view of the chat, which lives until close() or another one.
     void setTimeline(TimelineView& timeline);
+    /// Closes what shows rows of the chat; the pane comes back with another chat.
+    void close();
     /// The view shows another log, marked as the shared calendar has it.
     void chatChanged();
+    /// Whether something is open that shows rows of the chat, and would have to be closed.
+    [[nodiscard]] bool isViewing() const;
+
+  Q_SIGNALS:
+    /// For the status bar.
+    void noticed(const QString& text);
 
   private:
     [[nodiscard]] ChatContents& contents();
@@ -51,11 +59,13 @@ class DocumentTools final : public QObject {
     void openPicture(qsizetype row);
     void toggleSharedPane();
     void showSharedPane();
+    void makeSharedPane();
+    void showPaneAgain(int width);
     void widenFor(int points);
     /// Brings a row to the top of the view, below this many points of what is above it.
     void goTo(qsizetype row, int pointsAbove = 0);
 
-    QMainWindow& window_;
+    QMainWindow& pane_;
     Services services_;
     JumpHistory& history_;
     TimelineView* timeline_ = nullptr;
@@ -63,7 +73,8 @@ class DocumentTools final : public QObject {
     QPointer<GoToDateDialog> dateDialog_;
     QPointer<PictureViewer> viewer_;
     QPointer<SharedPane> sharedPane_;  // null until it is first shown
-    QAction* sharedAction_ = nullptr;
+    bool hadPane_ = false;             // in the chat that was shown before
+    QAction* sharedAction_ = nullptr;  // null where there is no such command
 };
 
 }  // namespace vell
