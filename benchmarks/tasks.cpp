@@ -109,6 +109,7 @@ double run(Task task, const QString& path, double& memory) {
             return loadFile(path, calendar);
         case Task::markdown:
         case Task::text:
+        case Task::html:
         case Task::json:
         case Task::json_lines:
         case Task::csv:

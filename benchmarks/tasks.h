@@ -19,6 +19,7 @@ enum class Task {
     // From the file to a document that nothing keeps, in the order of vell::formats().
     markdown,
     text,
+    html,
     json,
     json_lines,
     csv,

@@ -1,7 +1,7 @@
 # bash completion for vell-export
 _vell_export() {
     local current=$2 previous=$3
-    local options='--format --output --output-dir --force --expand --byte-order-mark --files0-from
+    local options='--format --output --output-dir --force --expand --byte-order-mark --pictures --files0-from
         --contacts --time-zone --locale --load-log --verbose --quiet --version --help'
     # "--format=j" comes as three words.
     if [[ ${COMP_WORDS[COMP_CWORD]} == = ]]; then
@@ -12,7 +12,10 @@ _vell_export() {
     COMPREPLY=()
     case $previous in
         -f | --format)
-            mapfile -t COMPREPLY < <(compgen -W 'markdown md text txt json jsonl csv' -- "$current")
+            mapfile -t COMPREPLY < <(compgen -W 'markdown md text txt html json jsonl csv' -- "$current")
+            ;;
+        --pictures)
+            mapfile -t COMPREPLY < <(compgen -W 'embed none' -- "$current")
             ;;
         --time-zone)
             mapfile -t COMPREPLY < <(compgen -W "$(awk '!/^#/ { print $3 }' \

@@ -25,7 +25,8 @@ namespace {
 constexpr int exitSuccess = 0;
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
-constexpr qsizetype manyFiles = 10;  // from here on progress is shown
+constexpr quint64 mostBytesPerUnit = 6;  // of a name, escaped
+constexpr qsizetype manyFiles = 10;      // from here on progress is shown
 
 int printInformation(const Information& information) {
     try {
@@ -107,12 +108,16 @@ void Exporter::write(const Input& input, const TesselChatLog& log) {
                                 .context = context_,
                                 .file = input.name,
                                 .followsAnother = output_.followsAnother(),
-                                .hasByteOrderMark = options_.byteOrderMark};
+                                .hasByteOrderMark = options_.byteOrderMark,
+                                .hasPictures = options_.pictures != Pictures::none};
+    const ExpansionExtras extras{
+        .perEvent = static_cast<quint64>(input.name.size()) * mostBytesPerUnit,
+        .hasPictures = options_.format->showsPictures && options_.pictures == Pictures::embed};
     const auto writeTo = [&](const ByteSink& sink) { return options_.format->write(source, sink); };
     const quint64 limit = exportLimit(input.bytes.size());
     const auto isTooLarge = [&] {
         return (options_.format->readsAttachments && attachmentsExceed(limit, log)) ||
-               expandsBeyond(limit, ExpansionBound(log), contacts_, writeTo);
+               expandsBeyond(limit, ExpansionBound(log, extras), contacts_, writeTo);
     };
     if (!options_.expand && isTooLarge()) {
         throw WriteError{

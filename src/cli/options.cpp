@@ -47,6 +47,7 @@ QString helpText() {
            "      --force           replace existing files\n"
            "      --expand          also write documents that are far larger than their files\n"
            "      --byte-order-mark  begin CSV with a mark, which some spreadsheets need\n"
+           "      --pictures HOW    pictures in HTML: embed (the default) or none\n"
            "      --files0-from LIST  export the files named in LIST, each name terminated by\n"
            "                        a null byte; \"-\" is standard input\n"
            "      --contacts FILE   take the names of people from these vCards; may be repeated\n"
@@ -70,6 +71,7 @@ struct Arguments {
     const QCommandLineOption force{u"force"_s};
     const QCommandLineOption expand{u"expand"_s};
     const QCommandLineOption byteOrderMark{u"byte-order-mark"_s};
+    const QCommandLineOption pictures{u"pictures"_s, {}, u"HOW"_s};
     const QCommandLineOption files0From{u"files0-from"_s, {}, u"LIST"_s};
     const QCommandLineOption contacts{u"contacts"_s, {}, u"FILE"_s};
     const QCommandLineOption timeZone{u"time-zone"_s, {}, u"ZONE"_s};
@@ -82,8 +84,9 @@ struct Arguments {
     QCommandLineParser parser;
 
     explicit Arguments(const QStringList& arguments) {
-        parser.addOptions({format, output, outputDir, force, expand, byteOrderMark, files0From,
-                           contacts, timeZone, locale, loadLog, verbose, quiet, version, help});
+        parser.addOptions({format, output, outputDir, force, expand, byteOrderMark, pictures,
+                           files0From, contacts, timeZone, locale, loadLog, verbose, quiet, version,
+                           help});
         // The parser takes its first argument for the program's name.
         if (!parser.parse(QStringList(u"vell-export"_s) + arguments))
             throw UsageError{parser.errorText()};
@@ -97,6 +100,13 @@ const Format* chosenFormat(const Arguments& given) {
     if (!chosen)
         throw UsageError{u"unknown format: "_s + name + u" (known: "_s + formatNames() + u')'};
     return chosen;
+}
+
+Pictures chosenPictures(const Arguments& given) {
+    const QString how = given.parser.value(given.pictures);
+    if (how == u"none") return Pictures::none;
+    if (how == u"embed" || !given.parser.isSet(given.pictures)) return Pictures::embed;
+    throw UsageError{u"pictures are embedded or left out: --pictures embed|none"_s};
 }
 
 foundation::Calendar chosenCalendar(const Arguments& given) {
@@ -175,6 +185,7 @@ Options parseOptions(const QStringList& arguments) {
         .force = parser.isSet(given.force),
         .expand = parser.isSet(given.expand),
         .byteOrderMark = parser.isSet(given.byteOrderMark),
+        .pictures = chosenPictures(given),
         .verbose = parser.isSet(given.verbose),
         .quiet = parser.isSet(given.quiet),
         .printsLoadLog = parser.isSet(given.loadLog),

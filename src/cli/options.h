@@ -13,6 +13,12 @@
 
 namespace vell {
 
+/// What becomes of pictures in formats that show them.
+enum class Pictures {
+    embed,
+    none,
+};
+
 struct Options {
     const Format* format = nullptr;  ///< never null
     QStringList files;               ///< "-" is standard input
@@ -21,6 +27,7 @@ struct Options {
     bool force = false;
     bool expand = false;  ///< also out of all proportion
     bool byteOrderMark = false;
+    Pictures pictures = Pictures::embed;
     bool verbose = false;
     bool quiet = false;
     bool printsLoadLog = false;

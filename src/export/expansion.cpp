@@ -21,8 +21,10 @@ constexpr quint64 baseLimit = quint64(64) << 20;
 
 // Upper bounds, in bytes, of what formats write: marks, members and dates around a text or an
 // attachment, and for each UTF-16 unit.
-constexpr quint64 aroundText = 256;
-constexpr quint64 aroundAttachment = 640;
+constexpr quint64 aroundDocument = 16'384;
+constexpr quint64 aroundSender = 4096;  // with a picture
+constexpr quint64 aroundText = 512;
+constexpr quint64 aroundAttachment = 1024;
 constexpr quint64 perUnit = 7;
 /// An address is escaped in other ways than a text, and may be written twice.
 constexpr quint64 perAddressUnit = 16;
@@ -79,7 +81,8 @@ quint64 exportLimit(qsizetype transcriptSize) {
     return static_cast<quint64>(transcriptSize) * limitPerByte + baseLimit;
 }
 
-ExpansionBound::ExpansionBound(const TesselChatLog& log) : withoutUsers_(aroundText) {
+ExpansionBound::ExpansionBound(const TesselChatLog& log, const ExpansionExtras& extras)
+    : withoutUsers_(aroundDocument + extras.perEvent * log.events().size()) {
     users_.emplace_back(log.ownUserID(), 1);
     for (const auto* users : {&log.furtherOwnUserIDs(), &log.otherUserIDs()}) {
         for (const TesselUserID& user : *users) {
@@ -90,9 +93,16 @@ ExpansionBound::ExpansionBound(const TesselChatLog& log) : withoutUsers_(aroundT
     std::unordered_map<const TesselUserID*, size_t> places;
     for (const TesselChatLog::Event& event : log.events()) {
         withoutUsers_ += std::visit(MostOfEvent(), event.value);
+        if (const auto* image = std::get_if<TesselChatLog::Image>(&event.value);
+            image && extras.hasPictures) {
+            withoutUsers_ += static_cast<quint64>(image->data().size()) * 4 / 3;
+        }
         if (!event.sender) continue;
         const auto [place, isNew] = places.try_emplace(event.sender.operator->(), users_.size());
-        if (isNew) users_.emplace_back(event.sender, 0);
+        if (isNew) {
+            users_.emplace_back(event.sender, 0);
+            withoutUsers_ += aroundSender;
+        }
         ++users_[place->second].second;
     }
 }

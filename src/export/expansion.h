@@ -20,11 +20,17 @@ class TesselChatLog;
 /// The bytes that an export of a transcript of this size may take without further confirmation.
 [[nodiscard]] quint64 exportLimit(qsizetype transcriptSize);
 
+/// What a format writes besides the log itself.
+struct ExpansionExtras {
+    quint64 perEvent = 0;      ///< bytes
+    bool hasPictures = false;  ///< in the document, as base64
+};
+
 /// An upper bound of what a document of any format takes, whatever part of the log it holds. Found
 /// in one pass over the log; names may change afterwards.
 class ExpansionBound {
   public:
-    explicit ExpansionBound(const TesselChatLog& log);
+    explicit ExpansionBound(const TesselChatLog& log, const ExpansionExtras& extras = {});
     [[nodiscard]] quint64 bytes(const ContactsStore& contacts) const;
 
   private:
@@ -32,8 +38,8 @@ class ExpansionBound {
     std::vector<std::pair<SharedUserID, quint64>> users_;  ///< and how often each is written
 };
 
-/// Whether `write` writes more than `limit` bytes. Usually the bound decides; otherwise it is run up
-/// to the limit, and its output discarded.
+/// Whether `write` writes more than `limit` bytes. Usually the bound decides; otherwise it is run
+/// up to the limit, and its output discarded.
 [[nodiscard]] bool expandsBeyond(quint64 limit, const ExpansionBound& bound,
                                  const ContactsStore& contacts,
                                  const std::function<void(const ByteSink&)>& write);

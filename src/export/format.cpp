@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "export/format.h"
 
+#include <QFileInfo>
 #include <algorithm>
 #include <utility>
 
 #include "export/csv.h"
+#include "export/html_page.h"
 #include "export/json.h"
 #include "export/markdown.h"
 #include "export/terminal_text.h"
@@ -40,6 +42,14 @@ qint64 csv(const DocumentSource& source, const ByteSink& output) {
                     source.attachments);
 }
 
+qint64 html(const DocumentSource& source, const ByteSink& output) {
+    return writeHtmlPage(
+        source.log, source.context, output,
+        {.title = source.file == u"-" ? QString() : QFileInfo(source.file).completeBaseName(),
+         .hasPictures = source.hasPictures,
+         .attachments = source.attachments});
+}
+
 }  // namespace
 
 FormatContext::FormatContext(foundation::Calendar calendar, QByteArray dateLocale,
@@ -58,12 +68,16 @@ const TextRenderSettings& FormatContext::settings() const {
 
 std::span<const Format> formats() {
     static constexpr Format all[] = {
-        {"markdown", "md", "text/markdown", "Markdown", "\n", false, &markdown},
-        {"text", "txt", "text/plain", "plain text, for reading in a terminal", "\n", false, &text},
-        {"json", "json", "application/json", "every event with all its fields", "", true, &json},
+        {"markdown", "md", "text/markdown", "Markdown", "\n", false, false, &markdown},
+        {"text", "txt", "text/plain", "plain text, for reading in a terminal", "\n", false, false,
+         &text},
+        {"html", "html", "text/html", "a page that looks like the timeline", "\n", true, true,
+         &html},
+        {"json", "json", "application/json", "every event with all its fields", "", true, false,
+         &json},
         {"jsonl", "jsonl", "application/jsonl", "JSON Lines, an event a line, for databases", "",
-         true, &jsonLines},
-        {"csv", "csv", "text/csv", "a table for spreadsheets", "", false, &csv},
+         true, false, &jsonLines},
+        {"csv", "csv", "text/csv", "a table for spreadsheets", "", false, false, &csv},
     };
     return all;
 }

@@ -29,6 +29,8 @@ class FormatContext {
     FormatContext& operator=(const FormatContext&) = delete;
 
     [[nodiscard]] const ContactsStore& contacts() const { return contacts_; }
+    [[nodiscard]] const foundation::Calendar& calendar() const { return calendar_; }
+    [[nodiscard]] const QByteArray& dateLocale() const { return dateLocale_; }
     /// Made on first use, since formatters take milliseconds to make.
     [[nodiscard]] const TextRenderSettings& settings() const;
 
@@ -49,6 +51,7 @@ struct DocumentSource {
     AttachmentPaths attachments{};  ///< of what was written beside the document
     bool followsAnother = false;    ///< in the same stream and format
     bool hasByteOrderMark = false;  ///< in formats that may have one
+    bool hasPictures = true;        ///< in formats that show them
 };
 
 struct Format {
@@ -58,6 +61,7 @@ struct Format {
     const char* description;  ///< a few words for people
     const char* separator;    ///< between two documents of one stream
     bool readsAttachments;    ///< not only their sizes and names
+    bool showsPictures;       ///< so that they may be in the document
     /// Writes one document and returns the number of messages in it; what the output throws passes
     /// through.
     qint64 (*write)(const DocumentSource& source, const ByteSink& output);

@@ -1,16 +1,21 @@
 # SPDX-License-Identifier: MIT
 """formats_test.py VELL_EXPORT HOSTILE_CHAT SCHEMA FILE…: every format, read by readers that others wrote,
 holds the same messages as the JSON does, which its schema describes."""
+import base64
 import csv
+import hashlib
+import html.parser
 import io
 import json
 import os
+import re
 import subprocess
 import sys
 import tempfile
 import unittest
 
 export, hostile_chat, schema_path, *files = sys.argv[1:]
+files = files[::3]  # each kind is among them
 
 CONTENT = ("plainText", "link", "image", "file")
 
@@ -38,6 +43,86 @@ def expected_cell(text):
 def undone(cell):
     """Undoes what keeps spreadsheets from running a cell."""
     return cell[1:] if cell.startswith("'") else cell
+
+
+class Page(html.parser.HTMLParser):
+    """A page's messages, and whatever shouldn't be in it."""
+
+    ELEMENTS = set("html head meta title style body header main h1 h2 p b span time article div br a img"
+                   .split())
+    ATTRIBUTES = set("lang dir charset http-equiv content name id class datetime rel href alt width"
+                     " height src".split())
+    SCHEMES = ("http:", "https:", "mailto:", "ftp:", "aim:", "xmpp:", "facetime:", "tel:")
+    EMPTY = ("meta", "br", "img")
+
+    def __init__(self, text):
+        super().__init__()
+        self.messages, self.titles, self.names, self.faults, self.ids = {}, [], [], [], []
+        self.policy, self.style, self.open = "", "", []
+        self.feed(text)
+        self.close()
+        self.faults += [f"{name} is open" for name, _ in self.open]
+
+    def handle_starttag(self, tag, attributes):
+        values = dict(attributes)
+        if tag not in self.ELEMENTS or not values.keys() <= self.ATTRIBUTES:
+            self.faults.append((tag, attributes))
+        if not values.get("href", "http:").lower().startswith(self.SCHEMES):
+            self.faults.append(values["href"])
+        if not values.get("src", "data:image/").startswith("data:image/"):
+            self.faults.append(values["src"])
+        if values.get("http-equiv") == "Content-Security-Policy":
+            self.policy = values["content"]
+        if "id" in values:
+            self.ids.append(values["id"])
+        if values.get("id", "").startswith("m"):
+            self.message = int(values["id"][1:])
+            self.messages[self.message] = ""
+        if tag == "br":
+            self.handle_data("\n")
+        if tag == "img":
+            self.messages[self.message] += "Picture: " + values["alt"]
+        if tag not in self.EMPTY:
+            self.open.append((tag, values.get("class", "").split(" ")[0]))
+
+    def handle_endtag(self, tag):
+        if not self.open or self.open.pop()[0] != tag:
+            self.faults.append(tag)
+
+    def handle_data(self, data):
+        places = [place for _, place in self.open]
+        if "bubble" in places or "file" in places or "system" in places:
+            self.messages[self.message] += data
+        elif self.open and self.open[-1][0] in ("title", "h1"):
+            self.titles.append(data)
+        elif self.open and self.open[-1][0] == "b":
+            self.names.append(data)
+        elif self.open and self.open[-1][0] == "style":
+            self.style += data
+        elif data.strip() and not {"time", "span"} & {tag for tag, _ in self.open}:
+            self.faults.append(data)
+
+    def handle_comment(self, data):
+        self.faults.append(data)
+
+
+def page_text(event):
+    """What a page shows of an event."""
+    if event["kind"] == "link":
+        address, title = event["url"], event["title"]
+        plain = address.lower().startswith(Page.SCHEMES) and not any(c <= " " or c == "\\" for c in address)
+        text = address if title == address else title if plain else f"{title} ({address})"
+    elif event["kind"] == "image":
+        text = "Picture: " + (event["path"] or "").rsplit("/", 1)[-1]
+    elif event["kind"] == "file":
+        text = f"File: {event['fileName'] or 'unnamed'} ({event['byteCount']} bytes)"
+    else:
+        text = event["text"]
+    return as_shown(text)
+
+
+def as_shown(text):
+    return text.replace("\r\n", "\n").replace("\r", "\n").replace("\0", "\ufffd")
 
 
 class Formats(unittest.TestCase):
@@ -111,6 +196,33 @@ class Formats(unittest.TestCase):
             self.assertEqual(result.stderr, b"")
             return [json.loads(line) for line in result.stdout.decode().split("\n")[:-1]]
 
+    def test_a_page_shows_every_text_and_holds_nothing_else(self):
+        for file in self.files:
+            with self.subTest(file):
+                page = Page(run("-f", "html", file=file).decode())
+                self.assertEqual(page.faults, [])
+                self.assertEqual(len(page.ids), len(set(page.ids)))
+                digest = base64.b64encode(hashlib.sha256(page.style.encode()).digest()).decode()
+                self.assertEqual(page.policy, f"default-src 'none'; style-src 'sha256-{digest}'; "
+                                 "img-src data:; base-uri 'none'; form-action 'none'")
+                title = os.path.splitext(os.path.basename(file))[0]
+                self.assertEqual(page.titles, [title, title])
+                senders, texts = [], {}
+                for event in content_of(file):
+                    if event["sequence"] in page.messages:
+                        first = event["sequence"]
+                        texts[first] = ""
+                        senders += [event["sender"]["userID"]] if event["sender"] else []
+                    texts[first] += page_text(event)
+                self.assertEqual("".join(page.names), "".join(as_shown(name) for name in senders))
+                for first, text in texts.items():
+                    shown = re.sub(r"Picture: picture\.(png|jpe?g|gif|tiff|bmp|pdf)", "Picture: ",
+                                   page.messages[first])
+                    shown = re.sub(r"Folder: (.*?) \(\d+ entr\w+\)", r"File: \1 (None bytes)", shown)
+                    self.assertEqual(shown, text)
+        without = run("-f", "html", "--pictures", "none", file=self.hostile)
+        self.assertNotIn(b"<img", without)
+
     def test_documents_in_one_stream_are_one_table(self):
         two = subprocess.run([export, "-f", "csv", "--byte-order-mark", files[0], self.hostile],
                              capture_output=True, check=True).stdout
@@ -121,7 +233,7 @@ class Formats(unittest.TestCase):
     def test_every_format_states_as_many_messages(self):
         for file in self.files:
             counts = {name: stated_count(file, name)
-                      for name in ("markdown", "text", "json", "jsonl", "csv")}
+                      for name in ("markdown", "text", "html", "json", "jsonl", "csv")}
             self.assertEqual(len(set(counts.values())), 1, counts)
 
 

@@ -82,7 +82,7 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         // Usage
         {"vell-export", 2, "", "vell-export: no file given\n"},
         {"v --colour a.ichat", 2, "", "vell-export: Unknown option 'colour'.\n"},
-        {"v -f pdf a.ichat", 2, "", "unknown format: pdf (known: markdown, text, json, "},
+        {"v -f pdf a.ichat", 2, "", "unknown format: pdf (known: markdown, text, "},
         {"v -v a.ichat", 0, "<a>", "vell-export: a.ichat: 1 message\n"},
         {"vell-export -f csv a.ichat b.ichat | wc -l", 0, "3\n", ""},
         {"v --time-zone CEST a.ichat", 2, "", "unknown time zone: CEST\n"},

@@ -8,7 +8,7 @@
 #include <array>
 #include <optional>
 
-#include "toolkit/style.h"
+#include "toolkit/participant_styles.h"
 #include "transcript/user_id.h"
 
 namespace vell {
@@ -16,9 +16,7 @@ namespace vell {
 class BubbleColors {
   public:
     /// What other participants get, in this order, then again from the start.
-    static constexpr std::array styleList{Style::Aqua::lime,      Style::Aqua::grape,
-                                          Style::Aqua::tangerine, Style::Aqua::indigo,
-                                          Style::Aqua::ruby,      Style::Aqua::bondi};
+    static constexpr auto& styleList = participantStyles;
 
     /// The one that all windows share.
     static BubbleColors& shared();

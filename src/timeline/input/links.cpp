@@ -8,15 +8,13 @@
 #include <QRegularExpression>
 #include <QUrlQuery>
 #include <algorithm>
-#include <array>
 
+#include "toolkit/link_schemes.h"
 #include "toolkit/look_alikes.h"
 
 namespace vell {
 namespace {
 
-constexpr std::array plainSchemes{"http", "https", "mailto",   "ftp",
-                                  "aim",  "xmpp",  "facetime", "tel"};
 constexpr qsizetype longestShown = 1000;
 constexpr qsizetype longestRead = 10'000;  // longer texts aren't checked and count as suspicious
 

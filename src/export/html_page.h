@@ -1,0 +1,33 @@
+#pragma once
+// SPDX-License-Identifier: MIT
+//
+// A chat log as one HTML file that looks like the timeline, light or dark as the reader prefers. It
+// needs nothing else: pictures and styles are in it, there is no script, and a policy in its head
+// forbids whatever it doesn't hold. Texts, names and addresses come from other people, so all of
+// them pass appendHtml().
+
+#include "export/attachment_paths.h"
+#include "export/byte_buffer.h"
+#include "export/text_sink.h"
+
+namespace vell {
+
+class FormatContext;
+class TesselChatLog;
+
+struct HtmlPageOptions {
+    QString title;
+    bool hasPictures = true;  ///< embedded, unless they are among the attachments
+    AttachmentPaths attachments{};
+};
+
+/// Returns the number of messages written. What the output throws passes through.
+qint64 writeHtmlPage(const TesselChatLog& log, const FormatContext& context, const ByteSink& output,
+                     const HtmlPageOptions& options);
+
+/// The text as a text or an attribute's value in quotation marks: no part of it is markup. Line
+/// breaks become elements in a text and references in an attribute.
+enum class HtmlPlace { text, attribute };
+void appendHtml(ByteBuffer& out, QStringView text, HtmlPlace place = HtmlPlace::text);
+
+}  // namespace vell
