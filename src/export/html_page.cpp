@@ -51,6 +51,7 @@ class PageWriter final : public ChatLogVisitor {
 
     qint64 write();
 
+    void session(const TesselChatLog::Session& session) override;
     void newDay(const Event& event) override;
     void newMinute(const Event& event) override;
     void senderChange(const Event*) override {}
@@ -127,6 +128,12 @@ void PageWriter::header() {
     out_.append("<body>\n<header>\n<h1 dir=\"auto\">");
     appendHtml(out_, options_.title);
     out_.append("</h1>\n</header>\n<main>\n");
+}
+
+void PageWriter::session(const TesselChatLog::Session& session) {
+    out_.append("<h2 class=\"session\" dir=\"auto\">");
+    appendHtml(out_, session.name());
+    out_.append("</h2>\n");
 }
 
 void PageWriter::newDay(const Event& event) {

@@ -27,6 +27,7 @@ header p,.minute,.file,.system{color:var(--faint)}
 header p{margin:4px 0;font-size:13px}
 h2{display:flex;align-items:center;gap:8px;margin:20px 0 8px;font-size:13px;line-height:20px;color:var(--faint)}
 h2::before,h2::after{content:"";flex:1;border-top:1px solid var(--line)}
+.session{margin-top:32px;font-size:16px;color:inherit}
 .minute{margin:6px 0;font-size:13px;line-height:20px;text-align:center}
 .system{margin:8px 48px;text-align:center;white-space:pre-wrap}
 .message{position:relative;display:flex;flex-direction:column;align-items:flex-start;gap:4px;margin:8px 0;padding-inline:46px 12%;scroll-margin-top:16px}
