@@ -157,8 +157,8 @@ void Database::interruptWhen(std::function<bool()> isCancelled) {
     sqlite3_progress_handler(database_.get(), isCancelled_ ? operationsPerCheck : 0, check, this);
 }
 
-Transaction::Transaction(Database& database) : database_(database) {
-    database_.run("BEGIN IMMEDIATE");
+Transaction::Transaction(Database& database, Kind kind) : database_(database) {
+    database_.run(kind == Kind::writing ? "BEGIN IMMEDIATE" : "BEGIN");
 }
 
 Transaction::~Transaction() {

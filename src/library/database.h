@@ -98,7 +98,8 @@ class Database {
 /// Rolls back unless it was committed.
 class Transaction {
   public:
-    explicit Transaction(Database& database);
+    enum class Kind { reading, writing };
+    explicit Transaction(Database& database, Kind kind = Kind::writing);
     ~Transaction();
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;

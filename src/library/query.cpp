@@ -5,6 +5,7 @@
 #include <QRegularExpression>
 #include <algorithm>
 
+#include "library/query_terms.h"
 #include "toolkit/text_search.h"
 
 namespace vell {
@@ -44,42 +45,6 @@ quint8 kindNamed(const QString& name) {
     if (name == "link"_L1) return ContentKinds::link;
     if (name == "file"_L1) return ContentKinds::file;
     throw QueryError{u"a message has a picture, link or file, not: "_s + name};
-}
-
-/// A term as it was typed: what stands before a colon outside quotation marks, and the rest.
-struct Term {
-    QString key;
-    QString text;
-    bool isQuoted = false;
-};
-
-std::vector<Term> termsOf(const QString& text) {
-    std::vector<Term> terms;
-    for (qsizetype i = 0; i < text.size();) {
-        if (text[i].isSpace()) {
-            ++i;
-            continue;
-        }
-        Term term;
-        bool isOpen = false;
-        for (; i < text.size() && (isOpen || !text[i].isSpace()); ++i) {
-            const QChar c = text[i];
-            if (c == u'"' || c == u'\u201c' || c == u'\u201d') {
-                if (isOpen && term.key.isEmpty()) {
-                    ++i;
-                    break;
-                }
-                isOpen = !isOpen;
-                term.isQuoted = true;
-            } else if (c == u':' && !term.isQuoted && term.key.isEmpty() && !term.text.isEmpty()) {
-                term.key = std::exchange(term.text, {});
-            } else {
-                term.text += c;
-            }
-        }
-        terms.push_back(std::move(term));
-    }
-    return terms;
 }
 
 std::optional<Query::Phrase> phraseOf(const QString& text, TextTokenizer& tokenizer) {
@@ -132,7 +97,7 @@ Query Query::parse(const QString& text) {
     Query query;
     TextTokenizer tokenizer;
     bool endsWithWord = false;
-    for (const Term& term : termsOf(text)) {
+    for (const QueryTerm& term : queryTerms(text)) {
         endsWithWord = false;
         if (!term.key.isEmpty() && query.addFilter(term.key, term.text)) continue;
         const QString words = term.key.isEmpty() ? term.text : term.key + u':' + term.text;

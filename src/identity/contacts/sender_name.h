@@ -5,12 +5,15 @@
 
 #include <QString>
 
+#include "identity/contacts/contacts_store.h"
+
 namespace vell {
 
-class ContactsStore;
 struct TesselUserID;
 
 /// The contact's nickname, else its name, else the user id itself; the service is never shown.
 [[nodiscard]] QString senderName(const TesselUserID& sender, const ContactsStore& contacts);
+/// The same without the store, for other threads.
+[[nodiscard]] QString senderName(const TesselUserID& sender, const ContactsStore::Table& contacts);
 
 }  // namespace vell
