@@ -2,6 +2,29 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de" sourcelanguage="en">
 <context>
+    <name>BrokenFilesModel</name>
+    <message>
+        <source>File</source>
+        <translation>Datei</translation>
+    </message>
+    <message>
+        <source>Reason</source>
+        <translation>Grund</translation>
+    </message>
+    <message>
+        <source>Files that couldn’t be read</source>
+        <translation>Dateien, die nicht gelesen werden konnten</translation>
+    </message>
+    <message>
+        <source>Files That Couldn’t Be Read</source>
+        <translation>Nicht lesbare Dateien</translation>
+    </message>
+    <message>
+        <source>They are tried again when they have changed. Everything else is in the library.</source>
+        <translation>Sie werden erneut versucht, wenn sie sich geändert haben. Alles andere ist in der Bibliothek.</translation>
+    </message>
+</context>
+<context>
     <name>ChatTitle</name>
     <message>
         <source>%1 to %2</source>
@@ -59,6 +82,10 @@
         <source>&amp;Window</source>
         <translation>&amp;Fenster</translation>
     </message>
+    <message>
+        <source>&amp;Library</source>
+        <translation>&amp;Bibliothek</translation>
+    </message>
 </context>
 <context>
     <name>ContactsDialog</name>
@@ -95,6 +122,40 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     <message>
         <source>Access to Your Contacts</source>
         <translation>Zugriff auf Ihre Kontakte</translation>
+    </message>
+</context>
+<context>
+    <name>FoldersDialog</name>
+    <message>
+        <source>Library Folders</source>
+        <translation>Ordner der Bibliothek</translation>
+    </message>
+    <message>
+        <source>The library shows the transcripts in these folders and in all folders below them.</source>
+        <translation>Die Bibliothek zeigt die Transkripte in diesen Ordnern und in allen Ordnern darunter.</translation>
+    </message>
+    <message>
+        <source>&amp;Add Folder …</source>
+        <translation>Ordner &amp;hinzufügen …</translation>
+    </message>
+    <message>
+        <source>&amp;Remove</source>
+        <translation>&amp;Entfernen</translation>
+    </message>
+    <message>
+        <source>The files stay where they are</source>
+        <translation>Die Dateien bleiben, wo sie sind</translation>
+    </message>
+</context>
+<context>
+    <name>Library</name>
+    <message>
+        <source>1 message</source>
+        <translation>1 Nachricht</translation>
+    </message>
+    <message>
+        <source>%1 messages</source>
+        <translation>%1 Nachrichten</translation>
     </message>
 </context>
 <context>
@@ -456,6 +517,29 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     </message>
 </context>
 <context>
+    <name>vell::ConversationList</name>
+    <message>
+        <source>Conversations</source>
+        <translation>Gespräche</translation>
+    </message>
+    <message>
+        <source>&amp;Open in Its Own Window</source>
+        <translation>In eigenem Fenster ö&amp;ffnen</translation>
+    </message>
+</context>
+<context>
+    <name>vell::ConversationModel</name>
+    <message>
+        <source>Without a date</source>
+        <translation>Ohne Datum</translation>
+    </message>
+    <message>
+        <source>%1 copies</source>
+        <extracomment>A conversation whose file is there more than once.</extracomment>
+        <translation>%1 Kopien</translation>
+    </message>
+</context>
+<context>
     <name>vell::DocumentWindow</name>
     <message>
         <source>Toolbar</source>
@@ -615,6 +699,10 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
             <numerusform>%n Mitschnitte öffnen, jeden in einem eigenen Fenster?</numerusform>
         </translation>
     </message>
+    <message>
+        <source>Add to &amp;Library</source>
+        <translation>Zur &amp;Bibliothek hinzufügen</translation>
+    </message>
 </context>
 <context>
     <name>vell::FontSizePanel</name>
@@ -638,6 +726,34 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     <message>
         <source>&amp;Size:</source>
         <translation>&amp;Größe:</translation>
+    </message>
+</context>
+<context>
+    <name>vell::FoundList</name>
+    <message>
+        <source>Messages found</source>
+        <translation>Gefundene Nachrichten</translation>
+    </message>
+    <message>
+        <source>No messages found</source>
+        <translation>Keine Nachrichten gefunden</translation>
+    </message>
+</context>
+<context>
+    <name>vell::FoundMessages</name>
+    <message>
+        <source>The library can’t be searched: %1</source>
+        <translation>Die Bibliothek kann nicht durchsucht werden: %1</translation>
+    </message>
+    <message>
+        <source>%1 › %2</source>
+        <extracomment>Who wrote a message › whom the conversation is with.</extracomment>
+        <translation>%1 › %2</translation>
+    </message>
+    <message>
+        <source>%1, %2: %3</source>
+        <extracomment>&quot;Jonas, 1 May 2005: the line that holds the match&quot;</extracomment>
+        <translation>%1, %2: %3</translation>
     </message>
 </context>
 <context>
@@ -701,6 +817,151 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     <message>
         <source>&amp;Forward</source>
         <translation>&amp;Vorwärts</translation>
+    </message>
+</context>
+<context>
+    <name>vell::Library</name>
+    <message>
+        <source>The library’s index can’t be used: %1. Chats can be opened as ever.</source>
+        <translation>Der Index der Bibliothek kann nicht verwendet werden: %1. Chats lassen sich weiterhin öffnen.</translation>
+    </message>
+    <message>
+        <source>Another program is working on the library’s index.</source>
+        <translation>Ein anderes Programm arbeitet am Index der Bibliothek.</translation>
+    </message>
+    <message>
+        <source>The library’s index was damaged and has been made again.</source>
+        <translation>Der Index der Bibliothek war beschädigt und wurde neu angelegt.</translation>
+    </message>
+    <message>
+        <source>The folder “%1” isn’t there now.</source>
+        <translation>Der Ordner „%1“ ist gerade nicht da.</translation>
+    </message>
+</context>
+<context>
+    <name>vell::LibraryStatus</name>
+    <message>
+        <source>nearly done</source>
+        <translation>fast fertig</translation>
+    </message>
+    <message>
+        <source>%1 seconds left</source>
+        <translation>noch %1 Sekunden</translation>
+    </message>
+    <message>
+        <source>1 minute left</source>
+        <translation>noch 1 Minute</translation>
+    </message>
+    <message>
+        <source>%1 minutes left</source>
+        <translation>noch %1 Minuten</translation>
+    </message>
+    <message>
+        <source>Indexing</source>
+        <translation>Indizierung</translation>
+    </message>
+    <message>
+        <source>Indexing waits while a chat is opened</source>
+        <translation>Die Indizierung wartet, während ein Chat geöffnet wird</translation>
+    </message>
+    <message>
+        <source>Looking through your folders: %1 transcripts</source>
+        <translation>Ordner werden durchgesehen: %1 Transkripte</translation>
+    </message>
+    <message>
+        <source>Looking through your folders …</source>
+        <translation>Ordner werden durchgesehen …</translation>
+    </message>
+    <message>
+        <source>Indexing: %1 of %2 files</source>
+        <translation>Indizierung: %1 von %2 Dateien</translation>
+    </message>
+    <message>
+        <source>1 conversation</source>
+        <translation>1 Gespräch</translation>
+    </message>
+    <message>
+        <source>%1 conversations</source>
+        <translation>%1 Gespräche</translation>
+    </message>
+    <message>
+        <source>1 file couldn’t be read</source>
+        <translation>1 Datei konnte nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>%1 files couldn’t be read</source>
+        <translation>%1 Dateien konnten nicht gelesen werden</translation>
+    </message>
+</context>
+<context>
+    <name>vell::LibraryWindow</name>
+    <message>
+        <source>Add a Folder to the Library</source>
+        <translation>Ordner zur Bibliothek hinzufügen</translation>
+    </message>
+    <message>
+        <source>Library</source>
+        <translation>Bibliothek</translation>
+    </message>
+    <message>
+        <source>All your chats in one place</source>
+        <translation>Alle Ihre Chats an einem Ort</translation>
+    </message>
+    <message>
+        <source>Add the folders that your transcripts are in, or drop them here. The files stay where they are and are only read.</source>
+        <translation>Fügen Sie die Ordner mit Ihren Transkripten hinzu oder ziehen Sie sie hierher. Die Dateien bleiben, wo sie sind, und werden nur gelesen.</translation>
+    </message>
+    <message>
+        <source>&amp;Add Folder …</source>
+        <translation>Ordner &amp;hinzufügen …</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Library Folders …</source>
+        <translation>&amp;Ordner der Bibliothek …</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Search All Chats</source>
+        <translation>Alle Chats &amp;durchsuchen</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>&amp;Statistics</source>
+        <translation>&amp;Statistik</translation>
+    </message>
+    <message>
+        <source>Dates are written 2009-07-14, 2009-07 or 2009; “has:” is followed by picture, link or file</source>
+        <translation>Daten schreibt man 2009-07-14, 2009-07 oder 2009; auf „has:“ folgt picture, link oder file</translation>
+    </message>
+    <message>
+        <source>Searching …</source>
+        <translation>Suche läuft …</translation>
+    </message>
+    <message>
+        <source>%1, the first %2 are listed</source>
+        <translation>%1, die ersten %2 sind aufgelistet</translation>
+    </message>
+    <message>
+        <source>F&amp;ormat</source>
+        <translation>F&amp;ormat</translation>
+    </message>
+    <message>
+        <source>&amp;Font</source>
+        <translation>&amp;Schrift</translation>
+    </message>
+    <message>
+        <source>&amp;Go</source>
+        <translation>&amp;Gehe zu</translation>
     </message>
 </context>
 <context>
@@ -845,6 +1106,44 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     </message>
 </context>
 <context>
+    <name>vell::PeopleList</name>
+    <message>
+        <source>People</source>
+        <translation>Personen</translation>
+    </message>
+    <message>
+        <source>Filter people</source>
+        <translation>Personen filtern</translation>
+    </message>
+    <message>
+        <source>Sort people</source>
+        <translation>Personen sortieren</translation>
+    </message>
+    <message>
+        <source>By Last &amp;Day</source>
+        <translation>Nach letztem &amp;Tag</translation>
+    </message>
+    <message>
+        <source>By &amp;Name</source>
+        <translation>Nach &amp;Name</translation>
+    </message>
+    <message>
+        <source>&amp;Separate Addresses</source>
+        <translation>Adressen &amp;trennen</translation>
+    </message>
+    <message>
+        <source>&amp;Join With</source>
+        <translation>&amp;Zusammenführen mit</translation>
+    </message>
+</context>
+<context>
+    <name>vell::PeopleModel</name>
+    <message>
+        <source>Everybody</source>
+        <translation>Alle</translation>
+    </message>
+</context>
+<context>
     <name>vell::PictureViewer</name>
     <message>
         <source>Previous Picture</source>
@@ -983,6 +1282,82 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     </message>
 </context>
 <context>
+    <name>vell::SearchBar</name>
+    <message>
+        <source>From</source>
+        <translation>Von</translation>
+    </message>
+    <message>
+        <source>With</source>
+        <translation>Mit</translation>
+    </message>
+    <message>
+        <source>After</source>
+        <translation>Nach</translation>
+    </message>
+    <message>
+        <source>Before</source>
+        <translation>Vor</translation>
+    </message>
+    <message>
+        <source>In</source>
+        <translation>In</translation>
+    </message>
+    <message>
+        <source>Has</source>
+        <translation>Enthält</translation>
+    </message>
+    <message>
+        <source>Search all chats</source>
+        <translation>Alle Chats durchsuchen</translation>
+    </message>
+    <message>
+        <source>Order of what was found</source>
+        <translation>Reihenfolge der Treffer</translation>
+    </message>
+    <message>
+        <source>Newest First</source>
+        <translation>Neueste zuerst</translation>
+    </message>
+    <message>
+        <source>Best First</source>
+        <translation>Beste zuerst</translation>
+    </message>
+    <message>
+        <source>a picture</source>
+        <translation>ein Bild</translation>
+    </message>
+    <message>
+        <source>a link</source>
+        <translation>einen Link</translation>
+    </message>
+    <message>
+        <source>a file</source>
+        <translation>eine Datei</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <extracomment>A filter of a search and what it is set to: &quot;From: anna&quot;</extracomment>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>Remove This Filter</source>
+        <translation>Diesen Filter entfernen</translation>
+    </message>
+    <message>
+        <source>Picture</source>
+        <translation>Bild</translation>
+    </message>
+    <message>
+        <source>Link</source>
+        <translation>Link</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Datei</translation>
+    </message>
+</context>
+<context>
     <name>vell::SearchPlaces</name>
     <message>
         <source>Search &amp;in</source>
@@ -1075,6 +1450,38 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     </message>
 </context>
 <context>
+    <name>vell::StatisticsPage</name>
+    <message>
+        <source>Messages by year</source>
+        <translation>Nachrichten nach Jahr</translation>
+    </message>
+    <message>
+        <source>Messages by hour of the day</source>
+        <translation>Nachrichten nach Tageszeit</translation>
+    </message>
+    <message>
+        <source>Messages by person</source>
+        <translation>Nachrichten nach Person</translation>
+    </message>
+    <message>
+        <source>Everybody</source>
+        <translation>Alle</translation>
+    </message>
+    <message>
+        <source>From %1 to %2</source>
+        <translation>Vom %1 bis zum %2</translation>
+    </message>
+    <message>
+        <source>Longest silence: %1 days, from %2 to %3</source>
+        <translation>Längste Funkstille: %1 Tage, vom %2 bis zum %3</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <extracomment>A bar of a chart and how high it is: &quot;2009: 1,204 messages&quot;</extracomment>
+        <translation>%1: %2</translation>
+    </message>
+</context>
+<context>
     <name>vell::TimeZoneDialog</name>
     <message>
         <source>Time Zone</source>
@@ -1164,6 +1571,22 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     <message>
         <source>Drop transcripts or folders here</source>
         <translation>Mitschnitte oder Ordner hier ablegen</translation>
+    </message>
+    <message>
+        <source>&amp;Library</source>
+        <translation>&amp;Bibliothek</translation>
+    </message>
+    <message>
+        <source>&amp;Add Folder …</source>
+        <translation>Ordner &amp;hinzufügen …</translation>
+    </message>
+    <message>
+        <source>All chats of your folders in one window</source>
+        <translation>Alle Chats Ihrer Ordner in einem Fenster</translation>
+    </message>
+    <message>
+        <source>Add a Folder to the Library</source>
+        <translation>Ordner zur Bibliothek hinzufügen</translation>
     </message>
 </context>
 </TS>

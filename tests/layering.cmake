@@ -23,7 +23,7 @@ set(app ${export} export library timeline)
 # The order inside a folder that has folders of its own, from the top; "." are the files beside them.
 set(timeline_rooms accessibility . painting input layout saving rows text pictures bubbles)
 set(identity_rooms service vcard contacts identicons)
-set(app_rooms . search documents windows desktop)
+set(app_rooms . library search documents windows desktop)
 
 set(foundation_qt Core)
 set(transcript_qt Core)

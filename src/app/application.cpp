@@ -15,6 +15,8 @@
 #include "app/documents/document_window.h"
 #include "app/documents/load_log_window.h"
 #include "app/documents/open_failures.h"
+#include "app/library/library.h"
+#include "app/library/library_window.h"
 #include "app/search/file_facts.h"
 #include "app/search/find_files_window.h"
 #include "app/search/saved_search.h"
@@ -69,7 +71,7 @@ Application::Application(std::shared_ptr<FileReader> reader)
     connect(qApp, &QGuiApplication::commitDataRequest, this, &Application::rememberPlaces,
             Qt::DirectConnection);
     qApp->installEventFilter(this);
-    connect(&drops_, &FileDrops::dropped, this, &Application::open);
+    connect(&drops_, &FileDrops::dropped, this, &Application::takeDrop);
 }
 
 Application::~Application() = default;
@@ -116,12 +118,16 @@ void Application::openTranscript(const QString& path, const QString& canonicalPa
     const Services services{settings_, recentFiles_, *contacts_, pictures_};
     auto* window = new DocumentWindow(*this, services, loader_, path);
     windows_.push_back({window, canonicalPath});
-    connect(window, &DocumentWindow::shown, this, &Application::rememberWindows);
+    connect(window, &DocumentWindow::shown, this, [this] {
+        rememberWindows();
+        pauseLibrary();
+    });
     connect(window, &DocumentWindow::failed, this,
             [this, window](const foundation::Error& error) { giveUp(window, error); });
     connect(window, &DocumentWindow::closed, this, &Application::remove);
     connect(window, &DocumentWindow::titlesChanged, this, &Application::distinguishWindows);
     distinguishWindows();
+    pauseLibrary();
     window->show();
     if (welcome_) welcome_->close();
 }
@@ -140,6 +146,14 @@ void Application::remove(DocumentWindow* window) {
     std::erase_if(windows_, [window](const OpenWindow& open) { return open.window == window; });
     rememberWindows();
     distinguishWindows();
+    pauseLibrary();
+}
+
+/// Transcripts that are being opened come first.
+void Application::pauseLibrary() {
+    if (!library_) return;
+    library_->setPaused(std::ranges::any_of(
+        windows_, [](const OpenWindow& open) { return !open.window->isLoaded(); }));
 }
 
 void Application::distinguishWindows() {
@@ -246,8 +260,43 @@ void Application::showFindWindow(const QStringList& folders) {
     auto* window = new FindFilesWindow(loader_.reader(), *contacts_, folders);
     window->setAttribute(Qt::WA_DeleteOnClose);
     connect(window, &FindFilesWindow::openRequested, this, &Application::open);
+    connect(window, &FindFilesWindow::addToLibraryRequested, this, &Application::addToLibrary);
     addClosingShortcuts(*window);
     window->show();
+}
+
+bool Application::hasLibrary() const {
+    return !settings_.libraryFolders().isEmpty();
+}
+
+void Application::showLibrary() {
+    if (!library_)
+        library_ = std::make_unique<Library>(settings_, *contacts_, LibraryStore::defaultPath());
+    if (!libraryWindow_) {
+        const Services services{settings_, recentFiles_, *contacts_, pictures_};
+        libraryWindow_ = new LibraryWindow(*this, services, *library_);
+    }
+    bringToFront(*libraryWindow_);
+    if (welcome_) welcome_->close();
+}
+
+void Application::addToLibrary(const QStringList& folders) {
+    showLibrary();
+    library_->addFolders(folders);
+}
+
+/// Folders dropped on these windows are for the library.
+void Application::takeDrop(const QStringList& paths, const QWidget* window) {
+    QStringList folders;
+    QStringList others;
+    const auto facts = fileFacts(paths);
+    const bool mayAdd = window && (window == welcome_ || window == libraryWindow_);
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        const bool isFolder = facts[static_cast<size_t>(i)].value_or(FileFacts()).isFolder;
+        (mayAdd && isFolder ? folders : others).append(paths[i]);
+    }
+    if (!folders.isEmpty()) addToLibrary(folders);
+    if (!others.isEmpty()) open(others);
 }
 
 void Application::showAbout() {

@@ -23,6 +23,8 @@ namespace vell {
 
 class ContactsStore;
 class DocumentWindow;
+class Library;
+class LibraryWindow;
 class OpenFailures;
 class PanelWindow;
 class PreferencesWindow;
@@ -48,6 +50,9 @@ class Application final : public QObject, public Commands {
     [[nodiscard]] bool offersFindFiles() const override;
     /// Opens the saved search with the desktop, or a search window of ours where none can.
     void findFiles() override;
+    void showLibrary() override;
+    [[nodiscard]] bool hasLibrary() const override;
+    void addToLibrary(const QStringList& folders) override;
     void showAbout() override;
     void showPreferences() override;
     void quit() override;
@@ -64,6 +69,8 @@ class Application final : public QObject, public Commands {
     };
 
     void openContacts();
+    void pauseLibrary();
+    void takeDrop(const QStringList& paths, const QWidget* window);
     void showWelcome();
     void showFindWindow(const QStringList& folders);
     void openTranscript(const QString& path, const QString& canonicalPath);
@@ -90,6 +97,8 @@ class Application final : public QObject, public Commands {
     QSettings contactsSettings_;
     std::unique_ptr<ContactsStore> contacts_;
     PictureCache pictures_;
+    std::unique_ptr<Library> library_;  // null until it is first needed
+    QPointer<LibraryWindow> libraryWindow_;
     std::vector<OpenWindow> windows_;
     std::unique_ptr<PanelWindow> aboutWindow_;
     std::unique_ptr<PreferencesWindow> preferences_;

@@ -60,7 +60,7 @@ bool FileDrops::take(QObject& object, QDropEvent& event, bool isDropped) {
     if (files.isEmpty()) return false;
     event.acceptProposedAction();
     markTarget(&object, !isDropped);
-    if (isDropped) Q_EMIT dropped(files);
+    if (isDropped) Q_EMIT dropped(files, static_cast<QWidget&>(object).window());
     return true;
 }
 

@@ -9,6 +9,7 @@
 #include <QStringList>
 
 class QDropEvent;
+class QWidget;
 
 namespace vell {
 
@@ -23,7 +24,7 @@ class FileDrops final : public QObject {
     bool eventFilter(QObject* object, QEvent* event) override;
 
   Q_SIGNALS:
-    void dropped(const QStringList& paths);
+    void dropped(const QStringList& paths, const QWidget* window);
 
   private:
     bool take(QObject& object, QDropEvent& event, bool isDropped);

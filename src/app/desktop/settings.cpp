@@ -16,6 +16,8 @@ const QString fontSizeKey = QStringLiteral("TimelineFontSize");
 const QString restoresWindowsKey = QStringLiteral("RestoreWindows");
 const QString lastWindowsKey = QStringLiteral("LastWindows");
 const QString contactsFilesKey = QStringLiteral("ContactsFiles");
+const QString libraryFoldersKey = QStringLiteral("Library/Folders");
+const QString libraryAliasesKey = QStringLiteral("Library/Aliases");
 const QString timeZoneKey = QStringLiteral("TimeZone");
 const QString recentTimeZonesKey = QStringLiteral("RecentTimeZones");
 const QString placesOrderKey = QStringLiteral("WindowPlaces/Order");
@@ -122,6 +124,26 @@ void Settings::setContactsFiles(const QStringList& paths) {
     if (paths == contactsFiles()) return;
     storePaths(store_, contactsFilesKey, paths);
     Q_EMIT contactsFilesChanged(paths);
+}
+
+QStringList Settings::libraryFolders() const {
+    return storedPaths(store_, libraryFoldersKey);
+}
+
+void Settings::setLibraryFolders(const QStringList& paths) {
+    if (paths == libraryFolders()) return;
+    storePaths(store_, libraryFoldersKey, paths);
+    Q_EMIT libraryFoldersChanged();
+}
+
+QStringList Settings::libraryAliases() const {
+    return store_.value(libraryAliasesKey).toStringList();
+}
+
+void Settings::setLibraryAliases(const QStringList& lines) {
+    if (lines == libraryAliases()) return;
+    store_.setValue(libraryAliasesKey, lines);
+    Q_EMIT libraryAliasesChanged();
 }
 
 }  // namespace vell

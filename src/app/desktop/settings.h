@@ -48,6 +48,12 @@ class Settings final : public QObject {
     [[nodiscard]] QStringList contactsFiles() const;
     void setContactsFiles(const QStringList& paths);
 
+    /// The folders of the library, and which addresses in it are one person, a line each.
+    [[nodiscard]] QStringList libraryFolders() const;
+    void setLibraryFolders(const QStringList& paths);
+    [[nodiscard]] QStringList libraryAliases() const;
+    void setLibraryAliases(const QStringList& lines);
+
     /// The name of the time zone that chats are shown in; empty for that of the computer.
     [[nodiscard]] QString timeZone() const;
     void setTimeZone(const QString& zone);
@@ -58,6 +64,8 @@ class Settings final : public QObject {
     void timeZoneChanged(const QString& zone);
     void timelineFontSizeChanged(qint64 points);
     void contactsFilesChanged(const QStringList& paths);
+    void libraryFoldersChanged();
+    void libraryAliasesChanged();
 
   private:
     QSettings store_;

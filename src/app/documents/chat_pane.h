@@ -54,7 +54,8 @@ class ChatPane final : public QMainWindow {
     void showSessions(const QString& name, const std::vector<QByteArray>& paths);
     /// Shows nothing.
     void clear();
-    /// Goes to an event of a file as soon as it is there, and marks these words in it.
+    /// Goes to an event of a file as soon as it is there, and marks these words in it; 0 is the
+    /// heading of the file's session.
     void goTo(const QByteArray& path, qint64 sequence, const QStringList& words = {});
     /// Goes to the beginning of the session after the one at the top (1) or before it (-1).
     void stepSession(int direction);

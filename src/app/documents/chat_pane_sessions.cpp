@@ -143,8 +143,9 @@ QByteArray ChatPane::topFile() const {
 
 std::optional<qsizetype> ChatPane::rowOf(const QByteArray& path, qint64 sequence) const {
     for (const MergedSession& session : merged_->sessions()) {
-        if (session.path == path)
-            return merged_->rowOf({session.file, static_cast<std::uint32_t>(sequence)});
+        if (session.path != path) continue;
+        if (sequence == 0 && session.row >= 0) return session.row;
+        return merged_->rowOf({session.file, static_cast<std::uint32_t>(sequence)});
     }
     return std::nullopt;
 }

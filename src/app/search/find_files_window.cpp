@@ -77,6 +77,8 @@ void FindFilesWindow::buildLayout() {
     progress_->setRange(0, 0);
     progress_->setMaximumWidth(120);
     progress_->setTextVisible(false);
+    add_ = new QPushButton(tr("Add to &Library"));
+    add_->setObjectName(QStringLiteral("addToLibrary"));
     open_ = new QPushButton(tr("Open"));
     open_->setDefault(true);
 
@@ -91,6 +93,7 @@ void FindFilesWindow::buildLayout() {
     bottom->addWidget(state_, 1);
     bottom->addWidget(progress_);
     bottom->addWidget(startStop_);
+    bottom->addWidget(add_);
     bottom->addWidget(open_);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(12, 12, 12, 12);
@@ -102,6 +105,7 @@ void FindFilesWindow::buildLayout() {
         showState();
     });
     connect(startStop_, &QPushButton::clicked, this, &FindFilesWindow::startOrStop);
+    connect(add_, &QPushButton::clicked, this, &FindFilesWindow::addToLibrary);
     connect(open_, &QPushButton::clicked, this, &FindFilesWindow::openSelected);
     connect(view_, &QTableView::activated, this, &FindFilesWindow::openSelected);
     // The view activates its current row only, and after "select all" it may have none.
@@ -179,6 +183,7 @@ void FindFilesWindow::start() {
 void FindFilesWindow::showState() {
     const bool running = walker_.isRunning();
     progress_->setVisible(running);
+    add_->setEnabled(sorted_.rowCount() > 0);
     startStop_->setText(running ? tr("Stop") : tr("Search Again"));
     const QLocale locale;
     const QString all = locale.toString(table_.rowCount());
@@ -189,6 +194,24 @@ void FindFilesWindow::showState() {
                               .arg(locale.toString(sorted_.rowCount()), all, files);
     if (running && !currentFolder_.isEmpty()) state += QStringLiteral(" — ") + currentFolder_;
     state_->setText(state);
+}
+
+void FindFilesWindow::addToLibrary() {
+    const QModelIndexList selected = view_->selectionModel()->selectedRows();
+    QString folder;
+    const auto add = [&folder](const QModelIndex& index) {
+        QString each = index.data(TranscriptTable::pathRole).toString();
+        each.truncate(each.lastIndexOf(u'/') + 1);
+        if (folder.isEmpty()) folder = each;
+        while (!each.startsWith(folder))
+            folder.truncate(folder.lastIndexOf(u'/', -2) + 1);
+    };
+    for (const QModelIndex& index : selected)
+        add(index);
+    for (int row = 0; selected.isEmpty() && row < sorted_.rowCount(); ++row)
+        add(sorted_.index(row, 0));
+    if (folder.size() > 1) folder.chop(1);
+    Q_EMIT addToLibraryRequested({folder});
 }
 
 void FindFilesWindow::openSelected() {

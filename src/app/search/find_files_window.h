@@ -32,6 +32,8 @@ class FindFilesWindow final : public QWidget {
   Q_SIGNALS:
     /// The user wants these transcripts opened.
     void openRequested(const QStringList& paths);
+    /// The user wants the folders that these transcripts are in to be in the library.
+    void addToLibraryRequested(const QStringList& folders);
 
   protected:
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -44,6 +46,8 @@ class FindFilesWindow final : public QWidget {
     void start();
     void showState();
     void openSelected();
+    /// The folder that holds all that is selected, or all that was found.
+    void addToLibrary();
 
     FileWalker walker_;
     TranscriptTable table_;
@@ -58,6 +62,7 @@ class FindFilesWindow final : public QWidget {
     QTableView* view_ = nullptr;
     QProgressBar* progress_ = nullptr;
     QLabel* state_ = nullptr;
+    QPushButton* add_ = nullptr;
     QPushButton* open_ = nullptr;
 };
 

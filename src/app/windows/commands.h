@@ -25,6 +25,11 @@ class Commands {
     /// Whether the saved search is among the program's resources.
     [[nodiscard]] virtual bool offersFindFiles() const = 0;
     virtual void findFiles() = 0;
+    virtual void showLibrary() = 0;
+    /// Whether the library has a folder.
+    [[nodiscard]] virtual bool hasLibrary() const = 0;
+    /// Shows the library, with these folders as well.
+    virtual void addToLibrary(const QStringList& folders) = 0;
     virtual void showAbout() = 0;
     virtual void showPreferences() = 0;
     virtual void quit() = 0;

@@ -81,8 +81,16 @@ void addClosingCommands(QMenu& menu, Commands& commands, QWidget& window) {
 
 void addWindowMenu(QMenuBar& menuBar, Commands& commands, QWidget& window) {
     QMenu& menu = *menuBar.addMenu(Commands::tr("&Window"));
-    QObject::connect(&menu, &QMenu::aboutToShow, &menu, [&menu, &commands, &window] {
+    // Owned by the window: it stays when the menu is filled anew.
+    auto* library = new QAction(Commands::tr("&Library"), &window);
+    library->setShortcut(Qt::CTRL | Qt::Key_L);
+    window.addAction(library);
+    QObject::connect(library, &QAction::triggered, &window,
+                     [&commands] { commands.showLibrary(); });
+    QObject::connect(&menu, &QMenu::aboutToShow, &menu, [&menu, &commands, &window, library] {
         menu.clear();
+        menu.addAction(library);
+        menu.addSeparator();
         int number = 0;
         for (QWidget* other : commands.windows()) {
             const QString key = ++number < 10 ? QStringLiteral("&%1 ").arg(number) : QString();

@@ -58,4 +58,53 @@ QIcon copyIcon() {
     return QIcon(new LineIcon(std::move(lines)));
 }
 
+QIcon peopleIcon() {
+    QPainterPath lines;
+    lines.addEllipse(QRectF(3.5, 3, 5, 5));
+    lines.moveTo(1, 13.5);
+    lines.cubicTo(1, 8.5, 11, 8.5, 11, 13.5);
+    lines.closeSubpath();
+    lines.moveTo(10.2, 3.2);  // who stands behind
+    lines.cubicTo(13.5, 2.6, 14, 7.4, 11, 7.8);
+    lines.moveTo(12.6, 10);
+    lines.cubicTo(14.4, 10.6, 15, 12, 15, 13.5);
+    lines.lineTo(13, 13.5);
+    return QIcon(new LineIcon(std::move(lines)));
+}
+
+QIcon sortIcon() {
+    QPainterPath lines;
+    for (const auto& [y, end] :
+         {std::pair(4.5, 13.5), std::pair(8.0, 10.5), std::pair(11.5, 7.5)}) {
+        lines.moveTo(2.5, y);
+        lines.lineTo(end, y);
+    }
+    return QIcon(new LineIcon(std::move(lines)));
+}
+
+QIcon searchIcon() {
+    QPainterPath lines;
+    lines.addEllipse(QRectF(2.5, 2.5, 8, 8));
+    lines.moveTo(9.5, 9.5);
+    lines.lineTo(13.5, 13.5);
+    return QIcon(new LineIcon(std::move(lines)));
+}
+
+QIcon chartIcon() {
+    QPainterPath lines;
+    lines.addRect(QRectF(2.5, 8.5, 2.5, 5));
+    lines.addRect(QRectF(6.75, 3, 2.5, 10.5));
+    lines.addRect(QRectF(11, 6, 2.5, 7.5));
+    return QIcon(new LineIcon(std::move(lines)));
+}
+
+QIcon addIcon() {
+    QPainterPath lines;
+    lines.moveTo(8, 3);
+    lines.lineTo(8, 13);
+    lines.moveTo(3, 8);
+    lines.lineTo(13, 8);
+    return QIcon(new LineIcon(std::move(lines)));
+}
+
 }  // namespace vell

@@ -10,5 +10,15 @@ namespace vell {
 
 /// One sheet on another.
 [[nodiscard]] QIcon copyIcon();
+/// Two people.
+[[nodiscard]] QIcon peopleIcon();
+/// Lines that grow shorter.
+[[nodiscard]] QIcon sortIcon();
+/// A magnifying glass.
+[[nodiscard]] QIcon searchIcon();
+/// Three columns of different heights.
+[[nodiscard]] QIcon chartIcon();
+/// A plus sign.
+[[nodiscard]] QIcon addIcon();
 
 }  // namespace vell

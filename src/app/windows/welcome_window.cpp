@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -136,14 +137,27 @@ QLayout* WelcomeWindow::commandRow() {
     auto* find = new QPushButton(tr("F&ind iChat Files …"));
     connect(open, &QPushButton::clicked, this, [this] { commands_.showOpenDialog(this); });
     connect(find, &QPushButton::clicked, this, [this] { commands_.findFiles(); });
+    auto* library = new QPushButton(commands_.hasLibrary() ? tr("&Library") : tr("&Add Folder …"));
+    library->setToolTip(tr("All chats of your folders in one window"));
+    connect(library, &QPushButton::clicked, this, [this] { openLibrary(); });
     auto* row = new QHBoxLayout;
     row->setSpacing(padding / 2);
-    for (QPushButton* button : {open, find}) {
+    for (QPushButton* button : {open, find, library}) {
         button->setMinimumHeight(button->sizeHint().height() + 6);
         row->addWidget(button, 1);
     }
     find->setVisible(commands_.offersFindFiles());
     return row;
+}
+
+void WelcomeWindow::openLibrary() {
+    if (commands_.hasLibrary()) return commands_.showLibrary();
+    auto* dialog = new QFileDialog(this, tr("Add a Folder to the Library"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::Directory);
+    connect(dialog, &QFileDialog::filesSelected, this,
+            [this](const QStringList& folders) { commands_.addToLibrary(folders); });
+    dialog->open();
 }
 
 QWidget* WelcomeWindow::recentList() {

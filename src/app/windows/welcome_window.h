@@ -25,6 +25,8 @@ class WelcomeWindow final : public QWidget {
   private:
     void buildMenus(QLayout& layout);
     void fill();
+    /// Asks for the first folder of a library that has none.
+    void openLibrary();
     [[nodiscard]] QLayout* introduction();
     [[nodiscard]] QLayout* commandRow();
     [[nodiscard]] QWidget* recentList();

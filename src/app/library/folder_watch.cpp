@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#include "app/library/folder_watch.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileSystemWatcher>
+#include <QSet>
+#include <QThread>
+#include <QTimer>
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "foundation/local_path.h"
+#include "library/library_people.h"
+#include "toolkit/callback_guard.h"
+
+namespace vell {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Files are copied and unpacked in bursts.
+constexpr std::chrono::milliseconds burst = 400ms;
+constexpr qsizetype mostFolders = 8192;
+/// Other programs of the user need watches, too.
+constexpr qsizetype shareOfWatches = 4;
+constexpr unsigned long patienceMilliseconds = 50;
+
+qsizetype folderLimit() {
+    QFile limit(QStringLiteral("/proc/sys/fs/inotify/max_user_watches"));
+    if (!limit.open(QIODevice::ReadOnly)) return mostFolders;
+    return std::min(mostFolders, limit.readAll().trimmed().toLongLong() / shareOfWatches);
+}
+
+/// The folder of the path and those above it, up to the given ones.
+void addFoldersOf(QByteArray path, const QSet<QByteArray>& roots, QSet<QByteArray>& to) {
+    for (;;) {
+        path.truncate(std::max(path.lastIndexOf('/'), qsizetype{0}));
+        if (path.isEmpty() || to.contains(path)) return;
+        to.insert(path);
+        if (roots.contains(path)) return;
+    }
+}
+
+}  // namespace
+
+class FolderWatch::Worker final : public QObject {
+  public:
+    Worker(std::function<void()> changed, std::shared_ptr<std::atomic<bool>> isComplete)
+        : changed_(std::move(changed)), isComplete_(std::move(isComplete)) {
+        timer_.setSingleShot(true);
+        connect(&timer_, &QTimer::timeout, this, changed_);
+        connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, [this](const QString& at) {
+            timer_.start(burst);
+            watchBelow(at);
+        });
+    }
+
+    void watch(const LibraryPeople& files, const std::vector<std::string>& folders) {
+        QSet<QByteArray> roots;
+        for (const std::string& folder : folders)
+            roots.insert(QByteArray::fromStdString(folder));
+        QSet<QByteArray> wanted = roots;
+        for (const auto& conversation : files.contents.conversations) {
+            addFoldersOf(conversation.path, roots, wanted);
+            for (const QByteArray& copy : conversation.copies)
+                addFoldersOf(copy, roots, wanted);
+        }
+        for (const BrokenFile& file : files.contents.broken)
+            addFoldersOf(file.path, roots, wanted);
+        QSet<QString> paths;
+        for (const QByteArray& folder : std::as_const(wanted))
+            paths.insert(foundation::pathFromArgument(folder.constData()));
+        watchOnly(paths);
+    }
+
+  private:
+    void watchOnly(const QSet<QString>& wanted) {
+        const QStringList watched = watcher_.directories();
+        const QSet<QString> before(watched.begin(), watched.end());
+        if (const auto old = before - wanted; !old.isEmpty()) watcher_.removePaths(old.values());
+        *isComplete_ = true;
+        add((wanted - before).values());
+    }
+    /// A folder that has just appeared may be filled before it is known to hold files.
+    void watchBelow(const QString& folder) {
+        QStringList below;
+        for (const QString& name : QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+            below.append(folder + u'/' + name);
+        add(below);
+    }
+    void add(QStringList folders) {
+        const qsizetype room = std::max(limit_ - watcher_.directories().size(), qsizetype{0});
+        if (folders.size() > room) {
+            folders.resize(room);
+            *isComplete_ = false;
+        }
+        if (!folders.isEmpty() && !watcher_.addPaths(folders).isEmpty()) *isComplete_ = false;
+    }
+
+    const std::function<void()> changed_;
+    const std::shared_ptr<std::atomic<bool>> isComplete_;
+    const qsizetype limit_ = folderLimit();
+    QFileSystemWatcher watcher_{this};
+    QTimer timer_{this};
+};
+
+FolderWatch::FolderWatch(QObject* owner, std::function<void()> changed)
+    : callbacks_(std::make_shared<CallbackGuard>(owner)),
+      isComplete_(std::make_shared<std::atomic<bool>>(false)),
+      thread_(new QThread),
+      worker_(new Worker(
+          [callbacks = callbacks_, changed = std::move(changed)] { callbacks->post(changed); },
+          isComplete_)) {
+    worker_->moveToThread(thread_);
+    QObject::connect(thread_, &QThread::finished, worker_, &QObject::deleteLater);
+    thread_->start();
+}
+
+FolderWatch::~FolderWatch() {
+    callbacks_->close();
+    thread_->quit();
+    // A disk that doesn't respond blocks this thread only.
+    if (thread_->wait(patienceMilliseconds)) delete thread_;
+}
+
+void FolderWatch::watch(std::shared_ptr<const LibraryPeople> files,
+                        std::vector<std::string> folders) {
+    QMetaObject::invokeMethod(
+        worker_,
+        [worker = worker_, files = std::move(files), folders = std::move(folders)] {
+            worker->watch(*files, folders);
+        },
+        Qt::QueuedConnection);
+}
+
+}  // namespace vell
