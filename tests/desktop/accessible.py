@@ -74,6 +74,11 @@ def find(within, role=None, name=None, hidden=False):
                  if _is(node, role, name) and (hidden or showing(node))), None)
 
 
+def all(within, role=None, name=None):
+    """The nodes of this kind that are on the screen."""
+    return [node for node in _walk(within) if _is(node, role, name) and showing(node)]
+
+
 def wait_find(within, role=None, name=None, hidden=False):
     return wait_for(lambda: find(within, role, name, hidden), f"a {role} in {within.name}")
 

@@ -1,0 +1,215 @@
+# SPDX-License-Identifier: MIT
+#
+# A day with the library: adding a folder, watching it being indexed, reading what was said with
+# somebody, joining two addresses, searching in three scripts, going to a message, saving a chat;
+# while files appear, change, vanish and one is broken. Then without an index.
+#
+# usage: library_test.py VELL VELL-EXPORT MAKE-ARCHIVE SAMPLES
+
+import json
+import os
+import re
+import shutil
+import signal
+import sys
+
+from desktop import Desktop, need_accessibility, wait_for
+
+PATIENCE = 120  # seconds; indexing yields to whatever else the computer does
+FILES, MESSAGES, PICTURES = 600, 24000, 40
+SCRIPTS = (r"[a-z]{7,}", r"[\u4e00-\u9fff]{2}", r"[\u0621-\u064a]{5,}")
+
+
+class Library:
+    def __init__(self, desktop, vell, export, make_archive, samples):
+        self.desktop, self.vell, self.export, self.samples = desktop, vell, export, samples
+        self.folder = desktop.path("home/Chats")
+        assert desktop.run(make_archive, self.folder, str(FILES), str(MESSAGES),
+                           str(PICTURES)) is not None
+        self.paths = sorted(os.path.join(folder, name) for folder, _, names in
+                            os.walk(self.folder) for name in names)
+        self.people = {}
+
+    # ---- what is on the screen ----
+
+    def keys(self, *keys):
+        self.desktop.activate(self.number)
+        for key in keys:
+            self.desktop.run("xdotool", "key", "--clearmodifiers", key)
+
+    def click(self, node, *steps):
+        x, y = a11y.middle(node)
+        self.desktop.run("xdotool", "mousemove", str(x), str(y), *(steps or ("click", "1")))
+
+    def state(self):
+        labels = [node.name for node in a11y.all(self.window, "label")]
+        return next((text for text in labels if re.search(r"conversation|ndexing|index", text)), "")
+
+    def wait_state(self, text):
+        wait_for(lambda: text in self.state(), f"{text!r} in {self.state()!r}", PATIENCE)
+
+    def person(self, name):
+        return a11y.wait_find(self.window, "list item", lambda text: text.startswith(name + ","),
+                              hidden=True)
+
+    def found(self):
+        results = a11y.find(self.window, "list", a11y.named("Messages found"))
+        return [row.name for row in results or []]
+
+    def search(self, text):
+        self.keys("ctrl+shift+f")
+        field = a11y.wait_find(self.window, "text", a11y.named("Search all chats"))
+        field.queryEditableText().setTextContents(text)
+
+    def rows(self):
+        """Of the chat that are on the screen."""
+        chat = a11y.find(self.window, "list", a11y.named("Conversation"))
+        return [row.name for row in chat or [] if a11y.showing(row)]
+
+    def copy_in(self, name, target):
+        shutil.copy(os.path.join(self.samples, name), os.path.join(self.folder, target + "~"))
+        os.rename(os.path.join(self.folder, target + "~"), os.path.join(self.folder, target))
+
+    # ---- the steps, in order ----
+
+    def add_folder(self):
+        self.running = self.desktop.start(self.vell)
+        welcome = a11y.window(a11y.named("Welcome to Vell"))
+        a11y.press(a11y.wait_find(welcome, "button", a11y.named("Add Folder …")))
+        self.desktop.activate(self.desktop.window("Add a Folder"))
+        self.desktop.run("xdotool", "type", "--delay", "5", self.folder)
+        self.desktop.run("xdotool", "key", "Return")
+        self.window = a11y.window(a11y.named("Library"), "frame")
+        self.number = self.desktop.window("Library")
+
+    def watch_progress(self):
+        seen = []
+
+        def is_done():
+            seen.append(self.state())
+            return "conversations" in seen[-1]
+
+        wait_for(is_done, "the end of indexing", PATIENCE)
+        assert any(text.startswith(("Indexing: ", "Looking through")) for text in seen), seen
+        self.conversations = int(re.match(r"([\d,]+)", seen[-1])[1].replace(",", ""))
+        broken = FILES // 250  # as the archive has them
+        assert FILES - 2 * broken - 2 <= self.conversations <= FILES, seen[-1]
+        assert not welcome_is_open(), "the welcome window stays"
+
+    def choose_person(self):
+        self.click(self.person("karim"))
+        row = a11y.wait_find(self.window, "table cell", a11y.holding(" messages"))
+        self.click(row)
+        wait_for(self.rows, "the chat with karim")
+
+    def read_across_sessions(self):
+        first = self.rows()
+        self.keys("ctrl+shift+f", "Escape")
+        rows = [node for node in a11y.all(self.window, "table cell") if " messages" in node.name]
+        self.click(rows[-1])
+        wait_for(lambda: self.rows() and self.rows() != first, "another session")
+
+    def join_addresses(self):
+        before = {name: self.person(name).name for name in ("jun", "haruka")}
+        x, y = a11y.middle(self.person("jun"))
+        target = a11y.middle(self.person("haruka"))
+        self.desktop.run("xdotool", "mousemove", str(x), str(y), "mousedown", "1")
+        for step in range(1, 9):
+            self.desktop.run("xdotool", "mousemove", str(x + 2 * step),
+                             str(y + (target[1] - y) * step // 8), "sleep", "0.1")
+        self.desktop.run("xdotool", "mousemove", *map(str, target), "sleep", "0.3", "mouseup", "1")
+        wait_for(lambda: not a11y.find(self.window, "list item",
+                                       lambda text: text.startswith("jun,")), "jun to be joined")
+        counts = [int(re.search(r"([\d,]+) messages", text)[1].replace(",", ""))
+                  for text in (*before.values(), self.person("haruka").name)]
+        # What they wrote to each other is nobody else's.
+        assert max(counts[:2]) < counts[2] <= sum(counts[:2]), before
+
+    def search_in_scripts(self):
+        for script in SCRIPTS:
+            log = json.loads(self.desktop.run(self.export, "--format", "json", next(
+                path for path in self.paths if self.matching(path, script))))
+            text = next(event["text"] for event in log["events"]
+                        if re.search(script, event.get("text") or ""))
+            word = re.search(script, text)[0]
+            self.search(word)
+            wait_for(lambda: any(word in row for row in self.found()), f"{word} to be found")
+
+    def matching(self, path, script):
+        return re.search(script, self.desktop.text(self.export, "--format", "text", path))
+
+    def go_to_hit(self):
+        self.search("from:karim in:2012 ")
+        hit = wait_for(lambda: next((row for row in self.found() if "2012" in row), None), "a hit")
+        self.keys("Return")
+        line = hit.split(": ", 1)[1].rstrip("…")[:12]
+        wait_for(lambda: any(line in row for row in self.rows()), f"{line!r} in the chat")
+
+    def follow_files(self):
+        self.keys("ctrl+shift+f", "Escape")
+        self.copy_in("Two umbrellas.ichat", "new.ichat")
+        self.wait_state(f"{self.conversations + 1:,} conversations")
+        self.person("oskar@chat.example.net")
+        with open(os.path.join(self.folder, "broken.ichat"), "wb") as file:
+            file.write(b"no transcript")
+        a11y.wait_find(self.window, "button", a11y.holding("files couldn’t be read"))
+        self.copy_in("The cat in the bathtub.ichat", "new.ichat")
+        self.person("jonas_at_home")
+        os.remove(os.path.join(self.folder, "new.ichat"))
+        self.wait_state(f"{self.conversations:,} conversations")
+
+    def list_broken_files(self):
+        a11y.press(a11y.wait_find(self.window, "button", a11y.holding("files couldn’t be read")))
+        dialog = a11y.window(a11y.named("Files That Couldn’t Be Read"))
+        a11y.wait_find(dialog, "table cell", a11y.named("broken.ichat"))
+        self.desktop.activate(self.desktop.window("Files That"))
+        self.desktop.run("xdotool", "key", "Escape")
+
+    def show_statistics(self):
+        self.keys("ctrl+shift+s")
+        a11y.wait_find(self.window, "label", a11y.holding("Longest silence"))
+        charts = a11y.all(self.window, None, a11y.named("Messages by year"))
+        assert any("2003: " in chart.description for chart in charts), charts
+        self.keys("ctrl+shift+s")
+
+    def quit_and_damage(self):
+        self.keys("ctrl+q")
+        wait_for(lambda: self.running.poll() == 0, "the end of the program")
+        index = os.path.join(self.desktop.environment["XDG_CACHE_HOME"],
+                             "vell/library/messages.sqlite")
+        assert os.stat(index).st_mode & 0o777 == 0o600
+        with open(index, "r+b") as file:
+            file.write(b"\0" * 4096)
+        self.start_again("was damaged and has been made again")
+        self.person("haruka")
+        self.running.send_signal(signal.SIGKILL)
+        wait_for(lambda: self.running.poll() is not None, "the program to be killed")
+        for ending in ("", "-wal", "-shm"):
+            if os.path.exists(index + ending):
+                os.remove(index + ending)
+        os.mkdir(index)
+        self.start_again("can’t be used")
+        assert self.desktop.start(self.vell, self.paths[0]).wait(60) == 0
+        a11y.window(lambda name: "2003" in name, "frame")
+
+    def start_again(self, notice):
+        self.running = self.desktop.start(self.vell)
+        welcome = a11y.window(a11y.named("Welcome to Vell"))
+        a11y.press(a11y.wait_find(welcome, "button", a11y.named("Library")))
+        self.window = a11y.window(a11y.named("Library"), "frame")
+        self.number = self.desktop.window("Library")
+        self.wait_state(notice)
+
+
+def welcome_is_open():
+    return bool(a11y.windows(None, a11y.named("Welcome to Vell")))
+
+
+need_accessibility()
+with Desktop(LC_ALL="en_GB.UTF-8") as desktop:
+    a11y = desktop.accessible()
+    library = Library(desktop, *sys.argv[1:5])
+    a11y.play(library.add_folder, library.watch_progress, library.choose_person,
+              library.read_across_sessions, library.join_addresses, library.search_in_scripts,
+              library.go_to_hit, library.follow_files, library.list_broken_files,
+              library.show_statistics, library.quit_and_damage)
