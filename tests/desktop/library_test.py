@@ -145,6 +145,19 @@ class Library:
         line = hit.split(": ", 1)[1].rstrip("…")[:12]
         wait_for(lambda: any(line in row for row in self.rows()), f"{line!r} in the chat")
 
+    def save_chat(self):
+        """All sessions with somebody in one file."""
+        target = self.desktop.path("karim.md")
+        self.keys("ctrl+shift+f", "Escape")
+        self.click(self.person("karim"))
+        wait_for(lambda: self.rows(), "the chat with karim")
+        self.keys("ctrl+s")
+        self.desktop.activate(self.desktop.window("Save Chat"))
+        self.desktop.run("xdotool", "key", "ctrl+a")
+        self.desktop.run("xdotool", "type", "--delay", "5", target)
+        self.desktop.run("xdotool", "key", "Return")
+        wait_for(lambda: os.path.exists(target) and os.path.getsize(target) > 50000, "the file")
+
     def follow_files(self):
         self.keys("ctrl+shift+f", "Escape")
         self.copy_in("Two umbrellas.ichat", "new.ichat")
@@ -211,5 +224,5 @@ with Desktop(LC_ALL="en_GB.UTF-8") as desktop:
     library = Library(desktop, *sys.argv[1:5])
     a11y.play(library.add_folder, library.watch_progress, library.choose_person,
               library.read_across_sessions, library.join_addresses, library.search_in_scripts,
-              library.go_to_hit, library.follow_files, library.list_broken_files,
+              library.go_to_hit, library.save_chat, library.follow_files, library.list_broken_files,
               library.show_statistics, library.quit_and_damage)

@@ -13,6 +13,18 @@ namespace screenshots {
 
 using namespace Qt::StringLiterals;
 
+vell::ContactsStore::Table contacts() {
+    vell::ContactsStore::Table table;
+    for (const auto& [address, name] :
+         {std::pair(u"nora.lindqvist"_s, u"Nora Lindqvist"_s),
+          std::pair(u"jonas_at_home"_s, u"Jonas Holm"_s),
+          std::pair(u"ines.moreau"_s, u"Inès Moreau"_s),
+          std::pair(u"oskar@chat.example.net"_s, u"Oskar Brandt"_s),
+          std::pair(u"layla.h"_s, u"Layla Haddad"_s), std::pair(u"omar.k"_s, u"Omar Khalil"_s)})
+        table.insert(address, {address, address, name, std::nullopt, std::nullopt});
+    return table;
+}
+
 namespace {
 
 struct Talk {
@@ -59,12 +71,12 @@ const std::vector<Talk>& talks() {
          {"What rhymes with umbrella?", ">Fella. Cinderella. Why?",
           "It is for the choir. Don’t ask.", ">Now I have to ask."}},
         {"2008-08-07 19:33",
-         {"haruka"},
-         {"東京はとても暑いです", ">How hot?", "傘は日よけに使います。An umbrella against the sun!",
+         {"layla.h"},
+         {"الجو حار جدا هنا", ">How hot?", "An umbrella against the sun!",
           ">Send a picture of that."}},
         {"2008-06-30 12:15",
-         {"haruka"},
-         {"The train leaves at nine", ">Platform 4?", "はい。See you there!"}},
+         {"layla.h"},
+         {"The train leaves at nine", ">Platform 4?", "نعم! See you there!"}},
         {"2008-05-17 09:48",
          {"omar.k"},
          {"The bakery has moved", ">Not far, I hope?", "Next to the umbrella shop.",
@@ -116,7 +128,7 @@ const std::vector<const char*>& smallTalk() {
     return all;
 }
 
-void write(const QString& path, const Talk& talk) {
+void write(const QString& folder, const Talk& talk) {
     writers::Transcript chat{.service = u"AIM"_s, .people = {{u"nora.lindqvist"_s}}};
     for (const char* with : talk.with) {
         chat.participants.push_back(chat.people.size());
@@ -135,7 +147,8 @@ void write(const QString& path, const Talk& talk) {
         chat.messages.push_back({.sender = sender, .date = date, .body = {writers::words(text)}});
         date += 25 + static_cast<double>(text.size());
     }
-    QFile file(path);
+    const QString with = contacts().value(chat.people[1].account).name;
+    QFile file(folder + u"/%1 on %2.ichat"_s.arg(with, begin.toString(u"yyyy-MM-dd 'at' hh.mm"_s)));
     const QByteArray bytes = writers::keyedTranscript(chat);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
         throw std::runtime_error("a chat can't be written");
@@ -144,11 +157,10 @@ void write(const QString& path, const Talk& talk) {
 }  // namespace
 
 void writeChats(const QString& folder) {
-    int number = 0;
     for (const Talk& talk : talks())
-        write(folder + u"/%1.ichat"_s.arg(++number), talk);
+        write(folder, talk);
     const char* const others[] = {"jonas_at_home", "ines.moreau", "oskar@chat.example.net",
-                                  "haruka", "omar.k"};
+                                  "layla.h", "omar.k"};
     const QDateTime first(QDate(2005, 10, 4), QTime(8, 30));
     for (int i = 0; i < 260; ++i) {
         const QByteArray begin = first.addSecs(qint64{i} * (5 * 86'400 + 7'900))
@@ -157,21 +169,8 @@ void writeChats(const QString& folder) {
         std::vector<const char*> lines;
         for (int line = 0; line < 2 + i * 7 % 9; ++line)
             lines.push_back(smallTalk()[static_cast<size_t>(i * 3 + line) % smallTalk().size()]);
-        write(folder + u"/%1.ichat"_s.arg(++number),
-              {begin.constData(), {others[i * i % 7 % 5]}, std::move(lines)});
+        write(folder, {begin.constData(), {others[i * i % 7 % 5]}, std::move(lines)});
     }
-}
-
-vell::ContactsStore::Table contacts() {
-    vell::ContactsStore::Table table;
-    for (const auto& [address, name] :
-         {std::pair(u"nora.lindqvist"_s, u"Nora Lindqvist"_s),
-          std::pair(u"jonas_at_home"_s, u"Jonas Holm"_s),
-          std::pair(u"ines.moreau"_s, u"Inès Moreau"_s),
-          std::pair(u"oskar@chat.example.net"_s, u"Oskar Brandt"_s),
-          std::pair(u"haruka"_s, u"Haruka 春香"_s), std::pair(u"omar.k"_s, u"Omar Khalil"_s)})
-        table.insert(address, {address, address, name, std::nullopt, std::nullopt});
-    return table;
 }
 
 }  // namespace screenshots

@@ -16,6 +16,7 @@
 #include "app/desktop/recent_files.h"
 #include "app/desktop/secondary_text.h"
 #include "app/desktop/settings.h"
+#include "app/documents/contacts_bar.h"
 #include "app/library/library.h"
 #include "app/library/library_window.h"
 #include "app/windows/commands.h"
@@ -84,6 +85,8 @@ bool takeScreenshots(const QString& target) {
     NoCommands commands;
     auto* window =
         new vell::LibraryWindow(commands, {settings, recentFiles, contacts, pictures}, library);
+    // Nobody has to be asked for contacts.
+    window->findChild<vell::ContactsBar*>()->setMaximumHeight(0);
     window->resize(windowSize);
     window->show();
     auto& people = *window->findChild<QListView*>(u"libraryPeople"_s);

@@ -69,7 +69,8 @@ QRect ListRow::takeStart(int width) {
 QRect ListRow::place(Line line) const {
     const int first = QFontMetrics(font(Line::first, Weight::normal)).height();
     const int second = QFontMetrics(font(Line::second, Weight::normal)).height();
-    if (line == Line::only) return room_;
+    if (line == Line::only)
+        return {room_.left(), option_.rect.top(), room_.width(), option_.rect.height()};
     const int top = room_.center().y() - (first + lineGap + second) / 2;
     return line == Line::first ? QRect(room_.left(), top, room_.width(), first)
                                : QRect(room_.left(), top + first + lineGap, room_.width(), second);
@@ -109,10 +110,11 @@ void ListRow::write(Line line, const QString& text, Weight weight,
     const QFont font = this->font(line, weight);
     const QFontMetrics metrics(font);
     QTextLayout layout(metrics.elidedText(text, Qt::ElideRight, room.width()), font);
-    QTextOption direction(QStyle::visualAlignment(option_.direction, Qt::AlignLeft));
-    direction.setTextDirection(option_.direction);
-    direction.setWrapMode(QTextOption::NoWrap);
-    layout.setTextOption(direction);
+    // What people wrote runs in its own direction, whatever the desktop's is.
+    QTextOption flow(QStyle::visualAlignment(option_.direction, Qt::AlignLeft) | Qt::AlignAbsolute);
+    flow.setTextDirection(Qt::LayoutDirectionAuto);
+    flow.setWrapMode(QTextOption::NoWrap);
+    layout.setTextOption(flow);
     layout.setFormats(formats);
     layout.beginLayout();
     QTextLine row = layout.createLine();
