@@ -1,8 +1,8 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// The bubble colours of everybody but a chat's owner, in the order in which they are handed out, then
-// again from the start.
+// The bubble colours of everybody but a chat's owner, in the order in which they are handed out,
+// then again from the start.
 
 #include <array>
 

@@ -11,8 +11,8 @@
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     const QTemporaryDir home;
-    for (const char* variable : {"XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME",
-                                 "XDG_RUNTIME_DIR", "HOME"})
+    for (const char* variable :
+         {"XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR", "HOME"})
         qputenv(variable, home.path().toUtf8());
     qunsetenv("DBUS_SESSION_BUS_ADDRESS");  // nobody's own address book
     qputenv("TZ", "UTC");
