@@ -70,7 +70,7 @@ bool isSameInstant(Date a, Date b) {
 
 }  // namespace
 
-Calendar::Calendar(QTimeZone zone) : zone_(std::move(zone)) {}
+Calendar::Calendar(const QTimeZone& zone) : zone_(zone) {}
 
 std::optional<Calendar> Calendar::named(const QByteArray& zone) {
     if (isRule(zone)) return std::nullopt;

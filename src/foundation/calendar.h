@@ -16,7 +16,7 @@ namespace foundation {
 
 class Calendar {
   public:
-    explicit Calendar(QTimeZone zone);
+    explicit Calendar(const QTimeZone& zone);
 
     /// In the zone named by TZ as the C library would read it, else the system's. TZ may also be a
     /// rule; such a calendar is right only as long as TZ stays. An unknown name means

@@ -58,7 +58,7 @@ Value Decoder::scalar(const Node& node) {
 Value Decoder::decodeString(const Instance& instance) {
     static constexpr Key stringKey = "NS.string";
     static constexpr Key bytesKey = "NS.bytes";
-    const Value text = decodePart(instance, stringKey, ClassKind::string);
+    Value text = decodePart(instance, stringKey, ClassKind::string);
     if (text.string()) return text;
     const Node bytes = instance.value(bytesKey);
     return bytes.kind() == Kind::data ? strings_.string(bytes) : QString();
@@ -76,7 +76,7 @@ Value Decoder::decodeNumber(const Instance& instance) {
 
 Value Decoder::decodeData(const Instance& instance) {
     for (const std::string_view key : {"NS.data", "NS.bytes"}) {
-        const Value bytes = decodePart(instance, key, ClassKind::data);
+        Value bytes = decodePart(instance, key, ClassKind::data);
         if (bytes.data()) return bytes;
     }
     return Data();

@@ -155,7 +155,7 @@ inline BinaryPropertyList::Node BinaryPropertyList::node(Ref ref) const {
     const unsigned low = static_cast<unsigned char>(*at) & 0x0fu;
     if (itemSizes_[high] == 0) return scalar(at, room);
     if (low == 0x0f) return withLongCount(kinds[high], at + 1, room, itemSizes_[high]);
-    return low * itemSizes_[high] <= room ? Node::items(kinds[high], low, at + 1) : Node();
+    return quint64(low) * itemSizes_[high] <= room ? Node::items(kinds[high], low, at + 1) : Node();
 }
 
 inline quint64 BinaryPropertyList::uid(Ref ref) const {

@@ -51,7 +51,7 @@ int SharedDelegate::lineItemHeight(const QFont& font) {
 
 void SharedDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                            const QModelIndex& index) const {
-    const TesselChatLog::Event* event = items_.event(index);
+    const TesselChatLog::Event* event = items_.eventAt(index);
     if (!event) return;
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);

@@ -47,13 +47,13 @@ qsizetype SharedItems::row(const QModelIndex& index) const {
     return index.isValid() && at < count() ? rows_[static_cast<size_t>(at)] : -1;
 }
 
-const TesselChatLog::Event* SharedItems::event(const QModelIndex& index) const {
+const TesselChatLog::Event* SharedItems::eventAt(const QModelIndex& index) const {
     const qsizetype row = this->row(index);
     return row < 0 ? nullptr : &log_->events()[static_cast<size_t>(row)];
 }
 
 QStringList SharedItems::lines(const QModelIndex& index) const {
-    const TesselChatLog::Event* event = this->event(index);
+    const TesselChatLog::Event* event = eventAt(index);
     if (!event) return {};
     QStringList lines;
     if (const auto* image = std::get_if<TesselChatLog::Image>(&event->value)) {

@@ -27,7 +27,7 @@ class SharedItems final : public QAbstractTableModel {
     void setColumns(int columns);
 
     /// The event, and its row in the chat; null and -1 behind the last one.
-    [[nodiscard]] const TesselChatLog::Event* event(const QModelIndex& index) const;
+    [[nodiscard]] const TesselChatLog::Event* eventAt(const QModelIndex& index) const;
     [[nodiscard]] qsizetype row(const QModelIndex& index) const;
     /// What it is, then where a link leads or how large a file is, then who sent it and when.
     [[nodiscard]] QStringList lines(const QModelIndex& index) const;
