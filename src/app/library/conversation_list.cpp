@@ -15,7 +15,6 @@ namespace {
 
 /// Headings are open as long as there are no more conversations below them.
 constexpr int mostExpanded = 400;
-constexpr int headingPadding = 5;
 constexpr int arrowSize = 7;
 constexpr qreal yearShare = 1.15;  // of the font
 
@@ -52,7 +51,7 @@ class ConversationDelegate final : public QStyledItemDelegate {
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
                                  const QModelIndex& index) const override {
         if (model_.conversation(index)) return {1, ListRow::height(option.font)};
-        return {1, QFontMetrics(headingFont(option.font, index)).height() + 2 * headingPadding};
+        return {1, ListRow::singleHeight(headingFont(option.font, index))};
     }
 
   private:

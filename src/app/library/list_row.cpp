@@ -28,6 +28,10 @@ QFont ListRow::smallFont(QFont font) {
     return font;
 }
 
+int ListRow::singleHeight(const QFont& font) {
+    return 2 * padding + QFontMetrics(font).height();
+}
+
 int ListRow::height(const QFont& font, int leastContent) {
     const int lines =
         QFontMetrics(font).height() + lineGap + QFontMetrics(smallFont(font)).height();

@@ -22,6 +22,8 @@ class ListRow {
 
     /// The height of a row of two lines.
     [[nodiscard]] static int height(const QFont& font, int leastContent = 0);
+    /// Of a row of one.
+    [[nodiscard]] static int singleHeight(const QFont& font);
     [[nodiscard]] static QFont smallFont(QFont font);
 
     /// Takes so much room from the start, which is on the right in right-to-left layouts.
