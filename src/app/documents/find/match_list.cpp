@@ -16,7 +16,6 @@ namespace {
 
 constexpr int margin = 16;
 constexpr int rowPadding = 10;
-constexpr int rowsShown = 6;
 // Narrower lists show no senders and dates.
 constexpr int leastLine = 220;
 
