@@ -5,6 +5,7 @@
 #include <map>
 
 #include "identity/contacts/sender_name.h"
+#include "library/query.h"
 #include "toolkit/shown_text.h"
 
 namespace vell {
@@ -44,7 +45,7 @@ void LibraryPeople::makePartners() {
         persons.erase(std::unique(persons.begin(), persons.end()), persons.end());
         const auto [at, isNew] = byPersons.emplace(persons, partners.size());
         if (isNew) {
-            partners.push_back({std::move(persons), {}, {}, 0, conversation.end, {}});
+            partners.push_back({std::move(persons), {}, {}, 0, conversation.end, {}, {}});
             partners.back().name = nameOf(partners.back(), conversation.owner);
         }
         LibraryPartner& partner = partners[at->second];
@@ -62,6 +63,7 @@ void LibraryPeople::makePartners() {
         for (const int person : partner.persons)
             partner.searched += searched[static_cast<std::size_t>(person)];
         if (partner.persons.empty()) partner.searched = partner.name;
+        partner.searchedFolded = foldedText(partner.searched);
     }
     partnerOf_.resize(contents.conversations.size());
     for (std::size_t partner = 0; partner < partners.size(); ++partner) {

@@ -26,6 +26,7 @@ struct LibraryPartner {
     foundation::Date last;
     /// Names and addresses of all in it, a line each.
     QString searched;
+    QString searchedFolded;  ///< as foldedText() makes it
 };
 
 struct LibraryPeople {

@@ -84,13 +84,6 @@ std::optional<int> find(const Query::Phrase& phrase, const TextTokenizer& text) 
     return found;
 }
 
-QString folded(const QString& text) {
-    QString result;
-    for (const uint character : text.toUcs4())
-        appendFolded(character, result);
-    return result;
-}
-
 }  // namespace
 
 Query Query::parse(const QString& text) {
@@ -170,8 +163,15 @@ Query Query::narrowedTo(int rank) const {
     return result;
 }
 
+QString foldedText(const QString& text) {
+    QString result;
+    for (const uint character : text.toUcs4())
+        appendFolded(character, result);
+    return result;
+}
+
 bool containsFolded(const QString& name, const QString& typed) {
-    return folded(name).contains(folded(typed));
+    return foldedText(name).contains(foldedText(typed));
 }
 
 std::vector<TextStretch> stretchesOf(const Query& query, const TextTokenizer& text) {

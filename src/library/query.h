@@ -60,6 +60,8 @@ struct Query {
     [[nodiscard]] Query narrowedTo(int rank) const;
 };
 
+/// The text without case and accents, as searches compare it.
+[[nodiscard]] QString foldedText(const QString& text);
 /// Whether the name contains what was typed, folded as texts are.
 [[nodiscard]] bool containsFolded(const QString& name, const QString& typed);
 

@@ -75,7 +75,7 @@ void PeopleModel::setOrder(Order order) {
 }
 
 void PeopleModel::setFilter(const QString& text) {
-    filter_ = text;
+    filter_ = foldedText(text);
     rearrange();
 }
 
@@ -97,8 +97,7 @@ std::vector<int> PeopleModel::arranged() const {
     std::vector<int> rows;
     const auto& partners = people_->partners;
     for (int i = 0; i < static_cast<int>(partners.size()); ++i) {
-        if (filter_.isEmpty() ||
-            containsFolded(partners[static_cast<std::size_t>(i)].searched, filter_))
+        if (partners[static_cast<std::size_t>(i)].searchedFolded.contains(filter_))
             rows.push_back(i);
     }
     if (order_ == Order::name) {

@@ -61,7 +61,7 @@ class PeopleModel final : public QAbstractListModel {
 
     std::shared_ptr<const LibraryPeople> people_;
     Order order_ = Order::recent;
-    QString filter_;
+    QString filter_;  // folded
     std::vector<int> rows_;
 };
 
