@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "library/library_people.h"
 
+#include <QCollator>
 #include <algorithm>
 #include <map>
 
@@ -86,9 +87,7 @@ QString LibraryPeople::nameOf(const LibraryPartner& partner, int owner) const {
     QStringList names;
     for (const int person : partner.persons)
         names.append(nameOf(person));
-    std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
-        return QString::localeAwareCompare(a, b) < 0;
-    });
+    std::sort(names.begin(), names.end(), QCollator());
     return shownList(names, [](const QString& name) { return name; });
 }
 

@@ -3,6 +3,7 @@
 
 #include <QActionGroup>
 #include <QCalendarWidget>
+#include <QCollator>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -226,9 +227,10 @@ void SearchBar::fillPeople(QMenu& menu, const QString& key) {
     std::stable_sort(offered.begin(), offered.end(),
                      [](const auto* a, const auto* b) { return a->messages > b->messages; });
     if (offered.size() > mostPeopleOffered) offered.resize(mostPeopleOffered);
-    std::sort(offered.begin(), offered.end(), [](const auto* a, const auto* b) {
-        return QString::localeAwareCompare(a->name, b->name) < 0;
-    });
+    std::sort(offered.begin(), offered.end(),
+              [collator = QCollator()](const auto* a, const auto* b) {
+                  return collator(a->name, b->name);
+              });
     for (const LibraryPartner* partner : offered)
         addValue(menu, key, partner->name, partner->name);
 }
