@@ -116,10 +116,10 @@ QModelIndex ConversationModel::indexOf(const QByteArray& path) const {
 QModelIndex ConversationModel::index(int row, int column, const QModelIndex& parent) const {
     if (row < 0 || column != 0 || row >= rowCount(parent)) return {};
     if (!parent.isValid()) return createIndex(row, 0, idOf(yearKind, row));
-    const int first = years_[static_cast<std::size_t>(numberOf(parent))].first;
-    return kindOf(parent) == yearKind
-               ? createIndex(row, 0, idOf(monthKind, first + row))
-               : createIndex(row, 0, idOf(conversationKind, numberOf(parent)));
+    const int number = numberOf(parent);
+    if (kindOf(parent) == monthKind) return createIndex(row, 0, idOf(conversationKind, number));
+    const int firstMonth = years_[static_cast<std::size_t>(number)].first;
+    return createIndex(row, 0, idOf(monthKind, firstMonth + row));
 }
 
 QModelIndex ConversationModel::parent(const QModelIndex& child) const {
