@@ -1,8 +1,8 @@
 # bash completion for vell-export
 _vell_export() {
     local current=$2 previous=$3
-    local options='--format --output --output-dir --force --expand --byte-order-mark --pictures --files0-from
-        --contacts --time-zone --locale --load-log --verbose --quiet --version --help'
+    local options='--format --output --output-dir --force --update --report --expand --byte-order-mark
+        --pictures --files0-from --contacts --time-zone --locale --load-log --verbose --quiet --version --help'
     # "--format=j" comes as three words.
     if [[ ${COMP_WORDS[COMP_CWORD]} == = ]]; then
         current=
@@ -24,7 +24,7 @@ _vell_export() {
         --locale)
             mapfile -t COMPREPLY < <(compgen -W "$(locale -a 2>/dev/null)" -- "$current")
             ;;
-        -o | --output | --files0-from)
+        -o | --output | --report | --files0-from)
             compopt -o filenames 2>/dev/null
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
             ;;

@@ -3,30 +3,26 @@
 
 #include <unistd.h>
 
-#include <QFileInfo>
+#include <atomic>
 #include <memory>
-#include <new>
+#include <optional>
+#include <utility>
 
-#include "export/expansion.h"
-#include "export/message.h"
-#include "foundation/local_path.h"
-#include "foundation/plain_reason.h"
+#include "cli/standard_streams.h"
 #include "foundation/print.h"
+#include "library/parallel_files.h"
 #include "toolkit/console.h"
-#include "transcript/load_log.h"
 
 namespace vell {
 
 using namespace Qt::StringLiterals;
-using foundation::localPath;
 
 namespace {
 
 constexpr int exitSuccess = 0;
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
-constexpr quint64 mostBytesPerUnit = 6;  // of a name, escaped
-constexpr qsizetype manyFiles = 10;      // from here on progress is shown
+constexpr qint64 guessAfter = 1000;  // milliseconds
 
 int printInformation(const Information& information) {
     try {
@@ -38,9 +34,9 @@ int printInformation(const Information& information) {
     }
 }
 
-/// A file's name in messages.
-QString displayName(const QString& file) {
-    return file == u"-" ? u"stdin"_s : file;
+/// A line amid documents that go to the terminal too would be in their way.
+bool sharesTerminal(const Options& options) {
+    return options.output == u"-" && isatty(STDOUT_FILENO) != 0;
 }
 
 }  // namespace
@@ -48,116 +44,109 @@ QString displayName(const QString& file) {
 Exporter::Exporter(const Options& options)
     : options_(options),
       contacts_(contactsIn(options.contacts)),
-      context_(options.calendar, options.dateLocale, contacts_),
-      output_(options) {
-    const bool sharesTerminal = output_.isStream() && isatty(STDOUT_FILENO) != 0;
-    showsProgress_ = !options.quiet && options.files.size() >= manyFiles && !sharesTerminal &&
-                     isatty(STDERR_FILENO) != 0;
-    foundation::setPrintFunction([this](QStringView line) { printDiagnostic(line); });
+      progress_(!options.quiet && !sharesTerminal(options)),
+      plan_(plan()),
+      output_(options, plan_),
+      report_(options.report) {
+    for (const ExportJob& job : plan_.jobs)
+        bytesLeft_ += job.size;
+    foundation::setPrintFunction([this](QStringView line) {
+        if (!FileExporter::addDiagnostic(line) && !options_.quiet)
+            writeError(line.toString() + u'\n');
+    });
 }
 
 Exporter::~Exporter() {
     foundation::setPrintFunction({});
 }
 
-bool Exporter::run() {
-    bool allDone = true;
-    for (qsizetype i = 0; i < options_.files.size() && !output_.isBroken(); ++i) {
-        file_ = options_.files[i];
-        showProgress(i);
-        if (!exportOne()) allDone = false;
-    }
-    clearProgress();
-    return allDone;
-}
-
-bool Exporter::exportOne() {
-    const auto log = tesselLoadLog();
-    Input input;
-    std::optional<TesselChatLog> chatLog;
-    QString reason;
-    try {
-        input = readInput(file_, log.get());
-        chatLog.emplace(
-            TesselChatLog::fromData(input.bytes, input.date, options_.calendar, log.get()));
-    } catch (const ReadError& error) {
-        reason = error.reason;
-    } catch (const std::exception& error) {
-        const bool wasRead = !input.name.isEmpty();
-        reason =
-            wasRead && input.bytes.isEmpty() ? u"it is empty"_s : foundation::plainReason(error);
-    }
-    if (!chatLog) {
-        report(reason);
-        if (log && options_.printsLoadLog) writeError(log->grabLog());
-        return false;
-    }
-    try {
-        write(input, *chatLog);
-        return true;
-    } catch (const WriteError& error) {
-        report(error.reason);
-    } catch (const std::exception& error) {
-        report(foundation::plainReason(error));
-    }
-    return false;
-}
-
-void Exporter::write(const Input& input, const TesselChatLog& log) {
-    const DocumentSource source{.log = log,
-                                .context = context_,
-                                .file = input.name,
-                                .followsAnother = output_.followsAnother(),
-                                .hasByteOrderMark = options_.byteOrderMark,
-                                .hasPictures = options_.pictures != Pictures::none};
-    const ExpansionExtras extras{
-        .perEvent = static_cast<quint64>(input.name.size()) * mostBytesPerUnit,
-        .hasPictures = options_.format->showsPictures && options_.pictures == Pictures::embed};
-    const auto writeTo = [&](const ByteSink& sink) { return options_.format->write(source, sink); };
-    const quint64 limit = exportLimit(input.bytes.size());
-    const auto isTooLarge = [&] {
-        return (options_.format->readsAttachments && attachmentsExceed(limit, log)) ||
-               expandsBeyond(limit, ExpansionBound(log, extras), contacts_, writeTo);
-    };
-    if (!options_.expand && isTooLarge()) {
-        throw WriteError{
-            u"as %1 it takes more than %2 MB, out of all proportion to the file "
-            "(--expand allows it)"_s.arg(QString::fromLatin1(options_.format->name))
-                .arg(limit / 1'000'000)};
-    }
-    const qint64 all = messageCount(log);
-    output_.write(input, [&](Sink& sink) {
-        const qint64 written = writeTo([&sink](QByteArrayView bytes) { sink.write(bytes); });
-        if (written != all)
-            throw WriteError{u"only %1 of %2 messages could be written"_s.arg(written).arg(all)};
+ExportPlan Exporter::plan() {
+    ExportPlan plan = makePlan(options_, [this](qsizetype count) {
+        progress_.show(u"Looking for transcripts: %1"_s.arg(count));
     });
-    if (options_.verbose) report(all == 1 ? u"1 message"_s : u"%1 messages"_s.arg(all));
+    progress_.clear();
+    return plan;
 }
 
-/// Says something about the file at hand.
-void Exporter::report(const QString& text) const {
-    clearProgress();
-    writeError(oneLine(u"vell-export: "_s + displayName(file_) + u": "_s + text.simplified()) +
-               u'\n');
+bool Exporter::run() {
+    reportFolders();
+    elapsed_.start();
+    if (output_.isStream() || plan_.jobs.size() < 2)
+        exportInOrder();
+    else
+        exportInParallel();
+    progress_.clear();
+    report_.finish();
+    if ((plan_.hasFolders || options_.update) && !options_.quiet) writeError(report_.table());
+    return !report_.hasFailures();
 }
 
-/// With several files each line begins with the file's name.
-void Exporter::printDiagnostic(QStringView line) const {
-    if (options_.quiet) return;
-    clearProgress();
-    const QString about =
-        options_.files.size() > 1 ? oneLine(displayName(file_)) + u": "_s : QString();
-    writeError(about + line.toString() + u'\n');
+void Exporter::reportFolders() {
+    for (const UnreadableFolder& folder : plan_.unreadable) {
+        report_.add(folder);
+        writeError(oneLine(u"vell-export: "_s + folder.path + u": "_s + folder.reason) + u'\n');
+    }
 }
 
-void Exporter::showProgress(qsizetype done) const {
-    if (!showsProgress_) return;
-    const QString name = oneLine(QFileInfo(localPath(file_)).fileName()).left(50);
-    writeError(u"\r\033[K%1 of %2: "_s.arg(done + 1).arg(options_.files.size()) + name);
+void Exporter::exportInOrder() {
+    FileExporter exporter(options_, contacts_, output_, plan_.isForSeveral());
+    for (const ExportJob& job : plan_.jobs) {
+        if (output_.isBroken()) break;
+        showProgress();
+        take(exporter.run(job));
+    }
 }
 
-void Exporter::clearProgress() const {
-    if (showsProgress_) writeError(u"\r\033[K"_s);
+void Exporter::exportInParallel() {
+    ParallelFiles<ExportedFile, ExportJob> files(
+        plan_.jobs,
+        [this] {
+            return [exporter = std::make_shared<FileExporter>(
+                        options_, contacts_, output_, plan_.isForSeveral())](const ExportJob& job) {
+                return exporter->run(job);
+            };
+        },
+        [](const ExportedFile& file) {
+            return static_cast<std::size_t>(file.diagnostics.size()) * sizeof(QChar);
+        });
+    const std::atomic<bool> never = false;
+    while (auto file = files.next(never)) {
+        take(*std::move(file));
+        showProgress();
+    }
+    // What a thread had begun when it ran out of memory has no result.
+    for (std::size_t number = next_; number < plan_.jobs.size(); ++number) {
+        if (!waiting_.contains(number))
+            take({plan_.jobs[number], {.reason = u"there is not enough memory"_s}, {}});
+    }
+}
+
+void Exporter::take(ExportedFile file) {
+    ++done_;
+    bytesLeft_ -= file.job.size;
+    if (file.result.kind != ExportResult::Kind::skipped) bytesDone_ += file.job.size;
+    waiting_.emplace(file.job.number, std::move(file));
+    while (!waiting_.empty() && waiting_.begin()->first == next_) {
+        finish(waiting_.begin()->second);
+        waiting_.erase(waiting_.begin());
+        ++next_;
+    }
+}
+
+void Exporter::finish(const ExportedFile& file) {
+    report_.add(file.job, file.result);
+    if (file.diagnostics.isEmpty()) return;
+    progress_.clear();
+    writeError(file.diagnostics);
+}
+
+void Exporter::showProgress() {
+    std::optional<int> left;
+    const qint64 elapsed = elapsed_.elapsed();
+    if (elapsed > guessAfter && bytesDone_ > 0)
+        left = static_cast<int>(static_cast<double>(elapsed) / 1000 *
+                                static_cast<double>(bytesLeft_) / static_cast<double>(bytesDone_));
+    progress_.show(u"Exporting"_s, done_, std::ssize(plan_.jobs), left);
 }
 
 int runExport(const QStringList& arguments) {

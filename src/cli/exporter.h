@@ -1,22 +1,28 @@
 #pragma once
 // SPDX-License-Identifier: MIT
 //
-// Exporter: reads the files of a run one after the other, writes each in the requested format, and
-// reports failures without stopping.
+// Exporter: exports all files of a run: into a folder on all cores, into a stream one after the
+// other. A failure is reported and stops no other file. What is printed comes in the order of the
+// files.
 
+#include <QElapsedTimer>
 #include <QStringList>
-#include <QStringView>
+#include <map>
 
+#include "cli/export_plan.h"
+#include "cli/export_report.h"
+#include "cli/file_exporter.h"
 #include "cli/options.h"
 #include "cli/output.h"
+#include "cli/progress_line.h"
 #include "identity/contacts/contacts_store.h"
 
 namespace vell {
 
 class Exporter {
   public:
-    /// Throws UsageError when the contacts can't be read or the output isn't possible for these
-    /// files.
+    /// Looks through the folders. Throws UsageError when the contacts can't be read or the output
+    /// isn't possible for these files.
     explicit Exporter(const Options& options);
     ~Exporter();
     Exporter(const Exporter&) = delete;
@@ -28,17 +34,24 @@ class Exporter {
   private:
     const Options& options_;
     const ContactsStore contacts_;
-    const FormatContext context_;
+    ProgressLine progress_;
+    ExportPlan plan_;
     Output output_;
-    QString file_;  // the one at hand
-    bool showsProgress_ = false;
+    ExportReport report_;
+    std::map<std::size_t, ExportedFile> waiting_;  // for those before them, by number
+    std::size_t next_ = 0;
+    QElapsedTimer elapsed_;
+    qsizetype done_ = 0;
+    qint64 bytesDone_ = 0;  // of those that were not skipped
+    qint64 bytesLeft_ = 0;
 
-    bool exportOne();
-    void write(const Input& input, const TesselChatLog& log);
-    void report(const QString& text) const;
-    void printDiagnostic(QStringView line) const;
-    void showProgress(qsizetype done) const;
-    void clearProgress() const;
+    [[nodiscard]] ExportPlan plan();
+    void reportFolders();
+    void exportInOrder();
+    void exportInParallel();
+    void take(ExportedFile file);
+    void finish(const ExportedFile& file);
+    void showProgress();
 };
 
 /// Runs the program: parses, exports, reports. Returns the exit status.

@@ -2,14 +2,13 @@
 #include "cli/finder.h"
 
 #include <signal.h>
-#include <unistd.h>
 
-#include <QElapsedTimer>
 #include <atomic>
 #include <optional>
 
 #include "cli/find_options.h"
 #include "cli/hit_printer.h"
+#include "cli/progress_line.h"
 #include "cli/sink.h"
 #include "cli/standard_streams.h"
 #include "foundation/print.h"
@@ -29,9 +28,6 @@ constexpr int exitFound = 0;
 constexpr int exitNothing = 1;
 constexpr int exitTrouble = 2;
 
-constexpr qint64 progressDelay = 300;     // milliseconds; shorter work shows none
-constexpr qint64 progressInterval = 100;  // milliseconds
-
 std::atomic<bool> isStopped = false;
 static_assert(std::atomic<bool>::is_always_lock_free);
 std::atomic<int> stopSignal = 0;
@@ -49,37 +45,6 @@ void stopOnSignals() {
         ::sigaction(signal, &action, nullptr);
     }
 }
-
-/// A line on the terminal that says how far the program is.
-class ProgressLine {
-  public:
-    ProgressLine() : isShown_(isatty(STDERR_FILENO) != 0) { elapsed_.start(); }
-
-    void show(const QString& what, const Indexer::Progress& progress) {
-        QString line = u"%1: %2 of %3"_s.arg(what).arg(progress.done).arg(progress.all);
-        if (progress.secondsLeft) line += u", %1 left"_s.arg(shownSpan(*progress.secondsLeft));
-        show(line);
-    }
-    void show(const QString& line) {
-        if (!isShown_ || elapsed_.elapsed() < next_) return;
-        next_ = elapsed_.elapsed() + progressInterval;
-        writeError(u"\r\033[K"_s + line);
-        isDirty_ = true;
-    }
-    void clear() {
-        if (std::exchange(isDirty_, false)) writeError(u"\r\033[K"_s);
-    }
-
-  private:
-    const bool isShown_;
-    bool isDirty_ = false;
-    QElapsedTimer elapsed_;
-    qint64 next_ = progressDelay;
-
-    static QString shownSpan(int seconds) {
-        return u"%1:%2"_s.arg(seconds / 60).arg(seconds % 60, 2, 10, '0'_L1);
-    }
-};
 
 class Finder {
   public:
@@ -145,7 +110,7 @@ class Finder {
             progress_.show(u"Looking for transcripts: %1"_s.arg(count));
         };
         indexer.onProgress = [this](const Indexer::Progress& progress) {
-            progress_.show(u"Indexing"_s, progress);
+            progress_.show(u"Indexing"_s, progress.done, progress.all, progress.secondsLeft);
         };
         indexer.update(scope_.folders, isStopped);
         progress_.clear();
@@ -159,7 +124,7 @@ class Finder {
 
     void readFiles() {
         const auto onFile = [this](qsizetype done, qsizetype all) {
-            progress_.show(u"Reading"_s, {done, all, 0, 0, {}});
+            progress_.show(u"Reading"_s, done, all, {});
         };
         directSearch(options_.query, scope_, isStopped, onFile, [this](const SearchHit& hit) {
             progress_.clear();

@@ -33,9 +33,10 @@ QString describedFormats() {
 }
 
 QString helpText() {
-    return u"Usage: vell-export [OPTION]… [--] FILE…\n"
+    return u"Usage: vell-export [OPTION]… [--] FILE|FOLDER…\n"
            "  or:  vell-export [OPTION]… --files0-from LIST\n"
-           "Writes transcripts in another format; \"-\" is standard input.\n"
+           "Writes transcripts, also all those in folders, in another format; \"-\" is standard\n"
+           "input.\n"
            "\n"
            "  -f, --format NAME     the format (default: %1):\n"_s.arg(
                QString::fromLatin1(formats()[0].name)) +
@@ -45,6 +46,9 @@ QString helpText() {
            "                        default\n"
            "  -d, --output-dir DIR  write into this folder, which is created if necessary\n"
            "      --force           replace existing files\n"
+           "      --update          replace older ones, and skip what is newer than its\n"
+           "                        transcript: an interrupted run goes on\n"
+           "      --report FILE     write what became of each file to FILE, as JSON\n"
            "      --expand          also write documents that are far larger than their files\n"
            "      --byte-order-mark  begin CSV with a mark, which some spreadsheets need\n"
            "      --pictures HOW    pictures in HTML: embed (the default) or none\n"
@@ -60,8 +64,8 @@ QString helpText() {
            "      --version         print the version\n"
            "  -h, --help            print this help\n"
            "\n"
-           "In a folder, documents are named after their files. Exit status: 0 success, 1 a file\n"
-           "couldn't be read or written, 2 wrong usage.\n"_s;
+           "In a folder, documents are named after their files, in the folders of those that were\n"
+           "found. Exit status: 0 success, 1 a file couldn't be read or written, 2 wrong usage.\n"_s;
 }
 
 struct Arguments {
@@ -69,6 +73,8 @@ struct Arguments {
     const QCommandLineOption output{{u"o"_s, u"output"_s}, {}, u"NAME"_s};
     const QCommandLineOption outputDir{{u"d"_s, u"output-dir"_s}, {}, u"DIR"_s};
     const QCommandLineOption force{u"force"_s};
+    const QCommandLineOption update{u"update"_s};
+    const QCommandLineOption report{u"report"_s, {}, u"FILE"_s};
     const QCommandLineOption expand{u"expand"_s};
     const QCommandLineOption byteOrderMark{u"byte-order-mark"_s};
     const QCommandLineOption pictures{u"pictures"_s, {}, u"HOW"_s};
@@ -84,9 +90,9 @@ struct Arguments {
     QCommandLineParser parser;
 
     explicit Arguments(const QStringList& arguments) {
-        parser.addOptions({format, output, outputDir, force, expand, byteOrderMark, pictures,
-                           files0From, contacts, timeZone, locale, loadLog, verbose, quiet, version,
-                           help});
+        parser.addOptions({format, output, outputDir, force, update, report, expand, byteOrderMark,
+                           pictures, files0From, contacts, timeZone, locale, loadLog, verbose,
+                           quiet, version, help});
         // The parser takes its first argument for the program's name.
         if (!parser.parse(QStringList(u"vell-export"_s) + arguments))
             throw UsageError{parser.errorText()};
@@ -168,6 +174,10 @@ void chooseOutput(const Arguments& given, Options& options) {
     if (parser.isSet(given.outputDir)) options.output = parser.value(given.outputDir);
     if (options.output.isEmpty()) throw UsageError{u"the output has no name"_s};
     options.outputIsFolder = parser.isSet(given.outputDir) || options.output.endsWith(u'/');
+    if (options.update && options.output == u"-")
+        throw UsageError{u"--update needs files to compare with: --output or --output-dir"_s};
+    if (parser.isSet(given.report) && options.report.isEmpty())
+        throw UsageError{u"the report has no name"_s};
 }
 
 }  // namespace
@@ -183,6 +193,8 @@ Options parseOptions(const QStringList& arguments) {
         .output = {},
         .outputIsFolder = false,
         .force = parser.isSet(given.force),
+        .update = parser.isSet(given.update),
+        .report = parser.value(given.report),
         .expand = parser.isSet(given.expand),
         .byteOrderMark = parser.isSet(given.byteOrderMark),
         .pictures = chosenPictures(given),

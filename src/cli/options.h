@@ -21,10 +21,12 @@ enum class Pictures {
 
 struct Options {
     const Format* format = nullptr;  ///< never null
-    QStringList files;               ///< "-" is standard input
+    QStringList files;               ///< or folders; "-" is standard input
     QString output;                  ///< "-" is standard output
     bool outputIsFolder = false;     ///< by its name, whether or not it exists
     bool force = false;
+    bool update = false;  ///< only what is newer than its document
+    QString report;       ///< where the report goes; empty for none
     bool expand = false;  ///< also out of all proportion
     bool byteOrderMark = false;
     Pictures pictures = Pictures::embed;

@@ -6,7 +6,10 @@
 #include <unistd.h>
 
 #include <QFileInfo>
+#include <algorithm>
+#include <cerrno>
 #include <filesystem>
+#include <optional>
 
 #include "cli/temporary_file.h"
 #include "foundation/local_path.h"
@@ -50,7 +53,6 @@ std::optional<int> descriptorOf(const QString& name) {
     return std::nullopt;
 }
 
-/// The permissions of documents that are made from no file.
 mode_t ordinaryPermissions() {
     const mode_t masked = ::umask(0);
     ::umask(masked);
@@ -59,17 +61,28 @@ mode_t ordinaryPermissions() {
 
 QByteArray folderOf(const QByteArray& path) {
     const auto slash = path.lastIndexOf('/');
-    return slash < 0 ? QByteArray(".") : path.first(slash + 1);
+    return slash < 0 ? QByteArray(".") : path.first(std::max<qsizetype>(slash, 1));
+}
+
+/// Makes the folder, and those above it, as private as the folders that they mirror.
+void makeFolder(const QByteArray& path, const QByteArray& mirrored) {
+    if (statusOf(path)) return;
+    makeFolder(folderOf(path), folderOf(mirrored));
+    const auto model = statusOf(mirrored);
+    const mode_t permissions = model ? model->st_mode & 0777 : 0777;
+    if (::mkdir(path.constData(), permissions | S_IRWXU) != 0 && errno != EEXIST)
+        throw WriteError{u"the folder can't be created: "_s + systemReason()};
 }
 
 }  // namespace
 
-QString OutputNames::nameFor(const QString& input, const QString& extension) {
+QString OutputNames::pathFor(const ExportJob& job, const QString& extension) {
     QString name = u"stdin"_s;
-    if (input != u"-") {
-        const QFileInfo info(foundation::localPath(input));
+    if (job.file != u"-") {
+        const QFileInfo info(foundation::localPath(job.file));
         name = info.completeBaseName().isEmpty() ? info.fileName() : info.completeBaseName();
     }
+    if (!job.folder.isEmpty()) name = job.folder + u'/' + name;
     // Bytes in the input's name that are no text become U+FFFD.
     const QList<uint> characters = name.toUcs4();
     name =
@@ -81,16 +94,22 @@ QString OutputNames::nameFor(const QString& input, const QString& extension) {
     return unique + u'.' + extension;
 }
 
-Output::Output(const Options& options) : options_(options) {
-    for (const QString& file : options.files) {
-        const auto status = file == u"-" ? statusOf(STDIN_FILENO) : statusOf(pathBytes(file));
-        if (status && S_ISREG(status->st_mode))
-            transcripts_.insert({status->st_dev, status->st_ino});
-    }
+Output::Output(const Options& options, ExportPlan& plan)
+    : options_(options),
+      transcripts_(plan.transcripts),
+      ordinaryPermissions_(ordinaryPermissions()) {
     try {
-        open(options.output);
+        open(options.output, plan.isForSeveral());
     } catch (const WriteError& error) {
         throw WriteError{displayName() + u": "_s + error.reason};
+    }
+    if (isStream()) return;
+    OutputNames names;
+    for (ExportJob& job : plan.jobs) {
+        job.document = options.output;
+        if (isFolder_)
+            job.document +=
+                u'/' + names.pathFor(job, QString::fromLatin1(options.format->extension));
     }
 }
 
@@ -102,7 +121,7 @@ QString Output::displayName() const {
     return stream_ == STDOUT_FILENO ? u"standard output"_s : options_.output;
 }
 
-void Output::open(const QString& name) {
+void Output::open(const QString& name, bool forSeveral) {
     if (options_.outputIsFolder) return openFolder(name);
     if (const auto descriptor = descriptorOf(name)) return openStream(*descriptor);
     const auto status = statusOf(pathBytes(name));
@@ -113,7 +132,7 @@ void Output::open(const QString& name) {
         if (descriptor < 0) throw WriteError{systemReason()};
         ownsStream_ = true;
         openStream(descriptor);
-    } else if (options_.files.size() > 1) {
+    } else if (forSeveral) {
         throw UsageError{name + u" is not a folder; several files need one (--output-dir)"_s};
     }
 }
@@ -137,16 +156,24 @@ void Output::openStream(int descriptor) {
         throw WriteError{u"it is a transcript, which is never written to"_s};
 }
 
-void Output::write(const Input& input, const Write& write) {
+void Output::write(const ExportJob& job, const Input& input, const Write& write) {
     if (isStream()) return writeToStream(write);
-    QString name = options_.output;
-    if (isFolder_)
-        name += u'/' + names_.nameFor(input.name, QString::fromLatin1(options_.format->extension));
     try {
-        writeToFile(input, write, name);
+        writeToFile(job, input, write);
     } catch (const WriteError& error) {
-        throw WriteError{name + u": "_s + error.reason};
+        throw WriteError{job.document + u": "_s + error.reason};
     }
+}
+
+bool Output::isCurrent(const ExportJob& job) {
+    const auto source = statusOf(pathBytes(job.file));
+    const auto document = statusOf(pathBytes(job.document));
+    if (!source || !document || !S_ISREG(document->st_mode)) return false;
+    const auto isAfter = [&written = document->st_mtim](const timespec& time) {
+        return written.tv_sec != time.tv_sec ? written.tv_sec > time.tv_sec
+                                             : written.tv_nsec > time.tv_nsec;
+    };
+    return isAfter(source->st_mtim) && isAfter(source->st_ctim);
 }
 
 void Output::writeToStream(const Write& write) {
@@ -162,27 +189,29 @@ void Output::writeToStream(const Write& write) {
     }
 }
 
-void Output::writeToFile(const Input& input, const Write& write, const QString& name) {
-    const QByteArray path = pathBytes(name);
+void Output::writeToFile(const ExportJob& job, const Input& input, const Write& write) const {
+    const QByteArray path = pathBytes(job.document);
+    const bool replaces = options_.force || options_.update;
     const auto there = statusOf(path);
     if (there && transcripts_.contains({there->st_dev, there->st_ino}))
         throw WriteError{u"it is a transcript, which is never replaced"_s};
-    if ((there || isLink(path)) && !options_.force)
+    if ((there || isLink(path)) && !replaces)
         throw WriteError{u"the file exists (--force replaces it)"_s};
     if (there && !S_ISREG(there->st_mode)) throw WriteError{u"it is not a regular file"_s};
 
     // A link is replaced by a new file, whatever it leads to.
-    mode_t permissions = ordinaryPermissions();
+    mode_t permissions = ordinaryPermissions_;
     if (there && !isLink(path))
         permissions = there->st_mode & 0777;
     else if (input.permissions)
         permissions = *input.permissions & 0666;
 
+    if (!job.folder.isEmpty()) makeFolder(folderOf(path), folderOf(pathBytes(job.file)));
     TemporaryFile temporary(folderOf(path));
     Sink sink(temporary.descriptor());
     write(sink);
     sink.flush();
-    temporary.keepAs(path, permissions, options_.force);
+    temporary.keepAs(path, permissions, replaces);
 }
 
 }  // namespace vell

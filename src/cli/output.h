@@ -2,31 +2,32 @@
 // SPDX-License-Identifier: MIT
 //
 // Output: where the documents of a run go. A stream (standard output, a pipe, a device) takes them
-// one after the other; a file is first written to a temporary one in the same folder, then renamed.
-// What exists is replaced only on demand, and a transcript never.
+// one after the other; a file is first written to a temporary one in the same folder, then renamed,
+// and several threads may write files at once. What exists is replaced only on demand, and a
+// transcript never.
 //
-//     output.write(input, [&](Sink& sink) { format.write(log, context, sink); });
+//     output.write(job, input, [&](Sink& sink) { format.write(log, context, sink); });
 
 #include <sys/types.h>
 
 #include <QSet>
 #include <QString>
 #include <functional>
-#include <optional>
-#include <utility>
 
+#include "cli/export_plan.h"
 #include "cli/input.h"
 #include "cli/options.h"
 #include "cli/sink.h"
 
 namespace vell {
 
-/// Names for documents in one folder: unique within one run, never a path.
+/// Names for documents below one folder, unique within one run.
 class OutputNames {
   public:
-    /// The name for the document made of this input: its own without the extension ("stdin" for
-    /// "-"), with "-2" and so on when that is taken, and the extension given.
-    QString nameFor(const QString& input, const QString& extension);
+    /// The path of the document made of this job's file: in the folder that mirrors the file's own,
+    /// if there is one, under the file's name without the extension ("stdin" for "-"), with "-2"
+    /// and so on when that is taken, and the extension given.
+    QString pathFor(const ExportJob& job, const QString& extension);
 
   private:
     QSet<QString> taken_;
@@ -37,15 +38,18 @@ class Output {
     using Write = std::function<void(Sink&)>;
 
     /// Opens the stream or makes the folder. Throws UsageError when the output isn't possible for
-    /// these files, WriteError when the system refuses.
-    explicit Output(const Options& options);
+    /// these files, WriteError when the system refuses. Says in each job where its document goes.
+    Output(const Options& options, ExportPlan& plan);
     ~Output();
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
     /// Writes the document that was made from this input. Throws WriteError, and what `write`
     /// throws; then no file has changed.
-    void write(const Input& input, const Write& write);
+    void write(const ExportJob& job, const Input& input, const Write& write);
+    /// Whether the document is there and was written after its file was last changed or put where
+    /// it is.
+    [[nodiscard]] static bool isCurrent(const ExportJob& job);
     /// Whether a stream failed, so that it takes no further document.
     [[nodiscard]] bool isBroken() const { return isBroken_; }
     /// Whether documents go to standard output or the like.
@@ -55,11 +59,9 @@ class Output {
     [[nodiscard]] bool followsAnother() const { return isStream() && hasWritten_; }
 
   private:
-    using FileIdentity = std::pair<dev_t, ino_t>;
-
     const Options& options_;
-    OutputNames names_;
-    QSet<FileIdentity> transcripts_;  // no output replaces one of them
+    const QSet<ExportPlan::FileIdentity> transcripts_;  // no output replaces one of them
+    const mode_t ordinaryPermissions_;                  // of documents that are made from no file
     bool isFolder_ = false;
     bool ownsStream_ = false;
     bool isBroken_ = false;
@@ -67,11 +69,11 @@ class Output {
     int stream_ = -1;
 
     [[nodiscard]] QString displayName() const;
-    void open(const QString& name);
+    void open(const QString& name, bool forSeveral);
     void openFolder(const QString& name);
     void openStream(int descriptor);
     void writeToStream(const Write& write);
-    void writeToFile(const Input& input, const Write& write, const QString& name);
+    void writeToFile(const ExportJob& job, const Input& input, const Write& write) const;
 };
 
 }  // namespace vell

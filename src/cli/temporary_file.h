@@ -2,18 +2,21 @@
 // SPDX-License-Identifier: MIT
 //
 // TemporaryFile: a file that becomes a document once it is complete, so that no partial document is
-// ever visible. Unless it was kept it is removed, also when SIGINT, SIGTERM, SIGHUP or SIGPIPE ends
-// the program.
+// ever visible. Where the file system can, it has no name until then and so vanishes with the
+// program, however that ends. Elsewhere it has a hidden one; unless it was kept it is removed, also
+// when SIGINT, SIGTERM, SIGHUP or SIGPIPE ends the program. Each thread may have its own.
 
 #include <sys/types.h>
 
 #include <QByteArray>
+#include <functional>
+#include <memory>
 
 namespace vell {
 
 class TemporaryFile {
   public:
-    /// Creates the file, readable for its owner only; there is one at a time. Throws WriteError.
+    /// Creates the file, readable for its owner only. Throws WriteError.
     explicit TemporaryFile(const QByteArray& folder);
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;
@@ -25,8 +28,16 @@ class TemporaryFile {
     void keepAs(const QByteArray& path, mode_t permissions, bool replacesExisting);
 
   private:
-    QByteArray path_;
+    class Registration;
+
+    QByteArray folder_;
+    QByteArray path_;  // empty while it has no name
+    std::unique_ptr<Registration> registration_;
     int descriptor_ = -1;
+
+    void name(const std::function<bool(const char* path)>& create);
+    void nameAs(const QByteArray& path, bool replacesExisting);
+    void renameAs(const QByteArray& path, bool replacesExisting);
 };
 
 }  // namespace vell

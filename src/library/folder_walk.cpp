@@ -83,7 +83,10 @@ void FolderWalk::enter(const std::string& folder, std::vector<std::string>& pend
     if (!entered_.insert({status.st_dev, status.st_ino}).second || skippedRoots_.contains(folder))
         return;
     std::error_code error;
-    fs::directory_iterator entries(folder, fs::directory_options::skip_permission_denied, error);
+    fs::directory_iterator entries(folder,
+                                   reportsForbidden ? fs::directory_options::none
+                                                    : fs::directory_options::skip_permission_denied,
+                                   error);
     for (; !error && entries != fs::directory_iterator() && !cancelled_; entries.increment(error)) {
         try {
             visit(*entries, pending);

@@ -39,6 +39,8 @@ class FolderWalk {
     /// A folder that can't be read, and why. May be empty.
     std::function<void(const std::string& folder, const std::string& reason)> onUnreadable;
     bool hiddenFolders = false;
+    /// A folder that this user may not read counts as unreadable; otherwise it is passed over.
+    bool reportsForbidden = false;
 
     /// Walks the folders in order; a file may stand among them.
     void run(const std::vector<std::string>& folders);

@@ -26,15 +26,15 @@
 
 namespace vell {
 
-template <class Result>
+template <class Result, class File = FoundFile>
 class ParallelFiles {
   public:
-    using Work = std::function<Result(const FoundFile&)>;
+    using Work = std::function<Result(const File&)>;
 
     /// Each thread makes the work for itself. What a work throws costs that thread's files only.
     /// While the switch is on, if there is one, no further file is begun. `bytes` says what a
     /// result occupies: of those that wait to be taken there are never much more than mostBytes.
-    ParallelFiles(std::vector<FoundFile> files, const std::function<Work()>& makeWork,
+    ParallelFiles(std::vector<File> files, const std::function<Work()>& makeWork,
                   std::function<std::size_t(const Result&)> bytes,
                   std::shared_ptr<const PauseSwitch> pause = {})
         : state_(std::make_shared<State>()) {
@@ -74,7 +74,7 @@ class ParallelFiles {
     static constexpr std::size_t mostBytes = std::size_t{64} << 20;
 
     struct State {
-        std::vector<FoundFile> files;
+        std::vector<File> files;
         std::function<std::size_t(const Result&)> bytes;
         std::shared_ptr<const PauseSwitch> pause;
         std::mutex mutex;
@@ -92,7 +92,7 @@ class ParallelFiles {
                     changed.wait_for(lock, stopCheckInterval);
                     continue;
                 }
-                const FoundFile& file = files[nextFile++];
+                const File& file = files[nextFile++];
                 lock.unlock();
                 Result result = work(file);
                 lock.lock();

@@ -59,7 +59,12 @@ class Shell : public testing::Test {
             {"old", "old"}};
         for (const auto& [name, bytes] : files)
             test::writeFile(folder_.filePath(QString::fromUtf8(name)), bytes);
-        return test::shell("v() { vell-export -f json \"$@\"; }\n"_ba + command, folder_.path());
+        return test::shell(
+            "v() { vell-export -f json \"$@\"; }\n"
+            "tree() { mkdir -p t/2009; cp a.ichat t/2009; cp b.ichat t; cp b.ichat t/b\n"
+            "cp bad.ichat t; echo text > t/text; ln -s .. t/2009/loop; }\n"_ba +
+                command,
+            folder_.path());
     }
 
   private:
@@ -141,9 +146,54 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         {"v --files0-from nothing", 2, "", "the list of files can't be read: No such file"},
         {"v --files0-from old a.ichat", 2, "", "files are given as arguments and in a list\n"},
         {"printf '%s\\0' - | v --files0-from -", 2, "", "standard input can't be both"},
+        // Folders. `tree` makes one, with a link back, a file that is none and one that lacks its
+        // extension.
+        {"tree; v -qd out t x/../t/2009/; (cd t && v -qd ../out/dot .); find out -type f | sort", 0,
+         "out/2009/a.json\nout/dot/2009/a.json\nout/dot/b-2.json\nout/dot/b.json\n"
+         "out/t/2009/a.json\nout/t/b-2.json\nout/t/b.json\n",
+         "vell-export: t/bad.ichat: not a transcript, or damaged"},
+        {"tree; v -d out t", 1, "",
+         "\nConverted          3\nSkipped            0\nFailed             1\n"
+         "                   1  not a transcript, or damaged: "},
+        {"tree; vell-export -qf csv t | cut -d, -f1 | uniq -c | tr -s ' '; v -o new t", 2,
+         " 1 file\n 1 \"t/2009/a.ichat\"\n 1 \"t/b\"\n 1 \"t/b.ichat\"\n",
+         "new is not a folder; several files need one"},
+        {"tree; rm t/bad.ichat; umask 022; chmod 700 t; chmod 750 t/2009; chmod 600 t/*/a.ichat\n"
+         "v -qd out t; cd out; stat -c '%a %n' t t/2009 t/2009/a.json",
+         0, "700 t\n750 t/2009\n600 t/2009/a.json\n", ""},
+        {"tree; for i in $(seq 60); do cp b.ichat t/$i.ichat; cp t/bad.ichat t/$i-bad.ichat; done\n"
+         "cp x/expands t/0.ichat; v -d out t 2>err; taskset -c 0 vell-export -f json "
+         "-d one t 2>err1\ndiff -r out one && cmp err err1 && ls out/t | wc -l",
+         0, "63\n", ""},
+        // Going on where an earlier run has ended
+        {"tree; rm t/bad.ichat; v -qd out t; rm out/t/b.json; touch t/2009/a.ichat\n"
+         "v --update -d out t; v --update -d out -v t; cat out/t/2009/a.json",
+         0, "<a>",
+         "\nConverted          2\nSkipped            1\nFailed             0\nvell-export: t/2009"},
+        {"tree; v -qd out t/2009; cp -p t/2009/a.ichat kept; cp b.ichat t/2009/a.ichat\n"
+         "touch -d 2001-01-01 t/2009/a.ichat; v -qd out --update t/2009; cat out/2009/a.json",
+         0, "<b>", ""},
+        {"v --update a.ichat", 2, "", "--update needs files"},
+        // Reports
+        {"tree; umask 022; v -qd out --report r t 2>&-; cat r; stat -c %a r; ls -A | grep -c vell",
+         1,
+         "{\"files\":[\n"
+         "{\"file\":\"t/2009/a.ichat\",\"document\":\"out/t/2009/a.json\",\"result\":\"converted\","
+         "\"messages\":1},\n"
+         "{\"file\":\"t/b\",\"document\":\"out/t/"
+         "b.json\",\"result\":\"converted\",\"messages\":1},\n"
+         "{\"file\":\"t/b.ichat\",\"document\":\"out/t/b-2.json\",\"result\":\"converted\","
+         "\"messages\":1},\n"
+         "{\"file\":\"t/bad.ichat\",\"document\":\"out/t/bad.json\",\"result\":\"failed\","
+         "\"reason\":\"not a transcript, or damaged: incomprehensible archive (0x6e, 0x6f, 0x74, "
+         "0x68, "
+         "0x69, 0x6e, 0x67, 0x0)\"}\n"
+         "],\"converted\":3,\"skipped\":0,\"failed\":1,\"messages\":3}\n600\n0\n",
+         ""},
+        {"v --report no/such a.ichat", 1, "", "vell-export: no/such: No such file or directory\n"},
         // Failures
-        {"v -d out bad.ichat nothing . a.ichat; ls out", 0, "a.json\n",
-         "vell-export: nothing: No such file or directory\nvell-export: .: it is a folder\n"},
+        {"v -d out bad.ichat nothing a.ichat; ls out", 0, "a.json\n",
+         "vell-export: nothing: No such file or directory\n"},
         {"v bad.ichat", 1, "", ": not a transcript, or damaged: incomprehensible archive ("},
         {"n=$(printf 'bad\\nna\\033me'); cp bad.ichat \"$n\"; v \"$n\"", 1, "",
          "vell-export: bad na me: not a tr"},
@@ -182,7 +232,6 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         {"v --load-log a.ichat", 0, "<a>", ""},
         {"v --load-log nothing", 1, "",
          "\n---\n\n\nFailed to load the raw file into memory.\nNo such file or directory\n"},
-        {"v --load-log out", 1, "", ":\n  DIRECTORY\n  not-a-file\n  not-a-symlink\n"},
         {"ln -s bad.ichat link.ichat; v --load-log link.ichat", 1, "",
          "\nOpening new file [name not exposed]:\n  not-a-dir\n  FILE\n  not-a-symlink\n"
          "  wrapper has filename\n  Extension: .ichat\n---\n\n\n"
@@ -194,6 +243,11 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         {"v /dev/zero", 1, "", "vell-export: /dev/zero: it is a device, not a file\n"},
 #if !defined(__SANITIZE_ADDRESS__)
         {"head -c 400M /dev/zero | (ulimit -v 700000; v -)", 1, "", "vell-export: stdin: "},
+        // Where files can't be without a name
+        {"strace -qqfo /dev/null -P out -e inject=openat:error=EOPNOTSUPP vell-export -f json -d "
+         "out "
+         "a.ichat 2>&-; cat out/*; ls -A out",
+         0, "<a>a.json\n", ""},
 #endif
     };
     const QByteArray a = run("v a.ichat").output;
@@ -214,6 +268,16 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
     }
 }
 
+/// Whether the program has a file open in the folder that isn't the one it reads.
+bool isWriting(const QProcess& process, const QString& folder, const QString& input) {
+    const QDir descriptors(u"/proc/%1/fd"_s.arg(process.processId()));
+    const auto entries = descriptors.entryInfoList(QDir::Files | QDir::System);
+    return std::any_of(entries.begin(), entries.end(), [&](const QFileInfo& entry) {
+        const QString target = entry.symLinkTarget();
+        return target.startsWith(folder + u'/') && target != folder + u'/' + input;
+    });
+}
+
 TEST(Signals, LeaveNoTemporaryFileBehind) {
     const QTemporaryDir folder;
     // Quotation marks make writing take long enough to be interrupted.
@@ -225,9 +289,10 @@ TEST(Signals, LeaveNoTemporaryFileBehind) {
         QProcess process;
         process.setWorkingDirectory(folder.path());
         process.start(QStringLiteral(VELL_EXPORT), {u"-fjson"_s, u"-onew"_s, u"many"_s});
-        while (entries().size() < 2 && !process.waitForFinished(1)) {
-        }
-        EXPECT_TRUE(entries().first().startsWith(u".vell-export-"_s));
+        bool isInterrupted = false;
+        while (!isInterrupted && !process.waitForFinished(1))
+            isInterrupted = isWriting(process, folder.path(), u"many"_s);
+        EXPECT_TRUE(isInterrupted);
         ::kill(static_cast<pid_t>(process.processId()), signal);
         process.waitForFinished();
         EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
@@ -239,12 +304,43 @@ TEST(Signals, LeaveNoTemporaryFileBehind) {
     process.setWorkingDirectory(folder.path());
     process.start(u"sh"_s, {u"-c"_s, u"trap '' HUP; exec \"$0\" -f json -o new many"_s,
                             QStringLiteral(VELL_EXPORT)});
-    while (entries().size() < 2 && !process.waitForFinished(1)) {
+    while (!isWriting(process, folder.path(), u"many"_s) && !process.waitForFinished(1)) {
     }
     ::kill(static_cast<pid_t>(process.processId()), SIGHUP);
     process.waitForFinished();
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(entries(), (QStringList{u"many"_s, u"new"_s}));
+}
+
+TEST(Signals, RunsGoOnAfterBeingKilled) {
+    const QTemporaryDir folder;
+    QDir(folder.path()).mkdir(u"t"_s);
+    constexpr int count = 30;
+    for (int i = 0; i < count; ++i)
+        test::writeFile(folder.filePath(u"t/%1"_s.arg(i)), transcript(u"x\""_s.repeated(100'000)));
+    const QDir documents(folder.filePath(u"out/t"_s));
+    const auto entries = [&documents] {
+        return documents.entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    };
+    QProcess process;
+    process.setWorkingDirectory(folder.path());
+    process.start(QStringLiteral(VELL_EXPORT), {u"-qfjson"_s, u"-dout"_s, u"t"_s});
+    while (entries().size() < 5 && !process.waitForFinished(1)) {
+    }
+    process.kill();
+    process.waitForFinished();
+    EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
+    const auto written = entries();
+    EXPECT_LT(written.size(), count);
+    for (const QString& name : written) {
+        EXPECT_FALSE(name.startsWith(u'.'));
+        EXPECT_TRUE(test::readFile(documents.filePath(name)).endsWith("]}\n"));
+    }
+    const Result rest = test::shell("vell-export -f json --update -d out t", folder.path());
+    EXPECT_EQ(rest.error,
+              u"Converted%1\nSkipped  %2\nFailed             0\n"_s.arg(count - written.size(), 11)
+                  .arg(written.size(), 11));
+    EXPECT_EQ(entries().size(), count);
 }
 
 }  // namespace
