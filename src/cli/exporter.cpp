@@ -5,9 +5,10 @@
 
 #include <atomic>
 #include <memory>
-#include <optional>
 #include <utility>
 
+#include "cli/checker.h"
+#include "cli/in_order.h"
 #include "cli/standard_streams.h"
 #include "foundation/print.h"
 #include "library/parallel_files.h"
@@ -22,7 +23,25 @@ namespace {
 constexpr int exitSuccess = 0;
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
-constexpr qint64 guessAfter = 1000;  // milliseconds
+constexpr int exitDuplicate = 3;
+constexpr int exitNotATranscript = 4;
+constexpr int exitDamaged = 5;
+
+int exitStatus(Verdict worst) {
+    switch (worst) {
+        case Verdict::fine:
+            return exitSuccess;
+        case Verdict::duplicate:
+            return exitDuplicate;
+        case Verdict::notATranscript:
+            return exitNotATranscript;
+        case Verdict::damaged:
+            return exitDamaged;
+        case Verdict::unreadable:
+            break;
+    }
+    return exitFailure;
+}
 
 int printInformation(const Information& information) {
     try {
@@ -47,9 +66,8 @@ Exporter::Exporter(const Options& options)
       progress_(!options.quiet && !sharesTerminal(options)),
       plan_(plan()),
       output_(options, plan_),
-      report_(options.report) {
-    for (const ExportJob& job : plan_.jobs)
-        bytesLeft_ += job.size;
+      report_(options.report),
+      jobProgress_(progress_, u"Exporting"_s, plan_.jobs) {
     foundation::setPrintFunction([this](QStringView line) {
         if (!FileExporter::addDiagnostic(line) && !options_.quiet)
             writeError(line.toString() + u'\n');
@@ -70,7 +88,6 @@ ExportPlan Exporter::plan() {
 
 bool Exporter::run() {
     reportFolders();
-    elapsed_.start();
     if (output_.isStream() || plan_.jobs.size() < 2)
         exportInOrder();
     else
@@ -92,12 +109,14 @@ void Exporter::exportInOrder() {
     FileExporter exporter(options_, contacts_, output_, plan_.isForSeveral());
     for (const ExportJob& job : plan_.jobs) {
         if (output_.isBroken()) break;
-        showProgress();
-        take(exporter.run(job));
+        const ExportedFile file = exporter.run(job);
+        take(file);
+        jobProgress_.add(job, file.result.kind == ExportResult::Kind::skipped);
     }
 }
 
 void Exporter::exportInParallel() {
+    InOrder<ExportedFile> results([this](const ExportedFile& file) { take(file); });
     ParallelFiles<ExportedFile, ExportJob> files(
         plan_.jobs,
         [this] {
@@ -111,42 +130,21 @@ void Exporter::exportInParallel() {
         });
     const std::atomic<bool> never = false;
     while (auto file = files.next(never)) {
-        take(*std::move(file));
-        showProgress();
+        jobProgress_.add(file->job, file->result.kind == ExportResult::Kind::skipped);
+        results.add(*std::move(file));
     }
-    // What a thread had begun when it ran out of memory has no result.
-    for (std::size_t number = next_; number < plan_.jobs.size(); ++number) {
-        if (!waiting_.contains(number))
-            take({plan_.jobs[number], {.reason = u"there is not enough memory"_s}, {}});
-    }
-}
-
-void Exporter::take(ExportedFile file) {
-    ++done_;
-    bytesLeft_ -= file.job.size;
-    if (file.result.kind != ExportResult::Kind::skipped) bytesDone_ += file.job.size;
-    waiting_.emplace(file.job.number, std::move(file));
-    while (!waiting_.empty() && waiting_.begin()->first == next_) {
-        finish(waiting_.begin()->second);
-        waiting_.erase(waiting_.begin());
-        ++next_;
+    // A thread that runs out of memory loses its results.
+    for (const ExportJob& job : plan_.jobs) {
+        if (!results.has(job.number))
+            results.add({job, {.reason = u"there is not enough memory"_s}, {}});
     }
 }
 
-void Exporter::finish(const ExportedFile& file) {
+void Exporter::take(const ExportedFile& file) {
     report_.add(file.job, file.result);
     if (file.diagnostics.isEmpty()) return;
     progress_.clear();
     writeError(file.diagnostics);
-}
-
-void Exporter::showProgress() {
-    std::optional<int> left;
-    const qint64 elapsed = elapsed_.elapsed();
-    if (elapsed > guessAfter && bytesDone_ > 0)
-        left = static_cast<int>(static_cast<double>(elapsed) / 1000 *
-                                static_cast<double>(bytesLeft_) / static_cast<double>(bytesDone_));
-    progress_.show(u"Exporting"_s, done_, std::ssize(plan_.jobs), left);
 }
 
 int runExport(const QStringList& arguments) {
@@ -156,6 +154,7 @@ int runExport(const QStringList& arguments) {
         FileOutputStream(stderr), FileOutputStream(stderr), LogLevel::defaultLevel()));
     try {
         const Options options = parseOptions(arguments);
+        if (options.checks) return exitStatus(Checker(options).run());
         return Exporter(options).run() ? exitSuccess : exitFailure;
     } catch (const Information& information) {
         return printInformation(information);

@@ -5,13 +5,12 @@
 // other. A failure is reported and stops no other file. What is printed comes in the order of the
 // files.
 
-#include <QElapsedTimer>
 #include <QStringList>
-#include <map>
 
 #include "cli/export_plan.h"
 #include "cli/export_report.h"
 #include "cli/file_exporter.h"
+#include "cli/job_progress.h"
 #include "cli/options.h"
 #include "cli/output.h"
 #include "cli/progress_line.h"
@@ -38,23 +37,16 @@ class Exporter {
     ExportPlan plan_;
     Output output_;
     ExportReport report_;
-    std::map<std::size_t, ExportedFile> waiting_;  // for those before them, by number
-    std::size_t next_ = 0;
-    QElapsedTimer elapsed_;
-    qsizetype done_ = 0;
-    qint64 bytesDone_ = 0;  // of those that were not skipped
-    qint64 bytesLeft_ = 0;
+    JobProgress jobProgress_;
 
     [[nodiscard]] ExportPlan plan();
     void reportFolders();
     void exportInOrder();
     void exportInParallel();
-    void take(ExportedFile file);
-    void finish(const ExportedFile& file);
-    void showProgress();
+    void take(const ExportedFile& file);
 };
 
-/// Runs the program: parses, exports, reports. Returns the exit status.
+/// Runs the program: parses, exports or checks, reports. Returns the exit status.
 int runExport(const QStringList& arguments);
 
 }  // namespace vell

@@ -35,6 +35,7 @@ QString describedFormats() {
 QString helpText() {
     return u"Usage: vell-export [OPTION]… [--] FILE|FOLDER…\n"
            "  or:  vell-export [OPTION]… --files0-from LIST\n"
+           "  or:  vell-export --check FILE|FOLDER…\n"
            "Writes transcripts, also all those in folders, in another format; \"-\" is standard\n"
            "input.\n"
            "\n"
@@ -54,6 +55,8 @@ QString helpText() {
            "      --pictures HOW    pictures in HTML: embed (the default) or none\n"
            "      --files0-from LIST  export the files named in LIST, each name terminated by\n"
            "                        a null byte; \"-\" is standard input\n"
+           "      --check           write nothing; print a verdict on each file: fine, damaged,\n"
+           "                        not-a-transcript, duplicate or unreadable\n"
            "      --contacts FILE   take the names of people from these vCards; may be repeated\n"
            "      --time-zone ZONE  time zone of days and times, such as Europe/Berlin\n"
            "                        (default: yours)\n"
@@ -65,7 +68,9 @@ QString helpText() {
            "  -h, --help            print this help\n"
            "\n"
            "In a folder, documents are named after their files, in the folders of those that were\n"
-           "found. Exit status: 0 success, 1 a file couldn't be read or written, 2 wrong usage.\n"_s;
+           "found. Exit status: 0 success, 1 a file couldn't be read or written, 2 wrong usage; "
+           "after\n"
+           "--check the worst of 3 a duplicate, 4 not a transcript, 5 damaged, 1 unreadable.\n"_s;
 }
 
 struct Arguments {
@@ -79,6 +84,7 @@ struct Arguments {
     const QCommandLineOption byteOrderMark{u"byte-order-mark"_s};
     const QCommandLineOption pictures{u"pictures"_s, {}, u"HOW"_s};
     const QCommandLineOption files0From{u"files0-from"_s, {}, u"LIST"_s};
+    const QCommandLineOption check{u"check"_s};
     const QCommandLineOption contacts{u"contacts"_s, {}, u"FILE"_s};
     const QCommandLineOption timeZone{u"time-zone"_s, {}, u"ZONE"_s};
     const QCommandLineOption locale{u"locale"_s, {}, u"LOCALE"_s};
@@ -91,8 +97,8 @@ struct Arguments {
 
     explicit Arguments(const QStringList& arguments) {
         parser.addOptions({format, output, outputDir, force, update, report, expand, byteOrderMark,
-                           pictures, files0From, contacts, timeZone, locale, loadLog, verbose,
-                           quiet, version, help});
+                           pictures, files0From, check, contacts, timeZone, locale, loadLog,
+                           verbose, quiet, version, help});
         // The parser takes its first argument for the program's name.
         if (!parser.parse(QStringList(u"vell-export"_s) + arguments))
             throw UsageError{parser.errorText()};
@@ -180,6 +186,16 @@ void chooseOutput(const Arguments& given, Options& options) {
         throw UsageError{u"the report has no name"_s};
 }
 
+/// What only documents have.
+void refuseOutput(const Arguments& given) {
+    for (const auto* option : {&given.format, &given.output, &given.outputDir, &given.force,
+                               &given.update, &given.report}) {
+        if (given.parser.isSet(*option))
+            throw UsageError{u"--check writes no documents, so --%1 means nothing"_s.arg(
+                option->names().last())};
+    }
+}
+
 }  // namespace
 
 Options parseOptions(const QStringList& arguments) {
@@ -188,6 +204,7 @@ Options parseOptions(const QStringList& arguments) {
     if (parser.isSet(given.help)) throw Information{helpText()};
     if (parser.isSet(given.version)) throw Information{u"vell-export " VELL_VERSION "\n"_s};
     Options result{
+        .checks = parser.isSet(given.check),
         .format = chosenFormat(given),
         .files = {},
         .output = {},
@@ -206,6 +223,7 @@ Options parseOptions(const QStringList& arguments) {
         .dateLocale = chosenDateLocale(given),
     };
     chooseOutput(given, result);
+    if (result.checks) refuseOutput(given);
     result.files = chosenFiles(given);
     return result;
 }

@@ -20,6 +20,7 @@ enum class Pictures {
 };
 
 struct Options {
+    bool checks = false;             ///< instead of writing documents
     const Format* format = nullptr;  ///< never null
     QStringList files;               ///< or folders; "-" is standard input
     QString output;                  ///< "-" is standard output

@@ -165,6 +165,8 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
          "cp x/expands t/0.ichat; v -d out t 2>err; taskset -c 0 vell-export -f json "
          "-d one t 2>err1\ndiff -r out one && cmp err err1 && ls out/t | wc -l",
          0, "63\n", ""},
+        {"mkfifo p; (sleep 0.3; cat bad.ichat >p) & v -d out p bad.ichat 2>&1 | cut -d: -f2", 0,
+         " p\n bad.ichat\n", ""},
         // Going on where an earlier run has ended
         {"tree; rm t/bad.ichat; v -qd out t; rm out/t/b.json; touch t/2009/a.ichat\n"
          "v --update -d out t; v --update -d out -v t; cat out/t/2009/a.json",
@@ -191,6 +193,38 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
          "],\"converted\":3,\"skipped\":0,\"failed\":1,\"messages\":3}\n600\n0\n",
          ""},
         {"v --report no/such a.ichat", 1, "", "vell-export: no/such: No such file or directory\n"},
+        // Checking
+        {"tree; mkdir t/x; cp b.ichat t/x; head -c 300 a.ichat >t/cut.ichat; :>t/none.ichat\n"
+         "cp t/cut.ichat t/x; cp warn.ichat t; cp t/text t/x/text.ichat; cp a.ichat \"$(printf "
+         "'t/\\tz')\"\n"
+         "cp t/text t/2009; vell-export --check t",
+         5,
+         "fine\tt/ z\t1 message\nduplicate\tt/2009/a.ichat\tt/ z\n"
+         "fine\tt/b\t1 message\nduplicate\tt/b.ichat\tt/b\n"
+         "not-a-transcript\tt/bad.ichat\tit begins like no archive\n"
+         "damaged\tt/cut.ichat\tat its end, byte 300, is no table of objects: cut short or "
+         "overwritten\ndamaged\tt/none.ichat\tit is empty\n"
+         "fine\tt/warn.ichat\t1 message, 1 warning\n"
+         "duplicate\tt/x/b.ichat\tt/b\ndamaged\tt/x/cut.ichat\tat its end, byte 300, is no table "
+         "of objects: cut short or overwritten\n"
+         "not-a-transcript\tt/x/text.ichat\tit begins like no archive\n",
+         ""},
+        {"c() { vell-export --check \"$@\"; echo $?; }; c -q a.ichat; c -q a.ichat a.ichat "
+         "bad.ichat\n"
+         "c old - a.ichat < b.ichat; head -c 99 a.ichat >y.ichat; c -q y.ichat; c -q nothing "
+         "bad.ichat",
+         0,
+         "0\nduplicate\ta.ichat\ta.ichat\nnot-a-transcript\tbad.ichat\tit begins like no "
+         "archive\n4\n"
+         "not-a-transcript\told\tit begins like no archive\nfine\tstdin\t1 "
+         "message\nfine\ta.ichat\t1 message\n4\n"
+         "damaged\ty.ichat\tat its end, byte 99, is no table of objects: cut short or "
+         "overwritten\n5\nunreadable\tnothing\tNo such file or "
+         "directory\nnot-a-transcript\tbad.ichat\tit begins like no archive\n1\n",
+         ""},
+        {"v --check a.ichat", 2, "", "--check writes no documents, so --format means nothing\n"},
+        {"vell-export --check a.ichat > /dev/full", 1, "",
+         "standard output: No space left on device\n"},
         // Failures
         {"v -d out bad.ichat nothing a.ichat; ls out", 0, "a.json\n",
          "vell-export: nothing: No such file or directory\n"},
