@@ -9,7 +9,6 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
-#include <QSet>
 #include <QWheelEvent>
 #include <algorithm>
 #include <utility>
@@ -64,7 +63,7 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
     setFocusPolicy(Qt::StrongFocus);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     viewport()->setMouseTracking(true);
-    presentSenders();
+    context_.bubbleColors.present(layout_.chatlog());
     connect(&scroller_, &TimelineScroller::moved, this, &TimelineView::stopUnseenPicture);
     connect(&scroller_, &TimelineScroller::moved, day_.get(), &FloatingDay::follow);
     connect(&scroller_, &TimelineScroller::moved, this, &TimelineView::refresh);
@@ -88,19 +87,6 @@ TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, Contact
 
 TimelineView::~TimelineView() {
     context_.pictures.forget(chatlog());
-}
-
-// Colours go by the order of the events, never by what happens to be painted first.
-void TimelineView::presentSenders() {
-    QSet<SharedUserID> known;
-    SharedUserID last;
-    for (const TesselChatLog::Event& event : chatlog().events()) {
-        if (!event.sender || event.sender == last) continue;
-        last = event.sender;
-        if (known.contains(event.sender)) continue;
-        known.insert(event.sender);
-        context_.bubbleColors.styleForUser(event.sender, chatlog().isOwn(event.sender));
-    }
 }
 
 QSize TimelineView::sizeHint() const {
@@ -136,7 +122,7 @@ void TimelineView::replaceChatlog(std::shared_ptr<const TesselChatLog> chatlog,
     const qsizetype current = currentRow();
 
     setChatlog(std::move(chatlog));
-    presentSenders();
+    context_.bubbleColors.present(layout_.chatlog());
     if (current >= 0) keyboard_->setRow(rowOf(current));
     if (selected) {
         select({{rowOf(selected->from.row), selected->from.offset},

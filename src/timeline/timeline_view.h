@@ -138,7 +138,6 @@ class TimelineView final : public QAbstractScrollArea {
     bool dispatch(QEvent& event);
     bool dispatchMouse(const QMouseEvent& event);
     [[nodiscard]] std::optional<RowPlace> placeAt(QPoint point);
-    void presentSenders();
     /// Takes fonts, colours and ratio from the widget, and lays everything out anew.
     void rebuild();
     void pictureChanged(const char* bytes);

@@ -13,6 +13,8 @@
 
 namespace vell {
 
+class TesselChatLog;
+
 class BubbleColors {
   public:
     /// What other participants get, in this order, then again from the start.
@@ -24,6 +26,10 @@ class BubbleColors {
     /// Blueberry for the owner's messages, graphite for those without a sender; neither is
     /// recorded.
     Style::Aqua styleForUser(const std::optional<TesselUserID>& userID, bool isOwn);
+
+    /// Asks for the colours of everyone who wrote in a log, in the order of the events: nothing then
+    /// depends on what happens to be painted first.
+    void present(const TesselChatLog& chatlog);
 
     [[nodiscard]] const QHash<TesselUserID, Style::Aqua>& colorMap() const { return colorMap_; }
     /// The position in styleList that the next new participant gets.

@@ -224,6 +224,21 @@ void LaidOutText::paint(QPainter& painter, QPoint origin, int top, int bottom) c
     }
 }
 
+void LaidOutText::forEachLine(int top, int bottom, const LineVisitor& visit) const {
+    for (qsizetype i = blockAt(top); i < blockCount() && blockTop(i) < bottom; ++i) {
+        if (!isMeasured(i)) continue;
+        const TextBlock& block = blocks_[static_cast<size_t>(i)];
+        const QStringView content = QStringView(text_).sliced(block.start, block.length);
+        const auto blockY = static_cast<int>(blockTop(i));
+        const QTextLayout& lines = layout(i);
+        for (int n = 0; n < lines.lineCount(); ++n) {
+            const QTextLine line = lines.lineAt(n);
+            const int y = blockY + lineTop(line);
+            if (y + lineHeight(line) > top && y < bottom) visit(line, content, blockY);
+        }
+    }
+}
+
 std::vector<QRect> LaidOutText::region(TextRange range, int top, int bottom) const {
     std::vector<QRect> rects;
     const int breakWidth = ceilPixels(lineBreakPoints, format_.ratio);

@@ -11,6 +11,7 @@
 #include <QRect>
 #include <QString>
 #include <QTextLayout>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -41,6 +42,7 @@ class LaidOutText {
     LaidOutText(QString text, TextFormat format, int maxWidth);
 
     [[nodiscard]] const QString& text() const { return text_; }
+    [[nodiscard]] const TextFormat& format() const { return format_; }
     [[nodiscard]] int width() const { return width_; }
     /// Without spacing below the last line.
     [[nodiscard]] int height() const;
@@ -69,6 +71,12 @@ class LaidOutText {
     /// Draws the lines that touch [top, bottom) in the painter's pen, the text's top left corner at
     /// `origin`. The painter counts device pixels.
     void paint(QPainter& painter, QPoint origin, int top, int bottom) const;
+
+    /// Visits the lines that touch [top, bottom), for what isn't drawn by a painter. `content` is
+    /// the text that the line's offsets count in, and its places are points from `top` device
+    /// pixels below the text's upper edge.
+    using LineVisitor = std::function<void(const QTextLine& line, QStringView content, int top)>;
+    void forEachLine(int top, int bottom, const LineVisitor& visit) const;
 
     /// The places of a range on the lines that touch [top, bottom), without the
     /// spacing between lines. A line break that is among them shows on empty lines.
