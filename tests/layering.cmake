@@ -16,9 +16,10 @@ set(transcript foundation)
 set(identity foundation toolkit transcript)
 set(export ${identity} identity)
 set(timeline ${identity} identity)
+set(paper ${timeline} timeline)
 set(library ${identity} identity)
 set(cli ${export} export library)
-set(app ${export} export library timeline)
+set(app ${export} export library paper timeline)
 
 # The order inside a folder that has folders of its own, from the top; "." are the files beside them.
 set(timeline_rooms accessibility . painting input layout saving rows text pictures bubbles)
@@ -34,6 +35,7 @@ set(library_qt Core Gui)
 set(export_qt Core Gui)
 set(cli_qt Core Gui)
 set(timeline_qt Core Gui Widgets)
+set(paper_qt Core Gui)
 set(app_qt Core Gui Widgets DBus Network PrintSupport Xml)
 
 # The other libraries, and the one folder that hides each.

@@ -23,8 +23,9 @@ CommandLine CommandLine::parse(const QStringList& arguments) {
                                          QStringLiteral("Start a separate instance."));
     const QCommandLineOption render(
         QStringLiteral("render"),
-        QStringLiteral("Save a picture of what the window would show, without a display."),
-        QStringLiteral("OUT.png"));
+        QStringLiteral("Save a picture of what the window would show, or the whole chat as a PDF, "
+                       "without a display."),
+        QStringLiteral("OUT.png|OUT.pdf"));
     const QCommandLineOption dark(
         QStringLiteral("dark"),
         QStringLiteral("With --render: use the colours of a dark desktop."));

@@ -12,7 +12,7 @@ namespace vell {
 struct CommandLine {
     QStringList files;  ///< as written
     bool newInstance = false;
-    std::optional<QString> renderTarget;  ///< save a picture of the first file and exit
+    std::optional<QString> renderTarget;  ///< save a picture or a PDF of the first file and exit
     bool isDark = false;                  ///< use the colours of a dark desktop
 
     /// The text and exit code of a command line that opens no window: help, version, errors.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// vell [FILE…]: opens transcripts in windows. With --render it saves a picture of one instead.
+// vell [FILE…]: opens transcripts in windows. With --render it saves a picture or a PDF of one
+// instead.
 
 #include <QApplication>
 #include <QDir>

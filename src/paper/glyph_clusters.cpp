@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include "paper/glyph_clusters.h"
+
+#include <QGlyphRun>
+#include <QTextBoundaryFinder>
+#include <QTextLayout>
+#include <algorithm>
+#include <optional>
+
+namespace vell {
+namespace {
+
+constexpr qreal samePlace = 1.0 / 64;
+
+/// The clusters of a run that has one glyph for each UTF-16 unit of the text; otherwise nothing.
+std::optional<std::vector<GlyphCluster>> plainClusters(const QGlyphRun& run, QStringView text) {
+    const QList<quint32> glyphs = run.glyphIndexes();
+    const QList<QPointF> places = run.positions();
+    if (glyphs.size() != text.size() || !run.rawFont().isValid()) return std::nullopt;
+    QList<quint32> expected = run.rawFont().glyphIndexesForString(text.toString());
+    const bool isReversed = run.isRightToLeft();
+    if (isReversed) std::reverse(expected.begin(), expected.end());
+    if (expected != glyphs) return std::nullopt;
+    std::vector<GlyphCluster> clusters;
+    clusters.reserve(static_cast<size_t>(glyphs.size()));
+    for (qsizetype i = 0; i < glyphs.size(); ++i) {
+        const qsizetype at = isReversed ? glyphs.size() - 1 - i : i;
+        if (text[at].isMark()) return std::nullopt;
+        clusters.push_back({text.sliced(at, 1), places[i], {{glyphs[i], {}, 0}}});
+    }
+    return clusters;
+}
+
+class Collector {
+  public:
+    Collector(const QTextLine& line, QStringView text) : line_(line), text_(text) {}
+
+    LineGlyphs collect() {
+        const qsizetype end =
+            std::min<qsizetype>(line_.textStart() + line_.textLength(), text_.size());
+        QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text_.data(), text_.size());
+        finder.setPosition(line_.textStart());
+        for (qsizetype from = line_.textStart(); from >= 0 && from < end;) {
+            const qsizetype next = finder.toNextBoundary();
+            const qsizetype to = next < 0 ? end : std::min(next, end);
+            add(from, to);
+            from = to;
+        }
+        std::stable_sort(result_.clusters.begin(), result_.clusters.end(),
+                         [](const auto& a, const auto& b) { return a.place.x() < b.place.x(); });
+        return std::move(result_);
+    }
+
+  private:
+    int fontIndex(const QRawFont& font) {
+        const auto known = std::find(result_.fonts.begin(), result_.fonts.end(), font);
+        const auto index = static_cast<int>(known - result_.fonts.begin());
+        if (known == result_.fonts.end()) result_.fonts.push_back(font);
+        return index;
+    }
+
+    void add(qsizetype from, qsizetype to) {
+        GlyphCluster cluster{text_.sliced(from, to - from), {}, {}};
+        for (const QGlyphRun& run :
+             line_.glyphRuns(static_cast<int>(from), static_cast<int>(to - from))) {
+            const int font = fontIndex(run.rawFont());
+            const QList<quint32> glyphs = run.glyphIndexes();
+            const QList<QPointF> places = run.positions();
+            for (qsizetype i = 0; i < glyphs.size(); ++i) {
+                if (cluster.glyphs.empty()) cluster.place = places[i];
+                cluster.glyphs.push_back({glyphs[i], places[i] - cluster.place, font});
+            }
+        }
+        // A letter without a glyph of its own belongs to the one before it in the text.
+        if (isShared(cluster)) {
+            GlyphCluster& last = result_.clusters.back();
+            last.text = QStringView(last.text.data(), cluster.text.data() + cluster.text.size());
+        } else if (!cluster.glyphs.empty()) {
+            result_.clusters.push_back(std::move(cluster));
+        }
+    }
+
+    [[nodiscard]] bool isShared(const GlyphCluster& cluster) const {
+        if (result_.clusters.empty()) return false;
+        if (cluster.glyphs.empty()) return true;
+        const GlyphCluster& last = result_.clusters.back();
+        const QPointF apart = last.place - cluster.place;
+        return last.glyphs.front().index == cluster.glyphs.front().index &&
+               std::abs(apart.x()) < samePlace && std::abs(apart.y()) < samePlace;
+    }
+
+    const QTextLine& line_;
+    QStringView text_;
+    LineGlyphs result_;
+};
+
+}  // namespace
+
+LineGlyphs lineGlyphs(const QTextLine& line, QStringView text) {
+    const qsizetype start = std::min<qsizetype>(line.textStart(), text.size());
+    const qsizetype length = std::min<qsizetype>(line.textLength(), text.size() - start);
+    const QList<QGlyphRun> runs = line.glyphRuns();
+    if (runs.size() == 1) {
+        // What isn't painted is the space at which the line was broken.
+        for (const QStringView content :
+             {text.sliced(start, length), text.sliced(start, length).trimmed()}) {
+            if (auto clusters = plainClusters(runs.first(), content))
+                return {{runs.first().rawFont()}, std::move(*clusters)};
+        }
+    }
+    return Collector(line, text).collect();
+}
+
+}  // namespace vell

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+//
+// Pages as a canvas gets them.
+#include "paper/paginator.h"
+
+#include <gmock/gmock.h>
+
+#include <QLocale>
+#include <QTextLayout>
+
+#include "export/log_builder.h"
+#include "paper/canvas.h"
+#include "paper/page_painter.h"
+#include "timeline/text/laid_out_text.h"
+
+namespace vell {
+namespace {
+
+using namespace Qt::StringLiterals;
+using test::LogBuilder;
+
+/// Notes the lines and frames of the pages that are painted on it.
+class Notes final : public PaperCanvas {
+  public:
+    void fill(const QRect&, const QColor& color, qreal) override { EXPECT_EQ(color.alpha(), 255); }
+    void bubble(const QRect& frame, Style::Aqua, ChatBubbleShape::Direction) override {
+        bubbles.append(frame);
+    }
+    void drawing(const QRect&, const QImage&) override {}
+    void photo(const QRect&, const QImage&, qreal) override {}
+    void text(const LaidOutText& text, QPoint, int from, int to, const QColor& color) override {
+        EXPECT_EQ(color.alpha(), 255);
+        text.forEachLine(from, to, [this](const QTextLine& line, QStringView content, int) {
+            lines.append(content.sliced(line.textStart(), line.textLength()).toString());
+        });
+    }
+    void link(const QRect&, const QString& address) override { links.append(address); }
+
+    QStringList lines;
+    QStringList links;
+    QList<QRect> bubbles;
+};
+
+class Paper {
+  public:
+    explicit Paper(TesselChatLog log)
+        : log_(std::move(log)),
+          setup_(currentPaperSetup(log_, ContactsStore(), u"Title"_s,
+                                   PaperFormat::of(QPageSize(QPageSize::A4)))),
+          context_(setup_),
+          painter_(log_, context_, setup_),
+          paginator_(log_, context_, painter_.rowsSize()) {}
+
+    std::vector<PaperPage> pages(Notes& notes) {
+        std::vector<PaperPage> all;
+        while (auto page = paginator_.next()) {
+            painter_.paint(notes, *page);
+            const PaperRow& last = page->rows.back();
+            EXPECT_LE(last.top + last.layout.height, painter_.rowsSize().height());
+            EXPECT_GE(page->rows.front().layout.icon.top(), 0);
+            all.push_back(std::move(*page));
+        }
+        return all;
+    }
+
+  private:
+    TesselChatLog log_;
+    PaperSetup setup_;
+    PaperContext context_;
+    PagePainter painter_;
+    Paginator paginator_;
+};
+
+TEST(Paginator, BubblesAreWholeAndMarksAndCaptionsStayWithThem) {
+    LogBuilder builder;
+    for (int i = 0; i < 300; ++i) {
+        builder.newMinute().text(u"bob"_s, u"message %1 \n"_s.arg(i).repeated(1 + i % 7));
+        builder.user(u"bob"_s);
+    }
+    Notes notes;
+    const auto pages = Paper(builder.log()).pages(notes);
+    EXPECT_GT(pages.size(), 10u);
+    EXPECT_EQ(notes.bubbles.size(), 300);
+    for (const PaperPage& page : pages) {
+        EXPECT_EQ(page.rows.front().event % 3, 0) << "a mark begins page " << page.number;
+        EXPECT_EQ(page.rows.back().event % 3, 2) << "a caption ends page " << page.number;
+    }
+}
+
+TEST(Paginator, TextsLongerThanAPageAreCutBetweenLines) {
+    for (const bool isSystem : {false, true}) {
+        QStringList lines;
+        for (int i = 0; i < 2000; ++i)
+            lines.append(u"line %1."_s.arg(i));
+        const QString text = lines.join(u'\n');
+        Notes notes;
+        const auto log = isSystem
+                             ? LogBuilder().text(u"bob"_s, u"first"_s).system(text).log()
+                             : LogBuilder().text(u"bob"_s, u"first"_s).text(u"bob"_s, text).log();
+        const auto pages = Paper(log).pages(notes);
+        EXPECT_GT(pages.size(), 20u);
+        EXPECT_EQ(pages.front().rows.size(), 2u) << "a long text begins where there is room";
+        EXPECT_EQ(notes.lines.filter(u"line "_s), lines);
+        EXPECT_EQ(isSystem ? 1 : qsizetype(pages.size()) + 1, notes.bubbles.size());
+    }
+}
+
+TEST(Paginator, OneLetterHigherThanAPageEndsToo) {
+    Notes notes;
+    const auto pages =
+        Paper(LogBuilder().text(u"bob"_s, u"a"_s + QString(9000, QChar(0x0301))).log())
+            .pages(notes);
+    EXPECT_FALSE(pages.empty());
+    EXPECT_TRUE(Paper(LogBuilder().log()).pages(notes).empty());
+}
+
+TEST(PagePainter, OnlyPlainAddressesAreLive) {
+    Notes notes;
+    Paper(LogBuilder()
+              .link(u"bob"_s, u"https://example.org/a"_s, u"one"_s)
+              .link(u"bob"_s, u"javascript:alert(1)"_s, u"two"_s)
+              .link(u"bob"_s, u"file:///etc/passwd"_s, u"three"_s)
+              .log())
+        .pages(notes);
+    EXPECT_EQ(notes.links, QStringList(u"https://example.org/a"_s));
+}
+
+TEST(PaperFormat, LetterIsUsedWhereItIsUsual) {
+    for (const char* name : {"en_US", "en_CA", "fr_CA", "es_MX", "es_CL"})
+        EXPECT_EQ(usualPaper(QLocale(QLatin1StringView(name))).id(), QPageSize::Letter) << name;
+    for (const char* name : {"C", "de_DE", "en_GB", "he_IL", "ja_JP", "pt_BR"})
+        EXPECT_EQ(usualPaper(QLocale(QLatin1StringView(name))).id(), QPageSize::A4) << name;
+}
+
+}  // namespace
+}  // namespace vell

@@ -1,0 +1,123 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""Reads PDFs that vell writes with other programs: every message is in them once and in order,
+with the days as outline and with live links.
+
+usage: pdf_test.py VELL VELL-EXPORT MAKE-ARCHIVE FOLDER…  with transcripts in all scripts
+"""
+
+import collections
+import json
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unicodedata
+
+VELL, EXPORT, ARCHIVE = sys.argv[1:4]
+MESSAGES = 2000
+NEAR = 1000  # characters between two messages: captions, times, headings of pages
+
+failures = []
+
+
+def check(condition, complaint):
+    if not condition:
+        failures.append(complaint)
+        print("FAILED:", complaint)
+
+
+def run(*command):
+    done = subprocess.run(command, capture_output=True, timeout=300, check=False)
+    check(done.returncode == 0, f"{command[0]} ended with {done.returncode}: {done.stderr[-500:]}")
+    return done.stdout
+
+
+def plain(text):
+    """The text without blanks and without characters that aren't seen."""
+    def is_seen(c):
+        return not c.isspace() and unicodedata.category(c) not in ("Cf", "Cc") and c != "\ufffc"
+    return "".join(filter(is_seen, text))
+
+
+def is_mixed(text):
+    return any(unicodedata.bidirectional(c) in ("R", "AL", "AN") for c in text)
+
+
+def messages(transcript):
+    """The texts that the timeline shows in bubbles and lines, and the addresses of its links."""
+    texts, links = [], []
+    for line in run(EXPORT, "--format", "jsonl", transcript).decode().split("\n")[:-1]:
+        event = json.loads(line)
+        text = event.get("title") or event.get("text")
+        if text and plain(text):
+            texts.append(text)
+        if event.get("url"):
+            links.append(event["url"])
+    return texts, links
+
+
+def check_texts(name, texts, shown):
+    at, room = 0, NEAR
+    for text in texts:
+        room += len(text)
+        if is_mixed(text):
+            # Readers of PDFs disagree on the order of words in both directions on one line.
+            for word in re.findall(r"\w+", text):
+                check(plain(word) in shown[at : at + room], f"{name}: no {word!r} in its place")
+            room += NEAR
+            continue
+        text = plain(text)
+        found = shown.find(text, at)
+        check(0 <= found < at + room, f"{name}: no {text[:60]!r} in its place")
+        at, room = max(found, at) + len(text), NEAR
+    straight = [plain(text) for text in texts if not is_mixed(text)]
+    everything = "\n".join(straight)
+    for text, count in collections.Counter(t for t in straight if len(t) > 30).items():
+        if everything.count(text) == count:
+            check(shown.count(text) == count, f"{name}: {text[:60]!r} {shown.count(text)} times")
+
+
+def check_document(name, transcript, folder):
+    pdf = folder / "out.pdf"
+    run(VELL, "--render", pdf, transcript)
+    complaints = run("qpdf", "--check", pdf).decode()
+    check("No syntax or stream encoding errors" in complaints, f"{name}: {complaints}")
+    texts, links = messages(transcript)
+    check_texts(name, texts, plain(run("pdftotext", "-raw", pdf, "-").decode()))
+
+    objects = json.loads(run("qpdf", "--json", "--json-key=outlines", "--json-key=pages", pdf))
+    years = objects["outlines"]
+    check(not texts or years[0]["kids"][0]["kids"], f"{name}: an outline by year, month and day")
+    check(all(entry["destpageposfrom1"] for entry in years), f"{name}: entries lead to pages")
+    shown_links = run("pdfinfo", "-url", pdf).decode()
+    for link in links:
+        if link.startswith(("http:", "https:", "mailto:")):
+            check(link in shown_links, f"{name}: no link to {link}")
+    title = run("pdfinfo", pdf).decode()
+    check(pathlib.Path(transcript).stem in title, f"{name}: no title in {title}")
+    return len(objects["pages"])
+
+
+def main():
+    missing = [tool for tool in ("qpdf", "pdftotext", "pdfinfo") if not shutil.which(tool)]
+    if missing:
+        print("skipped: there is no", ", ".join(missing))
+        sys.exit(77)
+    with tempfile.TemporaryDirectory() as temporary:
+        folder = pathlib.Path(temporary)
+        for place in sys.argv[4:]:
+            for transcript in sorted(pathlib.Path(place).glob("*.ichat")):
+                check_document(transcript.stem, transcript, folder)
+        run(ARCHIVE, folder / "archive", "1", str(MESSAGES), "2")
+        made = next((folder / "archive").rglob("*.ichat"))
+        pages = check_document("many messages", made, folder)
+        check(pages > MESSAGES / 40, f"only {pages} pages")
+        gone = subprocess.run([VELL, "--render", "/dev/full/out.pdf", made], capture_output=True)
+        check(gone.returncode == 1 and b"can't be written" in gone.stderr, "a target that isn't there")
+    sys.exit(bool(failures))
+
+
+main()
