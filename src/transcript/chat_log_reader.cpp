@@ -19,6 +19,7 @@
 #include "transcript/archived_classes.h"
 #include "transcript/chat_log.h"
 #include "transcript/chat_timeline.h"
+#include "transcript/conversion.h"
 #include "transcript/run.h"
 #include "transcript/user_id_table.h"
 
@@ -328,6 +329,11 @@ TesselChatLog TesselChatLog::fromData(const foundation::Data& data, std::optiona
         if (log) log->writeln(u"Out of memory.");
         throw;
     }
+}
+
+TesselChatLog convertTimeline(iChatTimeline timeline, qsizetype fileSize,
+                              std::optional<Date> fileDate, const foundation::Calendar& calendar) {
+    return Conversion(std::move(timeline), fileSize, fileDate, calendar).run();
 }
 
 TesselChatLog TesselChatLog::fromFile(const QString& path, const foundation::Calendar& calendar,

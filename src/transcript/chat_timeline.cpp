@@ -79,18 +79,6 @@ iChatTimeline fromArray(const Array& values, ReadFourth readFourth) {
     return result;
 }
 
-/// Estimates the log that the messages will make, and refuses one out of all proportion to the
-/// file: a few bytes can name one message a million times. The root array must be released before.
-void measureLog(iChatTimeline& timeline, qsizetype fileSize) {
-    constexpr quint64 budgetPerByte = 16;
-    constexpr quint64 baseBudget = quint64(64) << 20;
-    timeline.logSize = estimateLogSize(timeline.messages);
-    if (timeline.logSize.bytes <= static_cast<quint64>(fileSize) * budgetPerByte + baseBudget)
-        return;
-    throw foundation::coderError(foundation::CoderErrorCode::readCorrupt,
-                                 u"the messages expand to more than their data can hold"_s);
-}
-
 }  // namespace
 
 const char* iChatTimeline::NoRootObjectError::what() const noexcept {
@@ -134,7 +122,7 @@ iChatTimeline iChatTimeline::fromData(const foundation::Data& data, TesselLoadLo
     values.reset();
     root = Value();
     try {
-        measureLog(result, data.size());
+        result.measureLog(data.size());
     } catch (const foundation::Error& error) {
         if (log) log->logKeyedArchivedError(error);
         throw;
@@ -173,12 +161,22 @@ iChatTimeline iChatTimeline::fromNonKeyedData(const foundation::Data& data,
     values.reset();
     root.object = Value();
     try {
-        measureLog(result, data.size());
+        result.measureLog(data.size());
     } catch (const foundation::Error& error) {
         if (log) log->writeln(error.description());
         throw;
     }
     return result;
+}
+
+/// The root array must be released before.
+void iChatTimeline::measureLog(qsizetype fileSize) {
+    constexpr quint64 budgetPerByte = 16;
+    constexpr quint64 baseBudget = quint64(64) << 20;
+    logSize = estimateLogSize(messages);
+    if (logSize.bytes <= static_cast<quint64>(fileSize) * budgetPerByte + baseBudget) return;
+    throw foundation::coderError(foundation::CoderErrorCode::readCorrupt,
+                                 u"the messages expand to more than their data can hold"_s);
 }
 
 bool operator==(const iChatTimeline& a, const iChatTimeline& b) {

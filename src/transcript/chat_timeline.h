@@ -73,6 +73,9 @@ struct iChatTimeline {
     QString unknown7;
     std::vector<std::shared_ptr<const InstantMessage>> messages;
     std::vector<std::shared_ptr<const Presentity>> participants;
+    /// Estimates logSize. Throws foundation::Error when the log would be out of all proportion to
+    /// the file: a few bytes can name one message a million times.
+    void measureLog(qsizetype fileSize);
     /// What the messages will take as events; known once the timeline was read from data.
     LogSize logSize;
 

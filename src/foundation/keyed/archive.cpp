@@ -44,6 +44,14 @@ Archive::Archive(const Data& data) : list_(openList(data)), fileSize_(quint64(da
         throw incomprehensibleArchiveError(data);
 }
 
+Archive::Archive(BinaryPropertyList list, Ref objects)
+    : list_(std::move(list)),
+      fileSize_(quint64(list_.data().size())),
+      objects_(list_.node(objects)) {
+    if (objects_.kind() != Kind::array || objects_.count() > elementLimit(fileSize_))
+        throw incomprehensibleArchiveError(list_.data());
+}
+
 Ref Archive::find(const Node& dictionary, std::string_view key) const {
     if (dictionary.kind() != Kind::dictionary) return none;
     const QByteArrayView wanted(key.data(), qsizetype(key.size()));

@@ -20,6 +20,8 @@ class Archive {
   public:
     /// Reads either form of property list. Throws Error when the data holds no keyed archive.
     explicit Archive(const Data& data);
+    /// An archive of which only the array of its objects is known.
+    Archive(BinaryPropertyList list, Ref objects);
 
     [[nodiscard]] const BinaryPropertyList& list() const { return list_; }
     /// The bytes of the file; every budget is a multiple of it.

@@ -65,6 +65,7 @@ Value Decoder::decodeObject(quint64 uid, const Demand& demand) {
     const State state = states_[uid];
     if (state == State::done) return slots_[uid];
     if (state == State::inProgress) return {};
+    if (state == State::broken) throw brokenValueError(demand.key);
     const Node node = archive_.object(uid);
     // Plain values are let through even where their class is not allowed.
     if (node.kind() != Kind::dictionary) return decodePrimitive(node, demand.key);
@@ -80,12 +81,25 @@ Value Decoder::decodeObject(quint64 uid, const Demand& demand) {
 
 Value Decoder::decodeNewInstance(quint64 uid, const Instance& instance, const Demand& demand) {
     const ClassInfo& info = classOf(instance, demand);
-    if (demand.part && *demand.part != info.kind) return {};
+    if (demand.part && *demand.part != info.kind) {
+        if (requiresWhole_) throw brokenValueError(demand.key);
+        return {};
+    }
     if (depth_ >= depthLimit) throw excessError("levels of nesting");
     budgets_.steps.spend(1);
     const State before = std::exchange(states_[uid], State::inProgress);
     ++depth_;
-    Value value = build(instance, info);
+    const Instance* const enclosing = current_;
+    Value value;
+    try {
+        if (requiresWhole_) requireWhole(instance.dictionary(), demand.key);
+        value = build(instance, info);
+    } catch (...) {
+        --depth_;
+        current_ = enclosing;
+        states_[uid] = State::broken;
+        throw;
+    }
     --depth_;
     states_[uid] = value.isNothing() ? State::nothing : before;
     if (auto object = value.object<Object>()) {
@@ -93,6 +107,27 @@ Value Decoder::decodeNewInstance(quint64 uid, const Instance& instance, const De
         states_[uid] = demand.part ? State::unchecked : State::done;
     }
     return value;
+}
+
+void Decoder::requireWhole(const Node& dictionary, std::string_view key) const {
+    const BinaryPropertyList& list = archive_.list();
+    for (quint64 i = 0; i < dictionary.count(); ++i) {
+        const Kind name = list.node(list.key(dictionary, i)).kind();
+        const Kind value = list.node(list.value(dictionary, i)).kind();
+        if ((name != Kind::asciiString && name != Kind::utf16String) || value == Kind::invalid)
+            throw brokenValueError(key);
+    }
+}
+
+const ClassInfo* Decoder::knownClass(quint64 uid) {
+    const Node node = archive_.object(uid);
+    if (node.kind() != Kind::dictionary) return nullptr;
+    try {
+        const quint64 record = archive_.uid(Instance(node, layouts_).classRef());
+        return record == none ? nullptr : classRecord(record).info;
+    } catch (const Error&) {
+        return nullptr;
+    }
 }
 
 Value Decoder::decodePrimitive(const Node& node, std::string_view key) {

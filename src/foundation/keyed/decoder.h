@@ -36,6 +36,13 @@ class Decoder {
     Value decodeTop(std::string_view key);
     /// The value under the key in the instance of an application class that is being decoded.
     Value decodeKey(std::string_view key);
+    /// From now on an instance with an unreadable part is an error, also where that part would
+    /// not be missed: for damaged archives, in which nothing may look complete that isn't.
+    void requireWholeInstances() { requiresWhole_ = true; }
+    /// The class of an object; null when it has none that is known.
+    const ClassInfo* knownClass(quint64 uid);
+    /// The object of that UID. Throws Error; the other objects can be decoded all the same.
+    Value decodeUid(quint64 uid) { return decodeObject(uid, {"NS.objects"}); }
     /// A text without its first units, made once for all that share the text.
     QString withoutPrefix(const QString& text, qsizetype length);
 
@@ -55,6 +62,7 @@ class Decoder {
         unchecked,   ///< decoded, its class was not checked
         done,        ///< decoded and checked
         nothing,     ///< decoded, without a result
+        broken,      ///< its decoding failed
         attributes,  ///< a dictionary of which only Attributes were read
     };
 
@@ -75,11 +83,13 @@ class Decoder {
     DerivedTexts derivedTexts_;
     const Instance* current_ = nullptr;
     int depth_ = 0;
+    bool requiresWhole_ = false;
 
     // decoder.cpp: references and slots
     Value decodeValue(Ref value, const Demand& demand);
     Value decodeObject(quint64 uid, const Demand& demand);
     Value decodeNewInstance(quint64 uid, const Instance& instance, const Demand& demand);
+    void requireWhole(const Node& dictionary, std::string_view key) const;
     Value decodePrimitive(const Node& node, std::string_view key);
     Value build(const Instance& instance, const ClassInfo& info);
     Value initApplicationObject(const Instance& instance, const ClassInfo& info);

@@ -126,16 +126,23 @@ StreamValue Reader::readObject() {
     if (head == nilMark) return StreamValue::of(Kind::nil, '@');
     StreamValue result = StreamValue::of(Kind::object, '@');
     if (head == newMark) {
+        const char* const start = stream_.position();
+        const size_t untrusted = untrustedParts_;
         result.number = addEntry({});
         const ClassRecord* cls = readClass();
         if (!cls) throw MalformedArchive();
         if (result.number == 0)
             rootClassName_ = QByteArray(cls->name.data(), static_cast<qsizetype>(cls->name.size()));
+        if (wanted_ && cls->info == wanted_)
+            begun_.push_back({result.number, strings_.size(), stream_.position()});
         enter();
         readObjectBody(result.number, *cls);
         leave();
+        if (!mended_.empty() && (untrustedParts_ != untrusted || holdsMended(start)))
+            untrusted_.insert(result.number);
     } else {
-        result.number = readReference(head, table_.size());
+        result.number = readReference(head, certainObjects());
+        if (!untrusted_.empty() && untrusted_.contains(result.number)) ++untrustedParts_;
         if (table_[result.number].kind > ObjectTable::Kind::dictionary) throw MalformedArchive();
     }
     result.height = table_[result.number].height;
@@ -169,7 +176,7 @@ StreamValue Reader::readCString() {
         string = *body;
         addEntry({.kind = ObjectTable::Kind::cString, .index = string});
     } else {
-        const auto& entry = table_[readReference(head, table_.size())];
+        const auto& entry = table_[readReference(head, certainObjects())];
         if (entry.kind != ObjectTable::Kind::cString) throw MalformedArchive();
         string = entry.index;
     }
@@ -192,7 +199,7 @@ const ClassRecord* Reader::classAt(quint32 number) const {
 const ClassRecord* Reader::readClass() {
     const quint8 head = stream_.byte();
     if (head == nilMark || head == newMark) return readNewClass(head);
-    return classAt(readReference(head, table_.size()));
+    return classAt(readReference(head, certainObjects()));
 }
 
 /// A class is written with its superclasses, up to nil or to one that is known. All of them are
@@ -208,7 +215,7 @@ const ClassRecord* Reader::readNewClass(quint8 head) {
         addEntry({.kind = ObjectTable::Kind::unfinishedClass});
     }
     const ClassRecord* superclass = nullptr;
-    if (head != nilMark) superclass = classAt(readReference(head, table_.size()));
+    if (head != nilMark) superclass = classAt(readReference(head, certainObjects()));
     for (auto i = static_cast<quint32>(names.size()); i-- > 0;)
         superclass = &addClass(first + i, names[i], superclass);
     return superclass;
@@ -234,7 +241,7 @@ const ClassRecord& Reader::addClass(quint32 number, quint32 name, const ClassRec
 /// Nothing for nil.
 std::optional<quint32> Reader::readSharedString(quint8 head) {
     if (head == nilMark) return std::nullopt;
-    if (head != newMark) return readReference(head, strings_.size());
+    if (head != newMark) return readReference(head, certainStrings());
     budget_.spendWorking(growthFactor * sizeof(SharedString));
     strings_.push_back({.text = stream_.unsharedString()});
     return static_cast<quint32>(strings_.size() - 1);

@@ -6,9 +6,11 @@
 // rebuilder when it ends, so one pass over the archive is enough.
 
 #include <deque>
+#include <limits>
 #include <optional>
 #include <span>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "foundation/non_keyed/budget.h"
@@ -32,6 +34,22 @@ class Reader {
     [[nodiscard]] QByteArray rootClassName() const { return rootClassName_; }
     /// The next group of the top level; valid until the next call.
     std::span<const StreamValue> readGroup();
+    /// What can be read of a damaged archive, where readRoot() fails.
+    struct Salvage {
+        struct Instance {
+            Value value;
+            bool followsGap = false;
+        };
+        Value first;                        ///< of the root's elements
+        std::vector<Instance> instances;    ///< of the wanted class, in the order of the archive
+        std::optional<qint64> storedCount;  ///< of the collection that holds them
+        qint64 breakOffset = 0;             ///< in the bytes
+        bool endsInGap = false;
+    };
+    /// Reads up to the first break, and behind it every instance of the class that refers only to
+    /// what was numbered before: the numbers of what follows a break are unknown.
+    /// An object with one of the mended bytes, offsets in ascending order, is lost as well.
+    Salvage salvage(const ClassInfo& wanted, std::vector<qsizetype> mended);
     [[nodiscard]] bool atEnd() const { return stream_.remaining() == 0; }
 
   private:
@@ -40,6 +58,13 @@ class Reader {
         // As a type string, its operations; none until it is used as one.
         quint32 firstOp = 0;
         quint32 endOp = 0;
+    };
+
+    /// Of the wanted class, while salvaging.
+    struct Begun {
+        quint32 number;
+        size_t strings;        ///< numbered before it
+        const char* position;  ///< behind its class
     };
 
     void readGroupOf(quint32 types, bool keeps);
@@ -71,6 +96,22 @@ class Reader {
         values_.push_back(value);
     }
     void makeRoomForValues();
+    [[nodiscard]] bool isFinished(const Begun& begun) const {
+        return table_[begun.number].kind == ObjectTable::Kind::object;
+    }
+    [[nodiscard]] bool isSound(const Begun& begun) const {
+        return isFinished(begun) && !untrusted_.contains(begun.number);
+    }
+    [[nodiscard]] bool holdsMended(const char* start) const;
+    void noteCollection(Salvage& salvage);
+    [[nodiscard]] QByteArray instanceHead() const;
+    void salvageBehindBreak(Salvage& salvage);
+    [[nodiscard]] size_t certainObjects() const {
+        return std::min<size_t>(table_.size(), certainObjects_);
+    }
+    [[nodiscard]] size_t certainStrings() const {
+        return std::min(strings_.size(), certainStrings_);
+    }
     void enter();
     void leave() { --nesting_; }
 
@@ -97,6 +138,16 @@ class Reader {
     size_t maximumElements_;
     QByteArray rootClassName_;
     int nesting_ = 0;
+
+    // Of salvage().
+    const ClassInfo* wanted_ = nullptr;
+    std::vector<Begun> begun_;
+    std::vector<qsizetype> mended_;
+    std::unordered_set<quint32> untrusted_;  ///< objects with a mended byte or such a part
+    size_t untrustedParts_ = 0;              ///< references to them
+    /// What is numbered behind a break can't be referred to.
+    size_t certainObjects_ = std::numeric_limits<size_t>::max();
+    size_t certainStrings_ = std::numeric_limits<size_t>::max();
 };
 
 }  // namespace foundation::non_keyed

@@ -30,6 +30,10 @@ class TypedStream {
     /// Reads the header. The data must outlive the stream.
     explicit TypedStream(const Data& data);
 
+    [[nodiscard]] const char* position() const { return position_; }
+    /// Goes on at a position inside the data.
+    void moveTo(const char* position) { position_ = position; }
+    [[nodiscard]] bool isBigEndian() const { return isBigEndian_; }
     [[nodiscard]] quint64 remaining() const { return static_cast<quint64>(end_ - position_); }
     /// Reads the next byte if it is the mark.
     bool takes(Mark mark) {
