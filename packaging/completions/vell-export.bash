@@ -2,7 +2,8 @@
 _vell_export() {
     local current=$2 previous=$3
     local options='--format --output --output-dir --force --update --report --expand --byte-order-mark
-        --pictures --files0-from --check --contacts --time-zone --locale --load-log --verbose --quiet --version --help'
+        --pictures --files0-from --check --contacts --time-zone --locale --recover
+        --load-log --verbose --quiet --version --help'
     # "--format=j" comes as three words.
     if [[ ${COMP_WORDS[COMP_CWORD]} == = ]]; then
         current=

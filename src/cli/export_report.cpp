@@ -53,6 +53,7 @@ void ExportReport::add(const ExportJob& job, const ExportResult& result) {
     if (result.kind == Kind::failed) addFailure(result.reason);
     if (result.kind == Kind::skipped) ++skipped_;
     if (result.kind == Kind::converted) ++converted_;
+    if (result.kind == Kind::recovered) ++recovered_;
     messages_ += result.messages;
     if (!document_) return;
     JsonWriter& writer = document_->writer;
@@ -67,7 +68,8 @@ void ExportReport::add(const ExportJob& job, const ExportResult& result) {
     writer.key("result");
     switch (result.kind) {
         case Kind::converted:
-            writer.ascii("converted");
+        case Kind::recovered:
+            writer.ascii(result.kind == Kind::converted ? "converted" : "recovered");
             writer.key("messages");
             writer.number(result.messages);
             break;
@@ -99,6 +101,10 @@ void ExportReport::finish() {
     writer.endArray();
     writer.key("converted");
     writer.number(converted_);
+    if (recovered_ > 0) {
+        writer.key("recovered");
+        writer.number(recovered_);
+    }
     writer.key("skipped");
     writer.number(skipped_);
     writer.key("failed");
@@ -117,8 +123,9 @@ QString ExportReport::table() const {
     for (auto reason = reasons_.cbegin(); reason != reasons_.cend(); ++reason)
         reasons.emplace_back(-reason.value(), reason.key());
     std::sort(reasons.begin(), reasons.end());
-    QString text =
-        row(u"Converted"_s, converted_) + row(u"Skipped"_s, skipped_) + row(u"Failed"_s, failed_);
+    QString text = row(u"Converted"_s, converted_);
+    if (recovered_ > 0) text += row(u"Recovered"_s, recovered_);
+    text += row(u"Skipped"_s, skipped_) + row(u"Failed"_s, failed_);
     qint64 others = failed_;
     for (std::size_t i = 0; i < std::min(reasons.size(), mostReasons); ++i) {
         const auto& [count, reason] = reasons[i];

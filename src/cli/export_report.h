@@ -17,7 +17,7 @@
 namespace vell {
 
 struct ExportResult {
-    enum class Kind { converted, skipped, failed };
+    enum class Kind { converted, recovered, skipped, failed };
     Kind kind = Kind::failed;
     qint64 messages = 0;
     QString reason{};  ///< why it failed, in plain words
@@ -34,6 +34,7 @@ class ExportReport {
     /// Completes the file.
     void finish();
 
+    [[nodiscard]] bool hasRecovered() const { return recovered_ > 0; }
     [[nodiscard]] bool hasFailures() const { return failed_ > 0; }
     /// Some lines; the most frequent reasons first.
     [[nodiscard]] QString table() const;
@@ -49,6 +50,7 @@ class ExportReport {
     };
     std::unique_ptr<Document> document_;
     qint64 converted_ = 0;
+    qint64 recovered_ = 0;  ///< with what was left of them
     qint64 skipped_ = 0;
     qint64 failed_ = 0;
     qint64 messages_ = 0;

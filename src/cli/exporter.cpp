@@ -23,6 +23,7 @@ namespace {
 constexpr int exitSuccess = 0;
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
+constexpr int exitRecovered = 3;
 constexpr int exitDuplicate = 3;
 constexpr int exitNotATranscript = 4;
 constexpr int exitDamaged = 5;
@@ -86,7 +87,7 @@ ExportPlan Exporter::plan() {
     return plan;
 }
 
-bool Exporter::run() {
+int Exporter::run() {
     reportFolders();
     if (output_.isStream() || plan_.jobs.size() < 2)
         exportInOrder();
@@ -95,7 +96,8 @@ bool Exporter::run() {
     progress_.clear();
     report_.finish();
     if ((plan_.hasFolders || options_.update) && !options_.quiet) writeError(report_.table());
-    return !report_.hasFailures();
+    if (report_.hasFailures()) return exitFailure;
+    return report_.hasRecovered() ? exitRecovered : exitSuccess;
 }
 
 void Exporter::reportFolders() {
@@ -155,7 +157,7 @@ int runExport(const QStringList& arguments) {
     try {
         const Options options = parseOptions(arguments);
         if (options.checks) return exitStatus(Checker(options).run());
-        return Exporter(options).run() ? exitSuccess : exitFailure;
+        return Exporter(options).run();
     } catch (const Information& information) {
         return printInformation(information);
     } catch (const WriteError& error) {

@@ -27,8 +27,8 @@ class Exporter {
     Exporter(const Exporter&) = delete;
     Exporter& operator=(const Exporter&) = delete;
 
-    /// Exports all files. Returns whether all succeeded.
-    bool run();
+    /// Exports all files. Returns the exit status.
+    int run();
 
   private:
     const Options& options_;

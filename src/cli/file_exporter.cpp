@@ -9,6 +9,7 @@
 #include "export/expansion.h"
 #include "export/message.h"
 #include "foundation/plain_reason.h"
+#include "recovery/recovery.h"
 #include "transcript/load_log.h"
 
 namespace vell {
@@ -51,6 +52,7 @@ bool FileExporter::addDiagnostic(QStringView line) {
 ExportedFile FileExporter::run(const ExportJob& job) {
     current = this;
     file_ = {job, {}, {}};
+    isRecovered_ = false;
     try {
         exportOne();
     } catch (const WriteError& error) {
@@ -85,9 +87,20 @@ std::optional<TesselChatLog> FileExporter::read(Input& input) {
         reason =
             wasRead && input.bytes.isEmpty() ? u"it is empty"_s : foundation::plainReason(error);
     }
+    if (options_.recovers && !input.bytes.isEmpty())
+        if (auto result = recovered(input)) return result;
     fail(reason);
     if (log) file_.diagnostics += log->grabLog();
     return std::nullopt;
+}
+
+/// What is left of a damaged transcript.
+std::optional<TesselChatLog> FileExporter::recovered(const Input& input) {
+    auto result = recovery::recoverChatLog(input.bytes, input.date, context_.calendar());
+    if (!result) return std::nullopt;
+    report(result->summary());
+    isRecovered_ = true;
+    return std::move(result->log);
 }
 
 void FileExporter::write(const Input& input, const TesselChatLog& log) {
@@ -105,7 +118,8 @@ void FileExporter::write(const Input& input, const TesselChatLog& log) {
         if (written != all)
             throw WriteError{u"only %1 of %2 messages could be written"_s.arg(written).arg(all)};
     });
-    file_.result = {ExportResult::Kind::converted, all, {}};
+    using Kind = ExportResult::Kind;
+    file_.result = {isRecovered_ ? Kind::recovered : Kind::converted, all, {}};
     if (options_.verbose) report(all == 1 ? u"1 message"_s : u"%1 messages"_s.arg(all));
 }
 

@@ -45,10 +45,12 @@ class FileExporter {
     Output& output_;
     const bool isForSeveral_;
     const FormatContext context_;
-    ExportedFile file_;  // the one at hand
+    ExportedFile file_;         // the one at hand
+    bool isRecovered_ = false;  // it
 
     void exportOne();
     [[nodiscard]] std::optional<TesselChatLog> read(Input& input);
+    [[nodiscard]] std::optional<TesselChatLog> recovered(const Input& input);
     void write(const Input& input, const TesselChatLog& log);
     void refuseExpansion(const Input& input, const TesselChatLog& log,
                          const std::function<qint64(const ByteSink&)>& writeTo) const;

@@ -61,6 +61,8 @@ QString helpText() {
            "      --time-zone ZONE  time zone of days and times, such as Europe/Berlin\n"
            "                        (default: yours)\n"
            "      --locale LOCALE   language and style of dates, such as en_GB (default: yours)\n"
+           "      --recover         of a damaged file, export the messages that can be read;\n"
+           "                        the document says so, and what is missing where\n"
            "      --load-log        for a file that can't be read, print what was tried\n"
            "  -v, --verbose         print how many messages each document has\n"
            "  -q, --quiet           report failures only\n"
@@ -68,9 +70,9 @@ QString helpText() {
            "  -h, --help            print this help\n"
            "\n"
            "In a folder, documents are named after their files, in the folders of those that were\n"
-           "found. Exit status: 0 success, 1 a file couldn't be read or written, 2 wrong usage; "
-           "after\n"
-           "--check the worst of 3 a duplicate, 4 not a transcript, 5 damaged, 1 unreadable.\n"_s;
+           "found. Exit status: 0 success, 1 a file couldn't be read or written, 2 wrong usage,\n"
+           "3 some were recovered in part; after --check the worst of 3 a duplicate, 4 not a\n"
+           "transcript, 5 damaged, 1 unreadable.\n"_s;
 }
 
 struct Arguments {
@@ -88,6 +90,7 @@ struct Arguments {
     const QCommandLineOption contacts{u"contacts"_s, {}, u"FILE"_s};
     const QCommandLineOption timeZone{u"time-zone"_s, {}, u"ZONE"_s};
     const QCommandLineOption locale{u"locale"_s, {}, u"LOCALE"_s};
+    const QCommandLineOption recover{u"recover"_s};
     const QCommandLineOption loadLog{u"load-log"_s};
     const QCommandLineOption verbose{{u"v"_s, u"verbose"_s}};
     const QCommandLineOption quiet{{u"q"_s, u"quiet"_s}};
@@ -96,9 +99,9 @@ struct Arguments {
     QCommandLineParser parser;
 
     explicit Arguments(const QStringList& arguments) {
-        parser.addOptions({format, output, outputDir, force, update, report, expand, byteOrderMark,
-                           pictures, files0From, check, contacts, timeZone, locale, loadLog,
-                           verbose, quiet, version, help});
+        parser.addOptions({format,        output,   outputDir,  force, update,   report,   expand,
+                           byteOrderMark, pictures, files0From, check, contacts, timeZone, locale,
+                           recover,       loadLog,  verbose,    quiet, version,  help});
         // The parser takes its first argument for the program's name.
         if (!parser.parse(QStringList(u"vell-export"_s) + arguments))
             throw UsageError{parser.errorText()};
@@ -218,6 +221,7 @@ Options parseOptions(const QStringList& arguments) {
         .verbose = parser.isSet(given.verbose),
         .quiet = parser.isSet(given.quiet),
         .printsLoadLog = parser.isSet(given.loadLog),
+        .recovers = parser.isSet(given.recover),
         .contacts = parser.values(given.contacts),
         .calendar = chosenCalendar(given),
         .dateLocale = chosenDateLocale(given),

@@ -34,7 +34,8 @@ struct Options {
     bool verbose = false;
     bool quiet = false;
     bool printsLoadLog = false;
-    QStringList contacts;  ///< vCard files
+    bool recovers = false;  ///< what is left of damaged files
+    QStringList contacts;   ///< vCard files
     foundation::Calendar calendar;
     QByteArray dateLocale;
 };

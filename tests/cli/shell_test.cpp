@@ -225,6 +225,19 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         {"v --check a.ichat", 2, "", "--check writes no documents, so --format means nothing\n"},
         {"vell-export --check a.ichat > /dev/full", 1, "",
          "standard output: No space left on device\n"},
+        // Recovering: the file ends inside the table behind its last object
+        {"head -c -40 a.ichat >cut.ichat; r() { vell-export -q --recover -d out \"$@\" 2>e; echo "
+         "$?; "
+         "}\n"
+         "r --report report cut.ichat b.ichat; cut -c 1-57 e; grep -o "
+         "'[a-z]*ed\",\"messages\":[0-9]' "
+         "report\n"
+         "grep -c 'Recovered 1 of about 1 message;' out/cut.md out/b.md; r --force bad.ichat "
+         "cut.ichat",
+         0,
+         "3\nvell-export: cut.ichat: Recovered 1 of about 1 message; t\n"
+         "recovered\",\"messages\":2\nconverted\",\"messages\":1\nout/cut.md:1\nout/b.md:0\n1\n",
+         ""},
         // Failures
         {"v -d out bad.ichat nothing a.ichat; ls out", 0, "a.json\n",
          "vell-export: nothing: No such file or directory\n"},
