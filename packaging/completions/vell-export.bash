@@ -2,7 +2,7 @@
 _vell_export() {
     local current=$2 previous=$3
     local options='--format --output --output-dir --force --update --report --expand --byte-order-mark
-        --pictures --files0-from --check --contacts --time-zone --locale --recover
+        --pictures --attachments --files0-from --check --contacts --time-zone --locale --recover
         --load-log --verbose --quiet --version --help'
     # "--format=j" comes as three words.
     if [[ ${COMP_WORDS[COMP_CWORD]} == = ]]; then
@@ -16,7 +16,7 @@ _vell_export() {
             mapfile -t COMPREPLY < <(compgen -W 'markdown md text txt html json jsonl csv' -- "$current")
             ;;
         --pictures)
-            mapfile -t COMPREPLY < <(compgen -W 'embed none' -- "$current")
+            mapfile -t COMPREPLY < <(compgen -W 'embed folder none' -- "$current")
             ;;
         --time-zone)
             mapfile -t COMPREPLY < <(compgen -W "$(awk '!/^#/ { print $3 }' \
@@ -29,7 +29,7 @@ _vell_export() {
             compopt -o filenames 2>/dev/null
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
             ;;
-        -d | --output-dir)
+        -d | --output-dir | --attachments)
             compopt -o filenames 2>/dev/null
             mapfile -t COMPREPLY < <(compgen -d -- "$current")
             ;;

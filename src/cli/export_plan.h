@@ -22,6 +22,8 @@ struct ExportJob {
     /// Of a file that was found: its folder as it is mirrored, beginning with the name of the
     /// folder that was given.
     QString folder{};
+    /// What is made of it, as a path without an extension below whatever it is made in; unique.
+    QString name{};
     QString document{};  ///< where the document goes; empty in a stream
     qint64 size = 0;     ///< of the file
 };

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/folders.h"
 #include "cli/standard_streams.h"
 #include "foundation/local_path.h"
 
@@ -17,11 +18,6 @@ namespace {
 constexpr std::size_t mostReasons = 10;
 constexpr int numberWidth = 10;
 constexpr mode_t permissions = 0600;  // it names private files
-
-QByteArray folderOf(const QByteArray& path) {
-    const auto slash = path.lastIndexOf('/');
-    return slash < 0 ? QByteArray(".") : path.first(std::max<qsizetype>(slash, 1));
-}
 
 QString row(const QString& what, qint64 count) {
     return u"%1%2\n"_s.arg(what, -numberWidth).arg(count, numberWidth);

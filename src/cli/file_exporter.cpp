@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "cli/attachment_writer.h"
 #include "cli/standard_streams.h"
 #include "export/expansion.h"
 #include "export/message.h"
@@ -104,16 +105,18 @@ std::optional<TesselChatLog> FileExporter::recovered(const Input& input) {
 }
 
 void FileExporter::write(const Input& input, const TesselChatLog& log) {
-    const DocumentSource source{.log = log,
-                                .context = context_,
-                                .file = input.name,
-                                .followsAnother = output_.followsAnother(),
-                                .hasByteOrderMark = options_.byteOrderMark,
-                                .hasPictures = options_.pictures != Pictures::none};
+    DocumentSource source{.log = log,
+                          .context = context_,
+                          .file = input.name,
+                          .followsAnother = output_.followsAnother(),
+                          .hasByteOrderMark = options_.byteOrderMark,
+                          .pictures = options_.pictures};
     const auto writeTo = [&](const ByteSink& sink) { return options_.format->write(source, sink); };
     if (!options_.expand) refuseExpansion(input, log, writeTo);
     const qint64 all = messageCount(log);
     output_.write(file_.job, input, [&](Sink& sink) {
+        if (options_.writesAttachments())
+            source.attachments = AttachmentWriter(options_, file_.job, input).write(log);
         const qint64 written = writeTo([&sink](QByteArrayView bytes) { sink.write(bytes); });
         if (written != all)
             throw WriteError{u"only %1 of %2 messages could be written"_s.arg(written).arg(all)};

@@ -52,7 +52,11 @@ QString helpText() {
            "      --report FILE     write what became of each file to FILE, as JSON\n"
            "      --expand          also write documents that are far larger than their files\n"
            "      --byte-order-mark  begin CSV with a mark, which some spreadsheets need\n"
-           "      --pictures HOW    pictures in HTML: embed (the default) or none\n"
+           "      --pictures HOW    pictures in HTML: embed (the default), folder (beside the "
+           "page)\n"
+           "                        or none\n"
+           "      --attachments DIR  write pictures and files into folders below this one, which\n"
+           "                        documents refer to\n"
            "      --files0-from LIST  export the files named in LIST, each name terminated by\n"
            "                        a null byte; \"-\" is standard input\n"
            "      --check           write nothing; print a verdict on each file: fine, damaged,\n"
@@ -85,6 +89,7 @@ struct Arguments {
     const QCommandLineOption expand{u"expand"_s};
     const QCommandLineOption byteOrderMark{u"byte-order-mark"_s};
     const QCommandLineOption pictures{u"pictures"_s, {}, u"HOW"_s};
+    const QCommandLineOption attachments{u"attachments"_s, {}, u"DIR"_s};
     const QCommandLineOption files0From{u"files0-from"_s, {}, u"LIST"_s};
     const QCommandLineOption check{u"check"_s};
     const QCommandLineOption contacts{u"contacts"_s, {}, u"FILE"_s};
@@ -99,9 +104,10 @@ struct Arguments {
     QCommandLineParser parser;
 
     explicit Arguments(const QStringList& arguments) {
-        parser.addOptions({format,        output,   outputDir,  force, update,   report,   expand,
-                           byteOrderMark, pictures, files0From, check, contacts, timeZone, locale,
-                           recover,       loadLog,  verbose,    quiet, version,  help});
+        parser.addOptions({format,   output,        outputDir, force,       update,     report,
+                           expand,   byteOrderMark, pictures,  attachments, files0From, check,
+                           contacts, timeZone,      locale,    recover,     loadLog,    verbose,
+                           quiet,    version,       help});
         // The parser takes its first argument for the program's name.
         if (!parser.parse(QStringList(u"vell-export"_s) + arguments))
             throw UsageError{parser.errorText()};
@@ -119,9 +125,13 @@ const Format* chosenFormat(const Arguments& given) {
 
 Pictures chosenPictures(const Arguments& given) {
     const QString how = given.parser.value(given.pictures);
+    const bool isGiven = given.parser.isSet(given.pictures);
     if (how == u"none") return Pictures::none;
-    if (how == u"embed" || !given.parser.isSet(given.pictures)) return Pictures::embed;
-    throw UsageError{u"pictures are embedded or left out: --pictures embed|none"_s};
+    if (how == u"folder" || (!isGiven && given.parser.isSet(given.attachments)))
+        return Pictures::folder;
+    if (how == u"embed" || !isGiven) return Pictures::embed;
+    throw UsageError{
+        u"pictures are embedded, in a folder or left out: --pictures embed|folder|none"_s};
 }
 
 foundation::Calendar chosenCalendar(const Arguments& given) {
@@ -185,6 +195,11 @@ void chooseOutput(const Arguments& given, Options& options) {
     options.outputIsFolder = parser.isSet(given.outputDir) || options.output.endsWith(u'/');
     if (options.update && options.output == u"-")
         throw UsageError{u"--update needs files to compare with: --output or --output-dir"_s};
+    if (options.pictures == Pictures::folder && options.attachments.isEmpty() &&
+        options.output == u"-")
+        throw UsageError{u"pictures in a folder need one: --output-dir or --attachments"_s};
+    if (parser.isSet(given.attachments) && options.attachments.isEmpty())
+        throw UsageError{u"the folder for attachments has no name"_s};
     if (parser.isSet(given.report) && options.report.isEmpty())
         throw UsageError{u"the report has no name"_s};
 }
@@ -192,7 +207,7 @@ void chooseOutput(const Arguments& given, Options& options) {
 /// What only documents have.
 void refuseOutput(const Arguments& given) {
     for (const auto* option : {&given.format, &given.output, &given.outputDir, &given.force,
-                               &given.update, &given.report}) {
+                               &given.update, &given.report, &given.attachments}) {
         if (given.parser.isSet(*option))
             throw UsageError{u"--check writes no documents, so --%1 means nothing"_s.arg(
                 option->names().last())};
@@ -218,6 +233,7 @@ Options parseOptions(const QStringList& arguments) {
         .expand = parser.isSet(given.expand),
         .byteOrderMark = parser.isSet(given.byteOrderMark),
         .pictures = chosenPictures(given),
+        .attachments = parser.value(given.attachments),
         .verbose = parser.isSet(given.verbose),
         .quiet = parser.isSet(given.quiet),
         .printsLoadLog = parser.isSet(given.loadLog),

@@ -13,12 +13,6 @@
 
 namespace vell {
 
-/// What becomes of pictures in formats that show them.
-enum class Pictures {
-    embed,
-    none,
-};
-
 struct Options {
     bool checks = false;             ///< instead of writing documents
     const Format* format = nullptr;  ///< never null
@@ -31,6 +25,11 @@ struct Options {
     bool expand = false;  ///< also out of all proportion
     bool byteOrderMark = false;
     Pictures pictures = Pictures::embed;
+    QString attachments;  ///< the folder for pictures and files; empty for none
+    /// Whether something is written beside documents.
+    [[nodiscard]] bool writesAttachments() const {
+        return !attachments.isEmpty() || (pictures == Pictures::folder && format->showsPictures);
+    }
     bool verbose = false;
     bool quiet = false;
     bool printsLoadLog = false;

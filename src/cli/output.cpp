@@ -6,11 +6,9 @@
 #include <unistd.h>
 
 #include <QFileInfo>
-#include <algorithm>
-#include <cerrno>
-#include <filesystem>
 #include <optional>
 
+#include "cli/folders.h"
 #include "cli/temporary_file.h"
 #include "foundation/local_path.h"
 
@@ -59,24 +57,9 @@ mode_t ordinaryPermissions() {
     return 0666 & ~masked;
 }
 
-QByteArray folderOf(const QByteArray& path) {
-    const auto slash = path.lastIndexOf('/');
-    return slash < 0 ? QByteArray(".") : path.first(std::max<qsizetype>(slash, 1));
-}
-
-/// Makes the folder, and those above it, as private as the folders that they mirror.
-void makeFolder(const QByteArray& path, const QByteArray& mirrored) {
-    if (statusOf(path)) return;
-    makeFolder(folderOf(path), folderOf(mirrored));
-    const auto model = statusOf(mirrored);
-    const mode_t permissions = model ? model->st_mode & 0777 : 0777;
-    if (::mkdir(path.constData(), permissions | S_IRWXU) != 0 && errno != EEXIST)
-        throw WriteError{u"the folder can't be created: "_s + systemReason()};
-}
-
 }  // namespace
 
-QString OutputNames::pathFor(const ExportJob& job, const QString& extension) {
+QString OutputNames::nameFor(const ExportJob& job) {
     QString name = u"stdin"_s;
     if (job.file != u"-") {
         const QFileInfo info(foundation::localPath(job.file));
@@ -91,7 +74,7 @@ QString OutputNames::pathFor(const ExportJob& job, const QString& extension) {
     for (int number = 2; taken_.contains(unique); ++number)
         unique = name + u'-' + QString::number(number);
     taken_.insert(unique);
-    return unique + u'.' + extension;
+    return unique;
 }
 
 Output::Output(const Options& options, ExportPlan& plan)
@@ -103,13 +86,14 @@ Output::Output(const Options& options, ExportPlan& plan)
     } catch (const WriteError& error) {
         throw WriteError{displayName() + u": "_s + error.reason};
     }
-    if (isStream()) return;
+    const QString extension = QString::fromLatin1(options.format->extension);
     OutputNames names;
     for (ExportJob& job : plan.jobs) {
-        job.document = options.output;
+        job.name = names.nameFor(job);
         if (isFolder_)
-            job.document +=
-                u'/' + names.pathFor(job, QString::fromLatin1(options.format->extension));
+            job.document = options.output + u'/' + job.name + u'.' + extension;
+        else if (!isStream())
+            job.document = options.output;
     }
 }
 
@@ -141,11 +125,7 @@ void Output::openFolder(const QString& name) {
     const QByteArray path = pathBytes(name);
     if (const auto status = statusOf(path); status && !S_ISDIR(status->st_mode))
         throw UsageError{name + u" is not a folder"_s};
-    std::error_code error;
-    std::filesystem::create_directories(path.toStdString(), error);
-    if (error)
-        throw WriteError{u"the folder can't be created: "_s +
-                         QString::fromStdString(error.message())};
+    createFolder(path);
     isFolder_ = true;
 }
 
@@ -206,7 +186,7 @@ void Output::writeToFile(const ExportJob& job, const Input& input, const Write& 
     else if (input.permissions)
         permissions = *input.permissions & 0666;
 
-    if (!job.folder.isEmpty()) makeFolder(folderOf(path), folderOf(pathBytes(job.file)));
+    if (!job.folder.isEmpty()) mirrorFolder(folderOf(path), folderOf(pathBytes(job.file)));
     TemporaryFile temporary(folderOf(path));
     Sink sink(temporary.descriptor());
     write(sink);

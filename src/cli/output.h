@@ -24,10 +24,9 @@ namespace vell {
 /// Names for documents below one folder, unique within one run.
 class OutputNames {
   public:
-    /// The path of the document made of this job's file: in the folder that mirrors the file's own,
-    /// if there is one, under the file's name without the extension ("stdin" for "-"), with "-2"
-    /// and so on when that is taken, and the extension given.
-    QString pathFor(const ExportJob& job, const QString& extension);
+    /// In the folder that mirrors that of the job's file, if there is one, the file's own name
+    /// without the extension ("stdin" for "-"), with "-2" and so on when that is taken.
+    QString nameFor(const ExportJob& job);
 
   private:
     QSet<QString> taken_;

@@ -16,7 +16,8 @@ namespace {
 
 qint64 markdown(const DocumentSource& source, const ByteSink& output) {
     const FormatContext& context = source.context;
-    return writeMarkdown(source.log, context.contacts(), output, context.settings());
+    return writeMarkdown(source.log, context.contacts(), output, context.settings(),
+                         source.attachments);
 }
 
 qint64 text(const DocumentSource& source, const ByteSink& output) {
@@ -46,7 +47,7 @@ qint64 html(const DocumentSource& source, const ByteSink& output) {
     return writeHtmlPage(
         source.log, source.context, output,
         {.title = source.file == u"-" ? QString() : QFileInfo(source.file).completeBaseName(),
-         .hasPictures = source.hasPictures,
+         .pictures = source.pictures,
          .attachments = source.attachments});
 }
 

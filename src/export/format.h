@@ -43,6 +43,13 @@ class FormatContext {
     mutable std::optional<TextRenderSettings> settings_;
 };
 
+/// What becomes of pictures in formats that show them.
+enum class Pictures {
+    embed,
+    folder,  ///< among the attachments
+    none,
+};
+
 /// One document: what it is made of, and what its format may need to know besides.
 struct DocumentSource {
     const TesselChatLog& log;
@@ -51,7 +58,7 @@ struct DocumentSource {
     AttachmentPaths attachments{};  ///< of what was written beside the document
     bool followsAnother = false;    ///< in the same stream and format
     bool hasByteOrderMark = false;  ///< in formats that may have one
-    bool hasPictures = true;        ///< in formats that show them
+    Pictures pictures = Pictures::embed;
 };
 
 struct Format {

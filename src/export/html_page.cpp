@@ -7,7 +7,6 @@
 #include <chrono>
 
 #include "export/chat_log_visitor.h"
-#include "export/format.h"
 #include "export/html_style.h"
 #include "toolkit/link_schemes.h"
 
@@ -73,6 +72,7 @@ class PageWriter final : public ChatLogVisitor {
     QSet<QString> days_;     // that an anchor leads to
     bool isInText_ = false;  // of a message; in a bubble unless it is a system message
     bool isSystem_ = false;
+    QString attachment_;  // where the piece at hand was written; empty where it wasn't
 
     void head();
     void header();
@@ -84,7 +84,9 @@ class PageWriter final : public ChatLogVisitor {
     void endText();
     void endBlock();
     void link(const QString& address, QStringView words);
-    void embedded(const TesselChatLog::Image& image, const QString& name);
+    [[nodiscard]] bool isDrawn(const TesselChatLog::Image& image) const;
+    void drawn(const TesselChatLog::Image& image, const QString& name);
+    void embed(const TesselChatLog::Image& image);
     void fileText(const QString& words);
 };
 
@@ -111,7 +113,7 @@ void PageWriter::head() {
         "style-src 'sha256-");
     out_.append(QByteArrayView(hash));
     out_.append("'; img-src data:");
-    if (!options_.attachments.isEmpty()) out_.append(" 'self'");
+    if (options_.pictures == Pictures::folder) out_.append(" 'self'");
     out_.append(
         "; base-uri 'none'; form-action 'none'\">\n"
         "<meta name=\"referrer\" content=\"no-referrer\">\n"
@@ -218,6 +220,7 @@ void PageWriter::pieces(Message message) {
     bool hasAny = false;
     PieceReader reader(message);
     while (const std::optional<Piece> piece = reader.next()) {
+        attachment_ = attachmentAddress(options_.attachments.value(piece->sequence));
         std::visit(*this, piece->content);
         hasAny = true;
     }
@@ -260,13 +263,19 @@ void PageWriter::link(const QString& address, QStringView words) {
 void PageWriter::operator()(const TesselChatLog::Image* image) {
     endText();
     const QString name = pictureName(picturePath(*image));
-    if (options_.hasPictures && isShownByBrowsers(image->image().format))
-        embedded(*image, name);
+    if (isDrawn(*image))
+        drawn(*image, name);
     else
         fileText(QStringLiteral("Picture: ") + name);
 }
 
-void PageWriter::embedded(const TesselChatLog::Image& image, const QString& name) {
+bool PageWriter::isDrawn(const TesselChatLog::Image& image) const {
+    if (!isShownByBrowsers(image.image().format)) return false;
+    return options_.pictures == Pictures::embed ||
+           (options_.pictures == Pictures::folder && !attachment_.isEmpty());
+}
+
+void PageWriter::drawn(const TesselChatLog::Image& image, const QString& name) {
     out_.append("<div class=\"bubble picture\"><img alt=\"");
     appendHtml(out_, name, HtmlPlace::attribute);
     if (const auto& size = image.image().pixelSize; size && !isTurned(image.image())) {
@@ -275,7 +284,15 @@ void PageWriter::embedded(const TesselChatLog::Image& image, const QString& name
         out_.append("\" height=\"");
         out_.appendNumber(size->height());
     }
-    out_.append("\" src=\"data:");
+    out_.append("\" src=\"");
+    options_.pictures == Pictures::embed ? embed(image)
+                                         : appendHtml(out_, attachment_, HtmlPlace::attribute);
+    out_.append("\">");
+    endBlock();
+}
+
+void PageWriter::embed(const TesselChatLog::Image& image) {
+    out_.append("data:");
     out_.append(QByteArrayView(foundation::mimeType(image.image().format)));
     out_.append(";base64,");
     constexpr qsizetype bytesAtOnce = 3 << 13;  // three bytes are four characters
@@ -284,8 +301,6 @@ void PageWriter::embedded(const TesselChatLog::Image& image, const QString& name
         const QByteArrayView piece = bytes.sliced(at, std::min(bytesAtOnce, bytes.size() - at));
         out_.append(QByteArrayView(QByteArray::fromRawData(piece.data(), piece.size()).toBase64()));
     }
-    out_.append("\">");
-    endBlock();
 }
 
 void PageWriter::operator()(const TesselChatLog::File* file) {
@@ -295,7 +310,13 @@ void PageWriter::operator()(const TesselChatLog::File* file) {
 
 void PageWriter::fileText(const QString& words) {
     out_.append("<div class=\"file\" dir=\"auto\">");
+    if (!attachment_.isEmpty()) {
+        out_.append("<a href=\"");
+        appendHtml(out_, attachment_, HtmlPlace::attribute);
+        out_.append("\">");
+    }
     appendHtml(out_, words);
+    if (!attachment_.isEmpty()) out_.append("</a>");
     endBlock();
 }
 

@@ -2,22 +2,20 @@
 // SPDX-License-Identifier: MIT
 //
 // A chat log as one HTML file that looks like the timeline, light or dark as the reader prefers. It
-// needs nothing else: pictures and styles are in it, there is no script, and a policy in its head
-// forbids whatever it doesn't hold. Texts, names and addresses come from other people, so all of
-// them pass appendHtml().
+// needs nothing else, unless its pictures are to be beside it: styles are in it, there is no
+// script, and a policy in its head forbids whatever else. Texts, names and addresses come from
+// other people, so all of them pass appendHtml().
 
 #include "export/attachment_paths.h"
 #include "export/byte_buffer.h"
+#include "export/format.h"
 #include "export/text_sink.h"
 
 namespace vell {
 
-class FormatContext;
-class TesselChatLog;
-
 struct HtmlPageOptions {
     QString title;
-    bool hasPictures = true;  ///< embedded, unless they are among the attachments
+    Pictures pictures = Pictures::embed;
     AttachmentPaths attachments{};
 };
 

@@ -21,8 +21,12 @@ constexpr qsizetype longestKeptHeading = 256;
 class Renderer final : public ChatLogVisitor {
   public:
     Renderer(const TesselChatLog& log, const ContactsStore& contacts,
-             const TextRenderSettings& settings, TextSink& sink)
-        : log_(log), contacts_(contacts), settings_(settings), sink_(sink) {}
+             const TextRenderSettings& settings, const AttachmentPaths& attachments, TextSink& sink)
+        : log_(log),
+          contacts_(contacts),
+          settings_(settings),
+          attachments_(attachments),
+          sink_(sink) {}
 
     void session(const TesselChatLog::Session& session) override;
     void newDay(const Event& event) override;
@@ -41,6 +45,7 @@ class Renderer final : public ChatLogVisitor {
     const TesselChatLog& log_;
     const ContactsStore& contacts_;
     const TextRenderSettings& settings_;
+    const AttachmentPaths& attachments_;
     TextSink& sink_;
     QString& out_{sink_.text()};
     MarkdownWriter writer_{sink_};
@@ -50,6 +55,8 @@ class Renderer final : public ChatLogVisitor {
     bool followsBody_ = false;
     /// What comes after the piece at hand.
     Next next_ = Next::blockEnd;
+    /// Where the piece at hand was written; empty where it wasn't.
+    QString attachment_;
 
     void heading(QStringView linePrefix, QStringView prefix, QStringView text,
                  QStringView lineSuffix);
@@ -151,6 +158,7 @@ void Renderer::pieces(Message message) {
         next_ = !following ? Next::blockEnd : following->needsOwnLine ? Next::line : Next::more;
         if (piece->needsOwnLine && !writer_.isAtLineStart() && !piece->beginsWithLineBreak())
             writer_.lineBreak();
+        attachment_ = attachmentAddress(attachments_.value(piece->sequence));
         std::visit(*this, piece->content);
         sink_.endPiece();
         piece = std::move(following);
@@ -167,11 +175,12 @@ void Renderer::operator()(const TesselChatLog::Link* link) {
 
 void Renderer::operator()(const TesselChatLog::Image* image) {
     const QString path = picturePath(*image);
-    writer_.image(pictureName(path), path);
+    writer_.image(pictureName(path), attachment_.isEmpty() ? path : attachment_);
 }
 
 void Renderer::operator()(const TesselChatLog::File* file) {
-    writer_.literal(fileLine(*file->wrapper), next_);
+    const QString line = fileLine(*file->wrapper);
+    attachment_.isEmpty() ? writer_.literal(line, next_) : writer_.link(attachment_, line);
 }
 
 }  // namespace
@@ -180,15 +189,17 @@ QString generatePlainText(const TesselChatLog& log, const ContactsStore& contact
                           const TextRenderSettings& settings) {
     TextSink sink;
     sink.text().reserve(static_cast<qsizetype>(log.events().size()) * unitsPerEvent);
-    Renderer renderer(log, contacts, settings, sink);
+    const AttachmentPaths none;
+    Renderer renderer(log, contacts, settings, none, sink);
     visit(log, renderer);
     return sink.take();
 }
 
 qint64 writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts,
-                     const ByteSink& output, const TextRenderSettings& settings) {
+                     const ByteSink& output, const TextRenderSettings& settings,
+                     const AttachmentPaths& attachments) {
     TextSink sink(output);
-    Renderer renderer(log, contacts, settings, sink);
+    Renderer renderer(log, contacts, settings, attachments, sink);
     const qint64 messages = visit(log, renderer);
     sink.passOn();
     return messages;

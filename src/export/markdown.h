@@ -3,6 +3,7 @@
 //
 // A chat log as Markdown.
 
+#include "export/attachment_paths.h"
 #include "export/text_render_settings.h"
 #include "export/text_sink.h"
 
@@ -19,6 +20,7 @@ class TesselChatLog;
 /// What the output throws passes through.
 qint64 writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts,
                      const ByteSink& output,
-                     const TextRenderSettings& settings = TextRenderSettings());
+                     const TextRenderSettings& settings = TextRenderSettings(),
+                     const AttachmentPaths& attachments = {});
 
 }  // namespace vell

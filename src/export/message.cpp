@@ -55,6 +55,7 @@ bool Piece::beginsWithLineBreak() const {
 
 std::optional<Piece> PieceReader::next() {
     while (index_ < message_.size()) {
+        const qint64 sequence = message_[index_].sequence;
         std::optional<Piece::Content> content = std::visit(ContentOf(), message_[index_++].value);
         if (!content) continue;
         if (auto* text = std::get_if<QString>(&*content)) {
@@ -63,7 +64,7 @@ std::optional<Piece> PieceReader::next() {
         }
         const bool isFile = std::holds_alternative<const TesselChatLog::File*>(*content);
         const bool followsFile = std::exchange(followsFile_, isFile);
-        return Piece{*std::move(content), isFile || followsFile};
+        return Piece{*std::move(content), isFile || followsFile, sequence};
     }
     return std::nullopt;
 }

@@ -23,6 +23,7 @@ struct Piece {
                                  const TesselChatLog::File*>;
     Content content;
     bool needsOwnLine = false;  ///< a file, or what comes after one
+    qint64 sequence = 0;        ///< of its first event
 
     /// Whether it is text that starts on a new line by itself.
     [[nodiscard]] bool beginsWithLineBreak() const;

@@ -13,6 +13,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import urllib.parse
 import xml.etree.ElementTree
 
 export, hostile_chat, schema_path, *all_files = sys.argv[1:]
@@ -80,8 +81,9 @@ class Page(html.parser.HTMLParser):
     SCHEMES = ("http:", "https:", "mailto:", "ftp:", "aim:", "xmpp:", "facetime:", "tel:")
     EMPTY = ("meta", "br", "img")
 
-    def __init__(self, text):
+    def __init__(self, text, attachments=()):
         super().__init__()
+        self.attachments, self.attached = attachments, set()
         self.messages, self.titles, self.names, self.faults, self.ids = {}, [], [], [], []
         self.policy, self.style, self.open = "", "", []
         self.feed(text)
@@ -92,10 +94,13 @@ class Page(html.parser.HTMLParser):
         values = dict(attributes)
         if tag not in self.ELEMENTS or not values.keys() <= self.ATTRIBUTES:
             self.faults.append((tag, attributes))
-        if not values.get("href", "http:").lower().startswith(self.SCHEMES):
-            self.faults.append(values["href"])
-        if not values.get("src", "data:image/").startswith("data:image/"):
-            self.faults.append(values["src"])
+        for name, allowed in (("href", self.SCHEMES), ("src", "data:image/")):
+            address = values.get(name, "")
+            path = urllib.parse.unquote(address)
+            if path in self.attachments and not re.search("[:?#]", address):
+                self.attached.add(path)
+            elif address and not address.lower().startswith(allowed):
+                self.faults.append(address)
         if values.get("http-equiv") == "Content-Security-Policy":
             self.policy = values["content"]
         if "id" in values:
@@ -247,6 +252,49 @@ class Formats(unittest.TestCase):
                     self.assertEqual(shown, text)
         without = run("-f", "html", "--pictures", "none", file=self.hostile)
         self.assertNotIn(b"<img", without)
+
+    def test_attachments_are_where_documents_say(self):
+        for file in self.files:
+            with self.subTest(file), tempfile.TemporaryDirectory() as folder:
+                documents = {}
+                for name in ("json", "csv", "html", "markdown"):
+                    run("-f", name, "-d", f"{folder}/out", "--attachments", f"{folder}/files", file=file)
+                for path in os.listdir(f"{folder}/out"):
+                    with open(f"{folder}/out/{path}", encoding="utf-8", newline="") as document:
+                        documents[os.path.splitext(path)[1]] = document.read()
+                attached = {event["sequence"]: event for event in json.loads(documents[".json"])["events"]
+                            if "attachment" in event}
+                paths = {event["attachment"] for event in attached.values()}
+                for place, _, names in os.walk(f"{folder}/files"):
+                    for name in names:
+                        path = os.path.relpath(os.path.join(place, name), f"{folder}/out")
+                        self.assertTrue(path in paths or os.path.dirname(path) in paths, path)
+                for event in content_of(file):
+                    if event["kind"] not in ("image", "file") or event["byteCount"] is None:
+                        continue
+                    path = os.path.join(folder, "out", attached[event["sequence"]]["attachment"])
+                    with open(path, "rb") as stored:
+                        self.assertEqual(hashlib.sha256(stored.read()).hexdigest(), event["sha256"])
+                times = {event["attachment"]: [] for event in attached.values()
+                         if event["byteCount"] is not None}
+                for event in attached.values():
+                    if event["attachment"] in times:
+                        times[event["attachment"]].append(event["secondsSinceReferenceDate"])
+                for path, dates in times.items():
+                    written = os.stat(os.path.join(folder, "out", path)).st_mtime - 978307200
+                    self.assertTrue(any(abs(written - date) < 1 for date in dates))
+                rows = csv.DictReader(io.StringIO(documents[".csv"], newline=""))
+                addresses = {int(row["sequence"]): undone(row["address"]) for row in rows}
+                for sequence, event in attached.items():
+                    self.assertEqual(addresses[sequence], event["attachment"])
+                page = Page(documents[".html"], paths)
+                self.assertEqual((page.faults, page.attached), ([], paths))
+                tree = subprocess.run(["cmark", "-t", "xml"], input=documents[".md"].encode(),
+                                      capture_output=True, check=True).stdout
+                linked = {urllib.parse.unquote(node.get("destination"))
+                          for node in xml.etree.ElementTree.fromstring(tree).iter()
+                          if node.get("destination")}
+                self.assertLessEqual(paths, linked)
 
     def test_documents_in_one_stream_are_one_table(self):
         two = subprocess.run([export, "-f", "csv", "--byte-order-mark", files[0], self.hostile],

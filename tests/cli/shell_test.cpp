@@ -37,6 +37,13 @@ QByteArray transcriptThatExpands() {
     return writers::keyedTranscript(result);
 }
 
+QByteArray transcriptWithFile() {
+    writers::Transcript result{.service = u"AIM"_s, .people = {{u"ann"_s}}};
+    result.messages.push_back(
+        {.sender = 0, .date = 1000, .body = {writers::attached(u"../c t.txt"_s, "meow\n")}});
+    return writers::keyedTranscript(result);
+}
+
 /// A folder with an empty folder "out" and some files to export.
 class Shell : public testing::Test {
   protected:
@@ -54,6 +61,7 @@ class Shell : public testing::Test {
             {"long", transcript(QString(200'000, u'x'))},
             {"warn.ichat", transcriptWithoutContent()},
             {"bad.ichat", "nothing"},
+            {"file.ichat", transcriptWithFile()},
             {"x/expands", expanding_},
             {"x/empty", writers::keyedTranscript({.service = u"AIM"_s})},
             {"old", "old"}};
@@ -127,7 +135,7 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         // Files and folders
         {"v -fjson -qo new a.ichat; cat new", 0, "<a>", ""},
         {"v -o new a.ichat b.ichat; ls", 0,
-         "a.ichat\nb.ichat\nbad.ichat\nlong\nold\nout\n"
+         "a.ichat\nb.ichat\nbad.ichat\nfile.ichat\nlong\nold\nout\n"
          "warn.ichat\nx\n",
          "new is not a folder; several files need one (--output-dir)\n"},
         {"v -o new a.ichat a.ichat", 2, "", "new is not a folder"},
@@ -176,6 +184,33 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
          "touch -d 2001-01-01 t/2009/a.ichat; v -qd out --update t/2009; cat out/2009/a.json",
          0, "<b>", ""},
         {"v --update a.ichat", 2, "", "--update needs files"},
+        // Attachments
+        {"chmod 640 file.ichat; mkdir t; cp -p file.ichat t; chmod 700 t; umask 022\n"
+         "v -qd out --attachments x/new t; cat x/new/t/file/*; cd x/new; TZ=UTC stat -c '%a %n' t "
+         "t/* t/*/*\n"
+         "TZ=UTC stat -c %y t/*/* | cut -d. -f1; grep -o 'attachment\":\"[^\"]*' "
+         "../../out/t/file.json",
+         0,
+         "meow\n700 t\n750 t/file\n640 t/file/c t.txt\n2001-01-01 00:16:40\n"
+         "attachment\":\"../../x/new/t/file/c t.txt\n",
+         ""},
+        {"for i in 1 2 3; do v --attachments out file.ichat | grep -o 'attachment\":\"[^\"]*'\n"
+         "test $i = 2 || echo MEOW > 'out/file/c t.txt'; done; head out/file/*",
+         0,
+         "attachment\":\"out/file/c t.txt\nattachment\":\"out/file/2 c t.txt\n"
+         "attachment\":\"out/file/2 c t.txt\n==> out/file/2 c t.txt <==\nmeow\n\n"
+         "==> out/file/c t.txt <==\nMEOW\n",
+         ""},
+        {"vell-export -f html --attachments out file.ichat | grep -o 'href=.*[)]'\n"
+         "vell-export --attachments out file.ichat | grep File",
+         0,
+         "href=\"out/file/c%20t.txt\">File: ..c t.txt (5 bytes)\n"
+         "[File: ..c t.txt (5 bytes)](<out/file/c%20t.txt>)\n",
+         ""},
+        {"v -d out --attachments old file.ichat; ls out", 0, "",
+         "out/file.json: old/file: the folder can't be created: Not a directory\n"},
+        {"vell-export -f html --pictures folder file.ichat", 2, "",
+         "pictures in a folder need one"},
         // Reports
         {"tree; umask 022; v -qd out --report r t 2>&-; cat r; stat -c %a r; ls -A | grep -c vell",
          1,

@@ -16,8 +16,8 @@
 #include "timeline/fixture.h"
 #include "timeline/saving/data_item_provider.h"
 #include "timeline/saving/private_files.h"
-#include "timeline/saving/safe_file_name.h"
 #include "timeline/saving/saving.h"
+#include "toolkit/safe_file_name.h"
 
 namespace vell {
 namespace {

@@ -13,7 +13,7 @@
 #include "app/documents/selection_data.h"
 #include "export/expansion.h"
 #include "export/markdown.h"
-#include "timeline/saving/safe_file_name.h"
+#include "toolkit/safe_file_name.h"
 #include "transcript/content_types.h"
 
 namespace vell {

@@ -11,7 +11,7 @@
 #include "foundation/print.h"
 #include "timeline/rows/row_text.h"
 #include "timeline/saving/private_files.h"
-#include "timeline/saving/safe_file_name.h"
+#include "toolkit/safe_file_name.h"
 
 namespace vell {
 namespace {

@@ -12,7 +12,7 @@
 
 #include "timeline/saving/data_item_provider.h"
 #include "timeline/saving/private_files.h"
-#include "timeline/saving/safe_file_name.h"
+#include "toolkit/safe_file_name.h"
 
 namespace vell {
 namespace {

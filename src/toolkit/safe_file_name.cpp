@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "timeline/saving/safe_file_name.h"
+#include "toolkit/safe_file_name.h"
 
 #include <QList>
 #include <algorithm>
