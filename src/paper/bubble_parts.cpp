@@ -8,7 +8,7 @@ namespace vell {
 namespace {
 
 constexpr qreal ratio = PaperFormat::ratio;
-constexpr int overlap = 1;
+constexpr int overlap = 6;
 
 QImage onWhite(const QImage& image) {
     QImage result = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);

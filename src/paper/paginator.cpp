@@ -32,8 +32,19 @@ void resizeText(RowLayout& layout, int textHeight) {
 
 }  // namespace
 
-Paginator::Paginator(const TesselChatLog& chatlog, PaperContext& context, QSize size)
-    : chatlog_(chatlog), context_(context), size_(size) {}
+Paginator::Paginator(const TesselChatLog& chatlog, PaperContext& context, QSize size,
+                     PageStart start, int number)
+    : chatlog_(chatlog), context_(context), size_(size), event_(start.event), number_(number) {
+    if (start.textTop == 0 || !fill()) return;
+    PaperRow& row = waiting_.front().row;
+    resizeText(row.layout, row.layout.content.height() - start.textTop);
+    row.textTop = start.textTop;
+}
+
+PageStart Paginator::start() const {
+    if (waiting_.empty()) return {event_, 0};
+    return {waiting_.front().row.event, waiting_.front().row.textTop};
+}
 
 bool Paginator::fill() {
     const auto& events = chatlog_.events();
@@ -48,6 +59,7 @@ bool Paginator::fill() {
             std::make_shared<const TimelineRowView>(event, TimelineRowView::isOwn(event, chatlog_));
         RowLayout layout = context_.measure(*view, size_.width());
         if (layout.height <= 0) continue;
+        // A page may also begin with the caption of a message on the one before.
         hasContent = hasContent || !(std::holds_alternative<Log::NewDay>(event.value) ||
                                      std::holds_alternative<Log::NewMinute>(event.value) ||
                                      std::holds_alternative<Log::Session>(event.value));
@@ -102,7 +114,7 @@ std::optional<PaperPage> Paginator::next() {
         waiting_.pop_front();
     }
     if (page.rows.empty()) return std::nullopt;
-    page.number = ++pages_;
+    page.number = number_++;
     return page;
 }
 

@@ -34,13 +34,23 @@ struct PaperPage {
     std::vector<PaperRow> rows;
 };
 
+/// Where a page begins: at an event, or this far down in its text.
+struct PageStart {
+    qsizetype event = 0;
+    int textTop = 0;
+};
+
 class Paginator {
   public:
-    /// Borrows all; the size is that of a page's rows, in device pixels.
-    Paginator(const TesselChatLog& chatlog, PaperContext& context, QSize size);
+    /// Borrows log and context; the size is that of a page's rows, in device pixels. Begins with
+    /// the page of this number, which starts there.
+    Paginator(const TesselChatLog& chatlog, PaperContext& context, QSize size, PageStart start = {},
+              int number = 1);
 
     /// The next page; nothing after the last. An empty chat has none.
     [[nodiscard]] std::optional<PaperPage> next();
+    /// Where the next page begins.
+    [[nodiscard]] PageStart start() const;
     /// How many events have been laid out.
     [[nodiscard]] qsizetype done() const { return event_; }
 
@@ -61,7 +71,7 @@ class Paginator {
     PaperContext& context_;
     QSize size_;
     qsizetype event_ = 0;
-    int pages_ = 0;
+    int number_;
     std::deque<Waiting> waiting_;
 };
 

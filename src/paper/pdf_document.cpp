@@ -53,14 +53,18 @@ bool isMessage(const TesselChatLog& chatlog, const PaperRow& row) {
 }  // namespace
 
 PdfResult writePdf(const TesselChatLog& chatlog, const PaperSetup& setup, QIODevice& device,
-                   const PaperProgress& progress) {
+                   const PaperProgress& progress, const PageRange& range) {
     PaperContext context(setup);
     const PagePainter painter(chatlog, context, setup);
     Paginator paginator(chatlog, context, painter.rowsSize());
     PdfCanvas canvas(device, setup.format);
     DayMarks marks(canvas);
     PdfResult result;
-    while (const auto page = paginator.next()) {
+    const auto all = static_cast<qsizetype>(chatlog.events().size());
+    for (auto page = paginator.next(); page && page->number <= range.last;
+         page = paginator.next()) {
+        if (progress && !progress(paginator.done(), all)) return result;
+        if (page->number < range.first) continue;
         canvas.beginPage();
         painter.paint(canvas, *page);
         for (const PaperRow& row : page->rows) {
@@ -70,9 +74,6 @@ PdfResult writePdf(const TesselChatLog& chatlog, const PaperSetup& setup, QIODev
         }
         canvas.endPage();
         ++result.pages;
-        if (progress &&
-            !progress(paginator.done(), static_cast<qsizetype>(chatlog.events().size())))
-            return result;
     }
     if (result.pages == 0) {
         canvas.beginPage();

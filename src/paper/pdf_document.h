@@ -6,14 +6,12 @@
 #include <QIODevice>
 #include <functional>
 
+#include "paper/page_range.h"
 #include "paper/paper_context.h"
 #include "paper/pdf_file.h"
 #include "transcript/chat_log.h"
 
 namespace vell {
-
-/// Called after each page with the events that are done, and all; false ends the writing.
-using PaperProgress = std::function<bool(qsizetype done, qsizetype all)>;
 
 struct PdfResult {
     qint64 pages = 0;
@@ -23,6 +21,6 @@ struct PdfResult {
 
 /// Writes the document as it goes. Throws PdfFile::WriteFailed.
 PdfResult writePdf(const TesselChatLog& chatlog, const PaperSetup& setup, QIODevice& device,
-                   const PaperProgress& progress = {});
+                   const PaperProgress& progress = {}, const PageRange& range = {});
 
 }  // namespace vell

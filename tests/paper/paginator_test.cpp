@@ -105,6 +105,35 @@ TEST(Paginator, TextsLongerThanAPageAreCutBetweenLines) {
     }
 }
 
+TEST(Paginator, EveryPageCanBeMadeAlone) {
+    LogBuilder builder;
+    for (int i = 0; i < 200; ++i) {
+        builder.newMinute().text(u"bob"_s,
+                                 u"message %1 \n"_s.arg(i).repeated(i % 50 == 9 ? 120 : 3));
+        builder.user(u"bob"_s);
+    }
+    const TesselChatLog log = builder.log();
+    const PaperSetup setup =
+        currentPaperSetup(log, ContactsStore(), {}, PaperFormat::of(QPageSize(QPageSize::Letter)));
+    PaperContext context(setup);
+    const PagePainter painter(log, context, setup);
+    Paginator all(log, context, painter.rowsSize());
+    for (;;) {
+        const PageStart start = all.start();
+        const auto page = all.next();
+        if (!page) break;
+        const auto alone = Paginator(log, context, painter.rowsSize(), start, page->number).next();
+        ASSERT_TRUE(alone);
+        Notes expected;
+        Notes notes;
+        painter.paint(expected, *page);
+        painter.paint(notes, *alone);
+        EXPECT_EQ(notes.lines, expected.lines);
+        EXPECT_EQ(notes.bubbles, expected.bubbles);
+    }
+    EXPECT_GT(all.done(), 0);
+}
+
 TEST(Paginator, OneLetterHigherThanAPageEndsToo) {
     Notes notes;
     const auto pages =
