@@ -125,6 +125,65 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     </message>
 </context>
 <context>
+    <name>Export</name>
+    <message>
+        <source>There is not enough memory</source>
+        <translation>Der Arbeitsspeicher reicht nicht aus</translation>
+    </message>
+    <message>
+        <source>Only %1 of %2 messages could be written</source>
+        <translation>Nur %1 von %2 Nachrichten konnten geschrieben werden</translation>
+    </message>
+    <message>
+        <source>Exported to “%2” (messages: %1)</source>
+        <translation>Nach „%2“ exportiert (Nachrichten: %1)</translation>
+    </message>
+    <message>
+        <source>Markdown</source>
+        <translation>Markdown</translation>
+    </message>
+    <message>
+        <source>Plain text</source>
+        <translation>Reiner Text</translation>
+    </message>
+    <message>
+        <source>Web page</source>
+        <translation>Webseite</translation>
+    </message>
+    <message>
+        <source>JSON, everything</source>
+        <translation>JSON, alles</translation>
+    </message>
+    <message>
+        <source>JSON Lines, for databases</source>
+        <translation>JSON Lines, für Datenbanken</translation>
+    </message>
+    <message>
+        <source>Table for spreadsheets</source>
+        <translation>Tabelle für Tabellenkalkulationen</translation>
+    </message>
+    <message>
+        <source>PDF, as on screen</source>
+        <translation>PDF, wie am Bildschirm</translation>
+    </message>
+    <message>
+        <source>The printer “%1” could not be used</source>
+        <translation>Der Drucker „%1“ konnte nicht verwendet werden</translation>
+    </message>
+    <message>
+        <source>Printed (pages: %1)</source>
+        <translation>Gedruckt (Seiten: %1)</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>Drucken</translation>
+    </message>
+    <message>
+        <source>Printing …</source>
+        <translation>Wird gedruckt …</translation>
+    </message>
+</context>
+<context>
     <name>FoldersDialog</name>
     <message>
         <source>Library Folders</source>
@@ -476,6 +535,38 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     <message>
         <source>There is no later session.</source>
         <translation>Es gibt keine spätere Sitzung.</translation>
+    </message>
+    <message>
+        <source>&amp;Export …</source>
+        <translation>E&amp;xportieren …</translation>
+    </message>
+    <message>
+        <source>&amp;Print …</source>
+        <translation>&amp;Drucken …</translation>
+    </message>
+    <message>
+        <source>Nothing was written.</source>
+        <translation>Es wurde nichts geschrieben.</translation>
+    </message>
+    <message>
+        <source>Export Chat</source>
+        <translation>Chat exportieren</translation>
+    </message>
+    <message>
+        <source>Export a document that is far larger than the chat’s file?</source>
+        <translation>Ein Dokument exportieren, das weit größer ist als die Datei des Chats?</translation>
+    </message>
+    <message>
+        <source>As text the chat takes more than %1.</source>
+        <translation>Als Text ist der Chat größer als %1.</translation>
+    </message>
+    <message>
+        <source>Exporting to “%1” …</source>
+        <translation>Wird nach „%1“ exportiert …</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>Drucken</translation>
     </message>
 </context>
 <context>
@@ -1244,6 +1335,37 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     <message>
         <source>Reopen &amp;windows from the last session</source>
         <translation>Fenster der letzten Sitzung &amp;wieder öffnen</translation>
+    </message>
+</context>
+<context>
+    <name>vell::PrintWindow</name>
+    <message>
+        <source>Previous Page</source>
+        <translation>Vorige Seite</translation>
+    </message>
+    <message>
+        <source>Next Page</source>
+        <translation>Nächste Seite</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>Drucken</translation>
+    </message>
+    <message>
+        <source>Page</source>
+        <translation>Seite</translation>
+    </message>
+    <message>
+        <source>&amp;Print …</source>
+        <translation>&amp;Drucken …</translation>
+    </message>
+    <message>
+        <source>of %1</source>
+        <translation>von %1</translation>
+    </message>
+    <message>
+        <source>of %1 or more</source>
+        <translation>von %1 oder mehr</translation>
     </message>
 </context>
 <context>

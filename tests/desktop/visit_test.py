@@ -97,6 +97,54 @@ class Visit:
         assert self.desktop.run("xclip", "-o", "-selection", "clipboard") == expected
         a11y.wait_find(self.window, "status bar", a11y.holding("Copied the whole chat"))
 
+    def export_all(self):
+        """The name that is typed decides on the format."""
+        for name, option, begin in (("chat.pdf", None, b"%PDF-1."), ("chat.txt", "text", b""),
+                                    ("chat.html", None, b"<!DOCTYPE html>")):
+            target = self.desktop.path(name)
+            self.keys("jonas", "ctrl+shift+e")
+            self.desktop.activate(self.desktop.window("Export Chat"))
+            self.desktop.run("xdotool", "key", "ctrl+a")
+            self.desktop.run("xdotool", "type", "--delay", "5", target)
+            self.desktop.run("xdotool", "key", "Return")
+            wait_for(lambda: os.path.exists(target), target)
+            with open(target, "rb") as file:
+                written = file.read()
+            assert written.startswith(begin), written[:40]
+            if option:
+                assert written == self.desktop.run(self.export, "-f", option, self.cat)
+            a11y.wait_find(self.window, "status bar", a11y.holding(f"Exported to “{name}”"))
+
+    def fail_to_export(self):
+        self.keys("jonas", "ctrl+shift+e")
+        self.desktop.activate(self.desktop.window("Export Chat"))
+        self.desktop.run("xdotool", "key", "ctrl+a")
+        self.desktop.run("xdotool", "type", "--delay", "5", "/proc/chat.pdf")
+        self.desktop.run("xdotool", "key", "Return")
+        dialog = wait_for(lambda: next(
+            (window for window in a11y.windows() if
+             a11y.find(window, "label", a11y.named("Nothing was written."))), None), "the reason")
+        a11y.press(a11y.wait_find(dialog, "button", a11y.holding("OK")))
+
+    def print_pages(self):
+        """On the printer that is a file; the preview counts the pages."""
+        self.keys("jonas", "ctrl+p")
+        preview = a11y.window(a11y.named("Print"))
+        a11y.wait_find(preview, "label", a11y.named("of 4"))
+        self.keys("Print$", "Next", "Next")
+        page = a11y.wait_find(preview, "spin button", a11y.named("Page"))
+        wait_for(lambda: page.queryValue().currentValue == 3, "the third page")
+        a11y.press(a11y.wait_find(preview, "button", a11y.named("Print …")))
+        chosen = wait_for(lambda: next(
+            (button for window in a11y.windows(None, a11y.named("Print")) if
+             (button := a11y.find(window, "button", a11y.named("Print")))), None), "the question")
+        a11y.press(chosen)
+        target = os.path.join(self.desktop.environment["HOME"], "The cat in the bathtub.pdf")
+        wait_for(lambda: os.path.exists(target), target)
+        with open(target, "rb") as file:
+            assert b"/Outlines" in file.read()
+        wait_for(lambda: not a11y.windows(None, a11y.named("Print")), "both windows to close")
+
     def open_second(self):
         second = self.desktop.start(self.vell, self.umbrellas)
         assert second.wait(60) == 0
@@ -169,5 +217,6 @@ need_accessibility()
 with Desktop() as desktop:
     a11y = desktop.accessible()
     visit = Visit(desktop, *sys.argv[1:4])
-    a11y.play(visit.start, visit.read, visit.enlarge, visit.find, visit.go_back, visit.copy_all, visit.open_second,
+    a11y.play(visit.start, visit.read, visit.enlarge, visit.find, visit.go_back, visit.copy_all,
+              visit.export_all, visit.fail_to_export, visit.print_pages, visit.open_second,
               visit.open_broken, visit.name_people, visit.about_twice, visit.come_back)

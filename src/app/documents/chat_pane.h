@@ -34,6 +34,8 @@ class ChatFinder;
 class ChatTools;
 class ContactsBar;
 class FontSizePanel;
+struct JobResult;
+struct PaperSetup;
 class TimelineView;
 
 class ChatPane final : public QMainWindow {
@@ -124,6 +126,13 @@ class ChatPane final : public QMainWindow {
     void copyWholeChat();
     /// Null, after a message, for what is too long for the clipboard.
     std::unique_ptr<QMimeData> selectionData(const TextSpan& selected, SelectionTarget target);
+    void exportChat();
+    void chooseExportFile();
+    void exportTo(const QString& target, const QString& filter);
+    void print();
+    /// Says how an export or print went.
+    void tellOutcome(const QString& title, const JobResult& result);
+    [[nodiscard]] PaperSetup paperSetup() const;
     void saveAsMarkdown();
     void chooseMarkdownFile();
     void saveMarkdown(const QString& target);

@@ -26,6 +26,11 @@ void ChatPane::enableWithChat(QAction* action) {
 void ChatPane::addSaveCommand(QMenu& menu) {
     enableWithChat(addCommand(menu, tr("&Save Chat as Markdown …"), keysFor(QKeySequence::Save),
                               [this] { saveAsMarkdown(); }));
+    enableWithChat(addCommand(menu, tr("&Export …"),
+                              {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_E)},
+                              [this] { exportChat(); }));
+    enableWithChat(
+        addCommand(menu, tr("&Print …"), keysFor(QKeySequence::Print), [this] { print(); }));
 }
 
 void ChatPane::addEditCommands(QMenu& menu) {

@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: MIT
 //
-// Copying and saving the whole chat of a pane.
+// Copying, saving, exporting and printing the whole chat of a pane.
 #include <QClipboard>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QLocale>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QSaveFile>
 
 #include "app/documents/chat_pane.h"
+#include "app/documents/export/chat_export.h"
+#include "app/documents/print/chat_printing.h"
 #include "app/documents/selection_data.h"
 #include "export/expansion.h"
 #include "export/markdown.h"
@@ -119,6 +122,67 @@ void ChatPane::saveMarkdown(const QString& target) {
                 tr("The chat could not be saved as “%1”.").arg(QFileInfo(target).fileName()),
                 tr("%1. Choose another folder or name.").arg(file.errorString()), QMessageBox::Ok);
     }
+}
+
+PaperSetup ChatPane::paperSetup() const {
+    return currentPaperSetup(*chat_.log, services_.contacts, chat_.name,
+                             PaperFormat::of(usualPaper(QLocale())));
+}
+
+void ChatPane::tellOutcome(const QString& title, const JobResult& result) {
+    if (result.error.isEmpty()) {
+        notice(result.notice);
+        return;
+    }
+    openBox(this, title, result.error + u'.', tr("Nothing was written."), QMessageBox::Ok);
+}
+
+void ChatPane::exportChat() {
+    if (!isOutOfProportion()) {
+        chooseExportFile();
+        return;
+    }
+    const auto* box = openBox(this, tr("Export Chat"),
+                              tr("Export a document that is far larger than the chat’s file?"),
+                              tr("As text the chat takes more than %1.").arg(sizeLimit()),
+                              QMessageBox::Save | QMessageBox::Cancel);
+    connect(box, &QMessageBox::finished, this, [this](int answer) {
+        if (answer == QMessageBox::Save) chooseExportFile();
+    });
+}
+
+void ChatPane::chooseExportFile() {
+    const QString suggestion = safeFileName(chat_.name, tr("Chat"));
+    auto* dialog = new QFileDialog(this, tr("Export Chat"), suggestion);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    QStringList filters;
+    for (const ExportChoice& choice : exportChoices())
+        filters.append(choice.filter);
+    dialog->setNameFilters(filters);
+    const auto follow = [dialog](const QString& filter) {
+        dialog->setDefaultSuffix(chosenFormat({}, filter).extension);
+    };
+    connect(dialog, &QFileDialog::filterSelected, dialog, follow);
+    follow(filters.first());
+    dialog->selectFile(suggestion + u'.' + dialog->defaultSuffix());
+    connect(dialog, &QFileDialog::fileSelected, this, [this, dialog](const QString& target) {
+        exportTo(target, dialog->selectedNameFilter());
+    });
+    dialog->open();
+}
+
+void ChatPane::exportTo(const QString& target, const QString& filter) {
+    const ChatExport order{chat_.log, paperSetup(), chosenFormat(target, filter), target};
+    startJob(
+        *this, {tr("Export Chat"), tr("Exporting to “%1” …").arg(QFileInfo(target).fileName())},
+        [order](const JobControl& control) { return writeChat(order, control); },
+        [this](const JobResult& result) { tellOutcome(tr("Export Chat"), result); });
+}
+
+void ChatPane::print() {
+    printChat(*this, chat_.log, paperSetup(),
+              [this](const JobResult& result) { tellOutcome(tr("Print"), result); });
 }
 
 }  // namespace vell
