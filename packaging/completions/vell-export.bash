@@ -1,8 +1,8 @@
 # bash completion for vell-export
 _vell_export() {
     local current=$2 previous=$3
-    local options='--format --output --output-dir --force --update --report --expand --byte-order-mark
-        --pictures --attachments --files0-from --check --contacts --time-zone --locale --recover
+    local options='--format --output --output-dir --force --update --merge --index --report --expand
+        --byte-order-mark --pictures --attachments --files0-from --check --contacts --time-zone --locale --recover
         --load-log --verbose --quiet --version --help'
     # "--format=j" comes as three words.
     if [[ ${COMP_WORDS[COMP_CWORD]} == = ]]; then

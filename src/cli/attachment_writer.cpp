@@ -81,8 +81,7 @@ AttachmentWriter::AttachmentWriter(const Options& options, const ExportJob& job,
       picturesOnly_(options.attachments.isEmpty()),
       folder_(ownFolder(options, job)),
       permissions_(input.permissions.value_or(0600) & 0666),
-      budget_(options.expand ? std::numeric_limits<quint64>::max()
-                             : exportLimit(input.bytes.size())) {}
+      budget_(options.expand ? std::numeric_limits<quint64>::max() : exportLimit(input.size)) {}
 
 AttachmentPaths AttachmentWriter::write(const TesselChatLog& log) {
     const QString documentFolder =
@@ -153,7 +152,7 @@ void AttachmentWriter::spend(qsizetype bytes) {
     if (cost > budget_)
         throw WriteError{
             u"its attachments take more than %1 MB, out of all proportion to the file "
-            "(--expand allows it)"_s.arg(exportLimit(input_.bytes.size()) / 1'000'000)};
+            "(--expand allows it)"_s.arg(exportLimit(input_.size) / 1'000'000)};
     budget_ -= cost;
 }
 

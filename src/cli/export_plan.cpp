@@ -72,7 +72,10 @@ class Planner {
 
     void add(const QString& file, const QString& folder, const std::optional<struct stat>& status) {
         const bool isFile = status && S_ISREG(status->st_mode);
-        if (isFile) plan_.transcripts.insert({status->st_dev, status->st_ino});
+        if (isFile) {
+            plan_.transcripts.insert({status->st_dev, status->st_ino});
+            plan_.permissions &= status->st_mode;
+        }
         plan_.jobs.push_back({.number = plan_.jobs.size(),
                               .file = file,
                               .folder = folder,

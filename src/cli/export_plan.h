@@ -39,6 +39,7 @@ struct ExportPlan {
     std::vector<ExportJob> jobs;
     std::vector<UnreadableFolder> unreadable;
     QSet<FileIdentity> transcripts;  ///< never to be written to
+    mode_t permissions = 0666;       ///< that all of these files grant
     bool hasFolders = false;         ///< some were given
 
     /// Whether each line has to say which file it is about.

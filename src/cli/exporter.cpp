@@ -3,7 +3,9 @@
 
 #include <unistd.h>
 
+#include <QFileInfo>
 #include <atomic>
+#include <map>
 #include <memory>
 #include <utility>
 
@@ -13,6 +15,7 @@
 #include "foundation/print.h"
 #include "library/parallel_files.h"
 #include "toolkit/console.h"
+#include "toolkit/safe_file_name.h"
 
 namespace vell {
 
@@ -68,7 +71,10 @@ Exporter::Exporter(const Options& options)
       plan_(plan()),
       output_(options, plan_),
       report_(options.report),
-      jobProgress_(progress_, u"Exporting"_s, plan_.jobs) {
+      jobProgress_(progress_, options.merges ? u"Reading"_s : u"Exporting"_s, plan_.jobs) {
+    if (options.index && !options.force && !options.update &&
+        QFileInfo::exists(output_.indexPath()))
+        throw WriteError{output_.indexPath() + u": the file exists (--force replaces it)"_s};
     foundation::setPrintFunction([this](QStringView line) {
         if (!FileExporter::addDiagnostic(line) && !options_.quiet)
             writeError(line.toString() + u'\n');
@@ -89,11 +95,14 @@ ExportPlan Exporter::plan() {
 
 int Exporter::run() {
     reportFolders();
-    if (output_.isStream() || plan_.jobs.size() < 2)
+    if (options_.merges)
+        exportMerged();
+    else if (output_.isStream() || plan_.jobs.size() < 2)
         exportInOrder();
     else
         exportInParallel();
     progress_.clear();
+    if (options_.index) writeIndex();
     report_.finish();
     if ((plan_.hasFolders || options_.update) && !options_.quiet) writeError(report_.table());
     if (report_.hasFailures()) return exitFailure;
@@ -117,33 +126,104 @@ void Exporter::exportInOrder() {
     }
 }
 
-void Exporter::exportInParallel() {
-    InOrder<ExportedFile> results([this](const ExportedFile& file) { take(file); });
-    ParallelFiles<ExportedFile, ExportJob> files(
-        plan_.jobs,
-        [this] {
-            return [exporter = std::make_shared<FileExporter>(
-                        options_, contacts_, output_, plan_.isForSeveral())](const ExportJob& job) {
-                return exporter->run(job);
+/// Does the work on all cores; each thread has an exporter.
+template <class Result, class Job, class Work, class Take>
+void Exporter::forEach(const std::vector<Job>& jobs, Work work, Take take) {
+    ParallelFiles<Result, Job> files(
+        jobs,
+        [this, work] {
+            return [work, exporter = std::make_shared<FileExporter>(
+                              options_, contacts_, output_, plan_.isForSeveral())](const Job& job) {
+                return work(*exporter, job);
             };
         },
-        [](const ExportedFile& file) {
-            return static_cast<std::size_t>(file.diagnostics.size()) * sizeof(QChar);
-        });
+        [](const Result&) { return sizeof(Result); });
     const std::atomic<bool> never = false;
-    while (auto file = files.next(never)) {
-        jobProgress_.add(file->job, file->result.kind == ExportResult::Kind::skipped);
-        results.add(*std::move(file));
-    }
+    while (auto result = files.next(never))
+        take(*std::move(result));
+}
+
+void Exporter::exportInParallel() {
+    InOrder<ExportedFile> results([this](const ExportedFile& file) { take(file); });
+    forEach<ExportedFile>(
+        plan_.jobs, [](FileExporter& exporter, const ExportJob& job) { return exporter.run(job); },
+        [&](ExportedFile file) {
+            jobProgress_.add(file.job, file.result.kind == ExportResult::Kind::skipped);
+            results.add(std::move(file));
+        });
     // A thread that runs out of memory loses its results.
     for (const ExportJob& job : plan_.jobs) {
         if (!results.has(job.number))
-            results.add({job, {.reason = u"there is not enough memory"_s}, {}});
+            results.add({.job = job, .result = {.reason = u"there is not enough memory"_s}});
     }
+}
+
+void Exporter::exportMerged() {
+    const std::vector<MergeJob> jobs = mergeJobs();
+    qsizetype done = 0;
+    InOrder<MergedFiles> results([this](const MergedFiles& merged) {
+        for (const ExportedFile& document : merged.documents)
+            take(document);
+    });
+    forEach<MergedFiles>(
+        jobs, [](FileExporter& exporter, const MergeJob& job) { return exporter.merge(job); },
+        [&](MergedFiles merged) {
+            results.add(std::move(merged));
+            progress_.show(u"Writing people"_s, ++done, std::ssize(jobs), {});
+        });
+    for (const MergeJob& job : jobs) {
+        if (results.has(job.number)) continue;
+        ExportedFile lost{.job = {.file = job.names},
+                          .result = {.reason = u"there is not enough memory"_s}};
+        results.add({job, {std::move(lost)}});
+    }
+}
+
+/// Reads all files to learn whom they are with; reports those that can't be read.
+std::vector<MergeJob> Exporter::mergeJobs() {
+    std::map<QString, MergeJob> byKey;
+    InOrder<ExportedFile> results([&](const ExportedFile& file) {
+        if (!file.indexEntry) return take(file);
+        progress_.clear();
+        if (!file.diagnostics.isEmpty()) writeError(file.diagnostics);
+        MergeJob& job = byKey[file.indexEntry->partners.key];
+        job.names = file.indexEntry->partners.names;
+        job.files.push_back(file.job);
+    });
+    forEach<ExportedFile>(
+        plan_.jobs,
+        [](FileExporter& exporter, const ExportJob& job) { return exporter.identify(job); },
+        [&](ExportedFile file) {
+            jobProgress_.add(file.job);
+            results.add(std::move(file));
+        });
+    for (const ExportJob& job : plan_.jobs) {
+        if (!results.has(job.number))
+            results.add({.job = job, .result = {.reason = u"there is not enough memory"_s}});
+    }
+    std::vector<MergeJob> jobs;
+    OutputNames names;
+    for (auto& [key, job] : byKey) {
+        job.number = jobs.size();
+        job.folder = names.unique(safeFileName(job.names, u"Nobody"_s));
+        jobs.push_back(std::move(job));
+    }
+    return jobs;
+}
+
+void Exporter::writeIndex() {
+    const FormatContext context(options_.calendar, options_.dateLocale, contacts_);
+    const ExportJob job{.file = {}, .document = output_.indexPath()};
+    output_.write(job, {.name = {}, .bytes = {}, .date = {}, .permissions = plan_.permissions},
+                  [&](Sink& sink) {
+                      writeArchiveIndex(std::move(index_), context,
+                                        [&sink](QByteArrayView bytes) { sink.write(bytes); });
+                  });
 }
 
 void Exporter::take(const ExportedFile& file) {
     report_.add(file.job, file.result);
+    if (file.indexEntry) index_.push_back(*file.indexEntry);
     if (file.diagnostics.isEmpty()) return;
     progress_.clear();
     writeError(file.diagnostics);

@@ -6,6 +6,7 @@
 // files.
 
 #include <QStringList>
+#include <vector>
 
 #include "cli/export_plan.h"
 #include "cli/export_report.h"
@@ -38,11 +39,17 @@ class Exporter {
     Output output_;
     ExportReport report_;
     JobProgress jobProgress_;
+    std::vector<IndexEntry> index_;
 
     [[nodiscard]] ExportPlan plan();
+    template <class Result, class Job, class Work, class Take>
+    void forEach(const std::vector<Job>& jobs, Work work, Take take);
     void reportFolders();
     void exportInOrder();
     void exportInParallel();
+    void exportMerged();
+    [[nodiscard]] std::vector<MergeJob> mergeJobs();
+    void writeIndex();
     void take(const ExportedFile& file);
 };
 

@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "cli/file_exporter.h"
 
+#include <algorithm>
 #include <exception>
+#include <map>
 #include <memory>
 #include <utility>
 
 #include "cli/attachment_writer.h"
+#include "cli/folders.h"
 #include "cli/standard_streams.h"
 #include "export/expansion.h"
 #include "export/message.h"
+#include "foundation/local_path.h"
 #include "foundation/plain_reason.h"
+#include "library/chat_years.h"
 #include "recovery/recovery.h"
 #include "transcript/load_log.h"
 
@@ -22,6 +27,11 @@ namespace {
 constexpr quint64 mostBytesPerUnit = 6;  // of a name, escaped
 
 thread_local FileExporter* current = nullptr;
+
+/// The events that are no marks.
+qint64 pieceCount(const TesselChatLog& log) {
+    return std::count_if(log.events().begin(), log.events().end(), isContent);
+}
 
 }  // namespace
 
@@ -50,12 +60,13 @@ bool FileExporter::addDiagnostic(QStringView line) {
     return true;
 }
 
-ExportedFile FileExporter::run(const ExportJob& job) {
+template <class Work>
+ExportedFile FileExporter::guarded(const ExportJob& job, Work work) {
     current = this;
-    file_ = {job, {}, {}};
+    file_ = {.job = job, .result = {}};
     isRecovered_ = false;
     try {
-        exportOne();
+        work();
     } catch (const WriteError& error) {
         fail(error.reason);
     } catch (const std::exception& error) {
@@ -65,14 +76,104 @@ ExportedFile FileExporter::run(const ExportJob& job) {
     return std::exchange(file_, {});
 }
 
+ExportedFile FileExporter::run(const ExportJob& job) {
+    return guarded(job, [this] { exportOne(); });
+}
+
 void FileExporter::exportOne() {
-    if (options_.update && Output::isCurrent(file_.job)) {
+    const bool isCurrent = options_.update && Output::isCurrent(file_.job);
+    if (isCurrent) {
         file_.result.kind = ExportResult::Kind::skipped;
         if (options_.verbose) report(u"skipped, since its document is newer"_s);
-        return;
+        if (!options_.index) return;
     }
     Input input;
-    if (const auto log = read(input)) write(input, *log);
+    const auto log = read(input);
+    if (!log) return;
+    if (!isCurrent) write(input, *log);
+    addIndexEntry(*log);
+}
+
+void FileExporter::addIndexEntry(const TesselChatLog& log) {
+    if (!options_.index) return;
+    const QString page = file_.job.document.sliced(options_.output.size() + 1);
+    file_.indexEntry = ::vell::indexEntry(log, context_, page);
+}
+
+ExportedFile FileExporter::identify(const ExportJob& job) {
+    return guarded(job, [this] {
+        Input input;
+        const auto log = read(input);
+        if (!log) return;
+        file_.result.kind = ExportResult::Kind::converted;
+        file_.indexEntry =
+            IndexEntry{.page = {}, .partners = partnersIn(*log, context_.contacts()), .months = {}};
+    });
+}
+
+MergedFiles FileExporter::merge(const MergeJob& job) {
+    MergedFiles merged{job, {}};
+    Input input;
+    std::map<int, TesselChatLog> years;
+    const auto reading = guarded({.file = job.names}, [&] {
+        const std::vector<SessionLog> sessions = readAll(job, input);
+        qint64 all = 0;
+        for (const SessionLog& session : sessions)
+            all += pieceCount(*session.log);
+        const MergedChat chat = mergeChats(sessions, context_.calendar());
+        years = chatYears(*chat.log(), context_.calendar());
+        qint64 merged = chat.repeatCount();
+        for (const auto& [year, log] : years)
+            merged += pieceCount(log);
+        if (merged != all)
+            throw WriteError{
+                u"only %1 of %2 texts, pictures and files could be merged"_s.arg(merged).arg(all)};
+        file_.diagnostics.clear();
+        file_.result.kind = ExportResult::Kind::converted;
+    });
+    if (reading.result.kind == ExportResult::Kind::failed)
+        merged.documents.push_back(reading);
+    else
+        for (const auto& [year, log] : years)
+            merged.documents.push_back(exportYear(job, input, log, year));
+    return merged;
+}
+
+/// The input stands for all of them: as large as all, as private as the most private one.
+std::vector<SessionLog> FileExporter::readAll(const MergeJob& job, Input& input) {
+    std::vector<SessionLog> sessions;
+    input.permissions = 0666;
+    for (const ExportJob& file : job.files) {
+        file_.job = file;
+        Input one;
+        auto log = read(one);
+        if (!log) continue;
+        input.size += one.size;
+        input.permissions = *input.permissions & one.permissions.value_or(0600);
+        sessions.push_back({static_cast<std::uint32_t>(file.number),
+                            foundation::pathBytes(file.file),
+                            std::make_shared<const TesselChatLog>(*std::move(log))});
+    }
+    file_.job = {.file = job.names};
+    file_.result = {};
+    return sessions;
+}
+
+ExportedFile FileExporter::exportYear(const MergeJob& job, const Input& input,
+                                      const TesselChatLog& log, int year) {
+    const QString yearName = year == 0 ? u"undated"_s : QString::number(year);
+    const QString name = job.folder + u'/' + yearName;
+    ExportJob document{.number = job.number, .file = name, .name = name};
+    document.document =
+        options_.output + u'/' + name + u'.' + QString::fromLatin1(options_.format->extension);
+    return guarded(document, [&] {
+        const QByteArray folder = foundation::pathBytes(options_.output + u'/' + job.folder);
+        mirrorFolder(folder, folderOf(foundation::pathBytes(job.files.front().file)));
+        Input yearInput = input;
+        yearInput.name = name;
+        write(yearInput, log, job.names + u' ' + yearName);
+        addIndexEntry(log);
+    });
 }
 
 std::optional<TesselChatLog> FileExporter::read(Input& input) {
@@ -104,10 +205,11 @@ std::optional<TesselChatLog> FileExporter::recovered(const Input& input) {
     return std::move(result->log);
 }
 
-void FileExporter::write(const Input& input, const TesselChatLog& log) {
+void FileExporter::write(const Input& input, const TesselChatLog& log, const QString& title) {
     DocumentSource source{.log = log,
                           .context = context_,
                           .file = input.name,
+                          .title = title,
                           .followsAnother = output_.followsAnother(),
                           .hasByteOrderMark = options_.byteOrderMark,
                           .pictures = options_.pictures};
@@ -131,7 +233,7 @@ void FileExporter::refuseExpansion(const Input& input, const TesselChatLog& log,
     const ExpansionExtras extras{
         .perEvent = static_cast<quint64>(input.name.size()) * mostBytesPerUnit,
         .hasPictures = options_.format->showsPictures && options_.pictures == Pictures::embed};
-    const quint64 limit = exportLimit(input.bytes.size());
+    const quint64 limit = exportLimit(input.size);
     const bool isTooLarge =
         (options_.format->readsAttachments && attachmentsExceed(limit, log)) ||
         expandsBeyond(limit, ExpansionBound(log, extras), context_.contacts(), writeTo);

@@ -56,6 +56,7 @@ void readInto(Input& input) {
     } catch (const foundation::Error& error) {
         throw ReadError{error.debugDescription()};
     }
+    input.size = input.bytes.size();
     if (!S_ISREG(status.st_mode)) return;
     input.permissions = status.st_mode & 0777;
     const QDateTime modified = file.fileTime(QFileDevice::FileModificationTime);

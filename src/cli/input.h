@@ -22,6 +22,7 @@ struct ReadError {
 struct Input {
     QString name;                          ///< as given; "-" is standard input
     foundation::Data bytes;                ///< all of them
+    qsizetype size = 0;                    ///< of the file, or of several files
     std::optional<foundation::Date> date;  ///< of its last change; unknown for "-"
     std::optional<mode_t> permissions;     ///< absent when it is no file on disk
 };

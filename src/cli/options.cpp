@@ -49,6 +49,9 @@ QString helpText() {
            "      --force           replace existing files\n"
            "      --update          replace older ones, and skip what is newer than its\n"
            "                        transcript: an interrupted run goes on\n"
+           "      --merge           write a document for each person and year, not for each file\n"
+           "      --index           with HTML, also write index.html, which leads to all pages by\n"
+           "                        person and month\n"
            "      --report FILE     write what became of each file to FILE, as JSON\n"
            "      --expand          also write documents that are far larger than their files\n"
            "      --byte-order-mark  begin CSV with a mark, which some spreadsheets need\n"
@@ -85,6 +88,8 @@ struct Arguments {
     const QCommandLineOption outputDir{{u"d"_s, u"output-dir"_s}, {}, u"DIR"_s};
     const QCommandLineOption force{u"force"_s};
     const QCommandLineOption update{u"update"_s};
+    const QCommandLineOption merge{u"merge"_s};
+    const QCommandLineOption index{u"index"_s};
     const QCommandLineOption report{u"report"_s, {}, u"FILE"_s};
     const QCommandLineOption expand{u"expand"_s};
     const QCommandLineOption byteOrderMark{u"byte-order-mark"_s};
@@ -104,10 +109,10 @@ struct Arguments {
     QCommandLineParser parser;
 
     explicit Arguments(const QStringList& arguments) {
-        parser.addOptions({format,   output,        outputDir, force,       update,     report,
-                           expand,   byteOrderMark, pictures,  attachments, files0From, check,
-                           contacts, timeZone,      locale,    recover,     loadLog,    verbose,
-                           quiet,    version,       help});
+        parser.addOptions({format,     output,  outputDir, force,         update,   merge,
+                           index,      report,  expand,    byteOrderMark, pictures, attachments,
+                           files0From, check,   contacts,  timeZone,      locale,   recover,
+                           loadLog,    verbose, quiet,     version,       help});
         // The parser takes its first argument for the program's name.
         if (!parser.parse(QStringList(u"vell-export"_s) + arguments))
             throw UsageError{parser.errorText()};
@@ -198,6 +203,12 @@ void chooseOutput(const Arguments& given, Options& options) {
     if (options.pictures == Pictures::folder && options.attachments.isEmpty() &&
         options.output == u"-")
         throw UsageError{u"pictures in a folder need one: --output-dir or --attachments"_s};
+    if ((options.merges || options.index) && !parser.isSet(given.outputDir))
+        throw UsageError{u"--merge and --index need a folder: --output-dir"_s};
+    if (options.merges && options.update)
+        throw UsageError{u"--merge writes everything anew: --force, not --update"_s};
+    if (options.index && options.format->name != "html"_ba)
+        throw UsageError{u"--index leads to pages: --format html"_s};
     if (parser.isSet(given.attachments) && options.attachments.isEmpty())
         throw UsageError{u"the folder for attachments has no name"_s};
     if (parser.isSet(given.report) && options.report.isEmpty())
@@ -206,8 +217,9 @@ void chooseOutput(const Arguments& given, Options& options) {
 
 /// What only documents have.
 void refuseOutput(const Arguments& given) {
-    for (const auto* option : {&given.format, &given.output, &given.outputDir, &given.force,
-                               &given.update, &given.report, &given.attachments}) {
+    for (const auto* option :
+         {&given.format, &given.output, &given.outputDir, &given.force, &given.update,
+          &given.report, &given.attachments, &given.merge, &given.index}) {
         if (given.parser.isSet(*option))
             throw UsageError{u"--check writes no documents, so --%1 means nothing"_s.arg(
                 option->names().last())};
@@ -229,6 +241,8 @@ Options parseOptions(const QStringList& arguments) {
         .outputIsFolder = false,
         .force = parser.isSet(given.force),
         .update = parser.isSet(given.update),
+        .merges = parser.isSet(given.merge),
+        .index = parser.isSet(given.index),
         .report = parser.value(given.report),
         .expand = parser.isSet(given.expand),
         .byteOrderMark = parser.isSet(given.byteOrderMark),

@@ -21,6 +21,8 @@ struct Options {
     bool outputIsFolder = false;     ///< by its name, whether or not it exists
     bool force = false;
     bool update = false;  ///< only what is newer than its document
+    bool merges = false;  ///< a document for each person and year
+    bool index = false;   ///< a page that leads to all documents
     QString report;       ///< where the report goes; empty for none
     bool expand = false;  ///< also out of all proportion
     bool byteOrderMark = false;

@@ -19,6 +19,8 @@ using foundation::pathBytes;
 
 namespace {
 
+const QString indexName = u"index"_s;
+
 using Status = struct stat;
 
 std::optional<Status> statusOf(const QByteArray& path) {
@@ -70,11 +72,15 @@ QString OutputNames::nameFor(const ExportJob& job) {
     const QList<uint> characters = name.toUcs4();
     name =
         QString::fromUcs4(reinterpret_cast<const char32_t*>(characters.data()), characters.size());
-    QString unique = name;
-    for (int number = 2; taken_.contains(unique); ++number)
-        unique = name + u'-' + QString::number(number);
-    taken_.insert(unique);
-    return unique;
+    return unique(name);
+}
+
+QString OutputNames::unique(const QString& name) {
+    QString result = name;
+    for (int number = 2; taken_.contains(result); ++number)
+        result = name + u'-' + QString::number(number);
+    taken_.insert(result);
+    return result;
 }
 
 Output::Output(const Options& options, ExportPlan& plan)
@@ -88,6 +94,7 @@ Output::Output(const Options& options, ExportPlan& plan)
     }
     const QString extension = QString::fromLatin1(options.format->extension);
     OutputNames names;
+    if (options.index) static_cast<void>(names.unique(indexName));
     for (ExportJob& job : plan.jobs) {
         job.name = names.nameFor(job);
         if (isFolder_)
@@ -143,6 +150,10 @@ void Output::write(const ExportJob& job, const Input& input, const Write& write)
     } catch (const WriteError& error) {
         throw WriteError{job.document + u": "_s + error.reason};
     }
+}
+
+QString Output::indexPath() const {
+    return options_.output + u'/' + indexName + u".html"_s;
 }
 
 bool Output::isCurrent(const ExportJob& job) {

@@ -27,6 +27,8 @@ class OutputNames {
     /// In the folder that mirrors that of the job's file, if there is one, the file's own name
     /// without the extension ("stdin" for "-"), with "-2" and so on when that is taken.
     QString nameFor(const ExportJob& job);
+    /// The name, or it with a number.
+    QString unique(const QString& name);
 
   private:
     QSet<QString> taken_;
@@ -46,6 +48,8 @@ class Output {
     /// Writes the document that was made from this input. Throws WriteError, and what `write`
     /// throws; then no file has changed.
     void write(const ExportJob& job, const Input& input, const Write& write);
+    /// Of the page that leads to all documents; no document has this name.
+    [[nodiscard]] QString indexPath() const;
     /// Whether the document is there and was written after its file was last changed or put where
     /// it is.
     [[nodiscard]] static bool isCurrent(const ExportJob& job);

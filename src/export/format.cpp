@@ -43,12 +43,15 @@ qint64 csv(const DocumentSource& source, const ByteSink& output) {
                     source.attachments);
 }
 
+QString titleOf(const DocumentSource& source) {
+    if (!source.title.isEmpty() || source.file == u"-") return source.title;
+    return QFileInfo(source.file).completeBaseName();
+}
+
 qint64 html(const DocumentSource& source, const ByteSink& output) {
     return writeHtmlPage(
         source.log, source.context, output,
-        {.title = source.file == u"-" ? QString() : QFileInfo(source.file).completeBaseName(),
-         .pictures = source.pictures,
-         .attachments = source.attachments});
+        {.title = titleOf(source), .pictures = source.pictures, .attachments = source.attachments});
 }
 
 }  // namespace

@@ -55,6 +55,7 @@ struct DocumentSource {
     const TesselChatLog& log;
     const FormatContext& context;
     QString file;                   ///< the transcript, as documents that name it do
+    QString title{};                ///< of what was made of several; others have their file's name
     AttachmentPaths attachments{};  ///< of what was written beside the document
     bool followsAnother = false;    ///< in the same stream and format
     bool hasByteOrderMark = false;  ///< in formats that may have one

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "export/html_page.h"
 
-#include <QCryptographicHash>
-#include <QLocale>
 #include <QSet>
 #include <chrono>
 
 #include "export/chat_log_visitor.h"
+#include "export/html_head.h"
 #include "export/html_style.h"
 #include "toolkit/link_schemes.h"
 
@@ -30,12 +29,6 @@ bool isShownByBrowsers(PictureFormat format) {
         default:
             return false;
     }
-}
-
-/// "en-GB"; "C" and "POSIX" are English.
-QLocale localeOf(const QByteArray& dateLocale) {
-    const QLocale locale(QString::fromLatin1(dateLocale));
-    return locale.language() == QLocale::C ? QLocale(QLocale::English) : locale;
 }
 
 class PageWriter final : public ChatLogVisitor {
@@ -77,7 +70,7 @@ class PageWriter final : public ChatLogVisitor {
     void head();
     void header();
     void time(const Event& event, const DateFormatter& formatter);
-    [[nodiscard]] QString dayAnchor(const Event& event);
+    [[nodiscard]] QString anchorOf(const Event& event);
     [[nodiscard]] bool endsRun(Message message) const;
     void pieces(Message message);
     void beginText();
@@ -100,30 +93,9 @@ qint64 PageWriter::write() {
 }
 
 void PageWriter::head() {
-    const QLocale locale = localeOf(context_.dateLocale());
-    const QByteArray hash =
-        QCryptographicHash::hash(style_.css(), QCryptographicHash::Sha256).toBase64();
-    out_.append("<!DOCTYPE html>\n<html lang=\"");
-    appendHtml(out_, locale.bcp47Name(), HtmlPlace::attribute);
-    out_.append("\" dir=\"");
-    locale.textDirection() == Qt::RightToLeft ? out_.append("rtl") : out_.append("ltr");
-    out_.append(
-        "\">\n<head>\n<meta charset=\"utf-8\">\n"
-        "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
-        "style-src 'sha256-");
-    out_.append(QByteArrayView(hash));
-    out_.append("'; img-src data:");
-    if (options_.pictures == Pictures::folder) out_.append(" 'self'");
-    out_.append(
-        "; base-uri 'none'; form-action 'none'\">\n"
-        "<meta name=\"referrer\" content=\"no-referrer\">\n"
-        "<meta name=\"color-scheme\" content=\"light dark\">\n"
-        "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-        "<title>");
-    appendHtml(out_, options_.title);
-    out_.append("</title>\n<style>");
-    out_.append(QByteArrayView(style_.css()));
-    out_.append("</style>\n</head>\n");
+    const bool hasFolder = options_.pictures == Pictures::folder;
+    appendHtmlHead(out_, pageLocale(context_.dateLocale()), options_.title, style_.css(),
+                   hasFolder ? "data: 'self'" : "data:");
 }
 
 void PageWriter::header() {
@@ -140,21 +112,15 @@ void PageWriter::session(const TesselChatLog::Session& session) {
 
 void PageWriter::newDay(const Event& event) {
     out_.append("<h2 id=\"");
-    appendHtml(out_, dayAnchor(event), HtmlPlace::attribute);
+    appendHtml(out_, anchorOf(event), HtmlPlace::attribute);
     out_.append("\">");
     time(event, context_.settings().dayFormatter);
     out_.append("</h2>\n");
 }
 
-/// "day-2009-07-04", with a number if the chat comes to that day again.
-QString PageWriter::dayAnchor(const Event& event) {
-    using namespace std::chrono;
-    QString anchor = QStringLiteral("day");
-    if (const auto second = context_.calendar().localSecond(event.timestamp)) {
-        const year_month_day day(floor<days>(sys_seconds(seconds(*second))));
-        anchor += QString::asprintf("-%04d-%02u-%02u", int(day.year()), unsigned(day.month()),
-                                    unsigned(day.day()));
-    }
+/// With a number if the chat comes to that day again.
+QString PageWriter::anchorOf(const Event& event) {
+    QString anchor = dayAnchor(localDay(event.timestamp, context_.calendar()));
     if (days_.contains(anchor)) anchor += u'-' + QString::number(event.sequence);
     days_.insert(anchor);
     return anchor;
@@ -353,6 +319,20 @@ void appendHtml(ByteBuffer& out, QStringView text, HtmlPlace place) {
                 return place == HtmlPlace::text ? out.append("<br>") : out.append("&#10;");
         }
     });
+}
+
+std::optional<std::chrono::year_month_day> localDay(foundation::Date date,
+                                                    const foundation::Calendar& calendar) {
+    using namespace std::chrono;
+    const auto second = calendar.localSecond(date);
+    if (!second) return std::nullopt;
+    return year_month_day(floor<days>(sys_seconds(seconds(*second))));
+}
+
+QString dayAnchor(const std::optional<std::chrono::year_month_day>& day) {
+    if (!day) return QStringLiteral("day");
+    return QString::asprintf("day-%04d-%02u-%02u", int(day->year()), unsigned(day->month()),
+                             unsigned(day->day()));
 }
 
 qint64 writeHtmlPage(const TesselChatLog& log, const FormatContext& context, const ByteSink& output,

@@ -6,6 +6,9 @@
 // script, and a policy in its head forbids whatever else. Texts, names and addresses come from
 // other people, so all of them pass appendHtml().
 
+#include <chrono>
+#include <optional>
+
 #include "export/attachment_paths.h"
 #include "export/byte_buffer.h"
 #include "export/format.h"
@@ -22,6 +25,13 @@ struct HtmlPageOptions {
 /// Returns the number of messages written. What the output throws passes through.
 qint64 writeHtmlPage(const TesselChatLog& log, const FormatContext& context, const ByteSink& output,
                      const HtmlPageOptions& options);
+
+/// The day on the calendar's clocks; nothing for what no calendar expresses.
+[[nodiscard]] std::optional<std::chrono::year_month_day> localDay(
+    foundation::Date date, const foundation::Calendar& calendar);
+/// The anchor of a day in a page: "day-2009-07-04". When a chat comes to a day again, only the
+/// first time has it.
+[[nodiscard]] QString dayAnchor(const std::optional<std::chrono::year_month_day>& day);
 
 /// The text as a text or an attribute's value in quotation marks: no part of it is markup. Line
 /// breaks become elements in a text and references in an attribute.

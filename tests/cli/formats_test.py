@@ -9,6 +9,7 @@ import io
 import json
 import os
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -129,11 +130,42 @@ class Page(html.parser.HTMLParser):
             self.names.append(data)
         elif self.open and self.open[-1][0] == "style":
             self.style += data
-        elif data.strip() and not {"time", "span"} & {tag for tag, _ in self.open}:
+        elif data.strip() and not ({"time", "span"} & {tag for tag, _ in self.open}
+                                   or ("h2", "session") in self.open):
             self.faults.append(data)
 
     def handle_comment(self, data):
         self.faults.append(data)
+
+
+class Index(html.parser.HTMLParser):
+    """Where an index leads, with how many messages are there."""
+
+    ELEMENTS = set("html head meta title style body header main nav section h1 h2 p ul li a span div"
+                   " table thead tbody tr th td details summary small".split())
+
+    def __init__(self, text):
+        super().__init__()
+        self.links, self.faults, self.address = {}, [], None
+        self.feed(text)
+        self.close()
+
+    def handle_starttag(self, tag, attributes):
+        values = dict(attributes)
+        if tag not in self.ELEMENTS or any(name.startswith("on") for name in values):
+            self.faults.append((tag, attributes))
+        address = values.get("href", "#")
+        if re.search("^[a-z]+:", address):
+            self.faults.append(address)
+        self.address = address if not address.startswith("#") else None
+
+    def handle_endtag(self, tag):
+        if tag in ("a", "td"):
+            self.address = None
+
+    def handle_data(self, data):
+        if self.address and data.strip():
+            self.links[self.address] = int(data.replace(",", ""))
 
 
 def page_text(event):
@@ -295,6 +327,50 @@ class Formats(unittest.TestCase):
                           for node in xml.etree.ElementTree.fromstring(tree).iter()
                           if node.get("destination")}
                 self.assertLessEqual(paths, linked)
+
+    def test_an_index_leads_to_all_messages_of_merged_chats(self):
+        with tempfile.TemporaryDirectory() as folder:
+            chats = os.path.join(folder, "chats")
+            os.mkdir(chats)
+            for number, file in enumerate([*all_files, *all_files[:9], self.hostile]):
+                shutil.copy(file, os.path.join(chats, f"{number}.ichat"))
+            for name in ("json", "html"):
+                subprocess.run([export, "-qf", name, "--merge", "--time-zone", "UTC", "-d",
+                                f"{folder}/{name}", *(["--index"] if name == "html" else []), chats],
+                               check=True)
+            merged, single = set(), set()
+            for place, _, names in os.walk(f"{folder}/json"):
+                for name in names:
+                    with open(os.path.join(place, name)) as document:
+                        events = [event for event in json.load(document)["events"]
+                                  if event["kind"] in CONTENT]
+                    years = {(event["timestamp"] or "undated")[:4] for event in events}
+                    self.assertEqual(years - {os.path.splitext(name)[0].zfill(4)[:4]}, set())
+                    merged |= {json.dumps({**event, "sequence": 0}) for event in events}
+            for file in [*all_files, self.hostile]:
+                single |= {json.dumps({**event, "sequence": 0}) for event in content_of(file)}
+            self.assertEqual({json.loads(event).get("text") for event in single},
+                             {json.loads(event).get("text") for event in merged})
+            with open(f"{folder}/html/index.html", encoding="utf-8", newline="") as page:
+                index = Index(page.read())
+            self.assertEqual(index.faults, [])
+            shown = 0
+            for address, count in index.links.items():
+                path, anchor = address.split("#")
+                with open(os.path.join(folder, "html", urllib.parse.unquote(path)), newline="") as page:
+                    target = Page(page.read())
+                self.assertEqual(target.faults, [])
+                self.assertIn(anchor, target.ids)
+                shown += count
+            pages = {urllib.parse.unquote(address.split("#")[0]) for address in index.links}
+            self.assertEqual(pages, {os.path.relpath(os.path.join(place, name), f"{folder}/html")
+                                     for place, _, names in os.walk(f"{folder}/html")
+                                     for name in names if name != "index.html"})
+            messages = 0
+            for page in pages:
+                with open(os.path.join(folder, "html", page), newline="") as text:
+                    messages += len(Page(text.read()).messages)
+            self.assertEqual(shown, messages)
 
     def test_documents_in_one_stream_are_one_table(self):
         two = subprocess.run([export, "-f", "csv", "--byte-order-mark", files[0], self.hostile],

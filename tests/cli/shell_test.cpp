@@ -37,6 +37,15 @@ QByteArray transcriptThatExpands() {
     return writers::keyedTranscript(result);
 }
 
+/// Two messages, of the last day of a year and of the first of the next.
+QByteArray transcriptOfNewYear() {
+    writers::Transcript result{.service = u"AIM"_s, .people = {{u"me"_s}, {u"../ann"_s}}};
+    result.participants = {1};
+    for (const double date : {-9.0, 9.0})
+        result.messages.push_back({.sender = 1, .date = date, .body = {writers::words(u"bang"_s)}});
+    return writers::keyedTranscript(result);
+}
+
 QByteArray transcriptWithFile() {
     writers::Transcript result{.service = u"AIM"_s, .people = {{u"ann"_s}}};
     result.messages.push_back(
@@ -62,6 +71,7 @@ class Shell : public testing::Test {
             {"warn.ichat", transcriptWithoutContent()},
             {"bad.ichat", "nothing"},
             {"file.ichat", transcriptWithFile()},
+            {"new year", transcriptOfNewYear()},
             {"x/expands", expanding_},
             {"x/empty", writers::keyedTranscript({.service = u"AIM"_s})},
             {"old", "old"}};
@@ -135,7 +145,7 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         // Files and folders
         {"v -fjson -qo new a.ichat; cat new", 0, "<a>", ""},
         {"v -o new a.ichat b.ichat; ls", 0,
-         "a.ichat\nb.ichat\nbad.ichat\nfile.ichat\nlong\nold\nout\n"
+         "a.ichat\nb.ichat\nbad.ichat\nfile.ichat\nlong\nnew year\nold\nout\n"
          "warn.ichat\nx\n",
          "new is not a folder; several files need one (--output-dir)\n"},
         {"v -o new a.ichat a.ichat", 2, "", "new is not a folder"},
@@ -211,6 +221,32 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
          "out/file.json: old/file: the folder can't be created: Not a directory\n"},
         {"vell-export -f html --pictures folder file.ichat", 2, "",
          "pictures in a folder need one"},
+        // Merging
+        {"mkdir t; cp a.ichat b.ichat bad.ichat 'new year' t; cp 'new year' t/again; cp a.ichat "
+         "t/a2\n"
+         "chmod 600 t/a.ichat; v --merge --time-zone UTC -d out t 2>err; grep ed err\n"
+         "cd out; find . -type f | sort; grep -c bang ann/*; grep -o 'alpha\\|beta' */2001.json\n"
+         "stat -c %a ann-2/2001.json",
+         0,
+         "vell-export: t/bad.ichat: not a transcript, or damaged: incomprehensible archive (0x6e, "
+         "0x6f, 0x74, 0x68, 0x69, 0x6e, 0x67, 0x0)\n"
+         "Converted          3\nSkipped            0\nFailed             1\n"
+         "                   1  not a transcript, or damaged: incomprehensible archive (0x6e, "
+         "0x6f, "
+         "0x74, 0x68, 0x69, 0x6e, 0x67, 0x0)\n"
+         "./ann-2/2001.json\n./ann/2000.json\n./ann/2001.json\nann/2000.json:1\nann/2001.json:1\n"
+         "ann-2/2001.json:alpha\nann-2/2001.json:beta\n600\n",
+         ""},
+        {"v --merge a.ichat", 2, "", "--merge and --index need a folder"},
+        {"v --merge --update -d out a.ichat", 2, "", "--force, not --update"},
+        {"v --index -d out a.ichat", 2, "", "--index leads to pages"},
+        {"echo old > out/index.html; cp a.ichat index.ichat\n"
+         "vell-export -f html --index -d out index.ichat; ls out; vell-export -qf html --force "
+         "--index "
+         "-d out index.ichat; ls out; vell-export -f html --update --index -d out index.ichat\n"
+         "grep -o 'href=\"[^#].*\">' out/index.html",
+         0, "index.html\nindex-2.html\nindex.html\nhref=\"index-2.html#day-2001-01-01\">\n",
+         "vell-export: out/index.html: the file exists"},
         // Reports
         {"tree; umask 022; v -qd out --report r t 2>&-; cat r; stat -c %a r; ls -A | grep -c vell",
          1,
