@@ -18,7 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         vell::recovery::recoverChatLog(foundation::Data(input), std::nullopt, calendar);
     if (!recovered) return 0;
     const auto& events = recovered->log.events();
-    if (recovered->found < 1 || events.size() < 2 || events.front().sender) std::abort();
-    if (recovered->damagedAfter < 0 || recovered->damagedAfter > input.size()) std::abort();
+    if (recovered->extent.found < 1 || events.size() < 2 || events.front().sender) std::abort();
+    if (recovered->extent.damagedAfter < 0 || recovered->extent.damagedAfter > input.size())
+        std::abort();
     return 0;
 }

@@ -633,6 +633,10 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
 <context>
     <name>vell::DocumentWindow</name>
     <message>
+        <source>%1 (recovered)</source>
+        <translation>%1 (gerettet)</translation>
+    </message>
+    <message>
         <source>Toolbar</source>
         <translation>Werkzeugleiste</translation>
     </message>
@@ -1138,6 +1142,18 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
 <context>
     <name>vell::OpenFailures</name>
     <message>
+        <source>No message of the document “%1” can be read.</source>
+        <translation>Keine Nachricht des Dokuments „%1“ ist lesbar.</translation>
+    </message>
+    <message>
+        <source>Perhaps a backup holds an earlier copy of the file.</source>
+        <translation>Vielleicht enthält eine Sicherung eine frühere Kopie der Datei.</translation>
+    </message>
+    <message>
+        <source>&amp;Show What Can Be Read</source>
+        <translation>Lesbares &amp;zeigen</translation>
+    </message>
+    <message>
         <source>The document “%1” could not be opened. The file is damaged or not a transcript.</source>
         <translation>Das Dokument „%1“ konnte nicht geöffnet werden. Die Datei ist beschädigt oder kein Mitschnitt.</translation>
     </message>
@@ -1366,6 +1382,18 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     <message>
         <source>of %1 or more</source>
         <translation>von %1 oder mehr</translation>
+    <name>vell::RecoveryBar</name>
+    <message>
+        <source>Recovered %1 of about %2 messages; the file is damaged after byte %3</source>
+        <translation>%1 von etwa %2 Nachrichten gerettet; die Datei ist nach Byte %3 beschädigt</translation>
+    </message>
+    <message>
+        <source>Recovered the only message; the file is damaged after byte %1</source>
+        <translation>Die einzige Nachricht wurde gerettet; die Datei ist nach Byte %1 beschädigt</translation>
+    </message>
+    <message>
+        <source>Messages recovered: %1; the file is damaged after byte %2</source>
+        <translation>Gerettete Nachrichten: %1; die Datei ist nach Byte %2 beschädigt</translation>
     </message>
 </context>
 <context>

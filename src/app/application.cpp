@@ -110,13 +110,22 @@ void Application::open(const QStringList& paths) {
     }
 }
 
-void Application::openTranscript(const QString& path, const QString& canonicalPath) {
+/// Shows what is left of damaged transcripts.
+void Application::recover(const QStringList& paths) {
+    const auto facts = fileFacts(paths);
+    for (qsizetype i = 0; i < paths.size(); ++i)
+        openTranscript(paths[i], facts[static_cast<size_t>(i)].value_or(FileFacts()).canonicalPath,
+                       Reading::recovery);
+}
+
+void Application::openTranscript(const QString& path, const QString& canonicalPath,
+                                 Reading reading) {
     if (DocumentWindow* window = windowFor(path, canonicalPath)) {
         bringToFront(*window);
         return;
     }
     const Services services{settings_, recentFiles_, *contacts_, pictures_};
-    auto* window = new DocumentWindow(*this, services, loader_, path);
+    auto* window = new DocumentWindow(*this, services, loader_, path, reading);
     windows_.push_back({window, canonicalPath});
     connect(window, &DocumentWindow::shown, this, [this] {
         rememberWindows();
@@ -214,17 +223,22 @@ void Application::openWithoutFiles() {
 void Application::giveUp(DocumentWindow* window, const foundation::Error& error) {
     remove(window);
     if (windows_.empty()) showWelcome();  // or the program would end
-    reportFailure(window->path(), error);
+    const OpenFailures::Cause cause = causeOf(error);
+    const bool isLost = window->isRecovery() && cause == OpenFailures::Cause::damaged;
+    reportFailure(window->path(), isLost ? OpenFailures::Cause::beyondRecovery : cause);
 }
 
 // One dialog for all that fail at about the same time, so that none covers another.
-void Application::reportFailure(const QString& path, const foundation::Error& error) {
-    const OpenFailures::Cause cause = causeOf(error);
+void Application::reportFailure(const QString& path, OpenFailures::Cause cause) {
     if (cause == OpenFailures::Cause::missing || cause == OpenFailures::Cause::unreadable)
         recentFiles_.remove(path);
-    if (!failures_) failures_ = new OpenFailures;
-    failures_->add(isStandardInput(path) ? tr("Standard Input") : QFileInfo(path).fileName(),
-                   cause);
+    if (!failures_) {
+        failures_ = new OpenFailures;
+        connect(failures_, &OpenFailures::recoveryRequested, this, &Application::recover);
+    }
+    const bool isStream = isStandardInput(path);
+    failures_->add(isStream ? tr("Standard Input") : QFileInfo(path).fileName(),
+                   isStream ? QString() : path, cause);
 }
 
 void Application::showOpenDialog(QWidget* parent) {
@@ -317,7 +331,8 @@ void Application::showPreferences() {
 void Application::rememberWindows() {
     QStringList paths;
     for (const OpenWindow& open : windows_) {
-        if (open.window->isLoaded() && !isStandardInput(open.window->path()))
+        if (open.window->isLoaded() && !open.window->isRecovery() &&
+            !isStandardInput(open.window->path()))
             paths.append(open.window->path());
     }
     if (!isQuitting_ && !paths.isEmpty()) settings_.setLastWindows(paths);

@@ -15,6 +15,7 @@
 #include "app/desktop/settings.h"
 #include "app/desktop/single_instance.h"
 #include "app/documents/document_loader.h"
+#include "app/documents/open_failures.h"
 #include "app/windows/commands.h"
 #include "app/windows/contacts_dialog.h"
 #include "timeline/pictures/picture_cache.h"
@@ -25,7 +26,6 @@ class ContactsStore;
 class DocumentWindow;
 class Library;
 class LibraryWindow;
-class OpenFailures;
 class PanelWindow;
 class PreferencesWindow;
 class SystemContacts;
@@ -73,7 +73,9 @@ class Application final : public QObject, public Commands {
     void takeDrop(const QStringList& paths, const QWidget* window);
     void showWelcome();
     void showFindWindow(const QStringList& folders);
-    void openTranscript(const QString& path, const QString& canonicalPath);
+    void openTranscript(const QString& path, const QString& canonicalPath,
+                        Reading reading = Reading::whole);
+    void recover(const QStringList& paths);
     void remove(DocumentWindow* window);
     /// Gives windows of the same people on the same days longer titles.
     void distinguishWindows();
@@ -81,7 +83,7 @@ class Application final : public QObject, public Commands {
     void beginQuitting();
     void rememberPlaces() const;
     void giveUp(DocumentWindow* window, const foundation::Error& error);
-    void reportFailure(const QString& path, const foundation::Error& error);
+    void reportFailure(const QString& path, OpenFailures::Cause cause);
     [[nodiscard]] DocumentWindow* windowFor(const QString& path,
                                             const QString& canonicalPath) const;
 

@@ -200,7 +200,7 @@ std::optional<TesselChatLog> FileExporter::read(Input& input) {
 std::optional<TesselChatLog> FileExporter::recovered(const Input& input) {
     auto result = recovery::recoverChatLog(input.bytes, input.date, context_.calendar());
     if (!result) return std::nullopt;
-    report(result->summary());
+    report(result->extent.summary());
     isRecovered_ = true;
     return std::move(result->log);
 }

@@ -75,14 +75,6 @@ std::shared_ptr<const InstantMessage> note(const QString& text, foundation::Date
     return std::make_shared<InstantMessage>(date, text);
 }
 
-QString summaryOf(qint64 found, std::optional<qint64> expected, qint64 damagedAfter) {
-    const qint64 all = std::max(found, expected.value_or(found));
-    const QString count =
-        expected ? u"%1 of about %2"_s.arg(number(found), number(all)) : number(found);
-    return u"Recovered %1 %2; the file is damaged after byte %3"_s.arg(
-        count, (expected ? all : found) == 1 ? u"message"_s : u"messages"_s, number(damagedAfter));
-}
-
 }  // namespace
 
 bool isComplete(const InstantMessage& message) {
@@ -90,8 +82,11 @@ bool isComplete(const InstantMessage& message) {
            (!message.sender || !message.sender->accountName.isEmpty());
 }
 
-QString Recovered::summary() const {
-    return summaryOf(found, expected, damagedAfter);
+QString Extent::summary() const {
+    const QString count =
+        expected ? u"%1 of about %2"_s.arg(number(found), number(*expected)) : number(found);
+    return u"Recovered %1 %2; the file is damaged after byte %3"_s.arg(
+        count, expected.value_or(found) == 1 ? u"message"_s : u"messages"_s, number(damagedAfter));
 }
 
 std::optional<Recovered> recoverChatLog(const foundation::Data& data,
@@ -105,12 +100,18 @@ std::optional<Recovered> recoverChatLog(const foundation::Data& data,
                                      [](const auto& slot) { return slot != nullptr; });
     if (found == 0) return std::nullopt;
 
+    if (messages->expected) messages->expected = std::max<qint64>(*messages->expected, found);
+    const Extent extent{found, messages->expected, messages->damagedAfter};
+
     iChatTimeline timeline;
     timeline.protocolName = messages->service.value_or(QString());
     timeline.participants = std::move(messages->participants);
-    foundation::Date date = foundation::Date::distantPast;
-    timeline.messages.push_back(
-        note(summaryOf(found, messages->expected, messages->damagedAfter), date));
+    const auto dated =
+        std::find_if(messages->slots.begin(), messages->slots.end(),
+                     [](const auto& slot) { return slot && slot->date.has_value(); });
+    foundation::Date date =
+        dated == messages->slots.end() ? foundation::Date::distantPast : *(*dated)->date;
+    timeline.messages.push_back(note(extent.summary(), date));
     for (auto& slot : messages->slots) {
         if (slot && slot->date) date = *slot->date;
         timeline.messages.push_back(slot ? std::move(slot)
@@ -121,8 +122,7 @@ std::optional<Recovered> recoverChatLog(const foundation::Data& data,
     } catch (const foundation::Error&) {
         return std::nullopt;
     }
-    return Recovered{convertTimeline(std::move(timeline), data.size(), fileDate, calendar), found,
-                     messages->expected, messages->damagedAfter};
+    return Recovered{convertTimeline(std::move(timeline), data.size(), fileDate, calendar), extent};
 }
 
 }  // namespace vell::recovery

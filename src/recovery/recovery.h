@@ -13,16 +13,21 @@
 
 namespace vell::recovery {
 
-struct Recovered {
-    /// The recovered messages. The first event says what this is (summary()); further system
-    /// messages stand where messages are missing.
-    TesselChatLog log;
+/// How much of a transcript was recovered.
+struct Extent {
     qint64 found = 0;
     std::optional<qint64> expected;  ///< how many there were, as far as that is known
     qint64 damagedAfter = 0;         ///< bytes of the file
 
     /// "Recovered 412 of about 430 messages; the file is damaged after byte 81,920".
     [[nodiscard]] QString summary() const;
+};
+
+struct Recovered {
+    /// The recovered messages. The first event is the extent's summary(); further system messages
+    /// stand where messages are missing.
+    TesselChatLog log;
+    Extent extent;
 };
 
 /// Nothing when no message can be read. Each message is one of the original ones, whole: one with a

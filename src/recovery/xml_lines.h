@@ -8,8 +8,8 @@
 
 namespace vell::recovery {
 
-/// The same text, as long, with the tags, the indentation and the known keys corrected. A number
-/// that is none becomes one that no object has.
+/// The same text with the tags, the indentation and the known keys corrected. A number that is none
+/// becomes one that no object has.
 [[nodiscard]] QByteArray withCorrectedLines(QByteArrayView xml);
 
 }  // namespace vell::recovery

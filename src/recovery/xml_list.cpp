@@ -111,7 +111,11 @@ std::optional<RepairedList> repairedXml(const Data& data) {
     if (!list) return std::nullopt;
     const auto array = objectsArray(*list);
     if (!array) return std::nullopt;
-    return RepairedList{*std::move(list), *array, damagedAfter < 0 ? end : damagedAfter};
+    // Behind the first correction places are those in the corrected text.
+    const qsizetype correct =
+        std::mismatch(bytes.begin(), bytes.end(), data.begin(), data.end()).first - bytes.begin();
+    return RepairedList{*std::move(list), *array,
+                        std::min(damagedAfter < 0 ? end : damagedAfter, correct)};
 }
 
 }  // namespace vell::recovery

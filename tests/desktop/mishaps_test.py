@@ -65,6 +65,24 @@ class Mishaps:
         self.plain_start_welcomes()
         shutil.copy(self.sample, self.good)
 
+    def shows_what_is_left(self):
+        """Of a transcript whose copy was cut off, on request and marked as a part; never of other files."""
+        cut = self.desktop.path("cut.ichat")
+        with open(self.sample, "rb") as whole, open(cut, "wb") as file:
+            bytes = whole.read()
+            file.write(bytes[:len(bytes) * 2 // 3])
+        running = self.desktop.start(self.vell, cut, self.broken)
+        self.failure("2 documents could not be opened")
+        dialog = a11y.window(a11y.named("Vell"), "dialog")
+        a11y.press(a11y.wait_find(dialog, "button", a11y.named("Show What Can Be Read")))
+        window = a11y.window(a11y.holding("(recovered)"), "frame")
+        a11y.wait_find(window, "label", a11y.holding("messages; the file is damaged after byte"))
+        a11y.wait_find(window, name=a11y.holding("Messages are missing here."),
+                       hidden=True)
+        self.failure("No message of the document “broken.ichat” can be read")
+        assert not self.remembered() and "cut" not in (self.desktop.setting("LastWindows") or "")
+        self.end(running)
+
     def crash_while_opening(self):
         """The program crashes at the first byte of a transcript that it showed in an earlier session."""
         for arguments in ([self.good], []):
@@ -112,5 +130,5 @@ need_accessibility()
 with Desktop() as desktop:
     a11y = desktop.accessible()
     mishaps = Mishaps(desktop, *sys.argv[1:3])
-    a11y.play(mishaps.broken_at_start, mishaps.broken_meanwhile, mishaps.crash_while_opening,
+    a11y.play(mishaps.broken_at_start, mishaps.broken_meanwhile, mishaps.shows_what_is_left, mishaps.crash_while_opening,
               mishaps.names_of_old_encodings, mishaps.search_meets_a_giant)

@@ -24,9 +24,11 @@ foundation::Error textWriteInapplicableDocumentTypeError() {
     return {cocoaErrorDomain, 66062};
 }
 
-VellDocument::VellDocument(TesselChatLog chatlog, foundation::Data data)
+VellDocument::VellDocument(TesselChatLog chatlog, foundation::Data data,
+                           std::optional<recovery::Extent> extent)
     : chatlog_(std::make_shared<const TesselChatLog>(std::move(chatlog))),
       data_(std::move(data)),
+      extent_(extent),
       expansion_(*chatlog_) {}
 
 VellDocument VellDocument::read(const foundation::FileWrapper& file,
@@ -50,6 +52,14 @@ VellDocument VellDocument::read(const foundation::FileWrapper& file,
         presentLoadLogWindow();
         throw fileReadCorruptFileError();
     }
+}
+
+VellDocument VellDocument::recover(const foundation::FileWrapper& file) {
+    if (!file.isRegularFile() || !file.contents) throw fileReadCorruptFileError();
+    auto recovered =
+        recovery::recoverChatLog(*file.contents, file.modificationDate, sharedCalendar());
+    if (!recovered) throw fileReadCorruptFileError();
+    return {std::move(recovered->log), *file.contents, recovered->extent};
 }
 
 std::shared_ptr<const foundation::FileWrapper> VellDocument::fileWrapper(

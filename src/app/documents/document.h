@@ -8,10 +8,12 @@
 #include <QStringList>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "export/expansion.h"
 #include "foundation/error.h"
 #include "foundation/file_wrapper.h"
+#include "recovery/recovery.h"
 #include "transcript/chat_log.h"
 
 namespace vell {
@@ -22,12 +24,17 @@ namespace vell {
 
 class VellDocument {
   public:
-    VellDocument(TesselChatLog chatlog, foundation::Data data);
+    VellDocument(TesselChatLog chatlog, foundation::Data data,
+                 std::optional<recovery::Extent> extent = {});
 
     /// Reads a transcript from its wrapper, on any thread. Every step is in the load log; on
     /// failure `presentLoadLogWindow` is called and fileReadCorruptFileError() thrown.
     static VellDocument read(const foundation::FileWrapper& file,
                              const std::function<void()>& presentLoadLogWindow);
+
+    /// What can be read of a damaged transcript. Throws fileReadCorruptFileError() if that is
+    /// nothing; writes to no log.
+    static VellDocument recover(const foundation::FileWrapper& file);
 
     /// What saving as `contentType` would write: the existing wrapper when there is one, else a new
     /// one with the bytes as read. Throws textWriteInapplicableDocumentTypeError() for other types.
@@ -45,12 +52,15 @@ class VellDocument {
     }
     /// The file's complete bytes, exactly as read.
     [[nodiscard]] const foundation::Data& data() const { return data_; }
+    /// Of a recovered document.
+    [[nodiscard]] const std::optional<recovery::Extent>& extent() const { return extent_; }
     /// Of the chat's exports.
     [[nodiscard]] const ExpansionBound& expansion() const { return expansion_; }
 
   private:
     std::shared_ptr<const TesselChatLog> chatlog_;
     foundation::Data data_;
+    std::optional<recovery::Extent> extent_;
     ExpansionBound expansion_;
 };
 

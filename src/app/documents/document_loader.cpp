@@ -41,12 +41,14 @@ bool wasOutOfReach(const foundation::Error& error) {
            error.code() == static_cast<qint64>(ReadErrorCode::noPermission);
 }
 
-DocumentLoader::Result convert(const Read& read,
+DocumentLoader::Result convert(const Read& read, Reading reading,
                                const std::function<void()>& presentLoadLogWindow) {
     if (read.problem && wasOutOfReach(*read.problem)) return {nullptr, read.problem};
     try {
         return {std::make_shared<const VellDocument>(
-                    VellDocument::read(*read.file, presentLoadLogWindow)),
+                    reading == Reading::recovery
+                        ? VellDocument::recover(*read.file)
+                        : VellDocument::read(*read.file, presentLoadLogWindow)),
                 std::nullopt};
     } catch (const foundation::Error& error) {
         return {nullptr, read.problem ? read.problem : error};
@@ -62,7 +64,8 @@ DocumentLoader::DocumentLoader(std::shared_ptr<FileReader> reader,
       queue_(std::move(queue)),
       presentLoadLogWindow_(std::move(presentLoadLogWindow)) {}
 
-DocumentLoader::Ticket DocumentLoader::load(const QString& path, Completion completion) {
+DocumentLoader::Ticket DocumentLoader::load(const QString& path, Completion completion,
+                                            Reading reading) {
     const auto wanted = std::make_shared<Completion>(std::move(completion));
     const std::weak_ptr<Completion> stillWanted = wanted;
 
@@ -78,10 +81,11 @@ DocumentLoader::Ticket DocumentLoader::load(const QString& path, Completion comp
 
     const auto fail = [finish] { finish({nullptr, fileReadCorruptFileError()}); };
     foundation::runDetached(
-        [reader = reader_, queue = queue_, present = presentLoadLogWindow_, path, stillWanted,
-         finish, fail] {
-            const auto convertIt = [file = read(*reader, path), present, stillWanted, finish] {
-                if (!stillWanted.expired()) finish(convert(file, present));
+        [reader = reader_, queue = queue_, present = presentLoadLogWindow_, path, reading,
+         stillWanted, finish, fail] {
+            const auto convertIt = [file = read(*reader, path), reading, present, stillWanted,
+                                    finish] {
+                if (!stillWanted.expired()) finish(convert(file, reading, present));
             };
             queue->post(foundation::guarded(convertIt, fail));
         },

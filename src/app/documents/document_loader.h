@@ -16,6 +16,9 @@
 
 namespace vell {
 
+/// Whether a file is read as a whole, or what is left of a damaged one.
+enum class Reading { whole, recovery };
+
 class DocumentLoader {
   public:
     struct Result {
@@ -33,7 +36,8 @@ class DocumentLoader {
                    std::function<void()> presentLoadLogWindow);
 
     /// Starts a load; the completion is called on the window thread unless the ticket is destroyed.
-    [[nodiscard]] Ticket load(const QString& path, Completion completion);
+    [[nodiscard]] Ticket load(const QString& path, Completion completion,
+                              Reading reading = Reading::whole);
 
     [[nodiscard]] const std::shared_ptr<FileReader>& reader() const { return reader_; }
 

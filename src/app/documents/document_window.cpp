@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QStatusBar>
 #include <QTimer>
+#include <QVBoxLayout>
 #include <utility>
 
 #include "app/desktop/recent_files.h"
@@ -14,6 +15,7 @@
 #include "app/documents/chat_pane.h"
 #include "app/documents/chat_title.h"
 #include "app/documents/dates/time_zones.h"
+#include "app/documents/recovery_bar.h"
 #include "app/windows/window_geometry.h"
 #include "identity/contacts/contacts_store.h"
 #include "timeline/timeline_view.h"
@@ -27,8 +29,12 @@ constexpr int longestWaitForFrame = 250;  // milliseconds
 }  // namespace
 
 DocumentWindow::DocumentWindow(Commands& commands, const Services& services, DocumentLoader& loader,
-                               const QString& path)
-    : commands_(commands), services_(services), path_(path), pane_(new ChatPane(services)) {
+                               const QString& path, Reading reading)
+    : commands_(commands),
+      services_(services),
+      path_(path),
+      reading_(reading),
+      pane_(new ChatPane(services)) {
     setAttribute(Qt::WA_DeleteOnClose);
     setObjectName(QStringLiteral("documentWindow"));
     updateTitles();
@@ -47,7 +53,8 @@ DocumentWindow::DocumentWindow(Commands& commands, const Services& services, Doc
             &DocumentWindow::updateTitles);
     connect(&services_.settings, &Settings::timeZoneChanged, this, &DocumentWindow::showTimeZone);
     showTimeZone();
-    load_ = loader.load(path, [this](DocumentLoader::Result result) { take(std::move(result)); });
+    load_ = loader.load(
+        path, [this](DocumentLoader::Result result) { take(std::move(result)); }, reading);
     // A window on another workspace isn't painted at all.
     QTimer::singleShot(longestWaitForFrame, this, &DocumentWindow::stopWaitingForFrame);
 }
@@ -84,6 +91,7 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
         close();
         return;
     }
+    if (result.document->extent()) showExtent(*result.document->extent());
     pane_->showChat({result.document->sharedChatlog(),
                      std::make_shared<const ExpansionBound>(result.document->expansion()),
                      result.document->data().size(),
@@ -93,7 +101,17 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     if (const auto place = services_.settings.windowPlace(path_))
         timeline.scroller().scrollToRow(place->topRow, place->pointsAbove);
     timeline.setFocus();
-    if (!isStandardInput(path_)) services_.recentFiles.add(path_);
+    if (!isStandardInput(path_) && !isRecovery()) services_.recentFiles.add(path_);
+}
+
+void DocumentWindow::showExtent(const recovery::Extent& extent) {
+    auto* content = new QWidget;
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(new RecoveryBar(extent));
+    layout->addWidget(takeCentralWidget(), 1);
+    setCentralWidget(content);
 }
 
 void DocumentWindow::updateTitles() {
@@ -104,6 +122,9 @@ void DocumentWindow::updateTitles() {
     } else {
         titles_ = {QFileInfo(path_).completeBaseName(), QDir::toNativeSeparators(path_)};
     }
+    if (isRecovery())
+        for (QString& title : titles_)
+            title = tr("%1 (recovered)").arg(title);
     setTitle(titles_.front());
     Q_EMIT titlesChanged();
 }

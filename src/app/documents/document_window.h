@@ -25,10 +25,12 @@ class DocumentWindow final : public QMainWindow {
   public:
     /// Starts loading the path ("-": standard input) with the loader.
     DocumentWindow(Commands& commands, const Services& services, DocumentLoader& loader,
-                   const QString& path);
+                   const QString& path, Reading reading = Reading::whole);
     ~DocumentWindow() override;
 
     [[nodiscard]] const QString& path() const { return path_; }
+    /// Whether it shows what is left of a damaged transcript.
+    [[nodiscard]] bool isRecovery() const { return reading_ == Reading::recovery; }
     [[nodiscard]] bool isLoaded() const;
     /// What the window may be called, the shortest first.
     [[nodiscard]] const QStringList& titles() const { return titles_; }
@@ -56,6 +58,7 @@ class DocumentWindow final : public QMainWindow {
     void take(DocumentLoader::Result result);
     void stopWaitingForFrame();
     void loaded(const DocumentLoader::Result& result);
+    void showExtent(const recovery::Extent& extent);
     void updateTitles();
     void showTimeZone();
     void restorePlace();
@@ -63,6 +66,7 @@ class DocumentWindow final : public QMainWindow {
     Commands& commands_;
     Services services_;
     QString path_;
+    Reading reading_;
     QStringList titles_;
     DocumentLoader::Ticket load_;
     bool waitsForFrame_ = true;

@@ -5,6 +5,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QScreen>
 #include <QStyle>
 #include <algorithm>
@@ -24,6 +25,8 @@ QString sentence(const QString& name, OpenFailures::Cause cause) {
                        "The document “%1” could not be opened. The file is damaged or "
                        "not a transcript.")
                 .arg(name);
+        case OpenFailures::Cause::beyondRecovery:
+            return OpenFailures::tr("No message of the document “%1” can be read.").arg(name);
         case OpenFailures::Cause::missing:
             return OpenFailures::tr("The document “%1” could not be opened. There is no such file.")
                 .arg(name);
@@ -43,6 +46,8 @@ QString remedy(OpenFailures::Cause cause) {
     switch (cause) {
         case OpenFailures::Cause::damaged:
             return OpenFailures::tr("A load log opens next; you can send it to us.");
+        case OpenFailures::Cause::beyondRecovery:
+            return OpenFailures::tr("Perhaps a backup holds an earlier copy of the file.");
         case OpenFailures::Cause::missing:
             return OpenFailures::tr(
                 "It may have been moved, renamed or deleted. “Find iChat Files …” in the File menu "
@@ -84,6 +89,14 @@ OpenFailures::OpenFailures()
     icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::close);
+    recover_ = buttons->addButton(tr("&Show What Can Be Read"), QDialogButtonBox::ActionRole);
+    recover_->setObjectName(QStringLiteral("recover"));
+    recover_->setAutoDefault(false);
+    recover_->hide();
+    connect(recover_, &QPushButton::clicked, this, [this] {
+        Q_EMIT recoveryRequested(damaged_);
+        close();
+    });
 
     auto* layout = new QGridLayout(this);
     layout->setHorizontalSpacing(defaultPadding);
@@ -95,7 +108,9 @@ OpenFailures::OpenFailures()
     layout->setColumnStretch(1, 1);
 }
 
-void OpenFailures::add(const QString& name, Cause cause) {
+void OpenFailures::add(const QString& name, const QString& path, Cause cause) {
+    if (cause == Cause::damaged && !path.isEmpty()) damaged_.append(path);
+    recover_->setVisible(!damaged_.isEmpty());
     sentences_.append(sentence(name, cause));
     list_->appendPlainText(sentences_.back());
     expectsLog_ = expectsLog_ || cause == Cause::damaged || cause == Cause::tooLarge;

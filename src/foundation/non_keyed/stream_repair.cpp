@@ -21,8 +21,9 @@ constexpr int fewestSteps = 24;
 constexpr size_t certainlyShaped = 4;
 /// A real archive ends with its root.
 constexpr qsizetype longestTail = 16;
-constexpr quint64 budgetPerByte = 64;
-constexpr quint64 baseBudget = 16'000'000;
+/// Steps in all.
+constexpr quint64 budgetPerByte = 16;
+constexpr quint64 baseBudget = 3'000'000;
 
 constexpr qsizetype headerSize = 16;
 constexpr qsizetype mostHeaderErrors = 6;

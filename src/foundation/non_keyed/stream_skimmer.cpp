@@ -13,7 +13,7 @@ constexpr size_t maximumNesting = 512;
 constexpr size_t maximumClassChain = 64;
 constexpr qsizetype longestTypes = 256;
 constexpr qint64 firstReference = -110;
-/// Type strings that are kept parsed; no real archive has as many.
+/// Types in all type strings; no real archive has as many.
 constexpr size_t maximumTypes = 1 << 16;
 
 bool isSimilar(const ClassInfo& part, const ClassInfo& wanted) {
@@ -275,7 +275,7 @@ quint32 StreamSkimmer::sharedString(quint8 head) {
 
 StreamSkimmer::Types StreamSkimmer::typesOf(quint32 string) {
     const Text& text = strings_[string];
-    if (text.size > longestTypes || types_.size() > maximumTypes) throw MalformedArchive();
+    if (text.size > longestTypes || ops_.size() > maximumTypes) throw MalformedArchive();
     const std::string name(bytes_.constData() + text.begin, size_t(text.size));
     const auto known = types_.find(name);
     if (known != types_.end()) return known->second;
