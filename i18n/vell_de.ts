@@ -1382,6 +1382,9 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     <message>
         <source>of %1 or more</source>
         <translation>von %1 oder mehr</translation>
+    </message>
+</context>
+<context>
     <name>vell::RecoveryBar</name>
     <message>
         <source>Recovered %1 of about %2 messages; the file is damaged after byte %3</source>

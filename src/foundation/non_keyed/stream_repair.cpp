@@ -149,6 +149,7 @@ void Repairer::tryPlace(qsizetype place, size_t step, qsizetype breakPosition, M
     for (int value = 0; value < 256; ++value) {
         if (char(value) == original || budget_ == 0) continue;
         bytes_[place] = char(value);
+        budget_ -= std::min<quint64>(budget_, state.frames.size());
         skimmer_.returnTo(state);
         const Progress progress = progressBehind(step, breakPosition);
         if (progress > best.progress)

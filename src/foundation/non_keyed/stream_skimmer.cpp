@@ -9,7 +9,8 @@
 namespace foundation::non_keyed {
 namespace {
 
-constexpr size_t maximumNesting = 512;
+/// An object in another takes two or three levels; real archives nest objects less than 30 deep.
+constexpr size_t maximumNesting = 128;
 constexpr size_t maximumClassChain = 64;
 constexpr qsizetype longestTypes = 256;
 constexpr qint64 firstReference = -110;
