@@ -15,8 +15,9 @@ void check(const foundation::FileWrapper& wrapper, const foundation::Data& input
     const auto& name = wrapper.filename;
     if (name && (name->isEmpty() || name->contains(u'/') || name == u"..")) std::abort();
     if (wrapper.description().isEmpty()) std::abort();
-    if (wrapper.contents && !wrapper.contents->isEmpty() &&
-        (wrapper.contents->begin() < input.begin() || wrapper.contents->end() > input.end()))
+    const auto contents = wrapper.contents ? wrapper.contents->load() : std::nullopt;
+    if (contents && !contents->isEmpty() &&
+        (contents->begin() < input.begin() || contents->end() > input.end()))
         std::abort();
     for (const auto& child : wrapper.children)
         check(*child, input);

@@ -39,7 +39,7 @@ bool isModest(const foundation::Picture& picture) {
     const QSize size = picture.pixelSize.value_or(QSize(1, 1));
     if (qint64{size.width()} * size.height() > mostPixels) return false;
     if (picture.format == PictureFormat::pdf) return false;
-    const QByteArray bytes = picture.data.toByteArray();
+    const QByteArray bytes = picture.data.load()->toByteArray();
     return picture.format != PictureFormat::svg ||
            !(bytes.contains("use") || bytes.contains("url"));
 }
@@ -52,7 +52,8 @@ void check(const QImage& image) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     const QByteArray input(reinterpret_cast<const char*>(bytes), static_cast<qsizetype>(size));
-    const auto picture = foundation::recognisePicture(foundation::Data(input));
+    const foundation::Data data(input);
+    const auto picture = foundation::recognisePicture(data);
     if (!picture) return 0;
     if (picture->pixelSize && picture->pixelSize->isEmpty()) std::abort();
     static_cast<void>(foundation::isTurned(*picture));
@@ -60,9 +61,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (foundation::pixelsPerPoint(*picture) < 1) std::abort();
     if (!isModest(*picture)) return 0;
     [[maybe_unused]] static const bool isStarted = startApplication();
-    check(vell::draw(picture->data, wanted, false).image);
+    check(vell::draw(data, wanted, false).image);
     if (picture->format != PictureFormat::gif) return 0;
-    vell::Animation animation(picture->data, wanted);
+    vell::Animation animation(data, wanted);
     for (int i = 0; i < 3; ++i)
         check(animation.next().image);
     return 0;

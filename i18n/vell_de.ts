@@ -341,6 +341,10 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
         <source>The folder could not be made</source>
         <translation>Der Ordner konnte nicht angelegt werden</translation>
     </message>
+    <message>
+        <source>The chat’s file has changed or is gone</source>
+        <translation>Die Datei des Chats hat sich geändert oder ist verschwunden</translation>
+    </message>
 </context>
 <context>
     <name>Timeline</name>

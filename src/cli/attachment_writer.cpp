@@ -62,6 +62,11 @@ bool holds(const QByteArray& path, const Data& data) {
     return true;
 }
 
+std::optional<Data> bytesOf(const FileWrapper& wrapper) {
+    if (!wrapper.isRegularFile() || !wrapper.contents) return std::nullopt;
+    return wrapper.contents->load();
+}
+
 /// File systems refuse times that they can't express; then the file has that of its writing.
 void setTime(int descriptor, foundation::Date date) {
     const auto milliseconds = date.millisecondsSinceEpoch();
@@ -119,12 +124,13 @@ QByteArray AttachmentWriter::addFile(const FileWrapper& wrapper, foundation::Dat
     return placeFolder(pathBytes(folder_), wrapper, date);
 }
 
-QByteArray AttachmentWriter::addBytes(const Data& data, const QString& name,
+QByteArray AttachmentWriter::addBytes(const foundation::StoredData& stored, const QString& name,
                                       foundation::Date date) {
-    QByteArray& path = written_[{data.begin(), data.size()}];
-    if (path.isEmpty()) {
+    QByteArray& path = written_[{stored.identity(), stored.size()}];
+    const auto data = path.isEmpty() ? stored.load() : std::nullopt;
+    if (data) {
         makeOwnFolder();
-        path = place(pathBytes(folder_), name, data, date);
+        path = place(pathBytes(folder_), name, *data, date);
     }
     return path;
 }
@@ -203,8 +209,8 @@ QByteArray AttachmentWriter::placeFolder(const QByteArray& folder, const FileWra
             const auto childDate = child->modificationDate.value_or(date);
             if (child->isDirectory())
                 placeFolder(path, *child, childDate);
-            else if (child->isRegularFile() && child->contents)
-                place(path, safeFileName(fileName(*child), u"File"_s), *child->contents, childDate);
+            else if (const auto data = bytesOf(*child))
+                place(path, safeFileName(fileName(*child), u"File"_s), *data, childDate);
         }
         return path;
     }

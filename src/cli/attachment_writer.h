@@ -48,7 +48,8 @@ class AttachmentWriter {
 
     QByteArray add(const TesselChatLog::Event& event);
     QByteArray addFile(const foundation::FileWrapper& wrapper, foundation::Date date);
-    QByteArray addBytes(const foundation::Data& data, const QString& name, foundation::Date date);
+    QByteArray addBytes(const foundation::StoredData& stored, const QString& name,
+                        foundation::Date date);
     void makeOwnFolder() const;
     void makeFolder(const QByteArray& path) const;
     void spend(qsizetype bytes);

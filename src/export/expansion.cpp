@@ -14,7 +14,7 @@
 namespace vell {
 namespace {
 
-using foundation::Data;
+using foundation::StoredData;
 
 constexpr quint64 limitPerByte = 16;
 constexpr quint64 baseLimit = quint64(64) << 20;
@@ -66,7 +66,7 @@ quint64 mostOfUser(const TesselUserID& user, const ContactsStore& contacts) {
            perUnit;
 }
 
-const Data* attachedData(const TesselChatLog::Event& event) {
+const StoredData* attachedData(const TesselChatLog::Event& event) {
     if (const auto* image = std::get_if<TesselChatLog::Image>(&event.value)) return &image->data();
     const auto* file = std::get_if<TesselChatLog::File>(&event.value);
     return file && file->wrapper->contents ? &*file->wrapper->contents : nullptr;
@@ -133,14 +133,14 @@ bool expandsBeyond(quint64 limit, const ExpansionBound& bound, const ContactsSto
 bool attachmentsExceed(quint64 limit, const TesselChatLog& log) {
     quint64 sum = 0;
     for (const TesselChatLog::Event& event : log.events()) {
-        if (const Data* data = attachedData(event)) sum += static_cast<quint64>(data->size());
+        if (const StoredData* data = attachedData(event)) sum += static_cast<quint64>(data->size());
     }
     if (sum <= limit) return false;
     std::set<std::pair<const char*, qsizetype>> slices;
     sum = 0;
     for (const TesselChatLog::Event& event : log.events()) {
-        const Data* data = attachedData(event);
-        if (!data || !slices.emplace(data->begin(), data->size()).second) continue;
+        const StoredData* data = attachedData(event);
+        if (!data || !slices.emplace(data->identity(), data->size()).second) continue;
         sum += static_cast<quint64>(data->size());
         if (sum > limit) return true;
     }

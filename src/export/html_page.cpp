@@ -3,6 +3,7 @@
 
 #include <QSet>
 #include <chrono>
+#include <optional>
 
 #include "export/chat_log_visitor.h"
 #include "export/html_head.h"
@@ -77,9 +78,11 @@ class PageWriter final : public ChatLogVisitor {
     void endText();
     void endBlock();
     void link(const QString& address, QStringView words);
-    [[nodiscard]] bool isDrawn(const TesselChatLog::Image& image) const;
-    void drawn(const TesselChatLog::Image& image, const QString& name);
-    void embed(const TesselChatLog::Image& image);
+    [[nodiscard]] bool isLinked(const TesselChatLog::Image& image) const;
+    /// With the bytes in it, or the attachment's path.
+    void drawn(const TesselChatLog::Image& image, const QString& name,
+               const std::optional<foundation::Data>& bytes);
+    void embed(const TesselChatLog::Image& image, QByteArrayView bytes);
     void fileText(const QString& words);
 };
 
@@ -229,19 +232,22 @@ void PageWriter::link(const QString& address, QStringView words) {
 void PageWriter::operator()(const TesselChatLog::Image* image) {
     endText();
     const QString name = pictureName(picturePath(*image));
-    if (isDrawn(*image))
-        drawn(*image, name);
+    std::optional<foundation::Data> bytes;
+    if (options_.pictures == Pictures::embed && isShownByBrowsers(image->image().format))
+        bytes = image->data().load();
+    if (bytes || isLinked(*image))
+        drawn(*image, name, bytes);
     else
         fileText(QStringLiteral("Picture: ") + name);
 }
 
-bool PageWriter::isDrawn(const TesselChatLog::Image& image) const {
-    if (!isShownByBrowsers(image.image().format)) return false;
-    return options_.pictures == Pictures::embed ||
-           (options_.pictures == Pictures::folder && !attachment_.isEmpty());
+bool PageWriter::isLinked(const TesselChatLog::Image& image) const {
+    return options_.pictures == Pictures::folder && !attachment_.isEmpty() &&
+           isShownByBrowsers(image.image().format);
 }
 
-void PageWriter::drawn(const TesselChatLog::Image& image, const QString& name) {
+void PageWriter::drawn(const TesselChatLog::Image& image, const QString& name,
+                       const std::optional<foundation::Data>& bytes) {
     out_.append("<div class=\"bubble picture\"><img alt=\"");
     appendHtml(out_, name, HtmlPlace::attribute);
     if (const auto& size = image.image().pixelSize; size && !isTurned(image.image())) {
@@ -251,18 +257,16 @@ void PageWriter::drawn(const TesselChatLog::Image& image, const QString& name) {
         out_.appendNumber(size->height());
     }
     out_.append("\" src=\"");
-    options_.pictures == Pictures::embed ? embed(image)
-                                         : appendHtml(out_, attachment_, HtmlPlace::attribute);
+    bytes ? embed(image, bytes->view()) : appendHtml(out_, attachment_, HtmlPlace::attribute);
     out_.append("\">");
     endBlock();
 }
 
-void PageWriter::embed(const TesselChatLog::Image& image) {
+void PageWriter::embed(const TesselChatLog::Image& image, QByteArrayView bytes) {
     out_.append("data:");
     out_.append(QByteArrayView(foundation::mimeType(image.image().format)));
     out_.append(";base64,");
     constexpr qsizetype bytesAtOnce = 3 << 13;  // three bytes are four characters
-    const QByteArrayView bytes = image.data().view();
     for (qsizetype at = 0; at < bytes.size(); at += bytesAtOnce) {
         const QByteArrayView piece = bytes.sliced(at, std::min(bytesAtOnce, bytes.size() - at));
         out_.append(QByteArrayView(QByteArray::fromRawData(piece.data(), piece.size()).toBase64()));

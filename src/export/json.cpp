@@ -54,12 +54,13 @@ class JsonRenderer {
     void stringMember(const char (&key)[size], QStringView text);
     template <std::size_t size>
     void optionalMember(const char (&key)[size], const std::optional<QString>& text);
-    void contentMembers(const foundation::Data* data);
+    void contentMembers(const foundation::StoredData* data);
     void attachmentMember();
     void event(std::size_t index);
     void timeMembers(foundation::Date time);
     void senderMember(const SharedUserID& sender);
-    const QString& sha256(const foundation::Data& data);
+    /// Empty for what can't be read any more.
+    const QString& sha256(const foundation::StoredData& data);
 };
 
 void writeUser(JsonWriter& writer, const TesselUserID& user) {
@@ -219,11 +220,12 @@ void JsonRenderer::optionalMember(const char (&key)[size], const std::optional<Q
     text ? writer_.string(*text) : writer_.null();
 }
 
-void JsonRenderer::contentMembers(const foundation::Data* data) {
+void JsonRenderer::contentMembers(const foundation::StoredData* data) {
     writer_.key("byteCount");
     data ? writer_.number(qint64(data->size())) : writer_.null();
     writer_.key("sha256");
-    data ? writer_.string(sha256(*data)) : writer_.null();
+    const QString hash = data ? sha256(*data) : QString();
+    hash.isEmpty() ? writer_.null() : writer_.string(hash);
 }
 
 /// Only of what was written out, so that documents without are what they always were.
@@ -232,11 +234,12 @@ void JsonRenderer::attachmentMember() {
         stringMember("attachment", *path);
 }
 
-const QString& JsonRenderer::sha256(const foundation::Data& data) {
-    QString& known = hashes_[{data.begin(), data.size()}];
-    if (known.isEmpty()) {
+const QString& JsonRenderer::sha256(const foundation::StoredData& data) {
+    QString& known = hashes_[{data.identity(), data.size()}];
+    const auto bytes = known.isEmpty() ? data.load() : std::nullopt;
+    if (bytes) {
         known = QString::fromLatin1(
-            QCryptographicHash::hash(data.view(), QCryptographicHash::Sha256).toHex());
+            QCryptographicHash::hash(bytes->view(), QCryptographicHash::Sha256).toHex());
     }
     return known;
 }

@@ -36,7 +36,7 @@ bool operator==(const FileWrapper& a, const FileWrapper& b) {
 
 size_t FileWrapper::hash(size_t seed) const {
     seed = qHashMulti(seed, static_cast<int>(kind), filename.value_or(QString()),
-                      preferredFilename.value_or(QString()), contents.value_or(Data()),
+                      preferredFilename.value_or(QString()), contents.value_or(StoredData()),
                       linkDestination.value_or(QString()));
     for (const auto& child : children)
         seed = child->hash(seed);

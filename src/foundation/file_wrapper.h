@@ -9,6 +9,7 @@
 #include <optional>
 #include <vector>
 
+#include "foundation/stored_data.h"
 #include "foundation/value.h"
 
 namespace foundation {
@@ -27,7 +28,7 @@ class FileWrapper final : public Object {
     std::optional<QString> filename;
     std::optional<QString> preferredFilename;
     /// The bytes of a regular file; absent when they could not be read.
-    std::optional<Data> contents;
+    std::optional<StoredData> contents;
     /// The target of a symbolic link, as stored; it is never followed.
     std::optional<QString> linkDestination;
     /// The entries of a directory, in stored order, each with its name in `filename`.

@@ -8,7 +8,7 @@
 #include <QSize>
 #include <optional>
 
-#include "foundation/data.h"
+#include "foundation/stored_data.h"
 
 namespace foundation {
 
@@ -37,11 +37,21 @@ enum class PictureFormat {
 /// The usual file extension without a dot: "png" …
 [[nodiscard]] const char* fileExtension(PictureFormat format);
 
+/// What of a picture's header matters only when it is shown.
+struct PictureTraits {
+    bool isTurned = false;
+    bool isAnimated = false;
+    int pixelsPerPoint = 1;
+    friend bool operator==(const PictureTraits&, const PictureTraits&) = default;
+};
+
 struct Picture {
-    Data data;
+    StoredData data;
     PictureFormat format = PictureFormat::png;
     /// Width and height in pixels; absent where they are not cheap to find.
     std::optional<QSize> pixelSize;
+    /// Known beforehand where the data aren't in memory.
+    std::optional<PictureTraits> traits = {};
 
     friend bool operator==(const Picture&, const Picture&) = default;
 };

@@ -206,7 +206,9 @@ double tiffDensity(const Bytes& bytes) {
 namespace foundation {
 
 bool isTurned(const Picture& picture) {
-    const picture::Bytes bytes(picture.data.view());
+    if (picture.traits) return picture.traits->isTurned;
+    const Data data = picture.data.load().value_or(Data());
+    const picture::Bytes bytes(data.view());
     if (picture.format == PictureFormat::jpeg) return picture::isTurnedJpeg(bytes);
     if (picture.format == PictureFormat::tiff)
         return picture::isSideways(picture::TiffDirectory(bytes).value(picture::tagOrientation));

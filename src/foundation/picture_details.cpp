@@ -43,7 +43,9 @@ qint64 colorTableSize(quint8 flags) {
 }  // namespace
 
 int pixelsPerPoint(const Picture& picture) {
-    const Bytes bytes(picture.data.view());
+    if (picture.traits) return picture.traits->pixelsPerPoint;
+    const Data data = picture.data.load().value_or(Data());
+    const Bytes bytes(data.view());
     double density = 0;
     if (picture.format == PictureFormat::png) density = pngDensity(bytes);
     if (picture.format == PictureFormat::jpeg) density = picture::jpegDensity(bytes);
@@ -56,7 +58,9 @@ int pixelsPerPoint(const Picture& picture) {
 
 bool isAnimated(const Picture& picture) {
     if (picture.format != PictureFormat::gif) return false;
-    const Bytes bytes(picture.data.view());
+    if (picture.traits) return picture.traits->isAnimated;
+    const Data data = picture.data.load().value_or(Data());
+    const Bytes bytes(data.view());
     int frames = 0;
     qint64 at = 13 + colorTableSize(bytes.u8(10));
     for (int step = 0; step < maximumSteps && bytes.has(at, 1); ++step) {
@@ -70,6 +74,10 @@ bool isAnimated(const Picture& picture) {
         }
     }
     return false;
+}
+
+PictureTraits traitsOf(const Picture& picture) {
+    return {isTurned(picture), isAnimated(picture), pixelsPerPoint(picture)};
 }
 
 }  // namespace foundation

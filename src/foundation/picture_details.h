@@ -15,4 +15,6 @@ namespace foundation {
 /// Whether a GIF has more than one frame. Takes time that grows with the first.
 [[nodiscard]] bool isAnimated(const Picture& picture);
 
+[[nodiscard]] PictureTraits traitsOf(const Picture& picture);
+
 }  // namespace foundation

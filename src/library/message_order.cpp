@@ -30,9 +30,7 @@ struct ContentHash {
         return qHash(value.text);
     }
     std::size_t operator()(const TesselChatLog::Link& value) const { return qHash(value.title); }
-    std::size_t operator()(const TesselChatLog::Image& value) const {
-        return qHash(value.data().size());
-    }
+    std::size_t operator()(const TesselChatLog::Image& value) const { return qHash(value.data()); }
     template <class Other>
     std::size_t operator()(const Other&) const {
         return 0;

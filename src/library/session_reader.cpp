@@ -14,6 +14,7 @@
 #include "foundation/print.h"
 #include "library/file_reading.h"
 #include "library/parallel_files.h"
+#include "library/stored_attachments.h"
 
 namespace vell {
 namespace {
@@ -38,7 +39,11 @@ SessionReading readSession(FoundFile file, const foundation::Calendar& calendar)
     try {
         const QByteArray bytes = readBytes(file);
         reading.size = bytes.size();
-        reading.log = std::make_shared<const TesselChatLog>(logOf(file, bytes, calendar));
+        const foundation::Data data(bytes);
+        const auto state = std::make_shared<const foundation::FileState>(
+            foundation::FileState{file.path, file.size, file.modified, file.inode});
+        reading.log = std::make_shared<const TesselChatLog>(
+            withStoredAttachments(logOf(file, data, calendar), data, state));
     } catch (const std::exception& error) {
         reading.reason = foundation::plainReason(error);
     }

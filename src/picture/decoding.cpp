@@ -33,7 +33,8 @@ class Source {
   public:
     explicit Source(const Picture& picture)
         : picture_(picture),
-          bytes_(QByteArray::fromRawData(picture.data.begin(), picture.data.size())),
+          data_(*picture.data.load()),
+          bytes_(QByteArray::fromRawData(data_.begin(), data_.size())),
           buffer_(&bytes_) {
         buffer_.open(QIODevice::ReadOnly);
         // The format is known: no other decoder may try the bytes.
@@ -72,6 +73,7 @@ class Source {
 
   private:
     const Picture& picture_;
+    const foundation::Data data_;
     QByteArray bytes_;
     QBuffer buffer_;
     QImageReader reader_;

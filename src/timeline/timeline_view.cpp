@@ -369,7 +369,7 @@ void TimelineView::pictureChanged(const char* bytes) {
     bool isProblem = false;
     for (const auto& visible : layout_.visibleRows()) {
         const auto* view = std::get_if<ImageBubbleView>(&visible.row->view.content());
-        if (!view || view->image.image().data.begin() != bytes) continue;
+        if (!view || view->image.image().data.identity() != bytes) continue;
         changed.push_back(visible.index);
         isProblem = !context_.pictures.problem(view->image.image()).isEmpty();
     }

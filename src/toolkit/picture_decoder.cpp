@@ -34,14 +34,16 @@ DecodedPicture PictureDecoder::decode(const foundation::Picture& picture, QSize 
                                       Qt::AspectRatioMode mode) {
     if (picture.data.size() > picture_messages::mostBytes)
         return {{}, u"The picture is too large to be drawn"_s};
-    if (QString problem = knownProblem(picture.data); !problem.isEmpty()) return {{}, problem};
+    const auto data = picture.data.load();
+    if (!data) return {{}, u"The chat’s file has changed or is gone"_s};
+    if (QString problem = knownProblem(*data); !problem.isEmpty()) return {{}, problem};
     std::optional<PictureProcess::Answer> answer;
     PictureProcess::End end = PictureProcess::End::between;
     // A process that died while idle doesn't count as a failed attempt.
     for (int i = 0; i <= mostProcesses && end == PictureProcess::End::between; ++i) {
         std::unique_ptr<PictureProcess> process = take();
         if (process) {
-            answer = process->still(picture.data, wanted, mode);
+            answer = process->still(*data, wanted, mode);
             end = process->end();
         }
         giveBack(std::move(process));
@@ -52,7 +54,7 @@ DecodedPicture PictureDecoder::decode(const foundation::Picture& picture, QSize 
     const QString problem = end == PictureProcess::End::late
                                 ? u"The picture takes too long to be drawn"_s
                                 : u"The picture is damaged: drawing it broke off"_s;
-    giveUp(picture.data, problem);
+    giveUp(*data, problem);
     return {{}, problem};
 }
 

@@ -46,7 +46,7 @@ struct Hash {
 
 }  // namespace
 
-TesselChatLog::Image::Image(foundation::Picture image, foundation::Data data, QString type,
+TesselChatLog::Image::Image(foundation::Picture image, foundation::StoredData data, QString type,
                             std::optional<QString> path)
     : fields_(std::make_shared<const Fields>(
           Fields{std::move(image), std::move(data), std::move(type), std::move(path)})) {}

@@ -37,11 +37,11 @@ class TesselChatLog {
     /// An inline picture; its fields are shared between copies.
     class Image {
       public:
-        Image(foundation::Picture image, foundation::Data data, QString type,
+        Image(foundation::Picture image, foundation::StoredData data, QString type,
               std::optional<QString> path);
         [[nodiscard]] const foundation::Picture& image() const { return fields_->image; }
         /// The bytes exactly as archived.
-        [[nodiscard]] const foundation::Data& data() const { return fields_->data; }
+        [[nodiscard]] const foundation::StoredData& data() const { return fields_->data; }
         /// The uniform type identifier.
         [[nodiscard]] const QString& type() const { return fields_->type; }
         [[nodiscard]] const std::optional<QString>& path() const { return fields_->path; }
@@ -55,7 +55,7 @@ class TesselChatLog {
       private:
         struct Fields {
             foundation::Picture image;
-            foundation::Data data;
+            foundation::StoredData data;
             QString type;
             std::optional<QString> path;
             friend bool operator==(const Fields&, const Fields&) = default;

@@ -59,7 +59,8 @@ std::optional<Run> attachmentRun(const foundation::Attributes& attributes,
         path = attachment.fileWrapper->filename;
 
     const auto& wrapper = attachment.fileWrapper;
-    const auto& contents = wrapper ? wrapper->contents : attachment.contents;
+    std::optional<foundation::Data> contents = attachment.contents;
+    if (wrapper) contents = wrapper->contents ? wrapper->contents->load() : std::nullopt;
     if (contents && (!wrapper || wrapper->isRegularFile())) {
         if (auto picture = foundation::recognisePicture(*contents)) {
             return TesselChatLog::Image(*std::move(picture), *contents,

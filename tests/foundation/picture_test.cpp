@@ -129,7 +129,7 @@ TEST(Picture, RecognisesFormatAndSize) {
         ASSERT_TRUE(picture.has_value());
         EXPECT_STREQ(name(picture->format), name(row.format));
         EXPECT_EQ(picture->pixelSize.value_or(QSize(0, 0)), QSize(row.width, row.height));
-        EXPECT_EQ(picture->data.view(), row.data);
+        EXPECT_EQ(picture->data.load()->view(), row.data);
     }
 }
 

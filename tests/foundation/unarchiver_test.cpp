@@ -231,7 +231,7 @@ TEST(Unarchiver, FindsTheFileOfAnAttachmentByItsClass) {
     ASSERT_TRUE(found && found->fileWrapper);
     EXPECT_EQ(found->fileWrapper->filename, QStringLiteral("a.png"));
     EXPECT_FALSE(found->contents.has_value());
-    const Data& picture = *found->fileWrapper->contents;
+    const Data picture = *found->fileWrapper->contents->load();
     EXPECT_EQ(picture.view(), "PNG");
     EXPECT_TRUE(picture.begin() > bytes.begin() && picture.end() < bytes.end()) << "copied";
 

@@ -45,7 +45,7 @@ class Printed {
 
 TEST(DataItemProvider, ProvidesItsBytesUnderItsOwnTypeOnly) {
     const TesselChatLog::Image picture = image("public.png");
-    const DataItemProvider provider(picture.data(), picture.type());
+    const DataItemProvider provider(*picture.data().load(), picture.type());
     Printed printed;
     using Visibility = DataItemProvider::Visibility;
     const auto visibility = [&](const char* type) {
@@ -53,7 +53,7 @@ TEST(DataItemProvider, ProvidesItsBytesUnderItsOwnTypeOnly) {
     };
     EXPECT_EQ(visibility("public.png"), Visibility::all);
     EXPECT_EQ(visibility("public.tiff"), Visibility::ownProcess);
-    EXPECT_EQ(provider.loadData(QStringLiteral("public.png")), picture.data());
+    EXPECT_EQ(provider.loadData(QStringLiteral("public.png")), *picture.data().load());
     EXPECT_THROW(static_cast<void>(provider.loadData(QStringLiteral("public.tiff"))),
                  DataItemProvider::FailedToProvidePasteboardImage);
     EXPECT_EQ(printed.lines,
@@ -82,7 +82,7 @@ TEST(DataItemProvider, ClipboardsHoldOneTypeOfData) {
         const auto data = pictureForCopying(picture);
         const QString type = QString::fromLatin1(row.mimeType);
         EXPECT_EQ(data->formats(), QStringList{type}) << row.identifier;
-        EXPECT_EQ(data->data(type), picture.data().toByteArray()) << row.identifier;
+        EXPECT_EQ(data->data(type), picture.data().load()->toByteArray()) << row.identifier;
         EXPECT_TRUE(data->data(QStringLiteral("image/tiff")).isEmpty()) << row.identifier;
         EXPECT_FALSE(data->hasImage()) << row.identifier;
     }
@@ -100,7 +100,7 @@ TEST(DataItemProvider, DragsWriteAFileOnRequest) {
     QFile file(data->urls()[0].toLocalFile());
     EXPECT_EQ(QFileInfo(file).fileName(), QStringLiteral("catgnp.sh"));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), picture.data().toByteArray());
+    EXPECT_EQ(file.readAll(), picture.data().load()->toByteArray());
     EXPECT_FALSE(QFileInfo(file).isExecutable());
     QDir folder = QFileInfo(file).dir();
     folder.cdUp();

@@ -42,10 +42,10 @@ VellDocument VellDocument::read(const foundation::FileWrapper& file,
         throw fileReadCorruptFileError();
     }
 
+    const foundation::Data bytes = file.contents->load().value_or(foundation::Data());
     try {
-        return {TesselChatLog::fromData(*file.contents, file.modificationDate, sharedCalendar(),
-                                        log.get()),
-                *file.contents};
+        return {TesselChatLog::fromData(bytes, file.modificationDate, sharedCalendar(), log.get()),
+                bytes};
     } catch (const std::exception& error) {
         // The cause stays in the load log; callers only ever see one error.
         foundation::print(QStringLiteral("ERROR: ") + QString::fromUtf8(error.what()));
@@ -56,10 +56,10 @@ VellDocument VellDocument::read(const foundation::FileWrapper& file,
 
 VellDocument VellDocument::recover(const foundation::FileWrapper& file) {
     if (!file.isRegularFile() || !file.contents) throw fileReadCorruptFileError();
-    auto recovered =
-        recovery::recoverChatLog(*file.contents, file.modificationDate, sharedCalendar());
+    const foundation::Data bytes = file.contents->load().value_or(foundation::Data());
+    auto recovered = recovery::recoverChatLog(bytes, file.modificationDate, sharedCalendar());
     if (!recovered) throw fileReadCorruptFileError();
-    return {std::move(recovered->log), *file.contents, recovered->extent};
+    return {std::move(recovered->log), bytes, recovered->extent};
 }
 
 std::shared_ptr<const foundation::FileWrapper> VellDocument::fileWrapper(

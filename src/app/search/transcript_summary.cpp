@@ -29,7 +29,7 @@ std::optional<TranscriptSummary> TranscriptSummary::read(FileReader& reader, con
     const foundation::SilentThread silent;
     const auto file = reader.read(path);
     if (!file->isRegularFile() || !file->contents) return std::nullopt;
-    const auto log = TesselChatLog::fromData(*file->contents, file->modificationDate,
+    const auto log = TesselChatLog::fromData(*file->contents->load(), file->modificationDate,
                                              foundation::Calendar::current());
     return TranscriptSummary{sorted(log.otherUserIDs()), chatDays(log), messageCount(log)};
 }

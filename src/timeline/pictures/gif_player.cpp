@@ -23,7 +23,8 @@ class GifPlayer::Reader {
         if (process_) {
             answer = process_->nextFrame();
         } else if (start()) {
-            answer = process_->firstFrame(picture_.data, pixels_);
+            if (const auto data = picture_.data.load())
+                answer = process_->firstFrame(*data, pixels_);
         }
         if (!answer) return {};
         return {std::move(answer->image), answer->delay};

@@ -37,7 +37,7 @@ PictureCache::~PictureCache() {
 
 QSize PictureCache::size(const foundation::Picture& picture) {
     if (!picture.pixelSize) return {};
-    const char* bytes = picture.data.begin();
+    const char* bytes = picture.data.identity();
     if (const auto known = sizes_.constFind(bytes); known != sizes_.cend()) return *known;
     const QSize stored = *picture.pixelSize;
     const QSize turned = foundation::isTurned(picture) ? stored.transposed() : stored;
@@ -47,7 +47,7 @@ QSize PictureCache::size(const foundation::Picture& picture) {
 }
 
 const QImage* PictureCache::image(const foundation::Picture& picture, QSize pixels) {
-    const Key key{picture.data.begin(), pixels};
+    const Key key{picture.data.identity(), pixels};
     if (const QImage* known = images_.object(key)) return known;
     if (problems_.contains(key.bytes)) return nullptr;
     if (!pending_.contains(key)) {
@@ -64,21 +64,21 @@ const QImage* PictureCache::image(const foundation::Picture& picture, QSize pixe
 }
 
 bool PictureCache::isAnimated(const foundation::Picture& picture) {
-    const char* bytes = picture.data.begin();
+    const char* bytes = picture.data.identity();
     const auto known = animated_.constFind(bytes);
     if (known != animated_.cend()) return *known;
     return *animated_.insert(bytes, foundation::isAnimated(picture));
 }
 
 QString PictureCache::problem(const foundation::Picture& picture) const {
-    return problems_.value(picture.data.begin());
+    return problems_.value(picture.data.identity());
 }
 
 void PictureCache::forget(const TesselChatLog& chatlog) {
     QSet<const char*> gone;
     for (const TesselChatLog::Event& event : chatlog.events()) {
         if (const auto* image = std::get_if<TesselChatLog::Image>(&event.value)) {
-            gone.insert(image->image().data.begin());
+            gone.insert(image->image().data.identity());
         }
     }
     if (gone.isEmpty()) return;

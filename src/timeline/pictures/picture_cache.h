@@ -50,7 +50,7 @@ class PictureCache final : public QObject {
     [[nodiscard]] qsizetype byteCount() const { return images_.totalCost(); }
 
   Q_SIGNALS:
-    /// A picture can be drawn now, or is known not to be; `bytes` is where its data begin.
+    /// A picture can be drawn now, or is known not to be; `bytes` is the identity of its data.
     void changed(const char* bytes);
 
   private:

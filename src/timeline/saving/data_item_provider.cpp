@@ -49,9 +49,7 @@ QString mimeName(PictureFormat format) {
 class ProvidedData : public QMimeData {
   public:
     explicit ProvidedData(const TesselChatLog::Image& image)
-        : provider_(image.data(), image.type()),
-          type_(image.type()),
-          mimeType_(pictureMimeType(image)) {}
+        : data_(image.data()), type_(image.type()), mimeType_(pictureMimeType(image)) {}
 
     [[nodiscard]] QStringList formats() const override { return {mimeType_}; }
     [[nodiscard]] bool hasFormat(const QString& format) const override {
@@ -61,10 +59,11 @@ class ProvidedData : public QMimeData {
   protected:
     [[nodiscard]] QVariant retrieveData(const QString& format, QMetaType) const override {
         const QString asked = format == mimeType_ ? type_ : identifier(format);
+        const DataItemProvider provider(data_.load().value_or(foundation::Data()), type_);
         // What gets this far is a request within this process.
-        static_cast<void>(provider_.itemProviderVisibilityForRepresentation(asked));
+        static_cast<void>(provider.itemProviderVisibilityForRepresentation(asked));
         try {
-            return provider_.loadData(asked).toByteArray();
+            return provider.loadData(asked).toByteArray();
         } catch (const DataItemProvider::FailedToProvidePasteboardImage&) {
             return {};
         }
@@ -78,7 +77,7 @@ class ProvidedData : public QMimeData {
         return mimeType;
     }
 
-    DataItemProvider provider_;
+    foundation::StoredData data_;
     QString type_;
     QString mimeType_;
 };
@@ -94,8 +93,8 @@ class DraggedData final : public ProvidedData {
   protected:
     [[nodiscard]] QVariant retrieveData(const QString& format, QMetaType type) const override {
         if (format != uriList()) return ProvidedData::retrieveData(format, type);
-        if (path_.isEmpty())
-            path_ = PrivateFiles::shared().write(pictureFileName(image_), image_.data());
+        const auto data = path_.isEmpty() ? image_.data().load() : std::nullopt;
+        if (data) path_ = PrivateFiles::shared().write(pictureFileName(image_), *data);
         if (path_.isEmpty()) return {};
         const QUrl address = QUrl::fromLocalFile(path_);
         // QMimeData::urls() asks for a list, and newer versions of Qt don't make one of bytes.

@@ -23,6 +23,11 @@ struct Saving {
     Q_DECLARE_TR_FUNCTIONS(Saving)
 };
 
+QString writeStored(const QString& path, const foundation::StoredData& stored) {
+    const auto data = stored.load();
+    return data ? writeFile(path, *data) : Saving::tr("The chat’s file has changed or is gone");
+}
+
 QString fileName(const FileWrapper& wrapper) {
     return safeFileName(wrapper.filename.value_or(wrapper.preferredFilename.value_or(QString())),
                         Saving::tr("File"));
@@ -54,7 +59,7 @@ void askAndWrite(QWidget& window, const QString& title, const QString& name,
 
 void savePicture(QWidget& window, const TesselChatLog::Image& image) {
     askAndWrite(window, Saving::tr("Save Picture"), pictureFileName(image),
-                [image](const QString& path) { return writeFile(path, image.data()); });
+                [image](const QString& path) { return writeStored(path, image.data()); });
 }
 
 void saveFile(QWidget& window, std::shared_ptr<const FileWrapper> wrapper) {
@@ -71,7 +76,7 @@ bool canSave(const FileWrapper& wrapper) {
 
 QString writeWrapper(const QString& path, const FileWrapper& wrapper) {
     if (!canSave(wrapper)) return {};
-    if (wrapper.isRegularFile()) return writeFile(path, *wrapper.contents);
+    if (wrapper.isRegularFile()) return writeStored(path, *wrapper.contents);
     // Nothing that is there already is mixed with the folder's entries.
     if (!QDir().mkdir(path)) return Saving::tr("The folder could not be made");
     QHash<QString, int> copies;  // of a name; many may have the same

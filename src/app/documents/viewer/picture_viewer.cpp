@@ -83,7 +83,7 @@ PictureViewer::PictureViewer(QWidget& window, std::shared_ptr<const TesselChatLo
     name_->setFont(bold);
     window.installEventFilter(this);
     connect(&pictures_, &PictureCache::changed, this, [this](const char* bytes) {
-        if (bytes == image().image().data.begin()) measure();
+        if (bytes == image().image().data.identity()) measure();
     });
     connect(&gifPlayer_, &GifPlayer::changed, this, [this] { update(); });
     connect(&contacts_, &ContactsStore::addressToContactChanged, this, &PictureViewer::describe);
