@@ -118,16 +118,20 @@ void TimelineView::replaceChatlog(std::shared_ptr<const TesselChatLog> chatlog,
     const qsizetype row = isMessageKept ? kept->index : scroller_.topRow();
     const int top = isMessageKept ? kept->top : 0;
     const qreal pointsAbove = isMessageKept ? 0 : scroller_.pointsAbove();
-    const auto selected = hasSelection() ? std::optional(selectedSpan()) : std::nullopt;
+    std::optional<TextSpan> selected;
+    if (hasSelection()) {
+        const auto moved = [&](TextPosition at) -> TextPosition {
+            const auto& event = this->chatlog().events()[static_cast<size_t>(at.row)];
+            return {rowOf(at.row), isMessage(event) ? at.offset : 0};
+        };
+        selected = {moved(selectedSpan().from), moved(selectedSpan().to)};
+    }
     const qsizetype current = currentRow();
 
     setChatlog(std::move(chatlog));
     context_.bubbleColors.present(layout_.chatlog());
     if (current >= 0) keyboard_->setRow(rowOf(current));
-    if (selected) {
-        select({{rowOf(selected->from.row), selected->from.offset},
-                {rowOf(selected->to.row), selected->to.offset}});
-    }
+    if (selected) select(*selected);
     scroller_.scrollToRow(rowOf(row), pointsAbove);
     if (top != 0) scroller_.scrollByPixels(-top);
 }
@@ -156,6 +160,10 @@ void TimelineView::rebuild() {
 void TimelineView::setFindMatches(std::shared_ptr<const FoundSpans> matches, qsizetype current) {
     marks_->setMatches(matches, current);
     selection_->setFindMatches(std::move(matches), current);
+}
+
+const std::shared_ptr<const FoundSpans>& TimelineView::findMatches() const {
+    return selection_->findMatches();
 }
 
 bool TimelineView::hasSelection() const {

@@ -68,6 +68,8 @@ class TimelineView final : public QAbstractScrollArea {
     /// Highlights what a search has found, here and beside the scroll bar; `current` is the index
     /// of the match to stand out, -1 for none. To be called again when there are more.
     void setFindMatches(std::shared_ptr<const FoundSpans> matches, qsizetype current);
+    /// Those that were set last; null before.
+    [[nodiscard]] const std::shared_ptr<const FoundSpans>& findMatches() const;
 
     [[nodiscard]] bool hasSelection() const;
     /// A line for each selected row: its text, or a picture's name.

@@ -81,6 +81,18 @@ class ChatPaneTest : public testing::Test {
         return std::any_of(rows.begin(), rows.end(),
                            [&](const auto& row) { return row.first == text; });
     }
+    /// Which row is marked, and what of it.
+    [[nodiscard]] QStringList marked() const {
+        QStringList parts;
+        for (qsizetype i = 0; i < view().findMatches()->size(); ++i) {
+            const auto& match = (*view().findMatches())[i];
+            const QString text =
+                vell::rowText(view().chatlog().events()[static_cast<size_t>(match.from.row)]);
+            parts.append(text + u": "_s +
+                         text.mid(match.from.offset, match.to.offset - match.from.offset));
+        }
+        return parts;
+    }
     void trigger(const QString& text) {
         for (QAction* action : menu.actions()) {
             if (action->text().remove(u'&') == text) return action->trigger();
@@ -126,6 +138,10 @@ TEST_F(ChatPaneTest, GoesToWhatWasFoundAndToSessions) {
         vell::rowText(view().chatlog().events()[static_cast<size_t>(view().currentRow())]);
     EXPECT_TRUE(target.startsWith(u"file 3 message "_s)) << target.toStdString();
     EXPECT_TRUE(isSeen(target));
+    const QStringList marks{target + u": message"_s};
+    EXPECT_EQ(marked(), marks);
+    showAll({paths.begin() + 1, paths.end()});
+    EXPECT_EQ(marked(), marks) << "the row has another number";
 
     trigger(u"Next Session"_s);
     EXPECT_TRUE(isSeen(u"file 4 message 0"_s));

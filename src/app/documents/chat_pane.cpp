@@ -96,6 +96,7 @@ void ChatPane::clear() {
 void ChatPane::dropChat() {
     merged_.reset();
     paths_.clear();
+    marks_.reset();
     if (!timeline_) return;
     finder_.reset();
     tools_->close();

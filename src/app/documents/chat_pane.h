@@ -34,6 +34,7 @@ class ChatFinder;
 class ChatTools;
 class ContactsBar;
 class FontSizePanel;
+class FoundSpans;
 struct JobResult;
 struct PaperSetup;
 class TimelineView;
@@ -119,7 +120,8 @@ class ChatPane final : public QMainWindow {
     /// Where a row of the chat that was shown before is now.
     [[nodiscard]] qsizetype rowAfter(const MergedChat& before, qsizetype row) const;
     void goToWanted();
-    void markWords(qsizetype row, const QStringList& words);
+    /// In the event that was gone to last.
+    void markWords();
 
     /// Copies the selection, or the whole chat without one.
     void copy();
@@ -159,6 +161,8 @@ class ChatPane final : public QMainWindow {
     std::optional<Sessions> waiting_;  // until nothing holds on to rows any more
     QBasicTimer waitTimer_;
     std::optional<Wanted> wanted_;
+    Wanted reached_;                           // what was gone to last
+    std::shared_ptr<const FoundSpans> marks_;  // in it; null before
 
     QStackedWidget* pages_;
     QVBoxLayout* layout_;

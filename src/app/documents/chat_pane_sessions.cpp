@@ -113,6 +113,8 @@ void ChatPane::showMerged(Sessions sessions) {
         history_.mapRows(newRow);
         finder_->chatReplaced(newRow);
         tools_->chatChanged();
+        // The rows are others; what the find bar has found meanwhile is its own.
+        if (marks_ && timeline_->findMatches() == marks_) markWords();
         Q_EMIT changed();
     }
     goToWanted();
@@ -158,8 +160,8 @@ void ChatPane::goTo(const QByteArray& path, qint64 sequence, const QStringList& 
 void ChatPane::goToWanted() {
     const auto row = wanted_ ? rowOf(wanted_->path, wanted_->sequence) : std::nullopt;
     if (!row) return;
-    const Wanted wanted = *std::exchange(wanted_, std::nullopt);
-    markWords(*row, wanted.words);
+    reached_ = *std::exchange(wanted_, std::nullopt);
+    markWords();
     if (timeline_->timeline().rowCount() == 0) {  // not on the screen yet
         timeline_->scroller().scrollToRow(*row);
         return;
@@ -172,18 +174,21 @@ void ChatPane::goToWanted() {
     });
 }
 
-void ChatPane::markWords(qsizetype row, const QStringList& words) {
+void ChatPane::markWords() {
     std::vector<TextSpan> spans;
-    const QString text = rowText(chat_.log->events()[static_cast<std::size_t>(row)]);
-    for (const QString& word : words) {
+    const auto row = rowOf(reached_.path, reached_.sequence);
+    const QString text =
+        row ? rowText(chat_.log->events()[static_cast<std::size_t>(*row)]) : QString();
+    for (const QString& word : reached_.words) {
         std::vector<TextMatch> matches;
         TextSearch(word).find(text, matches);
         for (const TextMatch& match : matches)
-            spans.push_back({{row, match.position}, {row, match.position + match.length}});
+            spans.push_back({{*row, match.position}, {*row, match.position + match.length}});
     }
     std::sort(spans.begin(), spans.end(),
               [](const TextSpan& a, const TextSpan& b) { return a.from < b.from; });
-    timeline_->setFindMatches(std::make_shared<const FoundSpans>(std::move(spans)), -1);
+    marks_ = std::make_shared<const FoundSpans>(std::move(spans));
+    timeline_->setFindMatches(marks_, -1);
 }
 
 void ChatPane::stepSession(int direction) {

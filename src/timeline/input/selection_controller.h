@@ -55,6 +55,7 @@ class SelectionController final : public QObject {
     [[nodiscard]] const Selection& selection() const { return selection_; }
     /// `current` is an index, -1 for none.
     void setFindMatches(std::shared_ptr<const FoundSpans> matches, qsizetype current);
+    [[nodiscard]] const std::shared_ptr<const FoundSpans>& findMatches() const { return matches_; }
     /// What is highlighted of a part of a row's text; holds until the next call.
     [[nodiscard]] std::span<const TextHighlight> highlights(qsizetype row, TextRange part);
 
