@@ -22,6 +22,8 @@ constexpr int firstDay = 730;
 constexpr double secondsPerDay = 86400;
 constexpr int filesPerCopy = 50;     // every 50th is there twice
 constexpr int filesPerBroken = 400;  // every 400th is cut short
+constexpr int filesPerOverlap = 7;
+constexpr int messagesAfterOverlap = 5;
 constexpr int messagesPerLink = 20;  // on average
 constexpr int filesPerMove = 100;
 
@@ -94,9 +96,10 @@ class Archive {
         const int first = below(static_cast<int>(people.size()));
         const int second = (first + 1 + below(static_cast<int>(people.size()) - 1)) %
                            static_cast<int>(people.size());
-        const writers::Transcript chat = conversation(day, {first, second}, messages, pictures);
-        QByteArray bytes =
-            file % 2 == 0 ? writers::keyedTranscript(chat) : writers::nonKeyedTranscript(chat);
+        const std::array who{first, second};
+        const bool isKeyed = file % 2 == 0;
+        writers::Transcript chat = conversation(day, who, messages, pictures);
+        QByteArray bytes = transcript(chat, isKeyed);
         if (file % filesPerBroken == filesPerBroken - 1) bytes.truncate(bytes.size() / 2);
 
         const QString date = QDate(2003, 1, 1).addDays(day).toString(Qt::ISODate);
@@ -105,6 +108,17 @@ class Archive {
                 .arg(file, 5, 10, '0'_L1);
         save(date, name, bytes);
         if (file % filesPerCopy == filesPerCopy - 1) save(u"Copies"_s, name, bytes);
+        if (sizes_.hasOverlaps && file % filesPerOverlap == 0) {
+            // Begun in the middle, by a program that writes the other form, and longer.
+            chat.messages.erase(chat.messages.begin(),
+                                chat.messages.begin() + std::ssize(chat.messages) / 2);
+            converse(chat, who, chat.messages.back().date.value(), messagesAfterOverlap, 0);
+            save(u"Overlaps"_s, name, transcript(chat, !isKeyed));
+        }
+    }
+
+    static QByteArray transcript(const writers::Transcript& chat, bool isKeyed) {
+        return isKeyed ? writers::keyedTranscript(chat) : writers::nonKeyedTranscript(chat);
     }
 
     writers::Transcript conversation(int day, std::array<int, 2> who, int messages, int pictures) {
@@ -112,7 +126,12 @@ class Archive {
         for (const int one : who)
             chat.people.push_back({QString::fromLatin1(people[size_t(one)].account)});
         chat.participants = {1};
-        double date = secondsPerDay * (firstDay + day) + below(70'000);
+        converse(chat, who, secondsPerDay * (firstDay + day) + below(70'000), messages, pictures);
+        return chat;
+    }
+
+    void converse(writers::Transcript& chat, std::array<int, 2> who, double date, int messages,
+                  int pictures) {
         size_t sender = 0;
         for (int i = 0; i < messages; ++i) {
             if (below(2) == 0) sender = 1 - sender;
@@ -122,7 +141,6 @@ class Archive {
                  .date = date,
                  .body = body(people[size_t(who[sender])].language, i < pictures)});
         }
-        return chat;
     }
 
     std::vector<writers::Piece> body(Language language, bool hasPicture) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// make-archive FOLDER [FILES MESSAGES PICTURES]: see archive.h.
+// make-archive [--overlaps] FOLDER [FILES MESSAGES PICTURES]: see archive.h.
 // make-archive --move FOLDER: moves one of a hundred files.
 #include <QStringList>
 #include <cstdio>
@@ -18,12 +18,14 @@ int main(int argc, char** argv) {
             return 0;
         }
         archive::Sizes sizes;
+        const bool hasOverlaps = arguments.removeAll(QStringLiteral("--overlaps")) > 0;
         if (arguments.size() == 4)
             sizes = {arguments[1].toInt(), arguments[2].toInt(), arguments[3].toInt()};
+        sizes.hasOverlaps = hasOverlaps;
         if ((arguments.size() != 1 && arguments.size() != 4) || arguments[0].startsWith(u'-') ||
             sizes.files <= 0) {
             std::fprintf(stderr,
-                         "usage: make-archive FOLDER [FILES MESSAGES PICTURES]\n"
+                         "usage: make-archive [--overlaps] FOLDER [FILES MESSAGES PICTURES]\n"
                          "       make-archive --move FOLDER\n");
             return 2;
         }
