@@ -159,10 +159,12 @@ void Library::takeEnd(const Indexing::End& end) {
     } else if (!end.missing.isEmpty()) {
         notice = tr("The folder “%1” isn’t there now.").arg(end.missing.join(u", "));
     }
-    isRead_ = isRead_ || !end.refusal.isEmpty();
+    const bool isUsable = end.refusal.isEmpty() || end.isLocked;
+    // Until what was found has been read, "0 conversations" would be wrong.
+    isRead_ = !isUsable || (isRead_ && !people_->contents.conversations.empty());
     setNotice(notice);
     takeState(std::nullopt);
-    if (end.refusal.isEmpty() || end.isLocked) readContents();
+    if (isUsable) readContents();
 }
 
 std::vector<std::string> Library::wantedFolders() const {
