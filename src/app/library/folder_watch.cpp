@@ -25,7 +25,7 @@ constexpr std::chrono::milliseconds burst = 400ms;
 constexpr qsizetype mostFolders = 8192;
 /// Other programs of the user need watches, too.
 constexpr qsizetype shareOfWatches = 4;
-constexpr unsigned long patienceMilliseconds = 50;
+constexpr unsigned long longestThreadEnd = 50;  // milliseconds
 
 qsizetype folderLimit() {
     QFile limit(QStringLiteral("/proc/sys/fs/inotify/max_user_watches"));
@@ -122,7 +122,7 @@ FolderWatch::~FolderWatch() {
     callbacks_->close();
     thread_->quit();
     // A disk that doesn't respond blocks this thread only.
-    if (thread_->wait(patienceMilliseconds)) delete thread_;
+    if (thread_->wait(longestThreadEnd)) delete thread_;
 }
 
 void FolderWatch::watch(std::shared_ptr<const LibraryPeople> files,
