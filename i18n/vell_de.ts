@@ -20,8 +20,12 @@
         <translation>Nicht lesbare Dateien</translation>
     </message>
     <message>
-        <source>They are tried again when they have changed. Everything else is in the library.</source>
-        <translation>Sie werden erneut versucht, wenn sie sich geändert haben. Alles andere ist in der Bibliothek.</translation>
+        <source>They are tried again when they have changed. Everything else is in the library. Opening one shows its load log.</source>
+        <translation>Sie werden erneut versucht, wenn sie sich geändert haben. Alles andere ist in der Bibliothek. Beim Öffnen einer Datei zeigt sich ihr Ladeprotokoll.</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>Ö&amp;ffnen</translation>
     </message>
 </context>
 <context>
@@ -204,6 +208,29 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     <message>
         <source>The files stay where they are</source>
         <translation>Die Dateien bleiben, wo sie sind</translation>
+    </message>
+</context>
+<context>
+    <name>JoinDialog</name>
+    <message>
+        <source>Join Addresses</source>
+        <translation>Adressen zusammenführen</translation>
+    </message>
+    <message>
+        <source>Who is the same person as %1?</source>
+        <translation>Wer ist dieselbe Person wie %1?</translation>
+    </message>
+    <message>
+        <source>Filter people</source>
+        <translation>Personen filtern</translation>
+    </message>
+    <message>
+        <source>People</source>
+        <translation>Personen</translation>
+    </message>
+    <message>
+        <source>&amp;Join</source>
+        <translation>&amp;Zusammenführen</translation>
     </message>
 </context>
 <context>
@@ -1245,6 +1272,10 @@ Sehr hilfreich wäre auch eine vollständige Datei, die sich nicht laden lässt.
     <message>
         <source>&amp;Join With</source>
         <translation>&amp;Zusammenführen mit</translation>
+    </message>
+    <message>
+        <source>&amp;Somebody Else …</source>
+        <translation>&amp;Jemand anderem …</translation>
     </message>
 </context>
 <context>

@@ -128,6 +128,11 @@ TEST_F(LibraryTest, FollowsTheFolders) {
     EXPECT_EQ(view("libraryPeople")->currentIndex().data(), u"eve"_s) << "the choice stays";
     const auto* broken = window->findChild<QToolButton*>(u"brokenFiles"_s);
     EXPECT_TRUE(waitUntil([&] { return broken->text() == u"1 file couldn’t be read"_s; }));
+    window->findChild<QToolButton*>(u"brokenFiles"_s)->click();
+    auto* dialog = window->findChild<QDialog*>(u"brokenFilesDialog"_s);
+    ASSERT_TRUE(dialog);
+    QTest::keyClick(dialog->findChild<QAbstractItemView*>(), Qt::Key_Return);
+    EXPECT_TRUE(waitUntil([] { return openWindow("loadLogWindow"); }));
     QDir(folder.filePath(u"chats"_s)).mkpath(u"deeper/still"_s);
     write(u"deeper/still/zoe.ichat"_s, u"zoe"_s, {u"Hidden"_s});
     EXPECT_TRUE(waitUntil([this] { return texts("libraryPeople").contains(u"zoe"_s); }));
@@ -195,6 +200,32 @@ TEST_F(LibraryTest, JoinsPeopleByDragging) {
     start();
     openLibrary();
     EXPECT_EQ(texts("libraryPeople"), joined) << "in the next session, too";
+}
+
+TEST_F(LibraryTest, JoinsAnybodyOfMany) {
+    for (int i = 0; i < 20; ++i)
+        write(u"%1.ichat"_s.arg(i), u"friend%1"_s.arg(i), {u"Hello"_s}, 30'000'000 + i * 1e5);
+    openLibrary();
+    ASSERT_TRUE(waitUntil([this] { return texts("libraryPeople").size() == 23; }));
+    choose("libraryPeople", u"eve"_s);
+    QAbstractItemView& people = *view("libraryPeople");
+    Q_EMIT people.customContextMenuRequested(people.visualRect(people.currentIndex()).center());
+    QAction* other = nullptr;
+    for (QAction* action : window->findChildren<QAction*>())
+        other = action->text().startsWith(u"&Somebody"_s) ? action : other;
+    ASSERT_TRUE(other);
+    other->trigger();
+    auto* dialog = window->findChild<QDialog*>(u"joinDialog"_s);
+    ASSERT_TRUE(dialog);
+    const QAbstractItemModel& model = *dialog->findChild<QAbstractItemView*>()->model();
+    EXPECT_EQ(model.rowCount(), 21) << "neither everybody nor eve herself";
+    QTest::keyClicks(dialog->findChild<QLineEdit*>(), u"friend1"_s);
+    EXPECT_EQ(model.rowCount(), 11);
+    QTest::keyClick(dialog->findChild<QLineEdit*>(), Qt::Key_Down);
+    QTest::keyClick(dialog->findChild<QLineEdit*>(), Qt::Key_Return);
+    EXPECT_TRUE(waitUntil([this] { return !texts("libraryPeople").contains(u"eve"_s); }));
+    EXPECT_EQ(texts("libraryPeople").size(), 22);
+    EXPECT_EQ(people.currentIndex().data(), u"friend10"_s) << "who is eve, too";
 }
 
 TEST_F(LibraryTest, WorksWithoutAnIndex) {

@@ -7,6 +7,7 @@
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QLabel>
+#include <QPushButton>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -53,6 +54,7 @@ QTableView* tableOf(const std::vector<BrokenFile>& files) {
     table->setModel(new BrokenFilesModel(files, table));
     table->setAccessibleName(BrokenFilesModel::tr("Files that couldn’t be read"));
     table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table->setSelectionMode(QAbstractItemView::SingleSelection);
     table->setTabKeyNavigation(false);
     table->setShowGrid(false);
     table->setWordWrap(false);
@@ -65,21 +67,34 @@ QTableView* tableOf(const std::vector<BrokenFile>& files) {
 
 }  // namespace
 
-void showBrokenFiles(const std::vector<BrokenFile>& files, QWidget& window) {
+void showBrokenFiles(const std::vector<BrokenFile>& files, QWidget& window,
+                     const std::function<void(const QByteArray& path)>& open) {
     auto* dialog = new QDialog(&window);
     dialog->setObjectName(QStringLiteral("brokenFilesDialog"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setWindowTitle(BrokenFilesModel::tr("Files That Couldn’t Be Read"));
     dialog->resize(idealSize);
     auto* text = new QLabel(BrokenFilesModel::tr(
-        "They are tried again when they have changed. Everything else is in the library."));
+        "They are tried again when they have changed. Everything else is in the library. Opening "
+        "one shows its load log."));
     text->setWordWrap(true);
+    auto* table = tableOf(files);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    auto* show = buttons->addButton(BrokenFilesModel::tr("&Open"), QDialogButtonBox::ActionRole);
+    const auto openCurrent = [open, files, table, dialog] {
+        if (const int row = table->currentIndex().row(); row >= 0) {
+            dialog->close();
+            open(files[static_cast<std::size_t>(row)].path);
+        }
+    };
+    QObject::connect(show, &QPushButton::clicked, dialog, openCurrent);
+    QObject::connect(table, &QTableView::activated, dialog, openCurrent);
     QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::close);
     auto* layout = new QVBoxLayout(dialog);
     layout->addWidget(text);
-    layout->addWidget(tableOf(files), 1);
+    layout->addWidget(table, 1);
     layout->addWidget(buttons);
+    table->selectRow(0);
     dialog->open();
 }
 

@@ -3,6 +3,7 @@
 //
 // The dialog that lists the library's files that couldn't be read, and why.
 
+#include <functional>
 #include <vector>
 
 #include "library/file_list.h"
@@ -11,6 +12,8 @@ class QWidget;
 
 namespace vell {
 
-void showBrokenFiles(const std::vector<BrokenFile>& files, QWidget& window);
+/// `open` tries to open one as a document, which fails with the load log.
+void showBrokenFiles(const std::vector<BrokenFile>& files, QWidget& window,
+                     const std::function<void(const QByteArray& path)>& open);
 
 }  // namespace vell

@@ -48,8 +48,10 @@ LibraryStatus::LibraryStatus(Library& library, QWidget* parent)
     layout->addWidget(text_, 1);
     layout->addWidget(progress_);
     layout->addWidget(broken_);
-    connect(broken_, &QToolButton::clicked, this,
-            [this] { showBrokenFiles(library_.people()->contents.broken, *this); });
+    connect(broken_, &QToolButton::clicked, this, [this] {
+        showBrokenFiles(library_.people()->contents.broken, *this,
+                        [this](const QByteArray& path) { Q_EMIT opened(path); });
+    });
     noticeTimer_.setSingleShot(true);
     connect(&noticeTimer_, &QTimer::timeout, this, [this] { showNotice({}, 0); });
     connect(&library_, &Library::stateChanged, this, &LibraryStatus::showState);

@@ -23,6 +23,10 @@ class LibraryStatus final : public QWidget {
     /// Shows something else for some milliseconds; 0 means until it is replaced.
     void showNotice(const QString& text, int milliseconds);
 
+  Q_SIGNALS:
+    /// A file that couldn't be read is to be opened all the same.
+    void opened(const QByteArray& path);
+
   private:
     void showState();
     [[nodiscard]] QString stateText() const;

@@ -44,10 +44,6 @@ constexpr int foundDelay = 60;  // milliseconds
 const QString geometryKey = QStringLiteral("Library/Geometry");
 const QString splitterKey = QStringLiteral("Library/Columns");
 
-QString pathOf(const QByteArray& file) {
-    return foundation::pathFromArgument(file.constData());
-}
-
 }  // namespace
 
 void chooseLibraryFolders(Library& library, QWidget& window) {
@@ -126,10 +122,9 @@ void LibraryWindow::connectColumns() {
     connect(people_, &PeopleList::separateRequested, &library_, &Library::separate);
     connect(conversations_, &ConversationList::chosenChanged, this,
             [this](const QByteArray& path) { showConversation(path, 0, {}); });
-    connect(conversations_, &ConversationList::opened, this,
-            [this](const QByteArray& path) { commands_.open({pathOf(path)}); });
-    connect(chat_, &ChatPane::sessionOpened, this,
-            [this](const QByteArray& path) { commands_.open({pathOf(path)}); });
+    connect(conversations_, &ConversationList::opened, this, &LibraryWindow::open);
+    connect(chat_, &ChatPane::sessionOpened, this, &LibraryWindow::open);
+    connect(status_, &LibraryStatus::opened, this, &LibraryWindow::open);
     connect(chat_, &ChatPane::noticed, status_, &LibraryStatus::showNotice);
     connect(chat_, &ChatPane::shown, this, [this] {
         if (std::exchange(isEntering_, false)) chat_->timeline()->setFocus();
@@ -214,6 +209,10 @@ void LibraryWindow::buildMenus() {
     chat_->addSessionCommands(go);
     addWindowMenu(*menuBar(), commands_, *this);
     addHelpMenu(*menuBar(), commands_);
+}
+
+void LibraryWindow::open(const QByteArray& path) {
+    commands_.open({foundation::pathFromArgument(path.constData())});
 }
 
 void LibraryWindow::addFolder() {

@@ -57,6 +57,8 @@ class LibraryWindow final : public QMainWindow {
     /// Goes on in the chat, at what was found.
     void enterFound();
     void showStatistics(bool isShown);
+    /// In a window of its own.
+    void open(const QByteArray& path);
     void addFolder();
     void restorePlace();
 

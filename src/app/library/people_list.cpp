@@ -7,56 +7,24 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMenu>
-#include <QStyledItemDelegate>
 #include <QToolButton>
 #include <QVBoxLayout>
 
 #include "app/desktop/desktop.h"
-#include "app/library/list_row.h"
-#include "app/library/person_picture.h"
+#include "app/library/join_dialog.h"
+#include "app/library/people_delegate.h"
 #include "app/windows/icons.h"
 #include "identity/contacts/contacts_store.h"
 
 namespace vell {
 namespace {
 
-constexpr int pictureSize = 34;
-constexpr int mostJoinOffers = 24;
-
-class PeopleDelegate final : public QStyledItemDelegate {
-  public:
-    PeopleDelegate(const PeopleModel& model, const ContactsStore& contacts, QObject* parent)
-        : QStyledItemDelegate(parent), model_(model), contacts_(contacts) {}
-
-    void paint(QPainter* painter, const QStyleOptionViewItem& option,
-               const QModelIndex& index) const override {
-        ListRow row(*painter, option);
-        const QRect start = row.takeStart(pictureSize);
-        QRect picture(0, 0, pictureSize, pictureSize);
-        picture.moveCenter(start.center());
-        const auto people = model_.pictured(index);
-        if (people.empty())
-            peopleIcon().paint(painter, picture.adjusted(5, 5, -5, -5), Qt::AlignCenter,
-                               row.isHighlighted() ? QIcon::Selected : QIcon::Normal);
-        else
-            paintPeople(*painter, picture, people, contacts_);
-        row.write(ListRow::Line::first, index.data().toString(), ListRow::Weight::strong);
-        row.write(ListRow::Line::second, model_.details(index), ListRow::Weight::faded);
-    }
-    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
-                                 const QModelIndex&) const override {
-        return {pictureSize, ListRow::height(option.font, pictureSize)};
-    }
-
-  private:
-    const PeopleModel& model_;
-    const ContactsStore& contacts_;
-};
+constexpr int mostJoinOffers = 16;
 
 }  // namespace
 
 PeopleList::PeopleList(const ContactsStore& contacts, QWidget* parent)
-    : QWidget(parent), model_(new PeopleModel(this)), view_(new QListView) {
+    : QWidget(parent), contacts_(contacts), model_(new PeopleModel(this)), view_(new QListView) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSpacing(0);
@@ -155,11 +123,12 @@ bool PeopleList::eventFilter(QObject* object, QEvent* event) {
 }
 
 void PeopleList::showMenu(QPoint place) {
-    const auto person = model_->person(view_->indexAt(place));
+    const QModelIndex index = view_->indexAt(place);
+    const auto person = model_->person(index);
     if (!person) return;
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    addJoinMenu(*menu, *person);
+    addJoinMenu(*menu, *person, index.data().toString());
     QAction* separate = menu->addAction(tr("&Separate Addresses"));
     separate->setEnabled(model_->people().addressesOf(*person).size() > 1);
     connect(separate, &QAction::triggered, this,
@@ -167,17 +136,27 @@ void PeopleList::showMenu(QPoint place) {
     menu->popup(view_->viewport()->mapToGlobal(place));
 }
 
-void PeopleList::addJoinMenu(QMenu& menu, const TesselUserID& person) {
+void PeopleList::addJoinMenu(QMenu& menu, const TesselUserID& person, const QString& name) {
     QMenu* others = menu.addMenu(tr("&Join With"));
     int offers = 0;
     const LibraryPeople& people = model_->people();
     for (const LibraryPartner& partner : people.partners) {
-        if (partner.persons.size() != 1 || offers == mostJoinOffers) continue;
+        if (partner.persons.size() != 1) continue;
         const TesselUserID other = people.addressAt(partner.persons.front());
         if (other == person) continue;
-        ++offers;
+        if (++offers > mostJoinOffers) break;
         connect(others->addAction(menuText(partner.name)), &QAction::triggered, this,
                 [this, person, other] { Q_EMIT joinRequested(other, person); });
+    }
+    if (offers > mostJoinOffers) {
+        others->addSeparator();
+        connect(others->addAction(tr("&Somebody Else …")), &QAction::triggered, this,
+                [this, person, name] {
+                    askWhomToJoin(model_->sharedPeople(), person, name, contacts_, *this,
+                                  [this, person](const TesselUserID& other) {
+                                      Q_EMIT joinRequested(other, person);
+                                  });
+                });
     }
     others->setEnabled(offers > 0);
 }

@@ -39,8 +39,9 @@ class PeopleList final : public QWidget {
   private:
     [[nodiscard]] QWidget* buildHead();
     void showMenu(QPoint place);
-    void addJoinMenu(QMenu& menu, const TesselUserID& person);
+    void addJoinMenu(QMenu& menu, const TesselUserID& person, const QString& name);
 
+    const ContactsStore& contacts_;
     PeopleModel* model_;
     QListView* view_;
     QLineEdit* filter_;

@@ -79,6 +79,11 @@ void PeopleModel::setFilter(const QString& text) {
     rearrange();
 }
 
+void PeopleModel::setOthersOf(const TesselUserID& person) {
+    othersOf_ = person;
+    rearrange();
+}
+
 void PeopleModel::rearrange() {
     Q_EMIT layoutAboutToBeChanged();
     const QModelIndexList before = persistentIndexList();
@@ -93,12 +98,19 @@ void PeopleModel::rearrange() {
     Q_EMIT layoutChanged();
 }
 
+bool PeopleModel::isShown(int partner) const {
+    if (othersOf_) {
+        const auto person = personOf(partner);
+        if (!person || *person == *othersOf_) return false;
+    }
+    return people_->partners[static_cast<std::size_t>(partner)].searchedFolded.contains(filter_);
+}
+
 std::vector<int> PeopleModel::arranged() const {
     std::vector<int> rows;
     const auto& partners = people_->partners;
     for (int i = 0; i < static_cast<int>(partners.size()); ++i) {
-        if (partners[static_cast<std::size_t>(i)].searchedFolded.contains(filter_))
-            rows.push_back(i);
+        if (isShown(i)) rows.push_back(i);
     }
     if (order_ == Order::name) {
         const QCollator collator;
@@ -110,7 +122,7 @@ std::vector<int> PeopleModel::arranged() const {
             return keys[static_cast<std::size_t>(a)] < keys[static_cast<std::size_t>(b)];
         });
     }
-    if (filter_.isEmpty() && !partners.empty()) rows.insert(rows.begin(), everybody);
+    if (filter_.isEmpty() && !othersOf_ && !partners.empty()) rows.insert(rows.begin(), everybody);
     return rows;
 }
 
@@ -124,9 +136,12 @@ QModelIndex PeopleModel::indexOf(int partner) const {
 }
 
 std::optional<TesselUserID> PeopleModel::person(const QModelIndex& index) const {
-    const int at = partner(index);
-    if (at == everybody) return std::nullopt;
-    const auto& persons = people_->partners[static_cast<std::size_t>(at)].persons;
+    return personOf(partner(index));
+}
+
+std::optional<TesselUserID> PeopleModel::personOf(int partner) const {
+    if (partner == everybody) return std::nullopt;
+    const auto& persons = people_->partners[static_cast<std::size_t>(partner)].persons;
     if (persons.size() != 1) return std::nullopt;
     return people_->addressAt(persons.front());
 }

@@ -24,10 +24,15 @@ class PeopleModel final : public QAbstractListModel {
 
     void setPeople(std::shared_ptr<const LibraryPeople> people);
     [[nodiscard]] const LibraryPeople& people() const { return *people_; }
+    [[nodiscard]] const std::shared_ptr<const LibraryPeople>& sharedPeople() const {
+        return people_;
+    }
     void setOrder(Order order);
     [[nodiscard]] Order order() const { return order_; }
     /// Shows only those whose names or addresses contain the text.
     void setFilter(const QString& text);
+    /// Shows only single persons other than this one.
+    void setOthersOf(const TesselUserID& person);
 
     /// An index of LibraryPeople::partners; `everybody` for the first row.
     [[nodiscard]] int partner(const QModelIndex& index) const;
@@ -55,6 +60,8 @@ class PeopleModel final : public QAbstractListModel {
     void joinRequested(const vell::TesselUserID& person, const vell::TesselUserID& other);
 
   private:
+    [[nodiscard]] std::optional<TesselUserID> personOf(int partner) const;
+    [[nodiscard]] bool isShown(int partner) const;
     /// Partners in their order.
     [[nodiscard]] std::vector<int> arranged() const;
     void rearrange();
@@ -62,6 +69,7 @@ class PeopleModel final : public QAbstractListModel {
     std::shared_ptr<const LibraryPeople> people_;
     Order order_ = Order::recent;
     QString filter_;  // folded
+    std::optional<TesselUserID> othersOf_;
     std::vector<int> rows_;
 };
 
