@@ -3,6 +3,7 @@
 # The program as assistive technology sees it. Desktop.accessible() returns this module.
 
 import os
+import time
 
 os.environ.setdefault("NO_AT_BRIDGE", "1")
 
@@ -11,9 +12,12 @@ import pyatspi  # noqa: E402
 from desktop import wait_for  # noqa: E402
 
 
-def _walk(node, depth=12):
+LISTS = ("list", "table", "tree", "tree table")
+
+
+def _walk(node, depth=12, rows=True):
     yield node
-    if depth == 0:
+    if depth == 0 or not rows and _has_rows(node):
         return
     try:
         count = node.childCount
@@ -25,7 +29,14 @@ def _walk(node, depth=12):
         except Exception:
             continue
         if child is not None:
-            yield from _walk(child, depth - 1)
+            yield from _walk(child, depth - 1, rows)
+
+
+def _has_rows(node):
+    try:
+        return node.getRoleName() in LISTS
+    except Exception:
+        return False
 
 
 def _is(node, role, name):
@@ -68,19 +79,32 @@ def window(name, role=None):
     return wait_for(lambda: next(iter(windows(role, name)), None), "a window")
 
 
-def find(within, role=None, name=None, hidden=False):
-    """The first node of this kind, or none. Entries of closed menus are hidden."""
-    return next((node for node in _walk(within)
+def find(within, role=None, name=None, hidden=False, rows=True):
+    """The first node of this kind, or none. Entries of closed menus are hidden. Without rows
+    lists are not looked into, which takes long where there are many."""
+    return next((node for node in _walk(within, rows=rows)
                  if _is(node, role, name) and (hidden or showing(node))), None)
 
 
-def all(within, role=None, name=None):
+def all(within, role=None, name=None, rows=True):
     """The nodes of this kind that are on the screen."""
-    return [node for node in _walk(within) if _is(node, role, name) and showing(node)]
+    return [node for node in _walk(within, rows=rows) if _is(node, role, name) and showing(node)]
 
 
-def wait_find(within, role=None, name=None, hidden=False):
-    return wait_for(lambda: find(within, role, name, hidden), f"a {role} in {within.name}")
+def wait_find(within, role=None, name=None, hidden=False, rows=True):
+    return wait_for(lambda: find(within, role, name, hidden, rows), f"a {role} in {within.name}")
+
+
+def rows(node, step=12):
+    """What a list shows, top down, however many rows it has."""
+    x, y, width, height = place(node)
+    component = node.queryComponent()
+    seen = []
+    for line in range(y + 4, y + height, step):
+        row = component.getAccessibleAtPoint(x + width // 2, line, pyatspi.DESKTOP_COORDS)
+        if row is not None and row not in seen:
+            seen.append(row)
+    return seen
 
 
 def press(node):
@@ -131,12 +155,15 @@ def focus(node):
 def play(*steps):
     """Takes the steps in order; when one fails, what the windows show is printed."""
     for step in steps:
-        print(step.__name__, flush=True)
+        print(step.__name__, end=": ", flush=True)
+        begin = time.monotonic()
         try:
             step()
         except AssertionError:
+            print("failed", flush=True)
             dump()
             raise
+        print(f"{time.monotonic() - begin:.1f} s", flush=True)
 
 
 def dump():

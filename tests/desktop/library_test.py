@@ -9,6 +9,7 @@
 import json
 import os
 import re
+import resource
 import shutil
 import signal
 import sys
@@ -28,9 +29,20 @@ class Library:
                            str(PICTURES)) is not None
         self.paths = sorted(os.path.join(folder, name) for folder, _, names in
                             os.walk(self.folder) for name in names)
-        self.people = {}
+        self.window, self.parts = None, {}
 
     # ---- what is on the screen ----
+
+    def part(self, role, name=None):
+        """A part of the window, looked for only once as long as it is there."""
+        if not a11y.showing(self.parts.get((role, name))):
+            self.parts[role, name] = a11y.find(self.window, role, name and a11y.named(name),
+                                               rows=False)
+        return self.parts[role, name]
+
+    def has_found(self, window):
+        self.window, self.parts = window, {}
+        self.number = self.desktop.window("Library")
 
     def keys(self, *keys):
         self.desktop.activate(self.number)
@@ -42,29 +54,44 @@ class Library:
         self.desktop.run("xdotool", "mousemove", str(x), str(y), *(steps or ("click", "1")))
 
     def state(self):
-        labels = [node.name for node in a11y.all(self.window, "label")]
-        return next((text for text in labels if re.search(r"conversation|ndexing|index", text)), "")
+        """What the last line says."""
+        if not a11y.showing(self.parts.get("state")):
+            labels = a11y.all(self.window, "label", rows=False)
+            self.parts["state"] = next((label for label in labels if re.search(
+                r"conversation|ndexing|index|Looking", label.name)), None)
+        return self.parts["state"].name if self.parts["state"] else ""
 
     def wait_state(self, text):
         wait_for(lambda: text in self.state(), f"{text!r} in {self.state()!r}", PATIENCE)
 
+    def wait_broken(self):
+        return a11y.wait_find(self.window, "button", a11y.holding("couldn’t be read"), rows=False)
+
     def person(self, name):
-        return a11y.wait_find(self.window, "list item", lambda text: text.startswith(name + ","),
-                              hidden=True)
+        return wait_for(lambda: self.has_person(name), f"{name} among the people", PATIENCE)
+
+    def has_person(self, name):
+        people = self.part("list", "People")
+        return next((row for row in people or [] if row.name.startswith(name + ",")), None)
+
+    def conversations(self):
+        tree = self.part("tree", "Conversations")
+        return [row for row in a11y.rows(tree) if " messages" in row.name] if tree else []
 
     def found(self):
-        results = a11y.find(self.window, "list", a11y.named("Messages found"))
-        return [row.name for row in results or []]
+        """The first messages that were found."""
+        results = self.part("list", "Messages found")
+        return [row.name for row in a11y.rows(results)] if results else []
 
     def search(self, text):
         self.keys("ctrl+shift+f")
-        field = a11y.wait_find(self.window, "text", a11y.named("Search all chats"))
-        field.queryEditableText().setTextContents(text)
+        wait_for(lambda: self.part("text", "Search all chats"), "the search field")
+        self.part("text", "Search all chats").queryEditableText().setTextContents(text)
 
     def rows(self):
         """Of the chat that are on the screen."""
-        chat = a11y.find(self.window, "list", a11y.named("Conversation"))
-        return [row.name for row in chat or [] if a11y.showing(row)]
+        chat = self.part("list", "Conversation")
+        return [row.name for row in a11y.rows(chat)] if chat else []
 
     def copy_in(self, name, target):
         shutil.copy(os.path.join(self.samples, name), os.path.join(self.folder, target + "~"))
@@ -79,8 +106,7 @@ class Library:
         self.desktop.activate(self.desktop.window("Add a Folder"))
         self.desktop.run("xdotool", "type", "--delay", "5", self.folder)
         self.desktop.run("xdotool", "key", "Return")
-        self.window = a11y.window(a11y.named("Library"), "frame")
-        self.number = self.desktop.window("Library")
+        self.has_found(a11y.window(a11y.named("Library"), "frame"))
 
     def watch_progress(self):
         seen = []
@@ -91,22 +117,20 @@ class Library:
 
         wait_for(is_done, "the end of indexing", PATIENCE)
         assert any(text.startswith(("Indexing: ", "Looking through")) for text in seen), seen
-        self.conversations = int(re.match(r"([\d,]+)", seen[-1])[1].replace(",", ""))
+        self.count = int(re.match(r"([\d,]+)", seen[-1])[1].replace(",", ""))
         broken = FILES // 250  # as the archive has them
-        assert FILES - 2 * broken - 2 <= self.conversations <= FILES, seen[-1]
+        assert FILES - 2 * broken - 2 <= self.count <= FILES, seen[-1]
         assert not welcome_is_open(), "the welcome window stays"
 
     def choose_person(self):
         self.click(self.person("karim"))
-        row = a11y.wait_find(self.window, "table cell", a11y.holding(" messages"))
-        self.click(row)
+        self.click(wait_for(self.conversations, "conversations with karim")[0])
         wait_for(self.rows, "the chat with karim")
 
     def read_across_sessions(self):
         first = self.rows()
         self.keys("ctrl+shift+f", "Escape")
-        rows = [node for node in a11y.all(self.window, "table cell") if " messages" in node.name]
-        self.click(rows[-1])
+        self.click(wait_for(self.conversations, "conversations")[-1])
         wait_for(lambda: self.rows() and self.rows() != first, "another session")
 
     def join_addresses(self):
@@ -118,8 +142,7 @@ class Library:
             self.desktop.run("xdotool", "mousemove", str(x + 2 * step),
                              str(y + (target[1] - y) * step // 8), "sleep", "0.1")
         self.desktop.run("xdotool", "mousemove", *map(str, target), "sleep", "0.3", "mouseup", "1")
-        wait_for(lambda: not a11y.find(self.window, "list item",
-                                       lambda text: text.startswith("jun,")), "jun to be joined")
+        wait_for(lambda: not self.has_person("jun"), "jun to be joined")
         counts = [int(re.search(r"([\d,]+) messages", text)[1].replace(",", ""))
                   for text in (*before.values(), self.person("haruka").name)]
         # What they wrote to each other is nobody else's.
@@ -161,18 +184,18 @@ class Library:
     def follow_files(self):
         self.keys("ctrl+shift+f", "Escape")
         self.copy_in("Two umbrellas.ichat", "new.ichat")
-        self.wait_state(f"{self.conversations + 1:,} conversations")
+        self.wait_state(f"{self.count + 1:,} conversations")
         self.person("oskar@chat.example.net")
         with open(os.path.join(self.folder, "broken.ichat"), "wb") as file:
             file.write(b"no transcript")
-        a11y.wait_find(self.window, "button", a11y.holding("files couldn’t be read"))
+        self.wait_broken()
         self.copy_in("The cat in the bathtub.ichat", "new.ichat")
         self.person("jonas_at_home")
         os.remove(os.path.join(self.folder, "new.ichat"))
-        self.wait_state(f"{self.conversations:,} conversations")
+        self.wait_state(f"{self.count:,} conversations")
 
     def list_broken_files(self):
-        a11y.press(a11y.wait_find(self.window, "button", a11y.holding("files couldn’t be read")))
+        a11y.press(self.wait_broken())
         dialog = a11y.window(a11y.named("Files That Couldn’t Be Read"))
         a11y.wait_find(dialog, "table cell", a11y.named("broken.ichat"))
         self.desktop.activate(self.desktop.window("Files That"))
@@ -180,8 +203,8 @@ class Library:
 
     def show_statistics(self):
         self.keys("ctrl+shift+s")
-        a11y.wait_find(self.window, "label", a11y.holding("Longest silence"))
-        charts = a11y.all(self.window, None, a11y.named("Messages by year"))
+        a11y.wait_find(self.window, "label", a11y.holding("Longest silence"), rows=False)
+        charts = a11y.all(self.window, None, a11y.named("Messages by year"), rows=False)
         assert any("2003: " in chart.description for chart in charts), charts
         self.keys("ctrl+shift+s")
 
@@ -195,23 +218,38 @@ class Library:
             file.write(b"\0" * 4096)
         self.start_again("was damaged and has been made again")
         self.person("haruka")
-        self.running.send_signal(signal.SIGKILL)
-        wait_for(lambda: self.running.poll() is not None, "the program to be killed")
-        for ending in ("", "-wal", "-shm"):
-            if os.path.exists(index + ending):
-                os.remove(index + ending)
+        self.kill()
+        self.remove_index(index)
         os.mkdir(index)
         self.start_again("can’t be used")
+        self.kill()
+        os.rmdir(index)
+        self.remove_index(index)
+        self.start_again("can’t be used", preexec_fn=fill_disk)
         assert self.desktop.start(self.vell, self.paths[0]).wait(60) == 0
         a11y.window(lambda name: "2003" in name, "frame")
 
-    def start_again(self, notice):
-        self.running = self.desktop.start(self.vell)
+    def kill(self):
+        self.running.send_signal(signal.SIGKILL)
+        wait_for(lambda: self.running.poll() is not None, "the program to be killed")
+
+    def remove_index(self, index):
+        for ending in ("", "-wal", "-shm"):
+            if os.path.exists(index + ending):
+                os.remove(index + ending)
+
+    def start_again(self, notice, **options):
+        self.running = self.desktop.start(self.vell, **options)
         welcome = a11y.window(a11y.named("Welcome to Vell"))
         a11y.press(a11y.wait_find(welcome, "button", a11y.named("Library")))
-        self.window = a11y.window(a11y.named("Library"), "frame")
-        self.number = self.desktop.window("Library")
+        self.has_found(a11y.window(a11y.named("Library"), "frame"))
         self.wait_state(notice)
+
+
+def fill_disk():
+    """No file may become larger, as on a full disk."""
+    signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+    resource.setrlimit(resource.RLIMIT_FSIZE, (300_000, 300_000))
 
 
 def welcome_is_open():
