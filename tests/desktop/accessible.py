@@ -62,7 +62,11 @@ def windows(role=None, name=None):
     found = []
     desktop = pyatspi.Registry.getDesktop(0)
     for application in list(desktop):
-        for window in list(application or []):
+        try:
+            shown = list(application or [])
+        except Exception:  # it has just ended
+            continue
+        for window in shown:
             if window is not None and _is(window, role, name) and showing(window):
                 found.append(window)
     return found
