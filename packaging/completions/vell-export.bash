@@ -13,7 +13,7 @@ _vell_export() {
     COMPREPLY=()
     case $previous in
         -f | --format)
-            mapfile -t COMPREPLY < <(compgen -W 'markdown md text txt html json jsonl csv' -- "$current")
+            mapfile -t COMPREPLY < <(compgen -W 'markdown md text txt html json jsonl csv archive' -- "$current")
             ;;
         --pictures)
             mapfile -t COMPREPLY < <(compgen -W 'embed folder none' -- "$current")

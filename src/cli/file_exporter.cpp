@@ -7,6 +7,7 @@
 #include <memory>
 #include <utility>
 
+#include "cli/archive_format.h"
 #include "cli/attachment_writer.h"
 #include "cli/folders.h"
 #include "cli/standard_streams.h"
@@ -14,6 +15,7 @@
 #include "export/message.h"
 #include "foundation/local_path.h"
 #include "foundation/plain_reason.h"
+#include "inspector/archive_text.h"
 #include "library/chat_years.h"
 #include "recovery/recovery.h"
 #include "transcript/load_log.h"
@@ -87,6 +89,7 @@ void FileExporter::exportOne() {
         if (options_.verbose) report(u"skipped, since its document is newer"_s);
         if (!options_.index) return;
     }
+    if (options_.format == &archiveFormat) return writeArchive();
     Input input;
     const auto log = read(input);
     if (!log) return;
@@ -194,6 +197,23 @@ std::optional<TesselChatLog> FileExporter::read(Input& input) {
     fail(reason);
     if (log) file_.diagnostics += log->grabLog();
     return std::nullopt;
+}
+
+/// The document has all that can be read, also where that isn't all.
+void FileExporter::writeArchive() {
+    Input input;
+    try {
+        input = readInput(file_.job.file, nullptr);
+    } catch (const ReadError& error) {
+        return fail(error.reason);
+    }
+    QString problem;
+    output_.write(file_.job, input, [&](Sink& sink) {
+        problem = inspector::writeArchive(input.bytes,
+                                          [&sink](QByteArrayView bytes) { sink.write(bytes); });
+    });
+    if (!problem.isEmpty()) return fail(problem);
+    file_.result.kind = ExportResult::Kind::converted;
 }
 
 /// What is left of a damaged transcript.

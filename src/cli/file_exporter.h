@@ -78,6 +78,7 @@ class FileExporter {
                                           const TesselChatLog& log, int year);
     void addIndexEntry(const TesselChatLog& log);
     [[nodiscard]] std::optional<TesselChatLog> read(Input& input);
+    void writeArchive();
     [[nodiscard]] std::optional<TesselChatLog> recovered(const Input& input);
     void write(const Input& input, const TesselChatLog& log, const QString& title = {});
     void refuseExpansion(const Input& input, const TesselChatLog& log,

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <cstdio>
 
+#include "cli/archive_format.h"
 #include "foundation/local_path.h"
 #include "toolkit/date_formatters.h"
 
@@ -29,6 +30,9 @@ QString describedFormats() {
                  QString::fromLatin1(format.name).leftJustified(10) +
                  QString::fromLatin1(format.description) + u'\n';
     }
+    lines += u"                          "_s +
+             QString::fromLatin1(archiveFormat.name).leftJustified(10) +
+             QString::fromLatin1(archiveFormat.description) + u'\n';
     return lines;
 }
 
@@ -122,6 +126,7 @@ struct Arguments {
 const Format* chosenFormat(const Arguments& given) {
     const QString name = given.parser.isSet(given.format) ? given.parser.value(given.format)
                                                           : QString::fromLatin1(formats()[0].name);
+    if (name == QLatin1StringView(archiveFormat.name)) return &archiveFormat;
     const Format* chosen = findFormat(name);
     if (!chosen)
         throw UsageError{u"unknown format: "_s + name + u" (known: "_s + formatNames() + u')'};
@@ -205,6 +210,12 @@ void chooseOutput(const Arguments& given, Options& options) {
         throw UsageError{u"pictures in a folder need one: --output-dir or --attachments"_s};
     if ((options.merges || options.index) && !parser.isSet(given.outputDir))
         throw UsageError{u"--merge and --index need a folder: --output-dir"_s};
+    if (options.format == &archiveFormat &&
+        (options.merges || options.index || options.recovers || !options.attachments.isEmpty() ||
+         options.pictures == Pictures::folder))
+        throw UsageError{
+            u"--format archive shows files as they are, without --merge, --index, --recover and "
+            "--attachments"_s};
     if (options.merges && options.update)
         throw UsageError{u"--merge writes everything anew: --force, not --update"_s};
     if (options.index && options.format->name != "html"_ba)

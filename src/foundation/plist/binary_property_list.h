@@ -100,6 +100,10 @@ class BinaryPropertyList {
     [[nodiscard]] Ref value(const Node& dictionary, quint64 index) const {
         return element(dictionary, dictionary.count() + index);
     }
+    /// Where the object stands in the file; the reference must be valid.
+    [[nodiscard]] quint64 offset(Ref ref) const {
+        return load(table_ + ref * offsetSize_, offsetSize_);
+    }
     /// The bytes of a data or string object, a slice of the file's.
     [[nodiscard]] Data slice(const Node& node) const;
 
