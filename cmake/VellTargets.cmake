@@ -3,8 +3,6 @@
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
-set(CMAKE_AUTOMOC ON)
-set(CMAKE_AUTORCC ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
@@ -61,7 +59,6 @@ function(vell_precompiled name)
     else()
         add_library(${name} OBJECT EXCLUDE_FROM_ALL "${source}")
     endif()
-    set_target_properties(${name} PROPERTIES AUTOMOC OFF AUTORCC OFF)
     target_link_libraries(${name} PRIVATE ${arg_LINK})
     target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
 endfunction()
@@ -74,7 +71,8 @@ function(vell_use_precompiled target name)
 endfunction()
 
 # vell_library(NAME [SOURCES …] [LINK …]): one static library per folder of src/. What it links is
-# what it may include; the generated link lists are the layering.
+# what it may include; the generated link lists are the layering. A folder whose classes have signals
+# sets CMAKE_AUTOMOC; moc takes a second for each target that it runs for.
 function(vell_library name)
     cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
     add_library(vell_${name} STATIC ${arg_SOURCES})
