@@ -38,9 +38,9 @@ void freeObject(void* object) noexcept {
 
 namespace {
 
-constexpr std::size_t smallestBlock = 32 * 1024;
+constexpr std::size_t smallestBlock = 32 << 10;
 /// A large page of most processors.
-constexpr std::size_t largestBlock = 2 * 1024 * 1024;
+constexpr std::size_t largestBlock = 2 << 20;
 
 #ifdef MADV_HUGEPAGE
 
@@ -94,7 +94,7 @@ struct Block {
     }
 };
 
-static_assert(sizeof(Block) % objectAlignment == 0 && sizeof(Block*) <= objectAlignment);
+static_assert(sizeof(Block) % objectAlignment == 0 && sizeof(void*) <= objectAlignment);
 
 /// The block of one thread and what is left of it.
 class Arena {
@@ -148,11 +148,11 @@ void freeObject(void* object) noexcept {
 
 void useLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) noexcept {
 #ifdef MADV_HUGEPAGE
-    constexpr std::uintptr_t page = 2 * 1024 * 1024;
+    constexpr std::size_t page = 2 << 20;
     const auto address = reinterpret_cast<std::uintptr_t>(memory);
-    const std::uintptr_t begin = (address + page - 1) / page * page;
-    const std::uintptr_t end = (address + size) / page * page;
-    if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+    const std::size_t before = -address % page;
+    if (size < before + page) return;
+    madvise(static_cast<char*>(memory) + before, (size - before) / page * page, MADV_HUGEPAGE);
 #endif
 }
 

@@ -15,7 +15,7 @@ namespace foundation {
 namespace picture {
 namespace {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 std::optional<Header> recognisePng(const Bytes& bytes) {
     if (!bytes.is(0, "\x89PNG\r\n\x1a\n\0\0\0\rIHDR"sv) || !bytes.has(16, 13)) return {};

@@ -9,7 +9,7 @@
 namespace foundation::picture {
 namespace {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 constexpr int maximumBoxes = 4096;
 

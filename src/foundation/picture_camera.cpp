@@ -9,7 +9,7 @@
 namespace foundation::picture {
 namespace {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 constexpr quint64 tagWidth = 256;
 constexpr quint64 tagHeight = 257;

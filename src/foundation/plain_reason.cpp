@@ -16,8 +16,8 @@ QString plainReason(const std::exception& error) {
         return QString::fromStdString(system->code().message());
     const auto* archive = dynamic_cast<const Error*>(&error);
     if (!archive) return QString::fromUtf8(error.what());
-    const QString text = archive->debugDescription().isEmpty() ? archive->description()
-                                                               : archive->debugDescription();
+    QString text = archive->debugDescription().isEmpty() ? archive->description()
+                                                         : archive->debugDescription();
     const bool isUnreadable = archive->code() == static_cast<qint64>(CoderErrorCode::readCorrupt) ||
                               archive->code() == static_cast<qint64>(CoderErrorCode::valueNotFound);
     if (!isUnreadable) return text;

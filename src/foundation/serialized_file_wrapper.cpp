@@ -157,8 +157,8 @@ std::vector<std::string_view> linkNames(const Data& block) {
     for (quint32 left = cursor.word(); left > 0 && !cursor.failed(); --left) {
         const std::string_view name = cursor.bytes(cursor.word());
         const std::string_view record = cursor.bytes(cursor.word());
-        if (record.size() < 3 * 4) continue;
-        if (qFromLittleEndian<quint32>(record.data() + 2 * 4) & linkFlag) names.push_back(name);
+        if (record.size() < 12) continue;  // the third word holds the flags
+        if (qFromLittleEndian<quint32>(record.data() + 8) & linkFlag) names.push_back(name);
     }
     std::sort(names.begin(), names.end());
     return names;
