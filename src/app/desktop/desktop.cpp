@@ -54,7 +54,7 @@ void bringToFront(QWidget& window) {
     window.activateWindow();
 }
 
-QString menuText(QString text) {
+QString menuText(const QString& text) {
     return text.simplified().replace(u'&', QStringLiteral("&&"));
 }
 

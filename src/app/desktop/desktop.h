@@ -25,6 +25,6 @@ enum class InfoAddress { support, supportMail, publisher, bugReporter, identicon
 void bringToFront(QWidget& window);
 
 /// The text escaped for a menu, where it has no mnemonics and shortcuts.
-[[nodiscard]] QString menuText(QString text);
+[[nodiscard]] QString menuText(const QString& text);
 
 }  // namespace vell

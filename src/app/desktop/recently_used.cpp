@@ -55,7 +55,7 @@ QDomElement findBookmark(const QDomElement& list, const QString& address) {
     return {};
 }
 
-QDomElement applicationsOf(QDomElement bookmark) {
+QDomElement applicationsOf(const QDomElement& bookmark) {
     QDomElement metadata =
         child(child(bookmark, QStringLiteral("info")), QStringLiteral("metadata"));
     metadata.setAttribute(QStringLiteral("owner"), QStringLiteral("http://freedesktop.org"));
