@@ -208,6 +208,8 @@ void PdfCanvas::showLine(const LineGlyphs& line, QPointF origin, qreal ratio) {
 }
 
 void PdfCanvas::link(const QRect& area, const QString& address) {
+    const QByteArray encoded = QUrl(address).toEncoded();
+    if (encoded.isEmpty()) return;
     const qreal top = format_.sheet.height() - PaperFormat::margin;
     const auto point = [&](QPoint place) {
         return numbers({PaperFormat::margin + place.x() * PaperFormat::scale,
@@ -215,7 +217,7 @@ void PdfCanvas::link(const QRect& area, const QString& address) {
     };
     links_ += "<< /Type /Annot /Subtype /Link /F 4 /Border [0 0 0] /Rect [" +
               point(area.bottomLeft()) + point(area.topRight()) + "] /A << /S /URI /URI " +
-              pdfBytes(QUrl(address).toEncoded()) + " >> >>\n";
+              pdfBytes(encoded) + " >> >>\n";
 }
 
 }  // namespace vell

@@ -80,7 +80,11 @@ QByteArray pdfReference(int object) {
 
 QByteArray pdfText(const QString& text) {
     QByteArray bytes("\xfe\xff");
-    for (const QChar c : text) {
+    // A surrogate without its other half is no text.
+    const QList<uint> characters = text.toUcs4();
+    const QString valid =
+        QString::fromUcs4(reinterpret_cast<const char32_t*>(characters.data()), characters.size());
+    for (const QChar c : valid) {
         bytes.append(static_cast<char>(c.unicode() >> 8));
         bytes.append(static_cast<char>(c.unicode() & 0xff));
     }

@@ -5,12 +5,16 @@
 
 #include <gmock/gmock.h>
 
+#include <QBuffer>
 #include <QLocale>
+#include <QPdfWriter>
 #include <QTextLayout>
 
 #include "export/log_builder.h"
 #include "paper/canvas.h"
 #include "paper/page_painter.h"
+#include "paper/page_printing.h"
+#include "paper/pdf_document.h"
 #include "timeline/text/laid_out_text.h"
 
 namespace vell {
@@ -141,6 +145,65 @@ TEST(Paginator, OneLetterHigherThanAPageEndsToo) {
             .pages(notes);
     EXPECT_FALSE(pages.empty());
     EXPECT_TRUE(Paper(LogBuilder().log()).pages(notes).empty());
+}
+
+/// Takes this many bytes.
+class FullDevice final : public QIODevice {
+  public:
+    explicit FullDevice(qint64 room) : room_(room) { open(WriteOnly); }
+
+  protected:
+    qint64 readData(char* /*data*/, qint64 /*size*/) override { return -1; }
+    qint64 writeData(const char* /*data*/, qint64 size) override {
+        if (size > room_) return -1;
+        room_ -= size;
+        return size;
+    }
+
+  private:
+    qint64 room_;
+};
+
+struct ManyMessages {
+    ManyMessages() : log(make()), setup(currentPaperSetup(log, ContactsStore(), {}, a4())) {}
+    static PaperFormat a4() { return PaperFormat::of(QPageSize(QPageSize::A4)); }
+    static TesselChatLog make() {
+        LogBuilder builder;
+        for (int i = 0; i < 200; ++i)
+            builder.text(u"bob"_s, u"message %1"_s.arg(i));
+        return builder.log();
+    }
+    TesselChatLog log;
+    PaperSetup setup;
+};
+
+TEST(PdfDocument, FullDevicesAndCancellingAreReported) {
+    const ManyMessages many;
+    QBuffer whole;
+    whole.open(QIODevice::WriteOnly);
+    const PdfResult result = writePdf(many.log, many.setup, whole);
+    EXPECT_TRUE(result.isComplete && result.messages == 200 && result.pages > 3);
+    for (qint64 room = 0; room < whole.size(); room += 1 + whole.size() / 20) {
+        FullDevice device(room);
+        EXPECT_THROW(writePdf(many.log, many.setup, device), PdfFile::WriteFailed) << room;
+    }
+    int pages = 0;
+    const auto untilThird = [&pages](auto, auto) { return ++pages < 3; };
+    EXPECT_FALSE(writePdf(many.log, many.setup, whole, untilThird).isComplete);
+    EXPECT_EQ(pages, 3);
+}
+
+TEST(PagePrinting, OnlyTheChosenPagesArePainted) {
+    const ManyMessages many;
+    const auto always = [](auto, auto) { return true; };
+    for (const auto& [first, last, count] :
+         {std::tuple(2, 3, 2), std::tuple(5, 5, 1), std::tuple(90, 99, 0)}) {
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        QPdfWriter device(&buffer);
+        EXPECT_EQ(printPages(many.log, many.setup, device, {first, last}, always), count);
+        EXPECT_EQ(writePdf(many.log, many.setup, buffer, always, {first, last}).pages, count);
+    }
 }
 
 TEST(PagePainter, OnlyPlainAddressesAreLive) {

@@ -4,6 +4,7 @@
 #include <QBasicTimer>
 #include <QCoreApplication>
 #include <QProgressDialog>
+#include <QSemaphore>
 #include <QTimerEvent>
 #include <memory>
 #include <utility>
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int progressInterval = 100;  // milliseconds
 constexpr int patience = 500;          // before the window appears
+constexpr int farewell = 1000;         // for the job of a window that closes, to clean up
 
 class Job final : public QProgressDialog {
   public:
@@ -39,18 +41,26 @@ class Job final : public QProgressDialog {
     }
     ~Job() override {
         callbacks_->close();
+        if (control_->isCancelled()) return;
         control_->cancel();
+        ended_->tryAcquire(1, farewell);
     }
 
     void run(std::function<JobResult(const JobControl&)> work) {
         const auto end = [this, callbacks = callbacks_](const JobResult& result) {
             callbacks->post([this, result] { finish(result); });
         };
+        const auto fail = [ended = ended_, end] {
+            ended->release();
+            end({QCoreApplication::translate("Export", "There is not enough memory"), {}});
+        };
         foundation::runDetached(
-            [work = std::move(work), control = control_, end] { end(work(*control)); },
-            [end] {
-                end({QCoreApplication::translate("Export", "There is not enough memory"), {}});
-            });
+            [work = std::move(work), control = control_, ended = ended_, end] {
+                const JobResult result = work(*control);
+                ended->release();
+                end(result);
+            },
+            fail);
     }
 
   protected:
@@ -75,6 +85,7 @@ class Job final : public QProgressDialog {
     std::function<void(const JobResult&)> done_;
     std::shared_ptr<JobControl> control_;
     std::shared_ptr<CallbackGuard> callbacks_;
+    std::shared_ptr<QSemaphore> ended_ = std::make_shared<QSemaphore>();
     QBasicTimer timer_;
 };
 
