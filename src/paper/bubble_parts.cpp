@@ -9,6 +9,9 @@ namespace {
 
 constexpr qreal ratio = PaperFormat::ratio;
 constexpr int overlap = 6;
+// How far a shadow reaches above a bubble, in device pixels; more white would cover the shadow of
+// the bubble above.
+constexpr int above = 4;
 
 QImage onWhite(const QImage& image) {
     QImage result = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
@@ -39,8 +42,10 @@ BubbleKey bubbleKey(const QRect& frame, Style::Aqua aqua, ChatBubbleShape::Direc
 BubbleParts makeBubbleParts(const BubbleKey& key) {
     const FancyBackground style{ChatBubbleShape(key.direction), Style::colors(key.aqua)};
     const BackgroundMasks masks = makeBackgroundMasks(style.shape, style.inset, key.size, ratio);
-    const int height = key.height + 2 * backgroundMargin(ratio);
-    const QImage image = onWhite(composeBackground(masks, style, key.height, 0, height, ratio));
+    const int margin = backgroundMargin(ratio);
+    const int height = key.height + above + margin;
+    const QImage image =
+        onWhite(composeBackground(masks, style, key.height, margin - above, height, ratio));
     const int left = leftWidth(key);
     return {image.copy(0, 0, left, height), image.copy(left, 0, 1, height),
             image.copy(left + 1, 0, rightWidth(key), height)};
@@ -48,7 +53,7 @@ BubbleParts makeBubbleParts(const BubbleKey& key) {
 
 BubblePlaces bubblePlaces(const QRect& frame, const BubbleKey& key) {
     const int margin = backgroundMargin(ratio);
-    const QRect area = frame.marginsAdded(QMargins(margin, margin, margin, margin));
+    const QRect area = frame.marginsAdded(QMargins(margin, above, margin, margin));
     const int left = leftWidth(key);
     const int right = rightWidth(key);
     return {QRect(area.x(), area.y(), left, area.height()),

@@ -5,6 +5,7 @@
 #include <QTextBoundaryFinder>
 #include <QTextLayout>
 #include <algorithm>
+#include <iterator>
 #include <optional>
 
 namespace vell {
@@ -13,24 +14,30 @@ namespace {
 constexpr qreal samePlace = 1.0 / 64;
 
 /// The clusters of a run that has one glyph for each UTF-16 unit of the text; otherwise nothing.
-std::optional<std::vector<GlyphCluster>> plainClusters(const QGlyphRun& run, QStringView text) {
+std::optional<std::vector<GlyphCluster>> plainClusters(const QGlyphRun& run, QStringView text,
+                                                       int font) {
     const QList<quint32> glyphs = run.glyphIndexes();
     const QList<QPointF> places = run.positions();
     if (glyphs.size() != text.size() || !run.rawFont().isValid()) return std::nullopt;
     QList<quint32> expected = run.rawFont().glyphIndexesForString(text.toString());
-    const bool isReversed = run.isRightToLeft();
-    if (isReversed) std::reverse(expected.begin(), expected.end());
+    bool isReversed = false;
+    if (expected != glyphs && run.isRightToLeft()) {
+        std::reverse(expected.begin(), expected.end());
+        isReversed = true;
+    }
     if (expected != glyphs) return std::nullopt;
     std::vector<GlyphCluster> clusters;
     clusters.reserve(static_cast<size_t>(glyphs.size()));
     for (qsizetype i = 0; i < glyphs.size(); ++i) {
         const qsizetype at = isReversed ? glyphs.size() - 1 - i : i;
         if (text[at].isMark()) return std::nullopt;
-        clusters.push_back({text.sliced(at, 1), places[i], {{glyphs[i], {}, 0}}});
+        clusters.push_back({text.sliced(at, 1), places[i], {{glyphs[i], {}, font}}});
     }
     return clusters;
 }
 
+/// Goes through a line word by word, and letter by letter where a word has other glyphs than
+/// letters.
 class Collector {
   public:
     Collector(const QTextLine& line, QStringView text) : line_(line), text_(text) {}
@@ -38,20 +45,41 @@ class Collector {
     LineGlyphs collect() {
         const qsizetype end =
             std::min<qsizetype>(line_.textStart() + line_.textLength(), text_.size());
+        for (qsizetype from = line_.textStart(); from < end;) {
+            qsizetype to = from;
+            while (to < end && !text_[to].isSpace())
+                ++to;
+            while (to < end && text_[to].isSpace())
+                ++to;
+            if (!addPlainWord(from, to)) addLetters(from, to);
+            from = to;
+        }
+        return std::move(result_);
+    }
+
+  private:
+    bool addPlainWord(qsizetype from, qsizetype to) {
+        const QList<QGlyphRun> runs =
+            line_.glyphRuns(static_cast<int>(from), static_cast<int>(to - from));
+        if (runs.size() != 1) return false;
+        auto clusters = plainClusters(runs.first(), text_.sliced(from, to - from),
+                                      fontIndex(runs.first().rawFont()));
+        if (!clusters) return false;
+        std::move(clusters->begin(), clusters->end(), std::back_inserter(result_.clusters));
+        return true;
+    }
+
+    void addLetters(qsizetype from, qsizetype end) {
         QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text_.data(), text_.size());
-        finder.setPosition(line_.textStart());
-        for (qsizetype from = line_.textStart(); from >= 0 && from < end;) {
+        finder.setPosition(from);
+        while (from < end) {
             const qsizetype next = finder.toNextBoundary();
             const qsizetype to = next < 0 ? end : std::min(next, end);
             add(from, to);
             from = to;
         }
-        std::stable_sort(result_.clusters.begin(), result_.clusters.end(),
-                         [](const auto& a, const auto& b) { return a.place.x() < b.place.x(); });
-        return std::move(result_);
     }
 
-  private:
     int fontIndex(const QRawFont& font) {
         const auto known = std::find(result_.fonts.begin(), result_.fonts.end(), font);
         const auto index = static_cast<int>(known - result_.fonts.begin());
@@ -100,15 +128,18 @@ LineGlyphs lineGlyphs(const QTextLine& line, QStringView text) {
     const qsizetype start = std::min<qsizetype>(line.textStart(), text.size());
     const qsizetype length = std::min<qsizetype>(line.textLength(), text.size() - start);
     const QList<QGlyphRun> runs = line.glyphRuns();
+    std::optional<std::vector<GlyphCluster>> plain;
     if (runs.size() == 1) {
+        const QStringView content = text.sliced(start, length);
+        plain = plainClusters(runs.first(), content, 0);
         // What isn't painted is the space at which the line was broken.
-        for (const QStringView content :
-             {text.sliced(start, length), text.sliced(start, length).trimmed()}) {
-            if (auto clusters = plainClusters(runs.first(), content))
-                return {{runs.first().rawFont()}, std::move(*clusters)};
-        }
+        if (!plain) plain = plainClusters(runs.first(), content.trimmed(), 0);
     }
-    return Collector(line, text).collect();
+    LineGlyphs result = plain ? LineGlyphs{{runs.first().rawFont()}, std::move(*plain)}
+                              : Collector(line, text).collect();
+    std::stable_sort(result.clusters.begin(), result.clusters.end(),
+                     [](const auto& a, const auto& b) { return a.place.x() < b.place.x(); });
+    return result;
 }
 
 }  // namespace vell

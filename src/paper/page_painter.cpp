@@ -17,7 +17,7 @@ namespace vell {
 namespace {
 
 constexpr qreal belowHeading = 16;  // points of the layout
-constexpr qreal aboveFoot = 10;
+constexpr qreal aboveFoot = 16;
 constexpr qreal dividerThickness = 1;
 constexpr qreal pictureRadius = 16;
 constexpr float fieldOpacity = 0.07f;

@@ -1,12 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include "paper/painter_canvas.h"
 
+#include <QPaintEngine>
 #include <QPainterPath>
+#include <QTextLayout>
 
+#include "paper/glyph_clusters.h"
 #include "paper/paper_format.h"
 #include "timeline/text/laid_out_text.h"
+#include "toolkit/emoji.h"
 
 namespace vell {
+namespace {
+
+bool hasEmoji(const LaidOutText& text) {
+    return !emojiFamily().isEmpty() && !findEmoji(text.text()).ranges.empty();
+}
+
+}  // namespace
 
 PainterCanvas::PainterCanvas(QPainter& painter) : painter_(painter) {
     painter_.translate(PaperFormat::margin, PaperFormat::margin);
@@ -56,6 +67,27 @@ void PainterCanvas::text(const LaidOutText& text, QPoint origin, int from, int t
                          const QColor& color) {
     painter_.setPen(color);
     text.paint(painter_, origin, from, to);
+    // Printers get fonts, and those in colours aren't among them.
+    if (painter_.paintEngine()->type() == QPaintEngine::Raster || !hasEmoji(text)) return;
+    text.forEachLine(from, to, [&](const QTextLine& line, QStringView content, int top) {
+        const LineGlyphs glyphs = lineGlyphs(line, content);
+        for (const GlyphCluster& cluster : glyphs.clusters) {
+            if (!cluster.text.front().isLetter() && isColored(glyphs, cluster))
+                drawColored(glyphs, cluster, origin + QPoint(0, top), text.format().ratio);
+        }
+    });
+}
+
+void PainterCanvas::drawColored(const LineGlyphs& line, const GlyphCluster& cluster, QPoint origin,
+                                qreal ratio) {
+    const QString key = cluster.text.toString();
+    if (!emoji_.contains(key)) emoji_.insert(key, new ColorGlyph(colorGlyph(line, cluster)));
+    const ColorGlyph& glyph = *emoji_.object(key);
+    if (glyph.image.isNull()) return;
+    const qreal em = line.fonts[static_cast<size_t>(cluster.glyphs.front().font)].pixelSize();
+    const qreal scale = em * ratio / ColorGlyph::em;
+    const QPointF place = origin + cluster.place * ratio + glyph.origin * scale;
+    painter_.drawImage(QRectF(place, QSizeF(glyph.image.size()) * scale), glyph.image);
 }
 
 void PainterCanvas::link(const QRect& /*area*/, const QString& /*address*/) {}

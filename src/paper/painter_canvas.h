@@ -8,6 +8,7 @@
 
 #include "paper/bubble_parts.h"
 #include "paper/canvas.h"
+#include "paper/color_glyph.h"
 
 namespace vell {
 
@@ -28,9 +29,14 @@ class PainterCanvas final : public PaperCanvas {
 
   private:
     static constexpr int keptBubbles = 64;
+    static constexpr int keptEmoji = 256;
+
+    void drawColored(const LineGlyphs& line, const GlyphCluster& cluster, QPoint origin,
+                     qreal ratio);
 
     QPainter& painter_;
     QCache<BubbleKey, BubbleParts> bubbles_{keptBubbles};
+    QCache<QString, ColorGlyph> emoji_{keptEmoji};
 };
 
 }  // namespace vell

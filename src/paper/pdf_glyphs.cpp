@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "paper/pdf_glyphs.h"
 
-#include <QGlyphRun>
-#include <QImage>
-#include <QPainter>
 #include <QPainterPath>
 #include <QTransform>
+#include <algorithm>
 #include <cmath>
+
+#include "paper/color_glyph.h"
 
 namespace vell {
 namespace {
 
 constexpr size_t mostGlyphs = 256;  // of one font
-constexpr int imageEm = 136;        // pixels: what colour fonts are drawn in
 constexpr int mostMappings = 100;   // in one block of a character map
 
 int units(qreal number) {
@@ -76,24 +75,22 @@ QByteArray characterMap(const std::vector<QString>& texts) {
 
 }  // namespace
 
-const PdfGlyphs::Face& PdfGlyphs::face(const QRawFont& font) {
+int PdfGlyphs::face(const QRawFont& font) {
     const auto known = faces_.constFind(font);
     if (known != faces_.cend()) return *known;
-    Face made{font, 0};
-    made.font.setPixelSize(em);
-    const QString name = QStringLiteral("%1|%2|%3|%4")
-                             .arg(font.familyName(), font.styleName())
-                             .arg(font.weight())
-                             .arg(font.style());
-    const auto number = faceNumbers_.constFind(font.isValid() ? name : QString());
-    made.number = number == faceNumbers_.cend() ? static_cast<int>(faceNumbers_.size()) : *number;
-    faceNumbers_.insert(font.isValid() ? name : QString(), made.number);
-    return *faces_.insert(font, made);
+    const QString name = font.isValid() ? QStringLiteral("%1|%2|%3|%4")
+                                              .arg(font.familyName(), font.styleName())
+                                              .arg(font.weight())
+                                              .arg(font.style())
+                                        : QString();
+    if (!faceNumbers_.contains(name))
+        faceNumbers_.insert(name, static_cast<int>(faceNumbers_.size()));
+    return *faces_.insert(font, faceNumbers_.value(name));
 }
 
 PdfGlyphs::Code PdfGlyphs::code(const LineGlyphs& line, const GlyphCluster& cluster) {
     const auto faceOf = [&](const GlyphCluster::Glyph& glyph) {
-        return face(line.fonts[static_cast<size_t>(glyph.font)]).number;
+        return face(line.fonts[static_cast<size_t>(glyph.font)]);
     };
     if (cluster.glyphs.size() == 1 && cluster.text.size() == 1) {
         const GlyphCluster::Glyph& glyph = cluster.glyphs.front();
@@ -119,11 +116,11 @@ PdfGlyphs::Code PdfGlyphs::add(const LineGlyphs& line, const GlyphCluster& clust
     Font& font = fonts_.back();
     qreal advance = 0;
     for (const GlyphCluster::Glyph& glyph : cluster.glyphs) {
-        const Face& known = face(line.fonts[static_cast<size_t>(glyph.font)]);
-        const QList<QPointF> found = known.font.advancesForGlyphIndexes({glyph.index});
-        const qreal size = line.fonts[static_cast<size_t>(glyph.font)].pixelSize();
-        const qreal left = size > 0 ? glyph.offset.x() * em / size : 0;
-        if (!found.isEmpty()) advance = std::max(advance, left + found.front().x());
+        const QRawFont& raw = line.fonts[static_cast<size_t>(glyph.font)];
+        if (!raw.isValid()) continue;
+        const QList<QPointF> found = raw.advancesForGlyphIndexes({glyph.index});
+        const qreal right = glyph.offset.x() + (found.isEmpty() ? 0 : found.front().x());
+        advance = std::max(advance, right * em / raw.pixelSize());
     }
     const Code code{static_cast<int>(fonts_.size()) - 1, static_cast<uchar>(font.texts.size()),
                     units(advance)};
@@ -137,56 +134,36 @@ PdfGlyphs::Code PdfGlyphs::add(const LineGlyphs& line, const GlyphCluster& clust
 
 QByteArray PdfGlyphs::outline(const LineGlyphs& line, const GlyphCluster& cluster, int advance,
                               Font& font) {
+    const QByteArray width = QByteArray::number(advance) + " 0 ";
+    if (isColored(line, cluster)) return width + "d0\n" + colored(line, cluster, font);
     QPainterPath path;
     for (const GlyphCluster::Glyph& glyph : cluster.glyphs) {
-        const QRawFont& small = line.fonts[static_cast<size_t>(glyph.font)];
-        if (!small.isValid()) {
+        const QRawFont& raw = line.fonts[static_cast<size_t>(glyph.font)];
+        if (!raw.isValid()) {
             path.addPath(missingGlyph());
             continue;
         }
-        const QPointF offset = glyph.offset * em / small.pixelSize();
-        path.addPath(face(small).font.pathForGlyph(glyph.index).translated(offset));
+        const qreal scale = em / raw.pixelSize();
+        const QPainterPath unscaled = raw.pathForGlyph(glyph.index).translated(glyph.offset);
+        path.addPath(QTransform::fromScale(scale, scale).map(unscaled));
     }
-    const QByteArray width = QByteArray::number(advance) + " 0 ";
-    if (path.isEmpty()) return width + "d0\n" + coloured(line, cluster, font);
+    if (path.isEmpty()) return width + "0 0 0 0 d1\n";
     const QRect box = path.controlPointRect().toAlignedRect().adjusted(-1, -1, 1, 1);
     font.box |= box;
     return width + place(box.bottomLeft()) + place(box.topRight()) + "d1\n" + filled(path);
 }
 
-// Fonts in colours hold pictures; what has neither an outline nor a picture is a space.
-QByteArray PdfGlyphs::coloured(const LineGlyphs& line, const GlyphCluster& cluster, Font& font) {
-    if (cluster.text.trimmed().isEmpty()) return {};
-    QImage image(2 * imageEm * static_cast<int>(std::min<size_t>(cluster.glyphs.size(), 8)),
-                 2 * imageEm, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    const QPoint origin(imageEm / 2, imageEm * 3 / 2);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    for (const GlyphCluster::Glyph& glyph : cluster.glyphs) {
-        QRawFont large = line.fonts[static_cast<size_t>(glyph.font)];
-        if (!large.isValid()) continue;
-        const qreal scale = imageEm / large.pixelSize();
-        large.setPixelSize(imageEm);
-        QGlyphRun run;
-        run.setRawFont(large);
-        run.setGlyphIndexes({glyph.index});
-        run.setPositions({QPointF(0, 0)});
-        painter.drawGlyphRun(origin + glyph.offset * scale, run);
-    }
-    painter.end();
-    const PdfImages::Placed placed = images_.cropped(image);
-    if (placed.object == 0) return {};
-    const qreal scale = qreal{em} / imageEm;
-    const QRectF area((placed.area.x() - origin.x()) * scale,
-                      (placed.area.y() - origin.y()) * scale, placed.area.width() * scale,
-                      placed.area.height() * scale);
+QByteArray PdfGlyphs::colored(const LineGlyphs& line, const GlyphCluster& cluster, Font& font) {
+    const ColorGlyph glyph = colorGlyph(line, cluster);
+    if (glyph.image.isNull()) return {};
+    constexpr qreal scale = qreal{em} / ColorGlyph::em;
+    const QRectF area(glyph.origin * scale, QSizeF(glyph.image.size()) * scale);
     font.box |= area.toAlignedRect();
-    const QByteArray name = "/X" + QByteArray::number(placed.object);
-    font.images += name + ' ' + pdfReference(placed.object) + '\n';
+    const int object = images_.drawing(glyph.image);
+    const QByteArray name = "/X" + QByteArray::number(object);
+    font.images += name + ' ' + pdfReference(object) + '\n';
     return "q " + pdfNumber(area.width()) + " 0 0 " + pdfNumber(area.height()) + ' ' +
-           pdfNumber(area.x()) + ' ' + pdfNumber(-area.y() - area.height()) + " cm " + name +
-           " Do Q\n";
+           pdfNumber(area.x()) + ' ' + pdfNumber(-area.bottom()) + " cm " + name + " Do Q\n";
 }
 
 void PdfGlyphs::writeFont(const Font& font) {

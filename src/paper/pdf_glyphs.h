@@ -47,22 +47,18 @@ class PdfGlyphs {
         std::vector<int> advances;
         std::vector<QString> texts;
     };
-    struct Face {
-        QRawFont font;  // an em in units
-        int number;
-    };
-
-    const Face& face(const QRawFont& font);
+    /// The number of a face, whatever its size.
+    int face(const QRawFont& font);
     Code add(const LineGlyphs& line, const GlyphCluster& cluster);
     QByteArray outline(const LineGlyphs& line, const GlyphCluster& cluster, int advance,
                        Font& font);
-    QByteArray coloured(const LineGlyphs& line, const GlyphCluster& cluster, Font& font);
+    QByteArray colored(const LineGlyphs& line, const GlyphCluster& cluster, Font& font);
     void writeFont(const Font& font);
 
     PdfFile& file_;
     PdfImages& images_;
     std::vector<Font> fonts_;
-    QHash<QRawFont, Face> faces_;
+    QHash<QRawFont, int> faces_;
     QHash<QString, int> faceNumbers_;
     QHash<quint64, Code> plain_;  // one glyph that stands for one UTF-16 unit
     QHash<QByteArray, Code> others_;

@@ -3,7 +3,6 @@
 
 #include <QBuffer>
 #include <QImageWriter>
-#include <QRegion>
 #include <algorithm>
 
 namespace vell {
@@ -85,18 +84,6 @@ int PdfImages::photo(const QImage& image) {
     if (object == 0) object = write(pixels);
     known_.insert(image.cacheKey(), object);
     return object;
-}
-
-PdfImages::Placed PdfImages::cropped(const QImage& image) {
-    QRect area;
-    for (int y = 0; y < image.height(); ++y) {
-        const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        for (int x = 0; x < image.width(); ++x) {
-            if (qAlpha(row[x]) > 0) area |= QRect(x, y, 1, 1);
-        }
-    }
-    if (area.isEmpty()) return {};
-    return {write(image.copy(area).convertToFormat(QImage::Format_ARGB32)), area};
 }
 
 }  // namespace vell

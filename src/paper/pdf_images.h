@@ -5,7 +5,6 @@
 
 #include <QHash>
 #include <QImage>
-#include <QRect>
 
 #include "paper/pdf_file.h"
 
@@ -19,13 +18,6 @@ class PdfImages {
     int drawing(const QImage& image);
     /// The object of any picture; of a large opaque one detail is lost that no eye misses.
     int photo(const QImage& image);
-
-    struct Placed {
-        int object = 0;  ///< 0 where nothing is seen
-        QRect area;
-    };
-    /// The part of a drawing that holds anything.
-    Placed cropped(const QImage& image);
 
   private:
     int write(const QImage& image);

@@ -170,16 +170,18 @@ class Library:
 
     def save_chat(self):
         """All sessions with somebody in one file."""
-        target = self.desktop.path("karim.md")
         self.keys("ctrl+shift+f", "Escape")
         self.click(self.person("karim"))
         wait_for(lambda: self.rows(), "the chat with karim")
-        self.keys("ctrl+s")
-        self.desktop.activate(self.desktop.window("Save Chat"))
-        self.desktop.run("xdotool", "key", "ctrl+a")
-        self.desktop.run("xdotool", "type", "--delay", "5", target)
-        self.desktop.run("xdotool", "key", "Return")
-        wait_for(lambda: os.path.exists(target) and os.path.getsize(target) > 50000, "the file")
+        for key, title, name in (("ctrl+s", "Save Chat", "karim.md"),
+                                 ("ctrl+shift+e", "Export Chat", "karim.pdf")):
+            target = self.desktop.path(name)
+            self.keys(key)
+            self.desktop.activate(self.desktop.window(title))
+            self.desktop.run("xdotool", "key", "ctrl+a")
+            self.desktop.run("xdotool", "type", "--delay", "5", target)
+            self.desktop.run("xdotool", "key", "Return")
+            wait_for(lambda: os.path.exists(target) and os.path.getsize(target) > 50000, name)
 
     def follow_files(self):
         self.keys("ctrl+shift+f", "Escape")

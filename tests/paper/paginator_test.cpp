@@ -193,6 +193,20 @@ TEST(PdfDocument, FullDevicesAndCancellingAreReported) {
     EXPECT_EQ(pages, 3);
 }
 
+TEST(PdfDocument, EmojiKeepTheirWidth) {
+    const TesselChatLog log = LogBuilder().text(u"bob"_s, u"a cat \U0001F408 on the roof"_s).log();
+    const auto width = [&log] {
+        PaperContext context(currentPaperSetup(log, ContactsStore(), {}, ManyMessages::a4()));
+        return context.measure(TimelineRowView(log.events().front(), false), 1600).frame.width();
+    };
+    const int before = width();
+    const PaperSetup setup = currentPaperSetup(log, ContactsStore(), {}, ManyMessages::a4());
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(writePdf(log, setup, buffer).isComplete);
+    EXPECT_EQ(width(), before);
+}
+
 TEST(PagePrinting, OnlyTheChosenPagesArePainted) {
     const ManyMessages many;
     const auto always = [](auto, auto) { return true; };

@@ -3,6 +3,7 @@
 
 #include <QBoxLayout>
 #include <QDialogButtonBox>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QPrintDialog>
 #include <QPrinter>
@@ -22,9 +23,11 @@ namespace {
 constexpr int margin = 12;
 constexpr int mostPages = 9'999'999;
 
-QToolButton* arrowButton(Qt::ArrowType arrow, const QString& name) {
+/// Points to where pages lie that are further on (1) or back (-1).
+QToolButton* arrowButton(int direction, const QString& name) {
     auto* button = new QToolButton;
-    button->setArrowType(arrow);
+    const bool isRight = (direction > 0) != QGuiApplication::isRightToLeft();
+    button->setArrowType(isRight ? Qt::RightArrow : Qt::LeftArrow);
     button->setAutoRaise(true);
     button->setAutoRepeat(true);
     button->setToolTip(name);
@@ -44,8 +47,8 @@ PrintWindow::PrintWindow(std::shared_ptr<const TesselChatLog> chatlog, const Pap
       sheet_(new SheetView(setup.format.sheet)),
       page_(new QSpinBox),
       count_(new QLabel),
-      previous_(arrowButton(Qt::LeftArrow, tr("Previous Page"))),
-      next_(arrowButton(Qt::RightArrow, tr("Next Page"))) {
+      previous_(arrowButton(-1, tr("Previous Page"))),
+      next_(arrowButton(1, tr("Next Page"))) {
     setWindowTitle(tr("Print"));
     setAttribute(Qt::WA_DeleteOnClose);
     layOut();
