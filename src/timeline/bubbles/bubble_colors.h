@@ -27,8 +27,8 @@ class BubbleColors {
     /// recorded.
     Style::Aqua styleForUser(const std::optional<TesselUserID>& userID, bool isOwn);
 
-    /// Asks for the colours of everyone who wrote in a log, in the order of the events: nothing then
-    /// depends on what happens to be painted first.
+    /// Asks for the colours of everyone who wrote in a log, in the order of the events: nothing
+    /// then depends on what happens to be painted first.
     void present(const TesselChatLog& chatlog);
 
     [[nodiscard]] const QHash<TesselUserID, Style::Aqua>& colorMap() const { return colorMap_; }
