@@ -119,7 +119,8 @@ class Visit:
         self.keys("jonas", "ctrl+shift+e")
         self.desktop.activate(self.desktop.window("Export Chat"))
         self.desktop.run("xdotool", "key", "ctrl+a")
-        self.desktop.run("xdotool", "type", "--delay", "5", "/proc/chat.pdf")
+        missing = self.desktop.path("no such folder/chat.pdf")
+        self.desktop.run("xdotool", "type", "--delay", "5", missing)
         self.desktop.run("xdotool", "key", "Return")
         dialog = wait_for(lambda: next(
             (window for window in a11y.windows() if
