@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
+#include <unordered_map>
 #include <vector>
 
 #include "foundation/keyed/decoder.h"
@@ -50,6 +51,7 @@ class Salvage final : public foundation::Coder {
 
     [[nodiscard]] std::vector<quint64> elements(quint64 uid) const;
     [[nodiscard]] std::vector<quint64> messageList() const;
+    void refuseStrayReferences();
     void readRoot();
     Value decoded(quint64 uid);
     void add(quint64 uid);
@@ -110,6 +112,27 @@ std::vector<quint64> Salvage::messageList() const {
     return best;
 }
 
+/// Each instance is listed once, in the order of writing. One that is listed again, out of order,
+/// was reached by a reference with a wrong byte.
+void Salvage::refuseStrayReferences() {
+    std::vector<quint64> uids;
+    std::unordered_map<const char*, int> uses;
+    for (quint64 uid = 0; uid < archive_.objectCount(); ++uid) {
+        const Node node = archive_.object(uid);
+        if (node.kind() != Kind::dictionary || node.count() == 0) continue;
+        uids.push_back(uid);
+        ++uses[node.payload()];
+    }
+    for (size_t i = 0; i < uids.size(); ++i) {
+        const char* const place = archive_.object(uids[i]).payload();
+        if (uses[place] < 2) continue;
+        const bool followsBefore = i == 0 || archive_.object(uids[i - 1]).payload() < place;
+        const bool precedesNext =
+            i + 1 == uids.size() || place < archive_.object(uids[i + 1]).payload();
+        if (!followsBefore || !precedesNext) decoder_.refuse(uids[i]);
+    }
+}
+
 /// The root is the first object; of its elements these are known.
 void Salvage::readRoot() {
     const std::vector<quint64> fields = elements(1);
@@ -135,6 +158,7 @@ Messages Salvage::run() {
     roles_.resize(archive_.objectCount(), Role::other);
     for (quint64 uid = 0; uid < archive_.objectCount(); ++uid)
         if (decoder_.knownClass(uid) == wanted) roles_[uid] = Role::message;
+    refuseStrayReferences();
     readRoot();
     const std::vector<quint64> list = messageList();
     for (const quint64 uid : list) {

@@ -39,6 +39,8 @@ class Decoder {
     /// From now on an instance with an unreadable part is an error, also where that part would
     /// not be missed: for damaged archives, in which nothing may look complete that isn't.
     void requireWholeInstances() { requiresWhole_ = true; }
+    /// Whatever refers to the object fails.
+    void refuse(quint64 uid) { states_[uid] = State::broken; }
     /// The class of an object; null when it has none that is known.
     const ClassInfo* knownClass(quint64 uid);
     /// The object of that UID. Throws Error; the other objects can be decoded all the same.
