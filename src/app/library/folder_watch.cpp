@@ -115,13 +115,14 @@ FolderWatch::FolderWatch(QObject* owner, std::function<void()> changed)
           isComplete_)) {
     worker_->moveToThread(thread_);
     QObject::connect(thread_, &QThread::finished, worker_, &QObject::deleteLater);
+    QObject::connect(thread_, &QThread::finished, thread_, &QObject::deleteLater);
     thread_->start();
 }
 
 FolderWatch::~FolderWatch() {
     callbacks_->close();
     thread_->quit();
-    // A disk that doesn't respond blocks this thread only.
+    // A disk that doesn't respond blocks this thread only; it is deleted whenever it ends.
     if (thread_->wait(longestThreadEnd)) delete thread_;
 }
 

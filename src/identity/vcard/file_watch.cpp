@@ -72,12 +72,13 @@ FileWatch::FileWatch(std::function<void()> changed)
     : thread_(new QThread), worker_(new Worker(std::move(changed))) {
     worker_->moveToThread(thread_);
     QObject::connect(thread_, &QThread::finished, worker_, &QObject::deleteLater);
+    QObject::connect(thread_, &QThread::finished, thread_, &QObject::deleteLater);
     thread_->start();
 }
 
 FileWatch::~FileWatch() {
     thread_->quit();
-    // A disk that doesn't respond blocks this thread only.
+    // A disk that doesn't respond blocks this thread only; it is deleted whenever it ends.
     if (thread_->wait(exitTimeout)) delete thread_;
 }
 
