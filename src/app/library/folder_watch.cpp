@@ -81,7 +81,10 @@ class FolderWatch::Worker final : public QObject {
         const QSet<QString> before(watched.begin(), watched.end());
         if (const auto old = before - wanted; !old.isEmpty()) watcher_.removePaths(old.values());
         *isComplete_ = true;
+        const qsizetype known = watcher_.directories().size();
         add((wanted - before).values());
+        // What changed between the reading of a folder and this moment wasn't noticed.
+        if (watcher_.directories().size() > known) timer_.start(burst);
     }
     /// A folder that has just appeared may be filled before it is known to hold files.
     void watchBelow(const QString& folder) {
