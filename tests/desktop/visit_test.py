@@ -87,6 +87,7 @@ class Visit:
         expected = self.desktop.run(self.export, self.cat)
         assert b"landlord" in expected
         self.keys("jonas", "ctrl+shift+c")
+        self.read_notice("Copied the whole chat")
 
         def copied():
             return self.desktop.run("xclip", "-o", "-selection", "clipboard", "-t",
@@ -95,7 +96,10 @@ class Visit:
         wait_for(copied, "something on the clipboard")
         assert copied() == expected, "what was copied differs from what is exported"
         assert self.desktop.run("xclip", "-o", "-selection", "clipboard") == expected
-        a11y.wait_find(self.window, "status bar", a11y.holding("Copied the whole chat"))
+
+    def read_notice(self, text):
+        """It is shown for four seconds, so look before anything else."""
+        a11y.wait_find(self.window, "status bar", a11y.holding(text))
 
     def export_all(self):
         """The name that is typed decides on the format."""
@@ -107,13 +111,12 @@ class Visit:
             self.desktop.run("xdotool", "key", "ctrl+a")
             self.desktop.run("xdotool", "type", "--delay", "5", target)
             self.desktop.run("xdotool", "key", "Return")
-            wait_for(lambda: os.path.exists(target), target)
+            self.read_notice(f"Exported to “{name}”")
             with open(target, "rb") as file:
                 written = file.read()
             assert written.startswith(begin), written[:40]
             if option:
                 assert written == self.desktop.run(self.export, "-f", option, self.cat)
-            a11y.wait_find(self.window, "status bar", a11y.holding(f"Exported to “{name}”"))
 
     def fail_to_export(self):
         self.keys("jonas", "ctrl+shift+e")
