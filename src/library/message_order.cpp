@@ -212,15 +212,19 @@ void MessageOrder::keepFileOrder(Session& session) {
         messages[i].ordered = dates[i];
 }
 
-// Sessions that meet no other one are in order already.
+// Sessions that meet no other one are in order already. Later ones may begin before what is left of
+// a session whose beginning is a repetition.
 void MessageOrder::order() {
+    const auto beginOf = [this](std::uint32_t rank) {
+        return read_[ranked_[rank]].messages.front().ordered;
+    };
     const auto isEarlier = [](const OrderedMessage& a, const OrderedMessage& b) {
         return a.ordered < b.ordered;
     };
     auto begin = messages_.begin();
     double latest = -std::numeric_limits<double>::infinity();
     for (auto at = begin; at != messages_.end(); ++at) {
-        if (at != begin && at->rank != std::prev(at)->rank && at->ordered >= latest) {
+        if (at != begin && at->rank != std::prev(at)->rank && beginOf(at->rank) >= latest) {
             if (begin->rank != std::prev(at)->rank) std::stable_sort(begin, at, isEarlier);
             begin = at;
         }
