@@ -5,7 +5,6 @@
 #include <QFile>
 #include <QFileSystemWatcher>
 #include <QSet>
-#include <QThread>
 #include <QTimer>
 #include <algorithm>
 #include <chrono>
@@ -25,7 +24,7 @@ constexpr std::chrono::milliseconds burst = 400ms;
 constexpr qsizetype mostFolders = 8192;
 /// Other programs of the user need watches, too.
 constexpr qsizetype shareOfWatches = 4;
-constexpr unsigned long longestThreadEnd = 50;  // milliseconds
+constexpr std::chrono::milliseconds exitTimeout = 50ms;
 
 qsizetype folderLimit() {
     QFile limit(QStringLiteral("/proc/sys/fs/inotify/max_user_watches"));
@@ -111,32 +110,23 @@ class FolderWatch::Worker final : public QObject {
 
 FolderWatch::FolderWatch(QObject* owner, std::function<void()> changed)
     : callbacks_(std::make_shared<CallbackGuard>(owner)),
-      isComplete_(std::make_shared<std::atomic<bool>>(false)),
-      thread_(new QThread),
-      worker_(new Worker(
-          [callbacks = callbacks_, changed = std::move(changed)] { callbacks->post(changed); },
-          isComplete_)) {
-    worker_->moveToThread(thread_);
-    QObject::connect(thread_, &QThread::finished, worker_, &QObject::deleteLater);
-    QObject::connect(thread_, &QThread::finished, thread_, &QObject::deleteLater);
-    thread_->start();
+      isComplete_(std::make_shared<std::atomic<bool>>(false)) {
+    auto worker = std::make_unique<Worker>(
+        [callbacks = callbacks_, changed = std::move(changed)] { callbacks->post(changed); },
+        isComplete_);
+    worker_ = worker.get();
+    thread_.emplace(std::move(worker), exitTimeout);
 }
 
 FolderWatch::~FolderWatch() {
     callbacks_->close();
-    thread_->quit();
-    // A disk that doesn't respond blocks this thread only; it is deleted whenever it ends.
-    if (thread_->wait(longestThreadEnd)) delete thread_;
 }
 
 void FolderWatch::watch(std::shared_ptr<const LibraryPeople> files,
                         std::vector<std::string> folders) {
-    QMetaObject::invokeMethod(
-        worker_,
-        [worker = worker_, files = std::move(files), folders = std::move(folders)] {
-            worker->watch(*files, folders);
-        },
-        Qt::QueuedConnection);
+    thread_->post([worker = worker_, files = std::move(files), folders = std::move(folders)] {
+        worker->watch(*files, folders);
+    });
 }
 
 }  // namespace vell

@@ -9,10 +9,11 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
-class QThread;
+#include "toolkit/event_thread.h"
 
 namespace vell {
 
@@ -36,8 +37,8 @@ class FolderWatch {
     class Worker;
     const std::shared_ptr<CallbackGuard> callbacks_;
     const std::shared_ptr<std::atomic<bool>> isComplete_;
-    QThread* thread_;
-    Worker* worker_;  // lives in the thread and dies with it
+    Worker* worker_;  ///< lives in the thread and dies with it
+    std::optional<EventThread> thread_;
 };
 
 }  // namespace vell

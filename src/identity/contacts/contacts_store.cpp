@@ -2,7 +2,6 @@
 #include "identity/contacts/contacts_store.h"
 
 #include <QSettings>
-#include <QThreadPool>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -174,7 +173,7 @@ void ContactsStore::publish(Reading& reading) {
     if (tableVersion_ == reading.oldVersion) {
         addressToContact_.swap(reading.merged);
         // Freeing thousands of small blocks takes time that this thread doesn't have.
-        QThreadPool::globalInstance()->start([old = std::move(reading.merged)] {});
+        foundation::runDetached([old = std::move(reading.merged)] {}, [] {});
     } else {
         // Another read was published meanwhile: only what this one found itself replaces that
         // result.

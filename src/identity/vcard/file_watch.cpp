@@ -3,7 +3,6 @@
 
 #include <QFileSystemWatcher>
 #include <QSet>
-#include <QThread>
 #include <QTimer>
 #include <chrono>
 #include <utility>
@@ -18,7 +17,7 @@ constexpr std::chrono::milliseconds burst = 150ms;
 /// Each watched file costs the system something. Files beyond this many are seen to be replaced,
 /// added and removed, which is how programs write one file a contact, but not edited in place.
 constexpr qsizetype mostWatchedFiles = 2000;
-constexpr unsigned long exitTimeout = 300;  // milliseconds
+constexpr std::chrono::milliseconds watchExitTimeout = 300ms;
 
 }  // namespace
 
@@ -69,23 +68,15 @@ class FileWatch::Worker final : public QObject {
 };
 
 FileWatch::FileWatch(std::function<void()> changed)
-    : thread_(new QThread), worker_(new Worker(std::move(changed))) {
-    worker_->moveToThread(thread_);
-    QObject::connect(thread_, &QThread::finished, worker_, &QObject::deleteLater);
-    QObject::connect(thread_, &QThread::finished, thread_, &QObject::deleteLater);
-    thread_->start();
-}
+    : FileWatch(std::make_unique<Worker>(std::move(changed))) {}
 
-FileWatch::~FileWatch() {
-    thread_->quit();
-    // A disk that doesn't respond blocks this thread only; it is deleted whenever it ends.
-    if (thread_->wait(exitTimeout)) delete thread_;
-}
+FileWatch::FileWatch(std::unique_ptr<Worker> worker)
+    : worker_(worker.get()), thread_(std::move(worker), watchExitTimeout) {}
+
+FileWatch::~FileWatch() = default;
 
 void FileWatch::watch(const QStringList& paths, const ContactFiles& found) {
-    QMetaObject::invokeMethod(
-        worker_, [worker = worker_, paths, found] { worker->watch(paths, found); },
-        Qt::QueuedConnection);
+    thread_.post([worker = worker_, paths, found] { worker->watch(paths, found); });
 }
 
 }  // namespace vell

@@ -9,8 +9,7 @@
 #include <memory>
 
 #include "identity/vcard/contact_files.h"
-
-class QThread;
+#include "toolkit/event_thread.h"
 
 namespace vell {
 
@@ -28,8 +27,9 @@ class FileWatch {
 
   private:
     class Worker;
-    QThread* thread_;
+    explicit FileWatch(std::unique_ptr<Worker> worker);
     Worker* worker_;  ///< lives in the thread and dies with it
+    EventThread thread_;
 };
 
 }  // namespace vell
