@@ -48,6 +48,13 @@ if(NOT VELL_CCACHE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     set(VELL_PRECOMPILE ON)
 endif()
 
+# And files are compiled eight at a time, in half the time. With a cache, which knows each file by
+# itself, they aren't, so that one that lacks an include is found.
+if(NOT DEFINED CMAKE_UNITY_BUILD AND NOT VELL_CCACHE)
+    set(CMAKE_UNITY_BUILD ON)
+    set(CMAKE_UNITY_BUILD_BATCH_SIZE 8)
+endif()
+
 # vell_precompiled(NAME [EXECUTABLES] [LINK …] [HEADERS …]): headers that other libraries then share, or
 # other executables, which are compiled with other flags.
 function(vell_precompiled name)

@@ -5,13 +5,14 @@
 #include <utility>
 
 namespace writers {
-namespace {
 
 QByteArray word(quint32 value) {
     QByteArray bytes(4, '\0');
     qToLittleEndian(value, bytes.data());
     return bytes;
 }
+
+namespace {
 
 QByteArray counted(const QByteArray& bytes) {
     return word(static_cast<quint32>(bytes.size())) + bytes;

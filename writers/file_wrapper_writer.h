@@ -22,6 +22,9 @@ struct FileDraft {
     std::optional<int> padding = {};
 };
 
+/// A number as these files hold it: four bytes, the least significant first.
+[[nodiscard]] QByteArray word(quint32 value);
+
 [[nodiscard]] QByteArray serializedFileWrapper(const FileDraft& file);
 
 }  // namespace writers

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString helpText =
+const QString findHelp =
     u"Usage: vell-find [OPTION]… WORD… [-- FOLDER…]\n"
     "Finds messages in all transcripts below the folders, or below the current one.\n"
     "\n"
@@ -34,7 +34,7 @@ const QString helpText =
     "before:DAY, in:DAY, has:picture, has:link, has:file. Exit status: 0 found, 1 nothing found,\n"
     "2 trouble.\n"_s;
 
-struct Arguments {
+struct FindArguments {
     const QCommandLineOption from{u"from"_s, {}, u"WHO"_s};
     const QCommandLineOption with{u"with"_s, {}, u"WHO"_s};
     const QCommandLineOption after{u"after"_s, {}, u"DAY"_s};
@@ -49,7 +49,7 @@ struct Arguments {
     const QCommandLineOption help{{u"h"_s, u"help"_s}};
     QCommandLineParser parser;
 
-    explicit Arguments(const QStringList& arguments) {
+    explicit FindArguments(const QStringList& arguments) {
         parser.addOptions({from, with, after, before, best, context, count, json, contacts, noIndex,
                            version, help});
         // The parser takes its first argument for the program's name.
@@ -58,7 +58,7 @@ struct Arguments {
     }
 };
 
-Query chosenQuery(const Arguments& given) {
+Query chosenQuery(const FindArguments& given) {
     try {
         Query query = Query::parse(given.parser.positionalArguments().join(u' '));
         for (const auto* option : {&given.from, &given.with, &given.after, &given.before}) {
@@ -80,7 +80,7 @@ SearchedFolder folderNamed(const QString& name) {
     return {given, canonical.native()};
 }
 
-int chosenContext(const Arguments& given) {
+int chosenContext(const FindArguments& given) {
     bool isNumber = false;
     const int context = given.parser.value(given.context).toInt(&isNumber);
     if (!isNumber || context < 0)
@@ -92,9 +92,9 @@ int chosenContext(const Arguments& given) {
 
 FindOptions parseFindOptions(const QStringList& arguments) {
     const qsizetype end = arguments.indexOf(u"--"_s);
-    const Arguments given(arguments.first(end < 0 ? arguments.size() : end));
+    const FindArguments given(arguments.first(end < 0 ? arguments.size() : end));
     const QCommandLineParser& parser = given.parser;
-    if (parser.isSet(given.help)) throw Information{helpText};
+    if (parser.isSet(given.help)) throw Information{findHelp};
     if (parser.isSet(given.version)) throw Information{u"vell-find " VELL_VERSION "\n"_s};
     FindOptions result{
         .query = chosenQuery(given),

@@ -19,9 +19,9 @@ bool isSafe(const QString& address) {
     });
 }
 
-class Writer final : public ChatLogVisitor {
+class HtmlWriter final : public ChatLogVisitor {
   public:
-    Writer(const ContactsStore& contacts, TextSink& sink) : contacts_(contacts), sink_(sink) {
+    HtmlWriter(const ContactsStore& contacts, TextSink& sink) : contacts_(contacts), sink_(sink) {
         out_ += u"<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"></head><body>\n";
     }
     void finish() { out_ += u"</body></html>\n"; }
@@ -105,7 +105,7 @@ class Writer final : public ChatLogVisitor {
 
 void writeHtml(const TesselChatLog& log, const ContactsStore& contacts, const ByteSink& output) {
     TextSink sink(output);
-    Writer writer(contacts, sink);
+    HtmlWriter writer(contacts, sink);
     visit(log, writer);
     writer.finish();
     sink.passOn();

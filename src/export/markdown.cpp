@@ -18,10 +18,11 @@ constexpr qsizetype unitsPerEvent = 64;
 /// Longer headings are not kept: many names may share their characters.
 constexpr qsizetype longestKeptHeading = 256;
 
-class Renderer final : public ChatLogVisitor {
+class MarkdownRenderer final : public ChatLogVisitor {
   public:
-    Renderer(const TesselChatLog& log, const ContactsStore& contacts,
-             const TextRenderSettings& settings, const AttachmentPaths& attachments, TextSink& sink)
+    MarkdownRenderer(const TesselChatLog& log, const ContactsStore& contacts,
+                     const TextRenderSettings& settings, const AttachmentPaths& attachments,
+                     TextSink& sink)
         : log_(log),
           contacts_(contacts),
           settings_(settings),
@@ -65,7 +66,7 @@ class Renderer final : public ChatLogVisitor {
     void pieces(Message message);
 };
 
-void Renderer::session(const TesselChatLog::Session& session) {
+void MarkdownRenderer::session(const TesselChatLog::Session& session) {
     out_ += settings_.sessionLinePrefix;
     out_ += settings_.sessionPrefix;
     writer_.beginBlock({});
@@ -75,18 +76,18 @@ void Renderer::session(const TesselChatLog::Session& session) {
     followsBody_ = false;
 }
 
-void Renderer::newDay(const Event& event) {
+void MarkdownRenderer::newDay(const Event& event) {
     heading(settings_.dayLinePrefix, settings_.dayPrefix,
             settings_.dayFormatter.string(event.timestamp), settings_.dayLineSuffix);
 }
 
-void Renderer::newMinute(const Event& event) {
+void MarkdownRenderer::newMinute(const Event& event) {
     heading(settings_.timeLinePrefix, settings_.timePrefix,
             settings_.timeFormatter.string(event.timestamp), settings_.timeLineSuffix);
 }
 
-void Renderer::heading(QStringView linePrefix, QStringView prefix, QStringView text,
-                       QStringView lineSuffix) {
+void MarkdownRenderer::heading(QStringView linePrefix, QStringView prefix, QStringView text,
+                               QStringView lineSuffix) {
     out_ += linePrefix;
     out_ += prefix;
     out_ += text;
@@ -95,12 +96,12 @@ void Renderer::heading(QStringView linePrefix, QStringView prefix, QStringView t
 }
 
 /// The marker ends a run, but readers look for who speaks from here on.
-void Renderer::senderChange(const Event* next) {
+void MarkdownRenderer::senderChange(const Event* next) {
     headed_ = {};
     if (next) senderHeading(next->sender);
 }
 
-void Renderer::senderHeading(const SharedUserID& sender) {
+void MarkdownRenderer::senderHeading(const SharedUserID& sender) {
     const auto known = headings_.constFind(sender);
     if (known != headings_.cend()) {
         out_ += *known;
@@ -114,7 +115,7 @@ void Renderer::senderHeading(const SharedUserID& sender) {
     followsBody_ = false;
 }
 
-QString Renderer::headingOf(const TesselUserID& sender) const {
+QString MarkdownRenderer::headingOf(const TesselUserID& sender) const {
     QString name = senderName(sender, contacts_);
     name.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
     name.replace(u'\n', u' ').replace(u'\r', u' ');
@@ -124,7 +125,7 @@ QString Renderer::headingOf(const TesselUserID& sender) const {
     return heading.take() + settings_.newUserLineSuffix;
 }
 
-void Renderer::systemMessage(Message message) {
+void MarkdownRenderer::systemMessage(Message message) {
     out_ += settings_.systemLinePrefix;
     out_ += settings_.systemPrefix;
     writer_.beginBlock({});
@@ -136,7 +137,7 @@ void Renderer::systemMessage(Message message) {
     followsBody_ = false;
 }
 
-void Renderer::message(Message message) {
+void MarkdownRenderer::message(Message message) {
     const SharedUserID& sender = message.front().sender;
     if (headed_ != sender) senderHeading(sender);
     const bool isQuoted = settings_.quoteOtherMessages && !log_.isOwn(sender);
@@ -151,7 +152,7 @@ void Renderer::message(Message message) {
     followsBody_ = true;
 }
 
-void Renderer::pieces(Message message) {
+void MarkdownRenderer::pieces(Message message) {
     PieceReader reader(message);
     for (std::optional<Piece> piece = reader.next(); piece;) {
         std::optional<Piece> following = reader.next();
@@ -165,20 +166,20 @@ void Renderer::pieces(Message message) {
     }
 }
 
-void Renderer::operator()(const QString& text) {
+void MarkdownRenderer::operator()(const QString& text) {
     writer_.literal(text, next_);
 }
 
-void Renderer::operator()(const TesselChatLog::Link* link) {
+void MarkdownRenderer::operator()(const TesselChatLog::Link* link) {
     writer_.link(link->url->absoluteString(), ownTitle(*link));
 }
 
-void Renderer::operator()(const TesselChatLog::Image* image) {
+void MarkdownRenderer::operator()(const TesselChatLog::Image* image) {
     const QString path = picturePath(*image);
     writer_.image(pictureName(path), attachment_.isEmpty() ? path : attachment_);
 }
 
-void Renderer::operator()(const TesselChatLog::File* file) {
+void MarkdownRenderer::operator()(const TesselChatLog::File* file) {
     const QString line = fileLine(*file->wrapper);
     attachment_.isEmpty() ? writer_.literal(line, next_) : writer_.link(attachment_, line);
 }
@@ -190,7 +191,7 @@ QString generatePlainText(const TesselChatLog& log, const ContactsStore& contact
     TextSink sink;
     sink.text().reserve(static_cast<qsizetype>(log.events().size()) * unitsPerEvent);
     const AttachmentPaths none;
-    Renderer renderer(log, contacts, settings, none, sink);
+    MarkdownRenderer renderer(log, contacts, settings, none, sink);
     visit(log, renderer);
     return sink.take();
 }
@@ -199,7 +200,7 @@ qint64 writeMarkdown(const TesselChatLog& log, const ContactsStore& contacts,
                      const ByteSink& output, const TextRenderSettings& settings,
                      const AttachmentPaths& attachments) {
     TextSink sink(output);
-    Renderer renderer(log, contacts, settings, attachments, sink);
+    MarkdownRenderer renderer(log, contacts, settings, attachments, sink);
     const qint64 messages = visit(log, renderer);
     sink.passOn();
     return messages;

@@ -8,9 +8,9 @@
 namespace vell {
 namespace {
 
-class Writer final : public ChatLogVisitor {
+class LineWriter final : public ChatLogVisitor {
   public:
-    Writer(const ContactsStore& contacts, TextSink& sink) : contacts_(contacts), sink_(sink) {}
+    LineWriter(const ContactsStore& contacts, TextSink& sink) : contacts_(contacts), sink_(sink) {}
 
     void session(const TesselChatLog::Session& session) override {
         if (!sink_.isEmpty()) out_ += u'\n';
@@ -66,7 +66,7 @@ class Writer final : public ChatLogVisitor {
 void writePlainLines(const TesselChatLog& log, const ContactsStore& contacts,
                      const ByteSink& output) {
     TextSink sink(output);
-    Writer writer(contacts, sink);
+    LineWriter writer(contacts, sink);
     visit(log, writer);
     sink.passOn();
 }

@@ -36,9 +36,10 @@ char16_t shownControl(char16_t unit) {
     return unit == 0x7F ? deletePicture : static_cast<char16_t>(QChar::ReplacementCharacter);
 }
 
-class Renderer final : public ChatLogVisitor {
+class TerminalWriter final : public ChatLogVisitor {
   public:
-    Renderer(const ContactsStore& contacts, const TextRenderSettings& settings, TextSink& sink)
+    TerminalWriter(const ContactsStore& contacts, const TextRenderSettings& settings,
+                   TextSink& sink)
         : contacts_(contacts), settings_(settings), sink_(sink) {}
 
     void session(const TesselChatLog::Session& session) override;
@@ -75,7 +76,7 @@ class Renderer final : public ChatLogVisitor {
     void clean(QStringView text);
 };
 
-void Renderer::session(const TesselChatLog::Session& session) {
+void TerminalWriter::session(const TesselChatLog::Session& session) {
     if (!sink_.isEmpty()) out_ += u"\n\n";
     begin({}, {});
     out_ += u"== ";
@@ -85,7 +86,7 @@ void Renderer::session(const TesselChatLog::Session& session) {
     headed_ = {};
 }
 
-void Renderer::newDay(const Event& event) {
+void TerminalWriter::newDay(const Event& event) {
     if (!sink_.isEmpty()) out_ += u"\n\n";
     out_ += settings_.dayFormatter.string(event.timestamp);
     out_ += u'\n';
@@ -93,7 +94,7 @@ void Renderer::newDay(const Event& event) {
     headed_ = {};
 }
 
-void Renderer::systemMessage(Message message) {
+void TerminalWriter::systemMessage(Message message) {
     if (!sink_.isEmpty()) out_ += u'\n';
     begin(u"* ", u"  ");
     pieces(message);
@@ -102,7 +103,7 @@ void Renderer::systemMessage(Message message) {
     headed_ = {};
 }
 
-void Renderer::heading(const SharedUserID& sender) {
+void TerminalWriter::heading(const SharedUserID& sender) {
     if (headed_ == sender && !minute_) return;
     if (!sink_.isEmpty()) out_ += u'\n';
     begin({}, {});
@@ -112,12 +113,12 @@ void Renderer::heading(const SharedUserID& sender) {
     headed_ = sender;
 }
 
-void Renderer::minute() {
+void TerminalWriter::minute() {
     if (minute_) clean(u" ("_s + settings_.timeFormatter.string(*minute_) + u')');
     minute_.reset();
 }
 
-void Renderer::message(Message message) {
+void TerminalWriter::message(Message message) {
     heading(message.front().sender);
     begin(isEmpty(message) ? u"" : u"    ", u"      ");
     pieces(message);
@@ -125,7 +126,7 @@ void Renderer::message(Message message) {
     sink_.endPiece();
 }
 
-void Renderer::pieces(Message message) {
+void TerminalWriter::pieces(Message message) {
     PieceReader reader(message);
     bool isFirst = true;
     while (const std::optional<Piece> piece = reader.next()) {
@@ -136,34 +137,34 @@ void Renderer::pieces(Message message) {
     }
 }
 
-void Renderer::begin(QStringView firstLine, QStringView furtherLines) {
+void TerminalWriter::begin(QStringView firstLine, QStringView furtherLines) {
     out_ += firstLine;
     indentation_ = furtherLines;
     needsIndentation_ = false;
 }
 
-void Renderer::newLine() {
+void TerminalWriter::newLine() {
     out_ += u'\n';
     needsIndentation_ = true;
 }
 
-void Renderer::operator()(const TesselChatLog::Link* link) {
+void TerminalWriter::operator()(const TesselChatLog::Link* link) {
     const QString address = link->url->absoluteString();
     const QString title = ownTitle(*link);
     write(title.isEmpty() ? address : title + u" <"_s + address + u'>');
 }
 
-void Renderer::operator()(const TesselChatLog::Image* image) {
+void TerminalWriter::operator()(const TesselChatLog::Image* image) {
     const QString path = picturePath(*image);
     const QString name = pictureName(path);
     write(u"[Picture: "_s + name + (name == path ? u"]"_s : u", "_s + path + u']'));
 }
 
-void Renderer::operator()(const TesselChatLog::File* file) {
+void TerminalWriter::operator()(const TesselChatLog::File* file) {
     write(u'[' + fileLine(*file->wrapper) + u']');
 }
 
-void Renderer::write(QStringView text, LineBreaks breaks) {
+void TerminalWriter::write(QStringView text, LineBreaks breaks) {
     qsizetype start = 0;
     for (qsizetype at = 0; at < text.size(); ++at) {
         const char16_t unit = text[at].unicode();
@@ -189,7 +190,7 @@ void Renderer::write(QStringView text, LineBreaks breaks) {
 }
 
 /// Text without line breaks and controls.
-void Renderer::clean(QStringView text) {
+void TerminalWriter::clean(QStringView text) {
     if (text.isEmpty()) return;
     if (needsIndentation_) out_ += indentation_;
     needsIndentation_ = false;
@@ -201,7 +202,7 @@ void Renderer::clean(QStringView text) {
 qint64 writeTerminalText(const TesselChatLog& log, const ContactsStore& contacts,
                          const ByteSink& output, const TextRenderSettings& settings) {
     TextSink sink(output);
-    Renderer renderer(contacts, settings, sink);
+    TerminalWriter renderer(contacts, settings, sink);
     const qint64 messages = visit(log, renderer);
     sink.passOn();
     return messages;

@@ -19,7 +19,7 @@ using Ref = BinaryPropertyList::Ref;
 constexpr quint64 none = BinaryPropertyList::none;
 
 /// Containers in one another; deeper ones are named only.
-constexpr int deepest = 64;
+constexpr int maximumDepth = 64;
 /// Of the names in a path, and of texts that were written before.
 constexpr qsizetype longestName = 120;
 
@@ -162,7 +162,7 @@ void KeyedText::writeValue(Ref ref, int depth) {
     const bool isKnown = isWritten_[ref];
     if (isKnown) lines_ << ", the same as above";
     lines_.endLine();
-    if (isKnown || depth == deepest) return;
+    if (isKnown || depth == maximumDepth) return;
     isWritten_[ref] = true;
     writeItems(node, depth + 1);
 }

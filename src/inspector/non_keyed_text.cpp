@@ -17,7 +17,7 @@ using foundation::non_keyed::TypeOp;
 namespace {
 
 constexpr qint64 firstReference = -110;
-constexpr int deepest = 256;
+constexpr int maximumNesting = 256;
 
 class NonKeyedText {
   public:
@@ -56,7 +56,7 @@ class NonKeyedText {
     quint32 reference(quint8 head, size_t size);
     quint32 number();
     void enter() {
-        if (++depth_ > deepest) throw MalformedArchive();
+        if (++depth_ > maximumNesting) throw MalformedArchive();
     }
 };
 

@@ -3,6 +3,7 @@
 
 #include <sqlite3.h>
 
+#include <limits>
 #include <utility>
 
 namespace vell {
@@ -113,6 +114,10 @@ QString Statement::text(int column) const {
 
 bool Statement::isNull(int column) const {
     return sqlite3_column_type(statement_.get(), column) == SQLITE_NULL;
+}
+
+foundation::Date Statement::date(int column) const {
+    return {isNull(column) ? std::numeric_limits<double>::quiet_NaN() : real(column)};
 }
 
 void Database::Close::operator()(sqlite3* database) const {

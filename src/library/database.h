@@ -14,6 +14,8 @@
 #include <functional>
 #include <memory>
 
+#include "foundation/date.h"
+
 struct sqlite3;
 struct sqlite3_stmt;
 
@@ -52,6 +54,8 @@ class Statement {
     /// Columns are numbered from 0.
     [[nodiscard]] qint64 integer(int column) const;
     [[nodiscard]] double real(int column) const;
+    /// None (not a number) where the column is null.
+    [[nodiscard]] foundation::Date date(int column) const;
     [[nodiscard]] QByteArray bytes(int column) const;
     [[nodiscard]] QString text(int column) const;
     [[nodiscard]] bool isNull(int column) const;

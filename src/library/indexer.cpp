@@ -20,8 +20,8 @@
 namespace vell {
 namespace {
 
-constexpr qint64 guessAfter = 1000;   // milliseconds
-constexpr qint64 lockTimeout = 1000;  // milliseconds
+constexpr qint64 guessAfter = 1000;        // milliseconds
+constexpr qint64 indexLockTimeout = 1000;  // milliseconds
 constexpr std::chrono::milliseconds lockInterval{20};
 constexpr int lowestPriority = 19;
 
@@ -36,7 +36,7 @@ class IndexingLock {
         waited.start();
         while (descriptor_ >= 0 && ::flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && !stop) {
             if (errno != EWOULDBLOCK && errno != EINTR) return;  // not on this file system
-            if (waited.elapsed() > lockTimeout) {
+            if (waited.elapsed() > indexLockTimeout) {
                 ::close(descriptor_);
                 throw DatabaseError(DatabaseError::Kind::locked,
                                     "another program is bringing it up to date");

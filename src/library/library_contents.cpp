@@ -16,10 +16,6 @@ namespace {
 
 constexpr qsizetype longestFirstWords = 160;
 
-foundation::Date dateAt(const Statement& rows, int column) {
-    return {rows.isNull(column) ? std::numeric_limits<double>::quiet_NaN() : rows.real(column)};
-}
-
 bool isInFolders(const QByteArray& path, const std::vector<std::string>& folders) {
     return std::any_of(folders.begin(), folders.end(),
                        [&path](const std::string& folder) { return isWithin(path, folder); });
@@ -61,8 +57,8 @@ class ContentsReader {
                                      std::move(path),
                                      {},
                                      rows.integer(4),
-                                     dateAt(rows, 5),
-                                     dateAt(rows, 6),
+                                     rows.date(5),
+                                     rows.date(6),
                                      people_.value(rows.integer(7), -1),
                                      {}});
         }

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "library/changes.h"
 
@@ -30,10 +29,6 @@ QByteArray matchExpression(const Query& query) {
         expression += phrase.isPrefix ? "\" *" : "\"";
     }
     return expression;
-}
-
-double dateAt(const Statement& rows, int column) {
-    return rows.isNull(column) ? std::numeric_limits<double>::quiet_NaN() : rows.real(column);
 }
 
 }  // namespace
@@ -213,11 +208,8 @@ LibrarySearch::Row LibrarySearch::rowAt(const Statement& rows) {
 }
 
 FoundMessage LibrarySearch::messageAt(const Statement& rows) {
-    FoundMessage message{rows.integer(2),
-                         {dateAt(rows, 3)},
-                         std::nullopt,
-                         static_cast<quint8>(rows.integer(5)),
-                         rows.text(6)};
+    FoundMessage message{rows.integer(2), rows.date(3), std::nullopt,
+                         static_cast<quint8>(rows.integer(5)), rows.text(6)};
     if (!rows.isNull(4)) message.sender = personAt(rows.integer(4));
     return message;
 }

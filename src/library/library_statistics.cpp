@@ -97,7 +97,7 @@ LibraryStatistics LibraryStatistics::read(LibraryStore& store, const LibraryPeop
         const int person = persons.value(rows.integer(1), -1);
         if (person < 0) continue;
         ++messages[person];
-        counter.add({rows.isNull(2) ? std::numeric_limits<double>::quiet_NaN() : rows.real(2)});
+        counter.add(rows.date(2));
     }
     counter.finish();
     for (auto each = messages.cbegin(); each != messages.cend(); ++each)

@@ -11,8 +11,8 @@
 namespace vell {
 namespace {
 
-constexpr size_t mostGlyphs = 256;  // of one font
-constexpr int mostMappings = 100;   // in one block of a character map
+constexpr size_t mostFontGlyphs = 256;  // of one font
+constexpr int mostMappings = 100;       // in one block of a character map
 
 int units(qreal number) {
     return static_cast<int>(std::lround(number));
@@ -111,7 +111,7 @@ PdfGlyphs::Code PdfGlyphs::code(const LineGlyphs& line, const GlyphCluster& clus
 }
 
 PdfGlyphs::Code PdfGlyphs::add(const LineGlyphs& line, const GlyphCluster& cluster) {
-    if (fonts_.empty() || fonts_.back().texts.size() == mostGlyphs)
+    if (fonts_.empty() || fonts_.back().texts.size() == mostFontGlyphs)
         fonts_.push_back({file_.reserve(), {}, {}, {}, {}, {}});
     Font& font = fonts_.back();
     qreal advance = 0;

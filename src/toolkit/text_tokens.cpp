@@ -9,13 +9,14 @@
 namespace vell {
 namespace {
 
-bool has(UChar32 character, UProperty property) {
+bool hasProperty(UChar32 character, UProperty property) {
     return u_hasBinaryProperty(character, property);
 }
 
 bool isEmoji(UChar32 character) {
-    return has(character, UCHAR_EXTENDED_PICTOGRAPHIC) || has(character, UCHAR_EMOJI_MODIFIER) ||
-           has(character, UCHAR_REGIONAL_INDICATOR);
+    return hasProperty(character, UCHAR_EXTENDED_PICTOGRAPHIC) ||
+           hasProperty(character, UCHAR_EMOJI_MODIFIER) ||
+           hasProperty(character, UCHAR_REGIONAL_INDICATOR);
 }
 
 /// Of a script whose words aren't separated by blanks.
@@ -45,7 +46,7 @@ bool isPunctuation(UChar32 character) {
 TextTokenizer::Role TextTokenizer::roleOf(char32_t character) {
     const auto c = static_cast<UChar32>(character);
     if (isEmoji(c)) return Role::single;
-    if (has(c, UCHAR_DEFAULT_IGNORABLE_CODE_POINT)) return Role::invisible;
+    if (hasProperty(c, UCHAR_DEFAULT_IGNORABLE_CODE_POINT)) return Role::invisible;
     if (isUnspaced(c) && !isPunctuation(c)) return Role::single;
     switch (u_getIntPropertyValue(c, UCHAR_WORD_BREAK)) {
         case U_WB_KATAKANA:

@@ -20,7 +20,7 @@ namespace {
 
 using namespace vell;
 
-QByteArray card(const QByteArray& id, const QByteArray& lines) {
+QByteArray cardOf(const QByteArray& id, const QByteArray& lines) {
     return "BEGIN:VCARD\nVERSION:3.0\nUID:" + id + "\nFN:" + id.toUpper() + "\n" + lines +
            "END:VCARD\n";
 }
@@ -72,10 +72,10 @@ class VCardSourceTest : public testing::Test {
 TEST_F(VCardSourceTest, FindsCardFilesInAStableOrder) {
     for (const char* name :
          {"b.vcf", "a/z.VCF", "a/y.vcard", "a/notes.txt", ".hidden/c.vcf", "c/d/e.vcf", ".d.vcf"})
-        write(name, card("x", ""));
+        write(name, cardOf("x", ""));
     ASSERT_EQ(symlink("..", path("a/circle").toLocal8Bit().constData()), 0);
     ASSERT_EQ(mkfifo(path("pipe.vcf").toLocal8Bit().constData(), 0600), 0);
-    write("chosen.txt", card("x", ""));
+    write("chosen.txt", cardOf("x", ""));
 
     const ContactFiles found = findContactFiles({path("chosen.txt"), path("missing"), path("")});
     QStringList names;
@@ -87,43 +87,43 @@ TEST_F(VCardSourceTest, FindsCardFilesInAStableOrder) {
 }
 
 TEST_F(VCardSourceTest, SeesEveryKindOfChange) {
-    write("book/1.vcf", card("a", "EMAIL:1@x\n"));
+    write("book/1.vcf", cardOf("a", "EMAIL:1@x\n"));
     load({path("book"), path("later/contacts"), path("chosen.vcf")});
     EXPECT_EQ(idAt("1@x"), "a");
 
-    write("book/1.vcf", card("edited", "EMAIL:1@x\n"));
+    write("book/1.vcf", cardOf("edited", "EMAIL:1@x\n"));
     EXPECT_TRUE(comesToKnow("1@x", "edited"));
-    replace("book/1.vcf", card("renamed", "EMAIL:1@x\n"));
+    replace("book/1.vcf", cardOf("renamed", "EMAIL:1@x\n"));
     EXPECT_TRUE(comesToKnow("1@x", "renamed"));
-    replace("book/1.vcf", card("again", "EMAIL:1@x\n"));
+    replace("book/1.vcf", cardOf("again", "EMAIL:1@x\n"));
     EXPECT_TRUE(comesToKnow("1@x", "again")) << "still watched after it was replaced";
-    write("book/sub/2.vcf", card("added", "EMAIL:2@x\n"));
+    write("book/sub/2.vcf", cardOf("added", "EMAIL:2@x\n"));
     EXPECT_TRUE(comesToKnow("2@x", "added"));
-    write("book/sub/2.vcf", card("edited", "EMAIL:2@x\n"));
+    write("book/sub/2.vcf", cardOf("edited", "EMAIL:2@x\n"));
     EXPECT_TRUE(comesToKnow("2@x", "edited")) << "new folders and files are watched";
-    write("book/sub/0.vcf", card("first", "EMAIL:2@x\n"));
+    write("book/sub/0.vcf", cardOf("first", "EMAIL:2@x\n"));
     EXPECT_TRUE(comesToKnow("2@x", "first"));
     ASSERT_TRUE(QFile::remove(path("book/sub/0.vcf")));
     EXPECT_TRUE(comesToKnow("2@x", "edited")) << "removed";
-    write("chosen.vcf", card("chosen", "EMAIL:3@x\n"));
+    write("chosen.vcf", cardOf("chosen", "EMAIL:3@x\n"));
     EXPECT_TRUE(comesToKnow("3@x", "chosen")) << "was missing";
-    write("later/contacts/4.vcf", card("late", "EMAIL:4@x\n"));
+    write("later/contacts/4.vcf", cardOf("late", "EMAIL:4@x\n"));
     EXPECT_TRUE(comesToKnow("4@x", "late")) << "its folder was missing";
     ASSERT_TRUE(QDir().mkpath(path("book/empty")));
     test::waitFor([] { return false; }, 400);  // longer than a burst: it is seen while it is empty
-    write("book/empty/5.vcf", card("filled", "EMAIL:5@x\n"));
+    write("book/empty/5.vcf", cardOf("filled", "EMAIL:5@x\n"));
     EXPECT_TRUE(comesToKnow("5@x", "filled")) << "its folder was empty";
     ASSERT_TRUE(QDir(path("later/contacts")).removeRecursively());
-    write("later/contacts/4.vcf", card("later", "EMAIL:4@x\n"));
+    write("later/contacts/4.vcf", cardOf("later", "EMAIL:4@x\n"));
     EXPECT_TRUE(comesToKnow("4@x", "later")) << "its folder was recreated";
 }
 
 TEST_F(VCardSourceTest, ReportsABurstOnceAndOtherFilesNever) {
-    write("book/0.vcf", card("0", "EMAIL:0@x\n"));
+    write("book/0.vcf", cardOf("0", "EMAIL:0@x\n"));
     load({path("book"), path("chosen.vcf")});
     for (int i = 1; i <= 200; i++)
         write(QStringLiteral("book/%1.vcf").arg(i),
-              card(QByteArray::number(i), "EMAIL:" + QByteArray::number(i) + "@x\n"));
+              cardOf(QByteArray::number(i), "EMAIL:" + QByteArray::number(i) + "@x\n"));
     EXPECT_TRUE(comesToKnow("200@x", "200"));
     const auto settle = [&] {
         qsizetype before = -1;
@@ -137,13 +137,13 @@ TEST_F(VCardSourceTest, ReportsABurstOnceAndOtherFilesNever) {
     EXPECT_LT(before, 50) << "far less than one for each file";
 
     write("book/notes.txt", "no card");
-    write("nobody.vcf", card("n", "EMAIL:n@x\n"));
+    write("nobody.vcf", cardOf("n", "EMAIL:n@x\n"));
     EXPECT_EQ(settle(), before);
 }
 
 TEST_F(VCardSourceTest, ReportsDamageAndReadsTheRest) {
-    write("1.vcf", "BEGIN:VCARD\nFN:Lost\n" + card("a", "EMAIL:a@x\n"));
-    write("2.vcf", card("b", "EMAIL:b@x\n"));
+    write("1.vcf", "BEGIN:VCARD\nFN:Lost\n" + cardOf("a", "EMAIL:a@x\n"));
+    write("2.vcf", cardOf("b", "EMAIL:b@x\n"));
     write("3.vcf", "no card");
     const auto lines = std::make_shared<test::LogLines>();
     VCardSource files({folder.path()}, VCardSource::Chosen::byUser, lines);
@@ -162,7 +162,7 @@ TEST_F(VCardSourceTest, ReportsDamageAndReadsTheRest) {
 }
 
 TEST_F(VCardSourceTest, ReadsATableWithoutPictures) {
-    write("1.vcf", card("a", "NICKNAME:Al\nTEL:1 2\nPHOTO;ENCODING=b:/9j/4AAQSkZJRg==\n"));
+    write("1.vcf", cardOf("a", "NICKNAME:Al\nTEL:1 2\nPHOTO;ENCODING=b:/9j/4AAQSkZJRg==\n"));
     write("2.vcf", "no card");
     const auto lines = std::make_shared<test::LogLines>();
     const ContactsStore::Table table = readContactTable({path("1.vcf")}, lines);

@@ -32,17 +32,17 @@ QStringList described(const SearchHit& hit) {
 }
 
 /// A message of the archive.
-struct Said {
+struct Written {
     QString text;
     QString day;  // local
 };
 
 /// A word, part of one, a phrase, or some of these with a filter, out of a message.
-QString randomQuery(const std::vector<Said>& all, std::mt19937& random) {
+QString randomQuery(const std::vector<Written>& all, std::mt19937& random) {
     const auto below = [&](qsizetype limit) {
         return static_cast<qsizetype>(random() % static_cast<unsigned>(limit));
     };
-    const Said& said = all[static_cast<size_t>(below(std::ssize(all)))];
+    const Written& said = all[static_cast<size_t>(below(std::ssize(all)))];
     QStringList words = said.text.split(u' ', Qt::SkipEmptyParts);
     QString word = words[below(words.size())].remove(u'"').remove(u':');
     const qsizetype begin = below(std::max<qsizetype>(1, word.size()));
@@ -81,7 +81,7 @@ TEST(Search, IndexFindsWhatReadingFinds) {
     archive::write(QString::fromStdString(fixture.chats), {12, 600, 10});
     LibraryStore store(fixture.database);
     fixture.update(store);
-    std::vector<Said> all;
+    std::vector<Written> all;
     Statement rows = store.database().prepare(
         "SELECT text, date(date + 978307200, 'unixepoch', 'localtime') FROM messages");
     while (rows.step())

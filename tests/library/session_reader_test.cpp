@@ -18,7 +18,7 @@ namespace {
 using foundation::StoredData;
 using writers::Transcript;
 
-const foundation::Calendar utc = *foundation::Calendar::named("UTC");
+const foundation::Calendar universal = *foundation::Calendar::named("UTC");
 
 /// All that a reader hands over.
 std::vector<SessionReader::Result> results(const std::vector<QByteArray>& paths,
@@ -26,7 +26,7 @@ std::vector<SessionReader::Result> results(const std::vector<QByteArray>& paths,
     std::mutex mutex;
     std::condition_variable changed;
     std::vector<SessionReader::Result> all;
-    const SessionReader reader(paths, first, utc, [&](SessionReader::Result result) {
+    const SessionReader reader(paths, first, universal, [&](SessionReader::Result result) {
         const std::lock_guard lock(mutex);
         all.push_back(std::move(result));
         changed.notify_all();
@@ -67,7 +67,8 @@ TEST(SessionReader, EveryMessageOfEveryFileIsThereOnce) {
         fixture.write(
             name, i % 3 == 0 ? writers::nonKeyedTranscript(chat) : writers::keyedTranscript(chat));
         paths.push_back(QFile::encodeName(fixture.path(name)));
-        for (const auto& [said, count] : texts(TesselChatLog::fromFile(fixture.path(name), utc)))
+        for (const auto& [said, count] :
+             texts(TesselChatLog::fromFile(fixture.path(name), universal)))
             expected[said] = std::max(expected[said], count);
     }
     fixture.write(QStringLiteral("broken"), "bplist00 and no more");

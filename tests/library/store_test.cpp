@@ -15,14 +15,14 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-struct Case {
+struct UnusableDatabase {
     const char* what;
     const char* script;  // makes $db unusable; $chats are the transcripts
     const char* said;
 };
 
 TEST(Store, UnusableDatabasesAreMadeAnewOrLeftAlone) {
-    const Case cases[] = {
+    const UnusableDatabase cases[] = {
         {"usable", "vell-find nothing -- $chats", ""},
         {"garbage", "head -c 9000 /dev/urandom > $db", "the index was damaged, and is made again"},
         {"cut short", "vell-find nothing -- $chats; truncate -s 20000 $db", "damaged"},
@@ -40,7 +40,7 @@ TEST(Store, UnusableDatabasesAreMadeAnewOrLeftAlone) {
         {"in use", "{ echo 'BEGIN EXCLUSIVE;'; sleep 9; } | sqlite3 $db & sleep 1",
          "another program is using it"},
     };
-    for (const Case& c : cases) {
+    for (const UnusableDatabase& c : cases) {
         SCOPED_TRACE(c.what);
         const test::Fixture fixture;
         fixture.chat(u"ann"_s, {u"hello"_s});

@@ -38,7 +38,7 @@ class AccessibleTimelineTest : public ::testing::Test {
     test::Context context_;
 };
 
-TesselChatLog::Link link(const char* address, const char* title) {
+TesselChatLog::Link linkEvent(const char* address, const char* title) {
     return {std::make_shared<foundation::URL>(QString::fromUtf8(address)),
             QString::fromUtf8(title)};
 }
@@ -59,7 +59,8 @@ TEST_F(AccessibleTimelineTest, RowsAreCalledWhatTheySay) {
         {{}, TesselChatLog::User(), QAccessible::NoRole, {}},
         {me, TesselChatLog::PlainText{u'a' + nul + u'b'}, QAccessible::ListItem,
          QString::fromUtf8("me: a\uFFFDb, 20:26")},
-        {me, link("http://a.b/c", "title"), QAccessible::Link, QStringLiteral("me: title, 20:26")},
+        {me, linkEvent("http://a.b/c", "title"), QAccessible::Link,
+         QStringLiteral("me: title, 20:26")},
         {bob, test::picture(QSize(5, 5)), QAccessible::ListItem,
          QStringLiteral("bob: Picture, 20:26")},
         {{}, TesselChatLog::User(), QAccessible::NoRole, {}},
@@ -185,7 +186,7 @@ TEST_F(AccessibleTimelineTest, ItemsAreBoundedAndRecreated) {
 
 TEST_F(AccessibleTimelineTest, LinksArePressedAndNothingElse) {
     LogBuilder log;
-    log.text(bob, QStringLiteral("http://not.a/link")).add(bob, link("http://a.b/c", "title"));
+    log.text(bob, QStringLiteral("http://not.a/link")).add(bob, linkEvent("http://a.b/c", "title"));
     const auto view = makeView(log.log(), context_);
     QList<QUrl> opened;
     view->links().setOpener([&](const QUrl& url) {

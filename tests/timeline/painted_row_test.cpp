@@ -20,14 +20,14 @@ using test::LogBuilder;
 using test::me;
 
 constexpr int rowWidth = 400;
-const QColor paper(250, 250, 245);
+const QColor paperColor(250, 250, 245);
 
 /// One event's row on paper.
 struct Painted {
     Painted(std::optional<TesselUserID> sender, TesselChatLog::Event::Value value)
         : log(LogBuilder().add(std::move(sender), std::move(value)).log()),
           view(log.events()[0], TimelineRowView::isOwn(log.events()[0], log)) {
-        context.rows.colors.background = paper;
+        context.rows.colors.background = paperColor;
         context.colors.styleForUser(bob, false);  // lime, so that eve is the first in a dark colour
         layout = view.measure(context.rows, rowWidth);
         image = onPaper([&](QPainter& painter) {
@@ -39,7 +39,7 @@ struct Painted {
     template <class Paint>
     QImage onPaper(Paint paint) const {
         QImage picture(rowWidth, layout.height, QImage::Format_ARGB32_Premultiplied);
-        picture.fill(paper);
+        picture.fill(paperColor);
         QPainter painter(&picture);
         paint(painter);
         return picture;
@@ -55,7 +55,7 @@ struct Painted {
         std::pair<int, int> columns(rowWidth, -1);
         for (int y = 0; y < image.height(); ++y) {
             for (int x = 0; x < rowWidth; ++x) {
-                if (image.pixelColor(x, y) == paper) continue;
+                if (image.pixelColor(x, y) == paperColor) continue;
                 columns = {std::min(columns.first, x), std::max(columns.second, x)};
             }
         }
@@ -192,20 +192,20 @@ TEST(PaintedRow, LinesStandInTheMiddleAndCaptionsOnTheirSide) {
         const auto [left, right] = row->inkColumns();
         EXPECT_NEAR(left + right, rowWidth - 1, 6);
         EXPECT_GT(left, 20);
-        EXPECT_EQ(row->image.pixelColor(row->layout.content.topLeft() - QPoint(3, 0)), paper);
+        EXPECT_EQ(row->image.pixelColor(row->layout.content.topLeft() - QPoint(3, 0)), paperColor);
     }
     EXPECT_LT(Painted(bob, TesselChatLog::User()).inkColumns().second, rowWidth / 2);
     EXPECT_GT(Painted(me, TesselChatLog::User()).inkColumns().first, rowWidth / 2);
 
     const Painted day({}, TesselChatLog::NewDay());
     const int middle = (day.layout.height - 1) / 2;
-    EXPECT_NE(day.image.pixelColor(3, middle), paper) << "no line";
-    EXPECT_NE(day.image.pixelColor(rowWidth - 3, middle), paper) << "no line";
+    EXPECT_NE(day.image.pixelColor(3, middle), paperColor) << "no line";
+    EXPECT_NE(day.image.pixelColor(rowWidth - 3, middle), paperColor) << "no line";
     for (const int distance : {3, 7}) {
-        EXPECT_EQ(day.image.pixelColor(day.layout.content.left() - distance, middle), paper);
-        EXPECT_EQ(day.image.pixelColor(day.layout.content.right() + distance, middle), paper);
+        EXPECT_EQ(day.image.pixelColor(day.layout.content.left() - distance, middle), paperColor);
+        EXPECT_EQ(day.image.pixelColor(day.layout.content.right() + distance, middle), paperColor);
     }
-    EXPECT_NE(day.image.pixelColor(day.layout.content.left() - 10, middle), paper)
+    EXPECT_NE(day.image.pixelColor(day.layout.content.left() - 10, middle), paperColor)
         << "gap too wide";
 }
 

@@ -23,7 +23,7 @@ using test::bob;
 using test::LogBuilder;
 using test::waitFor;
 
-void wheel(TimelineView& view, int notches) {
+void turnWheel(TimelineView& view, int notches) {
     const QPointF place(100, 100);
     QWheelEvent event(place, view.viewport()->mapToGlobal(place), QPoint(),
                       QPoint(0, 120 * notches), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
@@ -137,7 +137,7 @@ TEST(TimelineView, WheelGoesAllTheWaySmoothlyAndTheBarFollows) {
     const qsizetype row = view.scroller().topRow();
     const qint64 start = view.timeline().rowTop(row);
     std::vector<qint64> places{start};
-    wheel(view, -2);
+    turnWheel(view, -2);
     const qint64 goal = start - 2 * QApplication::wheelScrollLines() * 20;
     ASSERT_TRUE(waitFor([&] {
         const qint64 place = view.timeline().rowTop(row);

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "writers/hostile/hostile_files.h"
 
-#include <QtEndian>
 #include <functional>
 #include <utility>
 #include <vector>
 
+#include "writers/file_wrapper_writer.h"
 #include "writers/hostile/keyed_file.h"
 #include "writers/non_keyed_archive_writer.h"
 
@@ -102,12 +102,6 @@ QByteArray nonKeyedSharedCStrings(qsizetype size) {
             });
         });
     });
-}
-
-QByteArray word(quint32 value) {
-    QByteArray bytes(4, '\0');
-    qToLittleEndian(value, bytes.data());
-    return bytes;
 }
 
 /// Attachments whose wrappers all name the same bytes: a folder of these entries.

@@ -114,7 +114,7 @@ Transcript densest(int messages) {
     return result;
 }
 
-constexpr HostileFile files[] = {
+constexpr HostileFile logs[] = {
     {"one message, as often as an array may be long",
      [](qsizetype size) { return references(size, static_cast<int>(size / 8), 1, true); }},
     {"one message, more often than that",
@@ -139,7 +139,7 @@ constexpr HostileFile files[] = {
 }  // namespace
 
 std::span<const HostileFile> multipliedLogs() {
-    return files;
+    return logs;
 }
 
 }  // namespace writers

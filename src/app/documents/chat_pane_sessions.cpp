@@ -18,7 +18,6 @@ namespace vell {
 namespace {
 
 constexpr int waitInterval = 100;  // milliseconds
-constexpr int contextPart = 4;     // of the view, above a message that was gone to
 
 }  // namespace
 

@@ -20,7 +20,6 @@ namespace vell {
 namespace {
 
 constexpr int paneWidth = 290;  // points
-constexpr int contextPart = 4;  // of the view, above a message that was gone to
 constexpr int distance = 8;     // points between the window and its calendar
 
 /// Beside the window, where the screen has room for it; else the desktop places it.

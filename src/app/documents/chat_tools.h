@@ -24,6 +24,9 @@ class PictureViewer;
 class SharedPane;
 class TimelineView;
 
+/// Of the view's height, above a message that was gone to.
+constexpr int contextPart = 4;
+
 class ChatTools final : public QObject {
     Q_OBJECT
 

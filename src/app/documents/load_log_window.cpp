@@ -27,7 +27,7 @@ namespace vell {
 namespace {
 
 constexpr int presentationDelay = 800;  // milliseconds; the error dialog comes first
-constexpr QSize iconSize(64, 64);
+constexpr QSize headIconSize(64, 64);
 
 std::vector<QWidget*>& openWindows() {
     static std::vector<QWidget*> windows;
@@ -82,7 +82,7 @@ QWidget* titleRow(const ApplicationInfo& info) {
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins({});
     auto* icon = new QLabel;
-    icon->setPixmap(ApplicationInfo::icon().pixmap(iconSize));
+    icon->setPixmap(ApplicationInfo::icon().pixmap(headIconSize));
     auto* column = new QVBoxLayout;
     column->addWidget(new QLabel(info.appName), 0, Qt::AlignRight);
     column->addWidget(secondaryLabel(versionLine(info)), 0, Qt::AlignRight);

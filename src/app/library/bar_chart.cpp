@@ -19,12 +19,12 @@ constexpr int labelGap = 4;
 constexpr int rowGap = 6;
 constexpr int widestColumn = 44;
 constexpr qreal columnShare = 0.72;  // of its slot
-constexpr qreal corner = 3;
+constexpr qreal barCorner = 3;
 constexpr qreal leastLength = 2;  // of what isn't nothing
 constexpr qreal mostLabelShare = 0.35;
 
 void fill(QPainter& painter, const QRectF& bar) {
-    const qreal radius = std::min({corner, bar.width() / 2, bar.height() / 2});
+    const qreal radius = std::min({barCorner, bar.width() / 2, bar.height() / 2});
     QPainterPath path;
     path.addRoundedRect(bar, radius, radius);
     painter.fillPath(path, painter.brush());

@@ -16,7 +16,7 @@
 namespace vell {
 namespace {
 
-constexpr QSize idealSize(720, 420);
+constexpr QSize tableSize(720, 420);
 constexpr int nameWidth = 300;
 
 class BrokenFilesModel final : public QAbstractTableModel {
@@ -73,7 +73,7 @@ void showBrokenFiles(const std::vector<BrokenFile>& files, QWidget& window,
     dialog->setObjectName(QStringLiteral("brokenFilesDialog"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setWindowTitle(BrokenFilesModel::tr("Files That Couldn’t Be Read"));
-    dialog->resize(idealSize);
+    dialog->resize(tableSize);
     auto* text = new QLabel(BrokenFilesModel::tr(
         "They are tried again when they have changed. Everything else is in the library. Opening "
         "one shows its load log."));

@@ -16,7 +16,7 @@
 namespace vell {
 namespace {
 
-constexpr QSize idealSize(520, 320);
+constexpr QSize foldersDialogSize(520, 320);
 
 class FoldersDialog final : public QDialog {
     Q_DECLARE_TR_FUNCTIONS(FoldersDialog)
@@ -26,7 +26,7 @@ class FoldersDialog final : public QDialog {
         : QDialog(&window), library_(library), list_(new QListWidget) {
         setObjectName(QStringLiteral("libraryFolders"));
         setWindowTitle(tr("Library Folders"));
-        resize(idealSize);
+        resize(foldersDialogSize);
         list_->setAccessibleName(windowTitle());
         list_->setTextElideMode(Qt::ElideMiddle);
         auto* text =

@@ -13,7 +13,7 @@
 namespace vell {
 namespace {
 
-constexpr int pictureSize = 30;
+constexpr int senderSize = 30;
 constexpr float markedGround = 0.25F;
 
 class FoundDelegate final : public QStyledItemDelegate {
@@ -25,8 +25,8 @@ class FoundDelegate final : public QStyledItemDelegate {
                const QModelIndex& index) const override {
         const FoundMessages::Row& found = found_.row(index);
         ListRow row(*painter, option);
-        const QRect start = row.takeStart(pictureSize);
-        QRect picture(0, 0, pictureSize, pictureSize);
+        const QRect start = row.takeStart(senderSize);
+        QRect picture(0, 0, senderSize, senderSize);
         picture.moveCenter(start.center());
         if (found.sender) paintPeople(*painter, picture, {*found.sender}, contacts_);
         row.writeEnd(ListRow::Line::first, shownDay(found.date));
@@ -36,7 +36,7 @@ class FoundDelegate final : public QStyledItemDelegate {
     }
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
                                  const QModelIndex&) const override {
-        return {1, ListRow::height(option.font, pictureSize)};
+        return {1, ListRow::height(option.font, senderSize)};
     }
 
   private:

@@ -15,7 +15,7 @@
 namespace vell {
 namespace {
 
-constexpr qint64 reportInterval = 100;  // milliseconds
+constexpr qint64 indexReportInterval = 100;  // milliseconds
 
 }  // namespace
 
@@ -45,7 +45,7 @@ struct Indexing::Run : std::enable_shared_from_this<Indexing::Run> {
 };
 
 void Indexing::Run::report(const Callbacks& told, bool isUrgent) {
-    if (!isUrgent && sinceReport.isValid() && sinceReport.elapsed() < reportInterval) return;
+    if (!isUrgent && sinceReport.isValid() && sinceReport.elapsed() < indexReportInterval) return;
     sinceReport.start();
     callbacks.post([on = told.onState, state = state] { on(state); });
 }

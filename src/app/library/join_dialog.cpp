@@ -18,7 +18,7 @@
 namespace vell {
 namespace {
 
-constexpr QSize idealSize(380, 460);
+constexpr QSize joinDialogSize(380, 460);
 
 class JoinDialog final : public QDialog {
     Q_DECLARE_TR_FUNCTIONS(JoinDialog)
@@ -29,7 +29,7 @@ class JoinDialog final : public QDialog {
         : QDialog(&window), list_(new QListView), filter_(new QLineEdit) {
         setObjectName(QStringLiteral("joinDialog"));
         setWindowTitle(tr("Join Addresses"));
-        resize(idealSize);
+        resize(joinDialogSize);
         model_.setPeople(std::move(people));
         model_.setOthersOf(person);
         model_.setOrder(PeopleModel::Order::name);

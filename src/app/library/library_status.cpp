@@ -11,7 +11,7 @@
 namespace vell {
 namespace {
 
-constexpr int margin = 12;
+constexpr int sideMargin = 12;
 constexpr int progressWidth = 140;
 constexpr int secondsPerMinute = 60;
 
@@ -44,7 +44,7 @@ LibraryStatus::LibraryStatus(Library& library, QWidget* parent)
     broken_->setAutoRaise(true);
     broken_->setObjectName(QStringLiteral("brokenFiles"));
     auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(margin, 4, margin, 4);
+    layout->setContentsMargins(sideMargin, 4, sideMargin, 4);
     layout->addWidget(text_, 1);
     layout->addWidget(progress_);
     layout->addWidget(broken_);

@@ -36,7 +36,7 @@
 namespace vell {
 namespace {
 
-constexpr QSize idealSize(1180, 760);
+constexpr QSize libraryWindowSize(1180, 760);
 const QList<int> idealWidths{250, 330, 600};
 constexpr int narrowestPeople = 180;
 constexpr int narrowestMiddle = 220;
@@ -306,7 +306,7 @@ void LibraryWindow::showStatistics(bool isShown) {
 
 void LibraryWindow::restorePlace() {
     const QSettings settings;
-    resize(idealSize);
+    resize(libraryWindowSize);
     splitter_->setSizes(idealWidths);
     restoreWindow(*this, settings.value(geometryKey).toByteArray());
     splitter_->restoreState(settings.value(splitterKey).toByteArray());

@@ -9,9 +9,9 @@
 namespace vell {
 namespace {
 
-constexpr int inset = 4;    // of the selection
-constexpr int corner = 6;   // of the selection
-constexpr int padding = 8;  // above and below the lines
+constexpr int inset = 4;            // of the selection
+constexpr int selectionCorner = 6;  // of the selection
+constexpr int linesPadding = 8;     // above and below the lines
 constexpr int lineGap = 3;
 constexpr int endGap = 8;
 constexpr qreal smallShare = 0.88;
@@ -29,13 +29,13 @@ QFont ListRow::smallFont(QFont font) {
 }
 
 int ListRow::singleHeight(const QFont& font) {
-    return 2 * padding + QFontMetrics(font).height();
+    return 2 * linesPadding + QFontMetrics(font).height();
 }
 
 int ListRow::height(const QFont& font, int leastContent) {
     const int lines =
         QFontMetrics(font).height() + lineGap + QFontMetrics(smallFont(font)).height();
-    return 2 * padding + std::max(lines, leastContent);
+    return 2 * linesPadding + std::max(lines, leastContent);
 }
 
 ListRow::ListRow(QPainter& painter, const QStyleOptionViewItem& option)
@@ -43,7 +43,7 @@ ListRow::ListRow(QPainter& painter, const QStyleOptionViewItem& option)
       option_(option),
       isHighlighted_((option.state & QStyle::State_Selected) && option.widget &&
                      option.widget->hasFocus()),
-      room_(option.rect.adjusted(margin, padding, -margin, -padding)) {
+      room_(option.rect.adjusted(margin, linesPadding, -margin, -linesPadding)) {
     painter_.save();
     painter_.setRenderHint(QPainter::Antialiasing);
     text_ = option.palette.color(isHighlighted_ ? QPalette::HighlightedText : QPalette::Text);
@@ -52,7 +52,8 @@ ListRow::ListRow(QPainter& painter, const QStyleOptionViewItem& option)
     if (!isHighlighted_) ground.setAlphaF(quietSelection);
     painter_.setPen(Qt::NoPen);
     painter_.setBrush(ground);
-    painter_.drawRoundedRect(option.rect.adjusted(inset, 1, -inset, -1), corner, corner);
+    painter_.drawRoundedRect(option.rect.adjusted(inset, 1, -inset, -1), selectionCorner,
+                             selectionCorner);
 }
 
 ListRow::~ListRow() {

@@ -9,15 +9,15 @@
 namespace vell {
 namespace {
 
-constexpr int pictureSize = 34;
+constexpr int personSize = 34;
 
 }  // namespace
 
 void PeopleDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                            const QModelIndex& index) const {
     ListRow row(*painter, option);
-    const QRect start = row.takeStart(pictureSize);
-    QRect picture(0, 0, pictureSize, pictureSize);
+    const QRect start = row.takeStart(personSize);
+    QRect picture(0, 0, personSize, personSize);
     picture.moveCenter(start.center());
     const auto people = model_.pictured(index);
     if (people.empty())
@@ -30,7 +30,7 @@ void PeopleDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option
 }
 
 QSize PeopleDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const {
-    return {pictureSize, ListRow::height(option.font, pictureSize)};
+    return {personSize, ListRow::height(option.font, personSize)};
 }
 
 }  // namespace vell

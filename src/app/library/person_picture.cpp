@@ -9,8 +9,8 @@
 namespace vell {
 namespace {
 
-constexpr qreal corner = 0.18;     // of the side
-constexpr qreal groupSide = 0.68;  // of each of two
+constexpr qreal cornerPart = 0.18;  // of the side
+constexpr qreal groupSide = 0.68;   // of each of two
 
 void paintPerson(QPainter& painter, const QRectF& place, const TesselUserID& person,
                  const ContactsStore& contacts) {
@@ -21,7 +21,7 @@ void paintPerson(QPainter& painter, const QRectF& place, const TesselUserID& per
                    : identicons().icon(person.userID, painter.device()->devicePixelRatioF());
     if (image.isNull()) return;
     QPainterPath outline;
-    outline.addRoundedRect(place, place.width() * corner, place.height() * corner);
+    outline.addRoundedRect(place, place.width() * cornerPart, place.height() * cornerPart);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);

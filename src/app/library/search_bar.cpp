@@ -32,7 +32,7 @@ namespace {
 constexpr std::size_t mostPeopleOffered = 16;
 constexpr int widestField = 520;
 
-QToolButton* flatButton() {
+QToolButton* menuButton() {
     auto* button = new QToolButton;
     button->setAutoRaise(true);
     button->setPopupMode(QToolButton::InstantPopup);
@@ -80,7 +80,7 @@ QWidget* SearchBar::buildFilters() {
     row->setContentsMargins({});
     row->setSpacing(2);
     for (Filter& filter : filters_) {
-        filter.button = flatButton();
+        filter.button = menuButton();
         filter.button->setObjectName(u"filter-"_s + filter.key);
         filter.button->setCheckable(true);
         auto* menu = new QMenu(filter.button);
@@ -98,7 +98,7 @@ QWidget* SearchBar::buildFilters() {
     state_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     state_->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
     row->addWidget(state_, 1);
-    order_ = flatButton();
+    order_ = menuButton();
     order_->setAccessibleName(tr("Order of what was found"));
     auto* menu = new QMenu(order_);
     auto* group = new QActionGroup(menu);

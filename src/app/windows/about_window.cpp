@@ -12,7 +12,7 @@
 namespace vell {
 namespace {
 
-constexpr QSize iconSize(128, 128);
+constexpr QSize largeIconSize(128, 128);
 
 }  // namespace
 
@@ -23,7 +23,7 @@ PanelWindow* makeAboutWindow(const ApplicationInfo& info) {
     window->setWindowTitle(PanelWindow::tr("About %1").arg(info.infoName));
 
     auto* icon = new QLabel;
-    icon->setPixmap(ApplicationInfo::icon().pixmap(iconSize));
+    icon->setPixmap(ApplicationInfo::icon().pixmap(largeIconSize));
     icon->setAlignment(Qt::AlignCenter);
     auto* name = new QLabel(info.infoName);
     QFont large = name->font();

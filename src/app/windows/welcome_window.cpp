@@ -22,9 +22,9 @@
 namespace vell {
 namespace {
 
-constexpr int padding = 24;
+constexpr int pagePadding = 24;
 constexpr int sampleWidth = 280;
-constexpr QSize iconSize(72, 72);
+constexpr QSize welcomeIconSize(72, 72);
 
 /// Where files may be dropped, as they may anywhere else in the window.
 class DropPlace final : public QLabel {
@@ -72,15 +72,15 @@ WelcomeWindow::WelcomeWindow(Commands& commands, RecentFiles& recentFiles, Conta
     sample->setAutoFillBackground(true);
     sample->setBackgroundRole(QPalette::Base);
     auto* sampleLayout = new QVBoxLayout(sample);
-    sampleLayout->setContentsMargins(0, padding, 0, 0);
+    sampleLayout->setContentsMargins(0, pagePadding, 0, 0);
     sampleLayout->addWidget(sampleChat(contacts, pictures));
     auto* column = new QVBoxLayout;
-    column->setContentsMargins(padding, padding, padding, padding);
-    column->setSpacing(padding / 2);
+    column->setContentsMargins(pagePadding, pagePadding, pagePadding, pagePadding);
+    column->setSpacing(pagePadding / 2);
     column->addLayout(introduction());
-    column->addSpacing(padding / 2);
+    column->addSpacing(pagePadding / 2);
     column->addLayout(commandRow());
-    column->addSpacing(padding / 2);
+    column->addSpacing(pagePadding / 2);
     column->addWidget(secondaryLabel(tr("Recent transcripts")));
     column->addWidget(recentList(), 1);
     auto* dropPlace = new DropPlace;
@@ -109,7 +109,7 @@ void WelcomeWindow::buildMenus(QLayout& layout) {
 
 QLayout* WelcomeWindow::introduction() {
     auto* icon = new QLabel;
-    icon->setPixmap(QApplication::windowIcon().pixmap(iconSize));
+    icon->setPixmap(QApplication::windowIcon().pixmap(welcomeIconSize));
     auto* title = new QLabel(tr("Welcome to Vell"));
     QFont large = title->font();
     large.setPointSizeF(large.pointSizeF() * 2);
@@ -125,7 +125,7 @@ QLayout* WelcomeWindow::introduction() {
     texts->addWidget(explanation);
     texts->addStretch();
     auto* row = new QHBoxLayout;
-    row->setSpacing(padding * 2 / 3);
+    row->setSpacing(pagePadding * 2 / 3);
     row->addWidget(icon);
     row->addLayout(texts, 1);
     return row;
@@ -141,7 +141,7 @@ QLayout* WelcomeWindow::commandRow() {
     library->setToolTip(tr("All chats of your folders in one window"));
     connect(library, &QPushButton::clicked, this, [this] { openLibrary(); });
     auto* row = new QHBoxLayout;
-    row->setSpacing(padding / 2);
+    row->setSpacing(pagePadding / 2);
     for (QPushButton* button : {open, find, library}) {
         button->setMinimumHeight(button->sizeHint().height() + 6);
         row->addWidget(button, 1);

@@ -9,7 +9,6 @@ using Kind = StreamValue::Kind;
 
 /// Objects and brackets inside one another; real archives stay below 30.
 constexpr int maximumNesting = 256;
-constexpr size_t maximumClassChain = 64;
 /// Elements of one collection, above an eighth of the archive's size; no real one has more.
 constexpr size_t extraElements = 4096;
 /// Values of unfinished objects, above a quarter of the archive's size.

@@ -10,8 +10,7 @@ namespace foundation::non_keyed {
 namespace {
 
 /// An object in another takes two or three levels; real archives nest objects less than 30 deep.
-constexpr size_t maximumNesting = 128;
-constexpr size_t maximumClassChain = 64;
+constexpr size_t maximumFrames = 128;
 constexpr qsizetype longestTypes = 256;
 constexpr qint64 firstReference = -110;
 /// Types in all type strings; no real archive has as many.
@@ -88,7 +87,7 @@ bool StreamSkimmer::step() {
             break;
         }
     }
-    if (state_.frames.size() > maximumNesting) throw MalformedArchive();
+    if (state_.frames.size() > maximumFrames) throw MalformedArchive();
     state_.objects = objects_.size();
     state_.strings = strings_.size();
     return true;

@@ -15,6 +15,9 @@ namespace foundation::non_keyed {
 /// The bytes are no non-keyed archive or break its grammar or bounds.
 struct MalformedArchive {};
 
+/// Classes from an object's own up to the root; real archives stay below 10.
+constexpr size_t maximumClassChain = 64;
+
 /// Bytes in the place of a value that mean something else.
 enum class Mark : quint8 {
     int16 = 0x81,

@@ -16,10 +16,10 @@ namespace vell {
 namespace {
 
 constexpr int shownMilliseconds = 1000;
-constexpr int frameMilliseconds = 16;
+constexpr int fadeStepMilliseconds = 16;
 constexpr qreal fromEdge = 8;  // points
 constexpr qreal sidePadding = 14;
-constexpr qreal verticalPadding = 5;
+constexpr qreal dayPadding = 5;
 constexpr float backgroundOpacity = 0.94f;
 
 QColor mixed(const QColor& a, const QColor& b, float part) {
@@ -54,7 +54,7 @@ void FloatingDay::setText(const QString& text) {
     text_ = text;
     const QFontMetrics metrics(context_.fonts.boldBody);
     const QSizeF points(metrics.horizontalAdvance(text) + 2 * sidePadding,
-                        metrics.height() + 2 * verticalPadding);
+                        metrics.height() + 2 * dayPadding);
     label_ = QImage(context_.px(points.width()), context_.px(points.height()),
                     QImage::Format_ARGB32_Premultiplied);
     label_.fill(Qt::transparent);
@@ -114,7 +114,7 @@ void FloatingDay::timerEvent(QTimerEvent* event) {
     updateArea();
     if (!std::exchange(isFading_, true)) {
         sinceFading_.start();
-        timer_.start(frameMilliseconds, this);
+        timer_.start(fadeStepMilliseconds, this);
     }
     if (opacity() <= 0) timer_.stop();
 }

@@ -12,8 +12,8 @@
 namespace vell {
 namespace {
 
-constexpr int gap = 2;  // points around a day
-constexpr qreal corner = 6;
+constexpr int dayGap = 2;  // points around a day
+constexpr qreal dayCorner = 6;
 constexpr float faintest = 0.14f;
 constexpr float strongest = 0.85f;
 constexpr float otherMonth = 0.35f;
@@ -98,17 +98,17 @@ void DayCalendar::paintCell(QPainter* painter, const QRect& rect, QDate date) co
     const bool isInMonth = date.month() == monthShown() && date.year() == yearShown();
     if (!isInMonth) fill = mixed(base, fill, otherMonth);
 
-    const QRectF cell = QRectF(rect).adjusted(gap, gap, -gap, -gap);
+    const QRectF cell = QRectF(rect).adjusted(dayGap, dayGap, -dayGap, -dayGap);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->fillRect(rect, base);
     painter->setPen(Qt::NoPen);
     painter->setBrush(fill);
-    if (day) painter->drawRoundedRect(cell, corner, corner);
+    if (day) painter->drawRoundedRect(cell, dayCorner, dayCorner);
     if (date == selectedDate()) {
         painter->setBrush(Qt::NoBrush);
         painter->setPen(QPen(text, 2));
-        painter->drawRoundedRect(cell.adjusted(1, 1, -1, -1), corner - 1, corner - 1);
+        painter->drawRoundedRect(cell.adjusted(1, 1, -1, -1), dayCorner - 1, dayCorner - 1);
     }
     QColor ink = day ? legible(fill, text, base) : text;
     if (!day || !isInMonth) ink = mixed(fill, ink, day ? 0.6f : isInMonth ? 0.5f : 0.25f);

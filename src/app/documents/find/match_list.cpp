@@ -14,7 +14,7 @@
 namespace vell {
 namespace {
 
-constexpr int margin = 16;
+constexpr int lineMargin = 16;
 constexpr int rowPadding = 10;
 // Narrower lists show no senders and dates.
 constexpr int leastLine = 220;
@@ -37,19 +37,19 @@ class MatchDelegate final : public QStyledItemDelegate {
             option.palette.color(isActive ? QPalette::Active : QPalette::Inactive,
                                  isSelected ? QPalette::HighlightedText : QPalette::Text);
         painter->save();
-        QRect room = option.rect.adjusted(margin, 0, -margin, 0);
+        QRect room = option.rect.adjusted(lineMargin, 0, -lineMargin, 0);
         const QString origin = index.data(MatchModel::originRole).toString();
         const int wide = option.fontMetrics.horizontalAdvance(origin);
-        if (room.width() - wide - margin >= leastLine) {
+        if (room.width() - wide - lineMargin >= leastLine) {
             QColor faded = color;
             faded.setAlphaF(0.65F);
             painter->setPen(faded);
             const auto side = QStyle::visualAlignment(option.direction, Qt::AlignRight);
             painter->drawText(room, int(side | Qt::AlignVCenter | Qt::TextSingleLine), origin);
             if (option.direction == Qt::LeftToRight) {
-                room.setRight(room.right() - wide - margin);
+                room.setRight(room.right() - wide - lineMargin);
             } else {
-                room.setLeft(room.left() + wide + margin);
+                room.setLeft(room.left() + wide + lineMargin);
             }
         }
         painter->setPen(color);

@@ -17,7 +17,7 @@
 namespace vell {
 namespace {
 
-constexpr int reportInterval = 100;  // milliseconds
+constexpr int pageReportInterval = 100;  // milliseconds
 
 struct Request {
     int page;
@@ -105,7 +105,7 @@ PageSource::PageSource(std::shared_ptr<const TesselChatLog> chatlog, const Paper
                 show(wanted->page, pages.picture(*std::exchange(wanted, std::nullopt)));
             } else if (!isComplete) {
                 isComplete = !pages.countNext();
-                if (!isComplete && pages.count() > 1 && sinceReport.elapsed() < reportInterval)
+                if (!isComplete && pages.count() > 1 && sinceReport.elapsed() < pageReportInterval)
                     continue;
                 sinceReport.restart();
                 report(pages.count(), isComplete);

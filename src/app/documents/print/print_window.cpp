@@ -20,11 +20,11 @@
 namespace vell {
 namespace {
 
-constexpr int margin = 12;
+constexpr int barMargin = 12;
 constexpr int mostPages = 9'999'999;
 
 /// Points to where pages lie that are further on (1) or back (-1).
-QToolButton* arrowButton(int direction, const QString& name) {
+QToolButton* pageButton(int direction, const QString& name) {
     auto* button = new QToolButton;
     const bool isRight = (direction > 0) != QGuiApplication::isRightToLeft();
     button->setArrowType(isRight ? Qt::RightArrow : Qt::LeftArrow);
@@ -47,8 +47,8 @@ PrintWindow::PrintWindow(std::shared_ptr<const TesselChatLog> chatlog, const Pap
       sheet_(new SheetView(setup.format.sheet)),
       page_(new QSpinBox),
       count_(new QLabel),
-      previous_(arrowButton(-1, tr("Previous Page"))),
-      next_(arrowButton(1, tr("Next Page"))) {
+      previous_(pageButton(-1, tr("Previous Page"))),
+      next_(pageButton(1, tr("Next Page"))) {
     setWindowTitle(tr("Print"));
     setAttribute(Qt::WA_DeleteOnClose);
     layOut();
@@ -79,7 +79,7 @@ void PrintWindow::layOut() {
     connect(buttons, &QDialogButtonBox::accepted, this, &PrintWindow::choosePrinter);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* row = new QHBoxLayout;
-    row->setContentsMargins(margin, 0, margin, margin);
+    row->setContentsMargins(barMargin, 0, barMargin, barMargin);
     for (QWidget* widget : {static_cast<QWidget*>(previous_), static_cast<QWidget*>(page_),
                             static_cast<QWidget*>(count_), static_cast<QWidget*>(next_)})
         row->addWidget(widget);

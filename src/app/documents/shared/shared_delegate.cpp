@@ -14,9 +14,9 @@
 namespace vell {
 namespace {
 
-constexpr int gap = 3;  // points around a picture
-constexpr qreal corner = 6;
-constexpr int padding = 8;  // around the lines of a link or a file
+constexpr int cellGap = 3;  // points around a picture
+constexpr qreal cellCorner = 6;
+constexpr int linePadding = 8;  // around the lines of a link or a file
 constexpr qreal smallFont = 0.85;
 constexpr int longestSide = 4;  // in cells; longer pictures show their middle smaller
 
@@ -46,7 +46,7 @@ SharedDelegate::SharedDelegate(const SharedItems& items, PictureCache& pictures,
 
 int SharedDelegate::lineItemHeight(const QFont& font) {
     const int secondary = QFontMetrics(secondaryFont(font)).lineSpacing();
-    return 2 * padding + QFontMetrics(font).lineSpacing() + 2 * secondary;
+    return 2 * linePadding + QFontMetrics(font).lineSpacing() + 2 * secondary;
 }
 
 void SharedDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -65,9 +65,9 @@ void SharedDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option
 
 void SharedDelegate::paintPicture(QPainter& painter, const QStyleOptionViewItem& option,
                                   const TesselChatLog::Image& image) const {
-    const QRect cell = option.rect.adjusted(gap, gap, -gap, -gap);
+    const QRect cell = option.rect.adjusted(cellGap, cellGap, -cellGap, -cellGap);
     QPainterPath rounded;
-    rounded.addRoundedRect(cell, corner, corner);
+    rounded.addRoundedRect(cell, cellCorner, cellCorner);
     const foundation::Picture& picture = image.image();
     const QColor placeholder = RowColors::make(option.palette).separator;
     if (!pictures_.problem(picture).isEmpty()) {
@@ -93,9 +93,9 @@ void SharedDelegate::paintPicture(QPainter& painter, const QStyleOptionViewItem&
         }
     }
     if (option.state & QStyle::State_Selected) {
-        painter.setPen(QPen(option.palette.color(QPalette::Highlight), gap));
+        painter.setPen(QPen(option.palette.color(QPalette::Highlight), cellGap));
         painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(cell, corner, corner);
+        painter.drawRoundedRect(cell, cellCorner, cellCorner);
     }
 }
 
@@ -104,7 +104,7 @@ void SharedDelegate::paintLines(QPainter& painter, const QStyleOptionViewItem& o
     const bool isSelected = option.state & QStyle::State_Selected;
     if (isSelected) painter.fillRect(option.rect, option.palette.color(QPalette::Highlight));
     const RowColors colors = RowColors::make(option.palette);
-    QRect line = option.rect.adjusted(padding, padding, -padding, 0);
+    QRect line = option.rect.adjusted(linePadding, linePadding, -linePadding, 0);
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const QFont font = i == 0 ? option.font : secondaryFont(option.font);
         const QFontMetrics metrics(font);

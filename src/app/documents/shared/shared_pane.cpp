@@ -17,7 +17,7 @@ namespace {
 
 constexpr int narrowest = 220;  // points
 
-QString title(SharedKind kind) {
+QString tabTitle(SharedKind kind) {
     switch (kind) {
         case SharedKind::picture:
             return SharedPane::tr("Pictures");
@@ -53,10 +53,10 @@ SharedPane::SharedPane(const std::shared_ptr<const TesselChatLog>& log, PictureC
     for (const SharedKind kind : sharedKinds) {
         auto* items = new SharedItems(log, kind, contacts, nullptr);
         auto* view = new SharedView(items, pictures, whenEmpty(kind));
-        view->setAccessibleName(title(kind));
+        view->setAccessibleName(tabTitle(kind));
         connect(view, &SharedView::chosen, this, &SharedPane::chosen);
         connect(view, &SharedView::opened, this, &SharedPane::opened);
-        tabs_->addTab(title(kind));
+        tabs_->addTab(tabTitle(kind));
         pages_->addWidget(view);
         views_[static_cast<size_t>(kind)] = view;
     }
@@ -91,7 +91,7 @@ void SharedPane::setContents(const ChatContents& contents) {
         views_[static_cast<size_t>(kind)]->items().setRows(rows);
         //: "Pictures (120)"
         tabs_->setTabText(
-            tab, tr("%1 (%2)").arg(title(kind), QLocale().toString(qlonglong(rows.size()))));
+            tab, tr("%1 (%2)").arg(tabTitle(kind), QLocale().toString(qlonglong(rows.size()))));
         if (first < 0 && !rows.empty()) first = tab;
     }
     tabs_->setCurrentIndex(std::max(first, 0));

@@ -34,8 +34,8 @@ namespace {
 
 constexpr QColor backdrop(24, 24, 26);
 constexpr QColor secondaryText(200, 200, 204);
-constexpr int margin = 12;  // points
-constexpr int bar = 64;     // the height of what is above the picture, and of what is below it
+constexpr int edgeMargin = 12;  // points
+constexpr int bar = 64;         // the height of what is above the picture, and of what is below it
 constexpr qreal zoomStep = 1.25;
 constexpr qreal doubleClickScale = 2;
 constexpr qreal pointsPerStep = 60;  // of a wheel that counts pixels
@@ -101,7 +101,7 @@ const TesselChatLog::Image& PictureViewer::image() const {
 }
 
 QRectF PictureViewer::room() const {
-    return QRectF(rect()).adjusted(margin, bar, -margin, -bar);
+    return QRectF(rect()).adjusted(edgeMargin, bar, -edgeMargin, -bar);
 }
 
 void PictureViewer::setRows(const std::vector<qsizetype>& rows) {
@@ -189,16 +189,16 @@ void PictureViewer::placeChildren() {
     const auto place = [&](QWidget* child, int start, int y) {
         child->move(isMirrored ? width() - start - child->width() : start, y);
     };
-    place(previous_, margin, middle);
-    place(next_, width() - margin - side, middle);
-    int start = width() - margin - side;
+    place(previous_, edgeMargin, middle);
+    place(next_, width() - edgeMargin - side, middle);
+    int start = width() - edgeMargin - side;
     for (ViewerButton* button : {close_, save_, copy_}) {
-        place(button, start, margin);
-        start -= side + margin / 2;
+        place(button, start, edgeMargin);
+        start -= side + edgeMargin / 2;
     }
-    int y = height() - bar + margin;
+    int y = height() - bar + edgeMargin;
     for (QLabel* label : {name_, details_}) {
-        label->setGeometry(margin, y, width() - 2 * margin, label->sizeHint().height());
+        label->setGeometry(edgeMargin, y, width() - 2 * edgeMargin, label->sizeHint().height());
         y += label->height() + 2;
     }
 }
