@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <algorithm>
 
+#include "paper/light_emoji.h"
 #include "toolkit/emoji.h"
 
 namespace vell {
@@ -28,8 +29,9 @@ QRect usedArea(const QImage& image) {
 bool isColored(const LineGlyphs& line, const GlyphCluster& cluster) {
     return std::any_of(cluster.glyphs.begin(), cluster.glyphs.end(), [&](const auto& glyph) {
         const QRawFont& font = line.fonts[static_cast<size_t>(glyph.font)];
-        return font.isValid() &&
-               (font.familyName() == emojiFamily() || !font.fontTable("CBLC").isEmpty());
+        const QString family = familyOf(font);
+        return !family.isEmpty() &&
+               (isLightEmoji(font) || family == emojiFamily() || !font.fontTable("CBLC").isEmpty());
     });
 }
 
@@ -46,7 +48,10 @@ ColorGlyph colorGlyph(const LineGlyphs& line, const GlyphCluster& cluster) {
         QRawFont large = line.fonts[static_cast<size_t>(glyph.font)];
         if (!large.isValid()) continue;
         const qreal scale = em / large.pixelSize();
-        large.setPixelSize(em);
+        if (isLightEmoji(large))
+            large = paintedEmoji(em);
+        else
+            large.setPixelSize(em);
         QGlyphRun run;
         run.setRawFont(large);
         run.setGlyphIndexes({glyph.index});

@@ -124,6 +124,10 @@ class Collector {
 
 }  // namespace
 
+QString familyOf(const QRawFont& font) {
+    return font.isValid() && !font.fontTable("head").isEmpty() ? font.familyName() : QString();
+}
+
 LineGlyphs lineGlyphs(const QTextLine& line, QStringView text) {
     const qsizetype start = std::min<qsizetype>(line.textStart(), text.size());
     const qsizetype length = std::min<qsizetype>(line.textLength(), text.size() - start);

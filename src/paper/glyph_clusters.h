@@ -30,6 +30,9 @@ struct LineGlyphs {
     std::vector<GlyphCluster> clusters;  ///< from left to right
 };
 
+/// Empty for the font of boxes, whose name the toolkit fails to ask for.
+[[nodiscard]] QString familyOf(const QRawFont& font);
+
 /// The glyphs of a line of the layout of this text.
 [[nodiscard]] LineGlyphs lineGlyphs(const QTextLine& line, QStringView text);
 

@@ -128,6 +128,7 @@ RowLayout PagePainter::line(const QString& text, Qt::Alignment side, int width) 
     const RowContext& rows = context_.rows();
     TextFormat format;
     format.font = rows.fonts.body;
+    format.emojiFamily = rows.fonts.emojiFamily;
     format.direction = rows.direction;
     format.ratio = rows.ratio;
     const QString shown =

@@ -68,7 +68,9 @@ void PainterCanvas::text(const LaidOutText& text, QPoint origin, int from, int t
     painter_.setPen(color);
     text.paint(painter_, origin, from, to);
     // Printers get fonts, and those in colours aren't among them.
-    if (painter_.paintEngine()->type() == QPaintEngine::Raster || !hasEmoji(text)) return;
+    const bool isPainted = painter_.paintEngine()->type() == QPaintEngine::Raster &&
+                           text.format().emojiFamily == emojiFamily();
+    if (isPainted || !hasEmoji(text)) return;
     text.forEachLine(from, to, [&](const QTextLine& line, QStringView content, int top) {
         const LineGlyphs glyphs = lineGlyphs(line, content);
         for (const GlyphCluster& cluster : glyphs.clusters) {

@@ -5,6 +5,7 @@
 #include <QEventLoop>
 #include <QGuiApplication>
 
+#include "paper/light_emoji.h"
 #include "timeline/text/laid_out_text.h"
 
 namespace vell {
@@ -55,7 +56,9 @@ PaperContext::PaperContext(const PaperSetup& setup)
             colors_,
             backgrounds_,
             tiles_,
-            pictures_} {}
+            pictures_} {
+    rows_.fonts.emojiFamily = lightEmojiFamily();
+}
 
 RowLayout PaperContext::measure(const TimelineRowView& view, int width) {
     RowLayout layout = view.measure(rows_, width);

@@ -79,7 +79,7 @@ int PdfGlyphs::face(const QRawFont& font) {
     const auto known = faces_.constFind(font);
     if (known != faces_.cend()) return *known;
     const QString name = font.isValid() ? QStringLiteral("%1|%2|%3|%4")
-                                              .arg(font.familyName(), font.styleName())
+                                              .arg(familyOf(font), font.styleName())
                                               .arg(font.weight())
                                               .arg(font.style())
                                         : QString();

@@ -13,6 +13,7 @@ RowLayout measureLine(const QString& text, const QFont& font, LineSide side,
     const int spacers = side == LineSide::center ? 2 * spacer : spacer;
     TextFormat format;
     format.font = font;
+    format.emojiFamily = context.fonts.emojiFamily;
     format.isCentered = side == LineSide::center;
     format.direction = context.direction;
     format.ratio = context.ratio;

@@ -37,6 +37,7 @@ int mostRoom(const BubbleOwner& owner, const RowContext& context, int rowWidth) 
 RowLayout PlainMessageBubbleView::measure(const RowContext& context, int width) const {
     TextFormat format;
     format.font = context.fonts.message;
+    format.emojiFamily = context.fonts.emojiFamily;
     format.lineSpacing = lineSpacing;
     format.isUnderlined = isLink;
     format.direction = context.direction;

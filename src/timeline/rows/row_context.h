@@ -12,6 +12,8 @@
 #include <Qt>
 #include <cmath>
 
+#include "toolkit/emoji.h"
+
 namespace vell {
 
 class BackgroundCache;
@@ -29,6 +31,7 @@ struct RowFonts {
     QFont body;     ///< the desktop's application font, for separators
     QFont boldBody;
     QFont footnote;  ///< ten thirteenths of the body, for captions
+    QString emojiFamily = vell::emojiFamily();
 
     /// The message font is the body's family, `fontSize` points high; sizes that no font can have
     /// are brought to the nearest that one can.

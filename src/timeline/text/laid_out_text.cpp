@@ -30,12 +30,13 @@ int ceilPixels(qreal points, qreal ratio) {
 }
 
 // Without a family of their own the parts of an emoji come from several fonts.
-QList<QTextLayout::FormatRange> emojiFormats(const std::vector<EmojiRange>& ranges) {
+QList<QTextLayout::FormatRange> emojiFormats(const std::vector<EmojiRange>& ranges,
+                                             const QString& family) {
     QList<QTextLayout::FormatRange> formats;
     for (const EmojiRange& range : ranges) {
-        if (emojiFamily().isEmpty()) break;
+        if (family.isEmpty()) break;
         QTextCharFormat format;
-        format.setFontFamilies({emojiFamily()});
+        format.setFontFamilies({family});
         formats.push_back({static_cast<int>(range.start), static_cast<int>(range.length), format});
     }
     return formats;
@@ -135,7 +136,7 @@ std::unique_ptr<QTextLayout> LaidOutText::makeLayout(const TextBlock& block) con
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     option.setTextDirection(block.rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
     layout->setTextOption(option);
-    QList<QTextLayout::FormatRange> formats = emojiFormats(content.ranges);
+    QList<QTextLayout::FormatRange> formats = emojiFormats(content.ranges, format_.emojiFamily);
     if (format_.isUnderlined) {
         QTextCharFormat underline;
         underline.setFontUnderline(true);

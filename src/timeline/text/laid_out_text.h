@@ -19,6 +19,7 @@
 #include "timeline/text/height_tree.h"
 #include "timeline/text/text_blocks.h"
 #include "timeline/text/text_range.h"
+#include "toolkit/emoji.h"
 
 class QPainter;
 
@@ -26,6 +27,7 @@ namespace vell {
 
 struct TextFormat {
     QFont font;
+    QString emojiFamily = vell::emojiFamily();
     qreal lineSpacing = 0;  ///< between lines, in points
     bool isCentered = false;
     bool isUnderlined = false;
