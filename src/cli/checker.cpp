@@ -4,13 +4,13 @@
 #include <unistd.h>
 
 #include <QCryptographicHash>
-#include <QtEndian>
 #include <algorithm>
 #include <atomic>
 #include <exception>
 #include <new>
 #include <utility>
 
+#include "cli/damage.h"
 #include "cli/file_exporter.h"
 #include "cli/in_order.h"
 #include "cli/input.h"
@@ -63,34 +63,6 @@ Verdict verdictOnUnreadable(const Input& input) {
                : Verdict::notATranscript;
 }
 
-/// Whether a binary property list ends with the description of its table of objects, inside it.
-bool endsWithTable(QByteArrayView bytes) {
-    constexpr qsizetype trailerSize = 32;
-    if (bytes.size() < trailerSize) return false;
-    const QByteArrayView trailer = bytes.last(trailerSize);
-    const auto number = [&trailer](qsizetype at) {
-        return qFromBigEndian<quint64>(trailer.data() + at);
-    };
-    const quint64 table = number(24);
-    const quint64 count = number(8);
-    const auto room = static_cast<quint64>(bytes.size() - trailerSize);
-    return trailer[6] > 0 && count > 0 && count < room && table < room && count <= room - table;
-}
-
-/// Where and what.
-QString detailOf(const std::exception& error, QByteArrayView bytes) {
-    if (bytes.isEmpty()) return u"it is empty"_s;
-    if (!beginsLikeArchive(bytes)) return u"it begins like no archive"_s;
-    if (bytes.startsWith("bplist") && !endsWithTable(bytes))
-        return u"at its end, byte %1, is no table of objects: cut short or overwritten"_s.arg(
-            bytes.size());
-    if (bytes.startsWith('\x04'))
-        return u"its %1 bytes are no whole stream: cut short or overwritten"_s.arg(bytes.size());
-    const QString reason = foundation::plainReason(error);
-    const QString known = u"not a transcript, or damaged: "_s;
-    return reason.startsWith(known) ? reason.sliced(known.size()) : reason;
-}
-
 void check(CheckedFile& file, const Input& input, const foundation::Calendar& calendar) {
     file.hash = QCryptographicHash::hash(input.bytes.view(), QCryptographicHash::Sha256);
     try {
@@ -103,7 +75,7 @@ void check(CheckedFile& file, const Input& input, const foundation::Calendar& ca
         throw;
     } catch (const std::exception& error) {
         file.verdict = verdictOnUnreadable(input);
-        file.detail = detailOf(error, input.bytes.view());
+        file.detail = damageIn(input.bytes, error);
     }
 }
 

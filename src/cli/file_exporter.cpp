@@ -118,8 +118,10 @@ MergedFiles FileExporter::merge(const MergeJob& job) {
     MergedFiles merged{job, {}};
     Input input;
     std::map<int, TesselChatLog> years;
+    bool isRecovered = false;
     const auto reading = guarded({.file = job.names}, [&] {
         const std::vector<SessionLog> sessions = readAll(job, input);
+        isRecovered = isRecovered_;
         qint64 all = 0;
         for (const SessionLog& session : sessions)
             all += pieceCount(*session.log);
@@ -138,7 +140,7 @@ MergedFiles FileExporter::merge(const MergeJob& job) {
         merged.documents.push_back(reading);
     else
         for (const auto& [year, log] : years)
-            merged.documents.push_back(exportYear(job, input, log, year));
+            merged.documents.push_back(exportYear(job, input, log, year, isRecovered));
     return merged;
 }
 
@@ -163,7 +165,7 @@ std::vector<SessionLog> FileExporter::readAll(const MergeJob& job, Input& input)
 }
 
 ExportedFile FileExporter::exportYear(const MergeJob& job, const Input& input,
-                                      const TesselChatLog& log, int year) {
+                                      const TesselChatLog& log, int year, bool isRecovered) {
     const QString yearName = year == 0 ? u"undated"_s : QString::number(year);
     const QString name = job.folder + u'/' + yearName;
     ExportJob document{.number = job.number, .file = name, .name = name};
@@ -172,6 +174,7 @@ ExportedFile FileExporter::exportYear(const MergeJob& job, const Input& input,
     return guarded(document, [&] {
         const QByteArray folder = foundation::pathBytes(options_.output + u'/' + job.folder);
         mirrorFolder(folder, folderOf(foundation::pathBytes(job.files.front().file)));
+        isRecovered_ = isRecovered;
         Input yearInput = input;
         yearInput.name = name;
         write(yearInput, log, job.names + u' ' + yearName);

@@ -75,7 +75,7 @@ class FileExporter {
     void exportOne();
     [[nodiscard]] std::vector<SessionLog> readAll(const MergeJob& job, Input& input);
     [[nodiscard]] ExportedFile exportYear(const MergeJob& job, const Input& input,
-                                          const TesselChatLog& log, int year);
+                                          const TesselChatLog& log, int year, bool isRecovered);
     void addIndexEntry(const TesselChatLog& log);
     [[nodiscard]] std::optional<TesselChatLog> read(Input& input);
     void writeArchive();

@@ -18,10 +18,14 @@ namespace {
 using namespace Qt::StringLiterals;
 using test::Result;
 
-QByteArray transcript(const QString& text) {
+writers::Transcript shortChat(const QString& text) {
     writers::Transcript result{.service = u"AIM"_s, .people = {{u"ann"_s}}};
     result.messages.push_back({.sender = 0, .date = 1000, .body = {writers::words(text)}});
-    return writers::keyedTranscript(result);
+    return result;
+}
+
+QByteArray transcript(const QString& text) {
+    return writers::keyedTranscript(shortChat(text));
 }
 
 QByteArray transcriptWithoutContent() {
@@ -73,6 +77,7 @@ class Shell : public testing::Test {
             {"file.ichat", transcriptWithFile()},
             {"new year", transcriptOfNewYear()},
             {"x/expands", expanding_},
+            {"non-keyed", writers::nonKeyedTranscript(shortChat(u"alpha"_s))},
             {"x/empty", writers::keyedTranscript({.service = u"AIM"_s})},
             {"old", "old"}};
         for (const auto& [name, bytes] : files)
@@ -145,7 +150,7 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
         // Files and folders
         {"v -fjson -qo new a.ichat; cat new", 0, "<a>", ""},
         {"v -o new a.ichat b.ichat; ls", 0,
-         "a.ichat\nb.ichat\nbad.ichat\nfile.ichat\nlong\nnew year\nold\nout\n"
+         "a.ichat\nb.ichat\nbad.ichat\nfile.ichat\nlong\nnew year\nnon-keyed\nold\nout\n"
          "warn.ichat\nx\n",
          "new is not a folder; several files need one (--output-dir)\n"},
         {"v -o new a.ichat a.ichat", 2, "", "new is not a folder"},
@@ -293,6 +298,17 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
          "overwritten\n5\nunreadable\tnothing\tNo such file or "
          "directory\nnot-a-transcript\tbad.ichat\tit begins like no archive\n1\n",
          ""},
+        {"poke() { cp a.ichat p; printf '\\377' | dd of=p bs=1 seek=$1 conv=notrunc 2>&-; "
+         "vell-export "
+         "--check p; }\n"
+         "size=$(stat -c %s a.ichat); poke 9; poke $((size - 40)); poke $((size - 20))\n"
+         "vell-export --check non-keyed; head -c 200 non-keyed > p; vell-export --check p",
+         5,
+         "damaged\tp\tobject 0 is overwritten, at byte 8\n"
+         "damaged\tp\tits table of objects is overwritten at byte 872, of object 105\n"
+         "damaged\tp\tat its end, byte 912, is no table of objects: cut short or overwritten\n"
+         "fine\tnon-keyed\t1 message\ndamaged\tp\tit can't be read on after byte 200\n",
+         ""},
         {"v --check a.ichat", 2, "", "--check writes no documents, so --format means nothing\n"},
         {"vell-export --check a.ichat > /dev/full", 1, "",
          "standard output: No space left on device\n"},
@@ -309,6 +325,10 @@ TEST_F(Shell, EachCommandDoesWhatItSays) {
          "3\nvell-export: cut.ichat: Recovered 1 of about 1 message; t\n"
          "recovered\",\"messages\":2\nconverted\",\"messages\":1\nout/cut.md:1\nout/b.md:0\n1\n",
          ""},
+        {"head -c -40 a.ichat >cut.ichat; v --recover --merge -d out --report r cut.ichat b.ichat "
+         "2>&-\n"
+         "echo $?; grep -o 'result.*' r",
+         0, "3\nresult\":\"recovered\",\"messages\":3}\n", ""},
         // Failures
         {"v -d out bad.ichat nothing a.ichat; ls out", 0, "a.json\n",
          "vell-export: nothing: No such file or directory\n"},
