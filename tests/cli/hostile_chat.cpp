@@ -2,6 +2,8 @@
 //
 // hostile_chat FILE: writes a transcript whose names, texts, titles, addresses and file names try
 // to be something else in every format: markup, formulas, quotation marks, line breaks.
+// hostile_chat FILE MESSAGES [non-keyed]: so many messages of that kind, and n00000n, n00001n … at
+// their starts.
 #include <QFile>
 
 #include "writers/transcript_writer.h"
@@ -53,13 +55,15 @@ const QStringList addresses{
     u"xmpp:bob@example.org"_s,
 };
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    if (argc != 2) return 2;
+writers::Transcript emptyChat() {
     writers::Transcript chat{.service = u"<AIM>&\""_s, .people = {}, .participants = {1}};
     for (const QString& name : hostile)
         chat.people.push_back({name});
+    return chat;
+}
+
+writers::Transcript everythingHostile() {
+    writers::Transcript chat = emptyChat();
     const QByteArray png = QByteArray::fromBase64(
         "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAIAAACQd1PeAAAADElEQVR4nGP4n2YMAAQAAZnapz5oAAAAAElF"
         "TkSuQmCC");
@@ -67,7 +71,7 @@ int main(int argc, char** argv) {
         "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"9\" "
         "height=\"9\"><script>alert(1)</script>"
         "<image href=\"http://evil.example/x.png\"/></svg>";
-    double time = 268405445;
+    double time = 268433445;  // the second message is of the next day
     std::size_t sender = 0;
     const auto add = [&](std::vector<writers::Piece> body) {
         time += 7000;
@@ -87,7 +91,41 @@ int main(int argc, char** argv) {
         add({writers::linked(address, address)});
         add({writers::linked(u"title"_s, address)});
     }
+    return chat;
+}
+
+std::vector<writers::Piece> numberedBody(int number) {
+    const QString mark = u"n%1n"_s.arg(number, 5, 10, '0'_L1);
+    const QString& text = hostile[number % hostile.size()];
+    switch (number % 5) {
+        case 0:
+            return {writers::attached(mark + u".txt"_s, "no picture")};
+        case 1:
+            return {writers::linked(mark + text, u"http://a.example/"_s), writers::words(text)};
+        case 2:
+            return {writers::words(mark), writers::attached(u"a"_s, "b"), writers::words(text)};
+        default:
+            return {writers::words(mark + u"\n\n"_s + text + u"\n\n"_s + text)};
+    }
+}
+
+writers::Transcript numbered(int messages) {
+    writers::Transcript chat = emptyChat();
+    for (int i = 0; i < messages; ++i) {
+        writers::Message message{.date = 268405445 + 25.0 * i, .body = numberedBody(i)};
+        if (i % 7 > 0) message.sender = static_cast<std::size_t>(i / 3 % hostile.size());
+        chat.messages.push_back(std::move(message));
+    }
+    return chat;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) return 2;
+    const auto chat = argc > 2 ? numbered(QByteArray(argv[2]).toInt()) : everythingHostile();
+    const auto bytes =
+        argc > 3 ? writers::nonKeyedTranscript(chat) : writers::keyedTranscript(chat);
     QFile file(QString::fromLocal8Bit(argv[1]));
-    return file.open(QIODevice::WriteOnly) && file.write(writers::keyedTranscript(chat)) > 0 ? 0
-                                                                                             : 1;
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? 0 : 1;
 }

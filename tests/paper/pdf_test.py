@@ -3,7 +3,7 @@
 """Reads PDFs that vell writes with other programs: every message is in them once and in order,
 with the days as outline and with live links.
 
-usage: pdf_test.py VELL VELL-EXPORT MAKE-ARCHIVE FOLDER…  with transcripts in all scripts
+usage: pdf_test.py VELL VELL-EXPORT MAKE-ARCHIVE HOSTILE-CHAT FOLDER…  with transcripts in all scripts
 """
 
 import collections
@@ -16,8 +16,9 @@ import sys
 import tempfile
 import unicodedata
 
-VELL, EXPORT, ARCHIVE = sys.argv[1:4]
+VELL, EXPORT, ARCHIVE, HOSTILE = sys.argv[1:5]
 MESSAGES = 2000
+NUMBERED = 10_000  # messages
 NEAR = 1000  # characters between two messages: captions, times, headings of pages
 
 failures = []
@@ -101,6 +102,18 @@ def check_document(name, transcript, folder):
     return len(objects["pages"])
 
 
+def check_numbers(folder):
+    """Each message begins with its number, whatever else it holds."""
+    chat, pdf = folder / "numbered.ichat", folder / "out.pdf"
+    run(HOSTILE, chat, str(NUMBERED))
+    run(VELL, "--render", pdf, chat)
+    numbers = re.findall("n([0-9]{5})n", run("pdftotext", "-raw", pdf, "-").decode())
+    check(numbers == [f"{number:05}" for number in range(NUMBERED)],
+          f"{len(numbers)} of {NUMBERED} messages, or not in order")
+    complaints = run("qpdf", "--check", pdf).decode()
+    check("No syntax or stream encoding errors" in complaints, complaints)
+
+
 def main():
     missing = [tool for tool in ("qpdf", "pdftotext", "pdfinfo") if not shutil.which(tool)]
     if missing:
@@ -108,13 +121,14 @@ def main():
         sys.exit(77)
     with tempfile.TemporaryDirectory() as temporary:
         folder = pathlib.Path(temporary)
-        for place in sys.argv[4:]:
+        for place in sys.argv[5:]:
             for transcript in sorted(pathlib.Path(place).glob("*.ichat")):
                 check_document(transcript.stem, transcript, folder)
         run(ARCHIVE, folder / "archive", "1", str(MESSAGES), "2")
         made = next((folder / "archive").rglob("*.ichat"))
         pages = check_document("many messages", made, folder)
         check(pages > MESSAGES / 40, f"only {pages} pages")
+        check_numbers(folder)
         gone = subprocess.run([VELL, "--render", "/dev/full/out.pdf", made], capture_output=True)
         check(gone.returncode == 1 and b"can't be written" in gone.stderr, "a target that isn't there")
     sys.exit(bool(failures))
