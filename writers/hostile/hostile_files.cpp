@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "writers/hostile/hostile_files.h"
 
+#include <QtEndian>
 #include <functional>
 #include <utility>
 #include <vector>
