@@ -49,10 +49,10 @@ void PdfCanvas::endPage() {
     const int content = file_.reserve();
     file_.writeStream(content, "", content_);
     QByteArray fonts;
-    for (const int font : std::as_const(usedFonts_))
+    for (const int font : usedFonts_)
         fonts += "/F" + QByteArray::number(font) + ' ' + pdfReference(glyphs_.object(font)) + ' ';
     QByteArray images;
-    for (const int image : std::as_const(usedImages_))
+    for (const int image : usedImages_)
         images += "/X" + QByteArray::number(image) + ' ' + pdfReference(image) + ' ';
     QByteArray value = "<< /Type /Page /Parent " + pdfReference(pageTree_) + " /MediaBox [0 0 " +
                        numbers({format_.sheet.width(), format_.sheet.height()}) + "]\n/Contents " +

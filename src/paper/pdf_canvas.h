@@ -11,7 +11,7 @@
 
 #include <QByteArray>
 #include <QHash>
-#include <QSet>
+#include <set>
 #include <vector>
 
 #include "paper/bubble_parts.h"
@@ -71,8 +71,8 @@ class PdfCanvas final : public PaperCanvas {
     int page_ = 0;
     QByteArray content_;
     QByteArray links_;
-    QSet<int> usedImages_;
-    QSet<int> usedFonts_;
+    std::set<int> usedImages_;
+    std::set<int> usedFonts_;
     QColor fillColor_;
 };
 

@@ -7,6 +7,7 @@
 
 #include <QBuffer>
 #include <QLocale>
+#include <QPainter>
 #include <QPdfWriter>
 #include <QTextLayout>
 
@@ -14,8 +15,10 @@
 #include "paper/canvas.h"
 #include "paper/page_painter.h"
 #include "paper/page_printing.h"
+#include "paper/painter_canvas.h"
 #include "paper/pdf_document.h"
 #include "timeline/text/laid_out_text.h"
+#include "toolkit/emoji.h"
 
 namespace vell {
 namespace {
@@ -62,6 +65,10 @@ class Paper {
             const PaperRow& last = page->rows.back();
             EXPECT_LE(last.top + last.layout.height, painter_.rowsSize().height());
             EXPECT_GE(page->rows.front().layout.icon.top(), 0);
+            for (const PaperRow& row : page->rows) {
+                const QRect& frame = row.layout.frame;
+                EXPECT_TRUE(frame.isEmpty() || frame.contains(row.layout.content));
+            }
             all.push_back(std::move(*page));
         }
         return all;
@@ -77,14 +84,14 @@ class Paper {
 
 TEST(Paginator, BubblesAreWholeAndMarksAndCaptionsStayWithThem) {
     LogBuilder builder;
-    for (int i = 0; i < 300; ++i) {
-        builder.newMinute().text(u"bob"_s, u"message %1 \n"_s.arg(i).repeated(1 + i % 7));
+    for (int i = 0; i < 3000; ++i) {
+        builder.newMinute().text(u"bob"_s, u"message %1 \n"_s.arg(i).repeated(1 + i * 5 % 13));
         builder.user(u"bob"_s);
     }
     Notes notes;
     const auto pages = Paper(builder.log()).pages(notes);
-    EXPECT_GT(pages.size(), 10u);
-    EXPECT_EQ(notes.bubbles.size(), 300);
+    EXPECT_GT(pages.size(), 100u);
+    EXPECT_EQ(notes.bubbles.size(), 3000);
     for (const PaperPage& page : pages) {
         EXPECT_EQ(page.rows.front().event % 3, 0) << "a mark begins page " << page.number;
         EXPECT_EQ(page.rows.back().event % 3, 2) << "a caption ends page " << page.number;
@@ -205,6 +212,25 @@ TEST(PdfDocument, EmojiKeepTheirWidth) {
     buffer.open(QIODevice::WriteOnly);
     EXPECT_TRUE(writePdf(log, setup, buffer).isComplete);
     EXPECT_EQ(width(), before);
+}
+
+TEST(PainterCanvas, EmojiAreInColors) {
+    if (emojiFamily().isEmpty()) GTEST_SKIP() << "no font in colours";
+    const TesselChatLog log = LogBuilder().system(u"a cat \U0001F408"_s).log();
+    const PaperSetup setup = currentPaperSetup(log, ContactsStore(), {}, ManyMessages::a4());
+    PaperContext context(setup);
+    const PagePainter pagePainter(log, context, setup);
+    QImage image(setup.format.sheet.toSize(), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    PainterCanvas canvas(painter);
+    const auto page = Paginator(log, context, pagePainter.rowsSize()).next();
+    pagePainter.paint(canvas, *page);
+    painter.end();
+    int colored = 0;
+    for (int i = 0; i < image.width() * image.height(); ++i)
+        colored += image.pixelColor(i % image.width(), i / image.width()).saturation() > 100;
+    EXPECT_GT(colored, 10);
 }
 
 TEST(PagePrinting, OnlyTheChosenPagesArePainted) {

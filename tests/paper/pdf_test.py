@@ -48,16 +48,18 @@ def is_mixed(text):
 
 
 def messages(transcript):
-    """The texts that the timeline shows in bubbles and lines, and the addresses of its links."""
-    texts, links = [], []
+    """The texts that the timeline shows in bubbles and lines, the addresses of its links, and how
+    many days have a heading."""
+    texts, links, days = [], [], 0
     for line in run(EXPORT, "--format", "jsonl", transcript).decode().split("\n")[:-1]:
         event = json.loads(line)
+        days += event["kind"] == "newDay"
         text = event.get("title") or event.get("text")
         if text and plain(text):
             texts.append(text)
         if event.get("url"):
             links.append(event["url"])
-    return texts, links
+    return texts, links, days
 
 
 def check_texts(name, texts, shown):
@@ -81,22 +83,33 @@ def check_texts(name, texts, shown):
             check(shown.count(text) == count, f"{name}: {text[:60]!r} {shown.count(text)} times")
 
 
+def entries(outline, level=0):
+    for entry in outline:
+        yield level, entry["destpageposfrom1"]
+        yield from entries(entry["kids"], level + 1)
+
+
 def check_document(name, transcript, folder):
     pdf = folder / "out.pdf"
     run(VELL, "--render", pdf, transcript)
     complaints = run("qpdf", "--check", pdf).decode()
     check("No syntax or stream encoding errors" in complaints, f"{name}: {complaints}")
-    texts, links = messages(transcript)
+    texts, links, days = messages(transcript)
     check_texts(name, texts, plain(run("pdftotext", "-raw", pdf, "-").decode()))
 
     objects = json.loads(run("qpdf", "--json", "--json-key=outlines", "--json-key=pages", pdf))
-    years = objects["outlines"]
-    check(not texts or years[0]["kids"][0]["kids"], f"{name}: an outline by year, month and day")
-    check(all(entry["destpageposfrom1"] for entry in years), f"{name}: entries lead to pages")
+    marks = list(entries(objects["outlines"]))
+    shown_days = sum(level == 2 for level, _ in marks)
+    expected = days or min(len(texts), 1)  # what has no day of its own may have no heading
+    check(shown_days == expected, f"{name}: {shown_days} of {expected} days in the outline")
+    check(sorted(marks, key=lambda mark: mark[1]) == marks, f"{name}: entries out of order")
     shown_links = run("pdfinfo", "-url", pdf).decode()
     for link in links:
         if link.startswith(("http:", "https:", "mailto:")):
             check(link in shown_links, f"{name}: no link to {link}")
+    images = run("pdfimages", "-list", pdf).decode().split("\n")[2:]
+    masks = sum(" smask " in image for image in images)
+    check(masks <= len(images) / 2, f"{name}: {masks} of {len(images)} pictures are masks")
     title = run("pdfinfo", pdf).decode()
     check(pathlib.Path(transcript).stem in title, f"{name}: no title in {title}")
     return len(objects["pages"])
@@ -115,7 +128,7 @@ def check_numbers(folder):
 
 
 def main():
-    missing = [tool for tool in ("qpdf", "pdftotext", "pdfinfo") if not shutil.which(tool)]
+    missing = [tool for tool in ("qpdf", "pdftotext", "pdfinfo", "pdfimages") if not shutil.which(tool)]
     if missing:
         print("skipped: there is no", ", ".join(missing))
         sys.exit(77)
