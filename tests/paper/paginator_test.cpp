@@ -9,10 +9,12 @@
 #include <QLocale>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QRandomGenerator>
 #include <QTextLayout>
 
 #include "export/log_builder.h"
 #include "paper/canvas.h"
+#include "paper/light_emoji.h"
 #include "paper/page_painter.h"
 #include "paper/page_printing.h"
 #include "paper/painter_canvas.h"
@@ -84,14 +86,18 @@ class Paper {
 
 TEST(Paginator, BubblesAreWholeAndMarksAndCaptionsStayWithThem) {
     LogBuilder builder;
+    QRandomGenerator random(1);
     for (int i = 0; i < 3000; ++i) {
-        builder.newMinute().text(u"bob"_s, u"message %1 \n"_s.arg(i).repeated(1 + i * 5 % 13));
+        builder.newMinute().text(u"bob"_s,
+                                 u"message %1 \n"_s.arg(i).repeated(1 + random.bounded(13)));
         builder.user(u"bob"_s);
     }
     Notes notes;
     const auto pages = Paper(builder.log()).pages(notes);
     EXPECT_GT(pages.size(), 100u);
     EXPECT_EQ(notes.bubbles.size(), 3000);
+    EXPECT_TRUE(notes.lines.contains(QString::number(pages.size())) &&
+                !notes.lines.contains(u"0"_s));
     for (const PaperPage& page : pages) {
         EXPECT_EQ(page.rows.front().event % 3, 0) << "a mark begins page " << page.number;
         EXPECT_EQ(page.rows.back().event % 3, 2) << "a caption ends page " << page.number;
@@ -113,6 +119,10 @@ TEST(Paginator, TextsLongerThanAPageAreCutBetweenLines) {
         EXPECT_EQ(pages.front().rows.size(), 2u) << "a long text begins where there is room";
         EXPECT_EQ(notes.lines.filter(u"line "_s), lines);
         EXPECT_EQ(isSystem ? 1 : qsizetype(pages.size()) + 1, notes.bubbles.size());
+    }
+    for (int lines = 40; lines < 90; ++lines) {  // one of them leaves a single line
+        Notes notes;
+        Paper(LogBuilder().text(u"bob"_s, u"line\n"_s.repeated(lines)).log()).pages(notes);
     }
 }
 
@@ -233,6 +243,17 @@ TEST(PainterCanvas, EmojiAreInColors) {
     EXPECT_GT(colored, 10);
 }
 
+TEST(LightEmoji, AreAsWideAsTheOthers) {
+    TextFormat format;
+    format.font.setPixelSize(32);
+    const QString emoji = u"\U0001F408\U0001F44D\U0001F3FD\U0001F1E9\U0001F1EA"_s;
+    const LaidOutText heavy(emoji, format, 4000);
+    format.emojiFamily = lightEmojiFamily();
+    const LaidOutText light(emoji, format, 4000);
+    EXPECT_NEAR(light.width(), heavy.width(), 2);
+    EXPECT_EQ(light.height(), heavy.height());
+}
+
 TEST(PagePrinting, OnlyTheChosenPagesArePainted) {
     const ManyMessages many;
     const auto always = [](auto, auto) { return true; };
@@ -242,6 +263,7 @@ TEST(PagePrinting, OnlyTheChosenPagesArePainted) {
         buffer.open(QIODevice::WriteOnly);
         QPdfWriter device(&buffer);
         EXPECT_EQ(printPages(many.log, many.setup, device, {first, last}, always), count);
+        EXPECT_EQ(buffer.data().count("/Type /Page\n"), std::max(count, 1));
         EXPECT_EQ(writePdf(many.log, many.setup, buffer, always, {first, last}).pages, count);
     }
 }

@@ -109,7 +109,7 @@ def check_document(name, transcript, folder):
             check(link in shown_links, f"{name}: no link to {link}")
     images = run("pdfimages", "-list", pdf).decode().split("\n")[2:]
     masks = sum(" smask " in image for image in images)
-    check(masks <= len(images) / 2, f"{name}: {masks} of {len(images)} pictures are masks")
+    check(masks <= len(images) / 3, f"{name}: {masks} of {len(images)} pictures are masks")
     title = run("pdfinfo", pdf).decode()
     check(pathlib.Path(transcript).stem in title, f"{name}: no title in {title}")
     return len(objects["pages"])
