@@ -81,8 +81,9 @@ class Library final : public QObject {
     std::optional<Indexing::State> indexing_;
     QString notice_;
     LibraryThread reading_;
-    std::unique_ptr<Indexing> indexer_;
     std::unique_ptr<FolderWatch> watch_;
+    // Stops first when the program quits: the rest would have to share the processors with it.
+    std::unique_ptr<Indexing> indexer_;
     QTimer refresh_;  // while files are being indexed
     QStringList lookedAt_;
     QElapsedTimer sinceLook_;
