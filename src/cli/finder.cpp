@@ -3,6 +3,7 @@
 
 #include <signal.h>
 
+#include <QSettings>
 #include <atomic>
 #include <optional>
 
@@ -16,6 +17,7 @@
 #include "library/direct_search.h"
 #include "library/indexer.h"
 #include "library/library_search.h"
+#include "library/searched_names.h"
 #include "toolkit/console.h"
 
 namespace vell {
@@ -46,17 +48,24 @@ void stopOnSignals() {
     }
 }
 
+/// As the user has joined addresses in the library's window.
+PersonAliases aliasesOfUser() {
+    const QSettings settings(u"quillmark"_s, u"vell"_s);
+    return PersonAliases::fromLines(settings.value(PersonAliases::settingsKey).toStringList());
+}
+
 class Finder {
   public:
     explicit Finder(const FindOptions& options)
         : options_(options),
           contacts_(contactsIn(options.contacts)),
+          names_(aliasesOfUser(), contacts_.addressToContact()),
           printer_(options, [this](const TesselUserID& user) { return nameOf(user); }) {
         for (const SearchedFolder& folder : options.folders)
             scope_.folders.push_back(folder.canonical);
         scope_.bestFirst = options.bestFirst;
         scope_.context = options.context;
-        scope_.nameOf = [this](const TesselUserID& user) { return nameOf(user); };
+        scope_.nameOf = [this](const TesselUserID& user) { return names_.of(user); };
     }
 
     /// Whether something was found.
@@ -70,6 +79,7 @@ class Finder {
   private:
     const FindOptions& options_;
     const ContactsStore contacts_;
+    const SearchedNames names_;
     HitPrinter printer_;
     SearchScope scope_;
     ProgressLine progress_;

@@ -18,6 +18,9 @@ class PersonAliases {
   public:
     using Addresses = std::vector<TesselUserID>;
 
+    /// Of the lines below, in the settings of the program with windows.
+    static constexpr QLatin1String settingsKey{"Library/Aliases"};
+
     /// Makes one person of both; it is called what the first one is.
     void join(const Addresses& person, const Addresses& other);
     /// Each of these is a person of its own from now on.

@@ -48,21 +48,33 @@ const Case cases[] = {
      R"("userID":"ann"},"kind":"plainText","text":"red apple"})"
      "\n"},
     {"f --contacts people.vcf -c --from Annabel plum", 0, "1\n"},
+    {"join ben eve && f -c --from eve plum", 0, "1\n"},
+    {"join ben eve && f -c --no-index --with eve plum", 0, "1\n"},
+    {"join eve carl; f --contacts people.vcf -c --from carl plum", 0, "1\n"},
+    {"join eve carl; f -c --from carl plum", 1, "0\n"},
     {"f", 2, "", "no word given"},
     {"f --after never plum", 2, "", "not a day, month or year: never"},
     {"f plum -- missing", 2, "", "missing: No such file or directory"},
     {"f plum > /dev/full", 2, "", "standard output: "},
 };
 
+/// What the library's window does with two addresses.
+const char join[] =
+    "join() { mkdir -p \"$XDG_CONFIG_HOME/quillmark\"\n"
+    "printf '[Library]\\nAliases=joined AIM:%s AIM:%s\\n' $* "
+    "> \"$XDG_CONFIG_HOME/quillmark/vell.conf\"; }\n";
+
 TEST(Find, WorksAsInAShell) {
     const test::Fixture fixture;
     fixture.chat(u"ann"_s, {u"red apple"_s, u"green pear"_s, u"red plum"_s});
     fixture.chat(u"ben"_s, {u"blue plum"_s});
     fixture.write(u"broken.ichat"_s, "nothing");
-    fixture.write(u"people.vcf"_s,
-                  "BEGIN:VCARD\r\nVERSION:3.0\r\nFN:Annabel\r\nX-AIM:ann\r\nEND:VCARD\r\n");
+    fixture.write(
+        u"people.vcf"_s,
+        "BEGIN:VCARD\r\nVERSION:3.0\r\nFN:Annabel\r\nX-AIM:ann\r\nX-AIM:eve\r\nEND:VCARD\r\n");
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"XDG_CACHE_HOME"_s, fixture.place.path());
+    environment.insert(u"XDG_CONFIG_HOME"_s, fixture.place.path());
     environment.insert(u"TZ"_s, u"UTC"_s);
     for (const Case& c : cases) {
         SCOPED_TRACE(c.command);
@@ -71,7 +83,7 @@ TEST(Find, WorksAsInAShell) {
         shell.setWorkingDirectory(QString::fromStdString(fixture.chats));
         shell.start(u"/bin/sh"_s,
                     {u"-c"_s, u"f() { '"_s + QStringLiteral(VELL_FIND) + u"' \"$@\"; }\n"_s +
-                                  QString::fromLatin1(c.command)});
+                                  QLatin1String(join) + QString::fromLatin1(c.command)});
         ASSERT_TRUE(shell.waitForFinished());
         EXPECT_EQ(shell.exitCode(), c.status);
         EXPECT_EQ(shell.readAllStandardOutput().toStdString(), c.output);

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "foundation/local_path.h"
+#include "library/person_aliases.h"
 
 namespace vell {
 namespace {
@@ -17,7 +18,7 @@ const QString restoresWindowsKey = QStringLiteral("RestoreWindows");
 const QString lastWindowsKey = QStringLiteral("LastWindows");
 const QString contactsFilesKey = QStringLiteral("ContactsFiles");
 const QString libraryFoldersKey = QStringLiteral("Library/Folders");
-const QString libraryAliasesKey = QStringLiteral("Library/Aliases");
+const QString libraryAliasesKey = PersonAliases::settingsKey;
 const QString timeZoneKey = QStringLiteral("TimeZone");
 const QString recentTimeZonesKey = QStringLiteral("RecentTimeZones");
 const QString placesOrderKey = QStringLiteral("WindowPlaces/Order");
