@@ -91,7 +91,6 @@ TranscriptReader::Hashes Changes::knownHashes() const {
     for (const FoundFile& file : toRead) {
         if (const KnownFile* before = at(file.path)) result->insert(before->hash);
     }
-    result->remove({});  // what couldn't be read
     return result;
 }
 

@@ -15,6 +15,8 @@
 #include <QToolButton>
 #include <QUrl>
 
+#include "app/desktop/settings.h"
+#include "app/library/found_messages.h"
 #include "app/library/library_window.h"
 #include "library/library_store.h"
 #include "timeline/timeline_view.h"
@@ -53,7 +55,9 @@ class LibraryTest : public test::Windows {
         (void)file(u"chats/"_s + name, writers::keyedTranscript(chat));
     }
     void openLibrary() {
-        program->addToLibrary({folder.filePath(u"chats"_s)});
+        const QString chats = folder.filePath(u"chats"_s);
+        program->addToLibrary({chats, chats, chats + u"/bob.ichat"_s});
+        EXPECT_EQ(Settings().libraryFolders(), QStringList(QFileInfo(chats).canonicalFilePath()));
         window = openWindow<LibraryWindow>("libraryWindow");
         ASSERT_TRUE(window);
         ASSERT_TRUE(waitUntil([this] { return texts("libraryPeople").size() > 1; }));
@@ -117,6 +121,13 @@ TEST_F(LibraryTest, LeadsFromPeopleToMessages) {
     EXPECT_TRUE(waitUntil([this] { return shows(u"Good morning"_s); }));
     QTest::keyClick(view("libraryConversations"), Qt::Key_Return);
     EXPECT_TRUE(waitUntil([this] { return windowOf(folder.filePath(u"chats/bob.ichat"_s)); }));
+    write(u"bob3.ichat"_s, u"bob"_s, {u"Supper"_s}, 60'000'000);
+    ASSERT_TRUE(waitUntil([this] {
+        return texts("libraryConversations").contains(u"2002"_s) &&
+               texts("libraryConversations").size() == 9;
+    }));
+    EXPECT_TRUE(
+        view("libraryConversations")->currentIndex().data().toString().startsWith(u"Thu 26"_s));
 }
 
 TEST_F(LibraryTest, FollowsTheFolders) {
@@ -142,6 +153,8 @@ TEST_F(LibraryTest, FollowsTheFolders) {
 }
 
 TEST_F(LibraryTest, SearchesAsOneTypes) {
+    QFile::copy(folder.filePath(u"chats/bob.ichat"_s), folder.filePath(u"chats/copy.ichat"_s));
+    write(u"dan.ichat"_s, u"dan"_s, {u"Yes\nTwo lunches, lunches!"_s});
     openLibrary();
     struct Row {
         QString query;
@@ -162,6 +175,12 @@ TEST_F(LibraryTest, SearchesAsOneTypes) {
         })) << qPrintable(row.query)
             << qPrintable(texts("libraryFound").join(u'|'));
     }
+    search(u"lunches"_s);
+    ASSERT_TRUE(waitUntil([this] { return texts("libraryFound").size() == 1; }));
+    const auto& found = static_cast<const FoundMessages&>(*view("libraryFound")->model());
+    const FoundMessages::Row& row = found.row(found.index(0, 0));
+    ASSERT_EQ(row.stretches.size(), 2U);
+    EXPECT_EQ(row.line.mid(row.stretches[1].position, row.stretches[1].length), u"lunches"_s);
     search(u"in:nonsense"_s);
     EXPECT_TRUE(label("librarySearchState").startsWith(u"Dates are written"_s));
     EXPECT_TRUE(view("libraryFound")->isVisible());

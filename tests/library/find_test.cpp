@@ -43,10 +43,13 @@ const Case cases[] = {
      "ann:2001-01-01 00:00 ann: red apple\n"
      "ann-2001-01-01 00:01 ann- green pear\n"
      "ann:2001-01-01 00:02 ann: red plum\n"},
-    {"f --json apple | sed 's/\"sequence\":[0-9]*/S/'", 0,
+    {"f --json 'apple ' | sed 's/\"sequence\":[0-9]*/S/'", 0,
      R"({"path":"ann",S,"timestamp":"2001-01-01T00:00:00.000Z","sender":{"serviceID":"AIM",)"
      R"("userID":"ann"},"kind":"plainText","text":"red apple"})"
      "\n"},
+    {"f --best apple", 0,
+     "ann:2001-01-01 00:00 ann: red apple\n"
+     "ben:2001-01-01 00:01 ben: applet\n"},
     {"f --contacts people.vcf -c --from Annabel plum", 0, "1\n"},
     {"join ben eve && f -c --from eve plum", 0, "1\n"},
     {"join ben eve && f -c --no-index --with eve plum", 0, "1\n"},
@@ -67,7 +70,7 @@ const char join[] =
 TEST(Find, WorksAsInAShell) {
     const test::Fixture fixture;
     fixture.chat(u"ann"_s, {u"red apple"_s, u"green pear"_s, u"red plum"_s});
-    fixture.chat(u"ben"_s, {u"blue plum"_s});
+    fixture.chat(u"ben"_s, {u"blue plum"_s, u"applet"_s});
     fixture.write(u"broken.ichat"_s, "nothing");
     fixture.write(
         u"people.vcf"_s,

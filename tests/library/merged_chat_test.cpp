@@ -7,6 +7,8 @@
 #include <limits>
 #include <variant>
 
+#include "library/conversation.h"
+
 namespace vell {
 namespace {
 
@@ -133,6 +135,12 @@ TEST(MergedChat, ShowsEachMessageOnceInOrderOfTime) {
         {"one date far in the future",
          {session(0, {{1e9, "a"}, {2, "b"}, {3, "c"}}), session(1, {{7, "d"}})},
          "[A] day a day b c (ann) [B] d"},
+        {"an instant that two files share",
+         {session(0, {{1, "a"}, {2, "b"}}), session(1, {{2, "b"}, {3, "c"}})},
+         "[A] day a b (ann) [B] c"},
+        {"a repetition of what a wrong clock dated",
+         {session(0, {{5, "a"}, {9, "b"}, {6, "c"}}), session(1, {{9, "b"}, {10, "d"}})},
+         "[A] day a b c (ann) [B] d"},
         {"an empty file", {session(0, {}), session(1, {{1, "a"}})}, "[B] day a"},
         {"no file", {}, ""},
     };
@@ -162,22 +170,51 @@ TEST(MergedChat, KnowsWhereMessagesAreAndWhereTheyComeFrom) {
     for (const MergedSession& each : chat.sessions()) {
         const auto& heading = chat.log()->events()[static_cast<std::size_t>(each.row)].value;
         EXPECT_EQ(std::get<Log::Session>(heading).path, each.path);
+        EXPECT_EQ(chat.log()->events()[static_cast<std::size_t>(each.row)].timestamp,
+                  foundation::Date{each.file == 7 ? 300.0 : 10.0})
+            << "of what is left of it";
+        EXPECT_EQ(each.last.secondsSinceReferenceDate, each.file == 7 ? 300 : 86500);
     }
     const auto [first, second] = std::pair(chat.sessions()[0].row, chat.sessions()[1].row);
     EXPECT_EQ(chat.sessionBeside(first, 1), second);
     EXPECT_EQ(chat.sessionBeside(second + 1, -1), second);
     EXPECT_EQ(chat.sessionBeside(first, -1), std::nullopt);
+    const std::vector<Said> pieces{{1, "a"}, {1, "b", "ann", true}};
+    const MergedChat twice = mergeChats({session(0, pieces), session(1, pieces)}, utc);
+    EXPECT_EQ(twice.rowOf({1, 3}), twice.rowOf({0, 3})) << "each piece is one of the other's";
+}
+
+TEST(Conversation, HoldsWhatIsReadOfMessages) {
+    const auto link = [](const char* address, const char* title) {
+        return Log::Link{std::make_shared<foundation::URL>(QString::fromLatin1(address)),
+                         QString::fromLatin1(title)};
+    };
+    const SharedUserID ann = user("ann");
+    const Log log(TesselServiceID::aim, user("me"), {user("ann")},
+                  {{1, {1}, {}, Log::NewDay()},
+                   {2, {1}, ann, Log::PlainText{QStringLiteral("See ")}},
+                   {3, {1}, ann, link("http://a/", "this")},
+                   {4, {1}, ann, link("http://b/", "http://b/")},
+                   {5, {2}, ann, Log::PlainText{}},
+                   {6, {3}, ann, Log::PlainText{QStringLiteral("end")}}},
+                  {false, false, true, true, false, false});
+    const Conversation all = conversationOf(log, 0);
+    ASSERT_EQ(all.messages.size(), 2U) << "one of three pieces, and none without words";
+    EXPECT_EQ(all.messages[0].text, QStringLiteral("See this (http://a/)http://b/"));
+    EXPECT_EQ(all.messages[0].kinds, ContentKinds::text | ContentKinds::link);
+    EXPECT_EQ(all.messages[1].sequence, 6);
 }
 
 TEST(MergedChat, TheOwnerIsWhoeverMostFilesBelongTo) {
     const MergedChat chat =
         mergeChats({session(0, {{1, "a"}}, "me", "ann"), session(1, {{2, "b"}}, "old me", "bob"),
                     session(2, {{3, "c"}}, "me", "old ann"), session(3, {{4, "d"}}, "ann", "?"),
-                    session(4, {{5, "e"}}, "?", "ann")},
+                    session(4, {{5, "e"}}, "?", "ann"), session(5, {{6, "f"}}, "bob", "?")},
                    utc);
     EXPECT_EQ(chat.log()->ownUserID(), user("me"));
     EXPECT_TRUE(chat.log()->isOwn(user("old me")));
     EXPECT_FALSE(chat.log()->isOwn(user("ann"))) << "one file is wrong";
+    EXPECT_FALSE(chat.log()->isOwn(user("bob"))) << "as many say so as say otherwise";
     EXPECT_FALSE(chat.log()->isOwn({}));
     EXPECT_TRUE(chat.log()->otherUserIDs().contains(user("old ann")));
 }

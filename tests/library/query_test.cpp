@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <ctime>
 
 namespace vell {
 namespace {
@@ -56,6 +57,7 @@ TEST(Query, ReadsFilters) {
     EXPECT_EQ(query.from, QStringList{u"Ann B"_s});
     EXPECT_EQ(query.with, QStringList{u"ben"_s});
     EXPECT_EQ(query.has, ContentKinds::link | ContentKinds::picture);
+    EXPECT_FALSE(query.accepts({}, ContentKinds::link)) << "both are wanted";
     EXPECT_TRUE(query.phrases.at(0).isPrefix);
     const auto days = [](const char* text) {
         const Query q = Query::parse(QString::fromLatin1(text));
@@ -66,6 +68,11 @@ TEST(Query, ReadsFilters) {
     EXPECT_EQ(days("in:2001-02"), std::pair(31, 59));
     EXPECT_EQ(days("after:2001-01 before:2001-03-01"), std::pair(31, 59));
     EXPECT_EQ(days("after:2001 in:2002-01-05"), std::pair(369, 370));
+    EXPECT_EQ(days("before:2001-02 before:2002 after:2001-01-04 after:2001-01-02"),
+              std::pair(4, 31));
+    qputenv("TZ", "Asia/Tokyo");
+    tzset();
+    EXPECT_EQ(Query::parse(u"in:2001-01-02"_s).begin, 86400 - 9 * 3600) << "local days";
     const Query day = Query::parse(u"in:2001-02-03"_s);
     EXPECT_TRUE(day.accepts({day.begin}, 0));
     EXPECT_FALSE(day.accepts({day.end}, 0));

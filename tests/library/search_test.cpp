@@ -87,6 +87,9 @@ TEST(Search, IndexFindsWhatReadingFinds) {
     while (rows.step())
         all.push_back({rows.text(0), rows.text(1)});
 
+    const std::string firstFolder =
+        fixture.path(QDir(fixture.path({})).entryList(QDir::Dirs | QDir::NoDotAndDotDot)[0])
+            .toStdString();
     std::mt19937 random(7);
     qsizetype found = 0;
     for (int i = 0; i < 200; ++i) {
@@ -94,6 +97,7 @@ TEST(Search, IndexFindsWhatReadingFinds) {
         if (query.isEmpty()) continue;
         SearchScope scope{{fixture.chats}, i % 3 == 0, i % 2, {}};
         if (i % 5 == 0) scope.folders = {fixture.chats + "/Copies"};
+        if (i % 10 == 1) scope.folders = {firstFolder};
         std::vector<QStringList> inIndex;
         LibrarySearch search(store, scope);
         search.run(query, [&](const SearchHit& hit) {

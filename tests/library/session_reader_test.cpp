@@ -54,6 +54,7 @@ TEST(SessionReader, EveryMessageOfEveryFileIsThereOnce) {
     const test::Fixture fixture;
     std::vector<QByteArray> paths;
     std::map<std::pair<double, QString>, int> expected;
+    qsizetype size = 0;
     for (int i = 0; i < 40; ++i) {
         // Every other file repeats the end of the one before, some things are said twice at once.
         Transcript chat{.service = QStringLiteral("AIM"), .people = {{QStringLiteral("ann")}}};
@@ -67,6 +68,7 @@ TEST(SessionReader, EveryMessageOfEveryFileIsThereOnce) {
         fixture.write(
             name, i % 3 == 0 ? writers::nonKeyedTranscript(chat) : writers::keyedTranscript(chat));
         paths.push_back(QFile::encodeName(fixture.path(name)));
+        size += QFileInfo(fixture.path(name)).size();
         for (const auto& [said, count] :
              texts(TesselChatLog::fromFile(fixture.path(name), universal)))
             expected[said] = std::max(expected[said], count);
@@ -83,6 +85,7 @@ TEST(SessionReader, EveryMessageOfEveryFileIsThereOnce) {
     EXPECT_TRUE(isThere) << "it is to be seen first";
     EXPECT_LT(all.front().done, all.front().all);
     EXPECT_EQ(texts(*all.back().chat.log()), expected);
+    EXPECT_EQ(all.back().fileSize, size);
     ASSERT_EQ(all.back().failures.size(), 2U);
     EXPECT_FALSE(all.back().failures[0].reason.isEmpty());
     EXPECT_EQ(all.back().chat.sessions().size(), 40U);

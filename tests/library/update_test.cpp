@@ -45,6 +45,11 @@ TEST(Update, FollowsTheFiles) {
         indexer.update({fixture.chats}, test::neverStops);
         EXPECT_EQ(dump(store), freshDump(fixture));
         store.database().run("INSERT INTO words (words) VALUES ('integrity-check')");
+        for (const char* left : {"participants WHERE file NOT IN (SELECT id FROM files)",
+                                 "stretches WHERE file NOT IN (SELECT id FROM files)",
+                                 "people WHERE id NOT IN (SELECT person FROM participants)"})
+            EXPECT_EQ(store.database().value(QByteArray("SELECT count(*) FROM ") + left), 0)
+                << left;
     };
     fixture.chat(u"ann.ichat"_s, {u"apple"_s, u"pear"_s});
     fixture.chat(u"ben.ichat"_s, {u"plum"_s});
@@ -74,6 +79,24 @@ TEST(Update, FollowsTheFiles) {
     QFile::rename(fixture.path(u"dan.ichat"_s), fixture.path(u"ann.ichat"_s));
     QFile::rename(fixture.path(u"exchanged"_s), fixture.path(u"dan.ichat"_s));
     update();
+    const auto replace = [&](const QString& name, const char* before, const char* after) {
+        QFile file(fixture.path(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        QByteArray bytes = file.readAll();
+        ASSERT_TRUE(bytes.contains(before));
+        file.seek(0);
+        file.write(bytes.replace(before, after));
+    };
+    replace(u"dan.ichat"_s, "cherry", "banana");
+    update();
+    EXPECT_EQ(found(store, fixture, u"banana"_s), 1) << "as long as before";
+    QFile::rename(fixture.path(u"dan.ichat"_s), fixture.path(u"kept.ichat"_s));
+    replace(u"kept.ichat"_s, "banana", "orange");
+    update();
+    QFile::rename(fixture.path(u"kept.ichat"_s), fixture.path(u"one.ichat"_s));
+    std::filesystem::create_hard_link(fixture.chats + "/one.ichat", fixture.chats + "/two.ichat");
+    update();
+    EXPECT_EQ(found(store, fixture, u"orange"_s), 2) << "one file under two names";
 }
 
 TEST(Update, OfOneFolderLeavesTheOthers) {

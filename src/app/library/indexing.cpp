@@ -129,7 +129,6 @@ void Indexing::restart(const QStringList& folders, Indexer::Priority priority) {
 
 void Indexing::stopRun() {
     run_->isStopped = true;
-    run_->setPaused(false);  // or it would wait
 }
 
 void Indexing::setPaused(bool isPaused) {
