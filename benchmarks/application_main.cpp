@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Measures starts of the program against an empty window's, and ten long transcripts at once.
+// Measures starts of the program against an empty window's, ten long transcripts at once, and the
+// way from a person in the library to the chat with them.
 // Prints each figure beside its limit and exits with 1 when one is exceeded. Run it on an X display
 // and with QT_QPA_PLATFORM=offscreen.
 //
@@ -9,6 +10,9 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLabel>
+#include <QListView>
+#include <QMouseEvent>
 #include <QProcess>
 #include <QScrollBar>
 #include <QSettings>
@@ -20,8 +24,12 @@
 #include <vector>
 
 #include "app/application.h"
+#include "app/desktop/settings.h"
+#include "app/documents/chat_pane.h"
 #include "app/documents/document_window.h"
+#include "app/library/library_window.h"
 #include "application_frames.h"
+#include "archive.h"
 #include "conversations.h"
 #include "figures.h"
 #include "timeline/timeline_view.h"
@@ -36,6 +44,8 @@ using vell::TimelineView;
 
 constexpr int starts = 15;
 constexpr int manyMessages = 100'000;
+constexpr archive::Sizes librarySize{20'000, 300'000, 0};
+constexpr int choices = 5;
 
 struct Start {
     double window = 0;    ///< milliseconds
@@ -155,6 +165,58 @@ void measureManyWindows(const QStringList& files) {
     program.quit();
 }
 
+void click(const QListView& list, const QString& name) {
+    const auto found = list.model()->match(list.model()->index(0, 0), Qt::DisplayRole, name);
+    if (found.isEmpty()) qFatal("%s isn't listed", qPrintable(name));
+    const QPointF at = list.visualRect(found.front()).center();
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        QMouseEvent event(type, at, list.viewport()->mapToGlobal(at), Qt::LeftButton,
+                          Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(list.viewport(), &event);
+    }
+}
+
+/// A person of 3,300 files: two addresses, each of which has a twelfth of the archive.
+void measureLibrary(const QString& chats) {
+    archive::write(chats, librarySize);
+    vell::Settings().setLibraryAliases({u"joined AIM:haruka AIM:jun"_s});
+    vell::Application program;
+    program.addToLibrary({chats});
+    vell::LibraryWindow* window = nullptr;
+    for (QWidget* each : QApplication::topLevelWidgets())
+        window = window ? window : qobject_cast<vell::LibraryWindow*>(each);
+    auto& people = *window->findChild<QListView*>(u"libraryPeople"_s);
+    auto& pane = *window->findChild<vell::ChatPane*>();
+    const auto* state = window->findChild<QLabel*>(u"libraryState"_s);
+    while (!state->text().contains(u"conversations"_s))
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    std::vector<double> clocks, times;
+    QElapsedTimer clock;
+    double before = 0;
+    qsizetype files = 0;
+    QObject::connect(&pane, &vell::ChatPane::shown, &pane, [&] {
+        if (!clock.isValid()) return;
+        clocks.push_back(static_cast<double>(clock.nsecsElapsed()) / 1e6);
+        times.push_back(processorMilliseconds() - before);
+        clock.invalidate();
+    });
+    QObject::connect(&pane, &vell::ChatPane::progressed, &pane,
+                     [&](qsizetype, qsizetype all) { files = std::max(files, all); });
+    for (int i = 0; i < choices; ++i) {
+        click(people, u"karim"_s);
+        processEvents(3000);
+        clock.start();
+        before = processorMilliseconds();
+        click(people, u"haruka"_s);
+        processEvents(3000);
+    }
+    std::printf("%lld files with a person\n", static_cast<long long>(files));
+    report("library: from a click on a person to the first frame, by the clock, worst",
+           quantile(clocks, 1), 300, "ms");
+    report("  the window's thread until then, worst", quantile(times, 1), 300, "ms");
+    program.quit();
+}
+
 QString written(const QTemporaryDir& folder, const QString& name, const QByteArray& bytes) {
     QFile file(folder.filePath(name));
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
@@ -179,5 +241,6 @@ int main(int argc, char** argv) {
         written(home, u"few.ichat"_s, benchmarks::conversation(20, benchmarks::Form::keyed)),
         files.front());
     measureManyWindows(files);
+    measureLibrary(QDir(home.path()).canonicalPath() + u"/chats"_s);
     return benchmarks::exitCode();
 }
