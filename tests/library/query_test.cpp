@@ -26,6 +26,7 @@ TEST(Query, FindsWhatAPersonMeant) {
         {"a blank ends the last one", u"ca "_s, u"cat"_s, -1},
         {"a phrase in order only", u"\"b a\""_s, u"a b"_s, -1},
         {"a phrase ends with a whole word", u"\"the ca\""_s, u"the cat"_s, -1},
+        {"the same in typographic marks", u"“the ca”"_s, u"the cat"_s, -1},
         {"punctuation ends words", u"next"_s, u"the end.Next"_s, 0},
         {"and is none", u"don't"_s, u"I don\u2019t"_s, 0},
         {"a soft hyphen is nothing", u"cooperate"_s, u"co\u00adoperate"_s, 0},
