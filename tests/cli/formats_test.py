@@ -124,6 +124,7 @@ class Index(html.parser.HTMLParser):
     def __init__(self, text):
         super().__init__()
         self.links, self.faults, self.address = {}, [], None
+        self.totals = [[0, 0]]  # as stated and as linked: of all, then of each person
         self.feed(text)
         self.close()
 
@@ -131,6 +132,8 @@ class Index(html.parser.HTMLParser):
         values = dict(attributes)
         if tag not in self.ELEMENTS or any(name.startswith("on") for name in values):
             self.faults.append((tag, attributes))
+        if tag == "section":
+            self.totals.append([0, 0])
         address = values.get("href", "#")
         if re.search("^[a-z]+:", address):
             self.faults.append(address)
@@ -143,6 +146,10 @@ class Index(html.parser.HTMLParser):
     def handle_data(self, data):
         if self.address and data.strip():
             self.links[self.address] = int(data.replace(",", ""))
+            self.totals[-1][1] += self.links[self.address]
+        stated = re.search("pages?, ([0-9,]+) messages?$", data)
+        if stated:
+            self.totals[-1][0] = int(stated[1].replace(",", ""))
 
 
 def page_text(event):
@@ -331,6 +338,8 @@ class Formats(unittest.TestCase):
             with open(f"{folder}/html/index.html", encoding="utf-8", newline="") as page:
                 index = Index(page.read())
             self.assertEqual(index.faults, [])
+            index.totals[0][1] = sum(linked for _, linked in index.totals[1:])
+            self.assertTrue(all(stated == linked > 0 for stated, linked in index.totals), index.totals)
             shown = 0
             for address, count in index.links.items():
                 path, anchor = address.split("#")
