@@ -63,7 +63,7 @@ class Page(html.parser.HTMLParser):
         super().__init__()
         self.attachments, self.attached = attachments, set()
         self.messages, self.titles, self.names, self.faults, self.ids = {}, [], [], [], []
-        self.policy, self.style, self.open = "", "", []
+        self.policy, self.style, self.open, self.pictures = "", "", [], []
         self.feed(text)
         self.close()
         self.faults += [f"{name} is open" for name, _ in self.open]
@@ -90,6 +90,7 @@ class Page(html.parser.HTMLParser):
             self.handle_data("\n")
         if tag == "img":
             self.messages[self.message] += "Picture: " + values["alt"]
+            self.pictures.append(values["src"])
         if tag not in self.EMPTY:
             self.open.append((tag, values.get("class", "").split(" ")[0]))
 
@@ -268,6 +269,16 @@ class Formats(unittest.TestCase):
                     self.assertEqual(shown, text)
         without = run("-f", "html", "--pictures", "none", file=self.hostile)
         self.assertNotIn(b"<img", without)
+
+    def test_embedded_pictures_are_whole(self):
+        largest = 0
+        for file in [*all_files, self.hostile]:
+            hashes = {event.get("sha256") for event in content_of(file)}
+            for address in Page(run("-f", "html", file=file).decode()).pictures:
+                picture = base64.b64decode(address.split(";base64,")[1], validate=True)
+                self.assertIn(hashlib.sha256(picture).hexdigest(), hashes)
+                largest = max(largest, len(picture))
+        self.assertGreater(largest, 50_000)
 
     def test_attachments_are_where_documents_say(self):
         for file in self.files:

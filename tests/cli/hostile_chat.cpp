@@ -87,6 +87,7 @@ writers::Transcript everythingHostile() {
              writers::words(text)});
         chat.messages.push_back({.date = time, .body = {writers::words(text)}});
     }
+    add({writers::attached(u"large.svg"_s, svg + QByteArray(100'000, ' '))});
     for (const QString& address : addresses) {
         add({writers::linked(address, address)});
         add({writers::linked(u"title"_s, address)});
