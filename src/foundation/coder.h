@@ -26,6 +26,8 @@ class Coder {
     virtual Value decodeObject() = 0;
     /// The next value of the instance when it is a plain integer (type code "I"), as 32 bits.
     virtual std::optional<quint32> decodeUInt32() = 0;
+    /// The archive's number of the instance being decoded, where it has one.
+    [[nodiscard]] virtual std::optional<quint32> objectNumber() const { return std::nullopt; }
     /// A text of this archive without its first units; made once for all that share the text.
     [[nodiscard]] virtual QString withoutPrefix(const QString& text, qsizetype length) {
         return text.sliced(length);

@@ -40,6 +40,10 @@ std::optional<quint32> KeyedUnarchiver::decodeUInt32() {
     return std::nullopt;
 }
 
+std::optional<quint32> KeyedUnarchiver::objectNumber() const {
+    return impl_->decoder.currentUid();
+}
+
 QString KeyedUnarchiver::withoutPrefix(const QString& text, qsizetype length) {
     return impl_->decoder.withoutPrefix(text, length);
 }

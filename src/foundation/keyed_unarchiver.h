@@ -29,6 +29,7 @@ class KeyedUnarchiver final : public Coder {
     Value decodeObject(std::string_view key) override;
     Value decodeObject() override;
     std::optional<quint32> decodeUInt32() override;
+    [[nodiscard]] std::optional<quint32> objectNumber() const override;
     [[nodiscard]] QString withoutPrefix(const QString& text, qsizetype length) override;
     [[nodiscard]] QString description() const override;
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <QtEndian>
 #include <algorithm>
 #include <unordered_map>
 #include <vector>
@@ -35,6 +36,9 @@ class Salvage final : public foundation::Coder {
     Value decodeObject(std::string_view key) override;
     Value decodeObject() override { return {}; }
     std::optional<quint32> decodeUInt32() override { return std::nullopt; }
+    [[nodiscard]] std::optional<quint32> objectNumber() const override {
+        return decoder_.currentUid();
+    }
     [[nodiscard]] QString withoutPrefix(const QString& text, qsizetype length) override {
         return decoder_.withoutPrefix(text, length);
     }
@@ -175,12 +179,42 @@ Messages Salvage::run() {
     return std::move(result_);
 }
 
+bool isXml(const foundation::Data& data) {
+    return foundation::XmlPropertyListReader::looksLikeXml(data.view()) ||
+           data.view().contains("<key>");
+}
+
+std::optional<RepairedList> repairedList(const foundation::Data& data) {
+    return isXml(data) ? repairedXml(data) : repairedBinary(data);
+}
+
+/// The dictionary that holds the objects, if it is still there.
+std::optional<quint64> holderOf(const RepairedList& repaired) {
+    constexpr quint64 mostEntries = 64;
+    const auto& list = repaired.list;
+    for (quint64 ref = 0; ref < list.objectCount(); ++ref) {
+        const Node node = list.node(ref);
+        if (node.kind() != Kind::dictionary || node.count() > mostEntries) continue;
+        for (quint64 i = 0; i < node.count(); ++i)
+            if (list.value(node, i) == repaired.objects) return ref;
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
+std::optional<RepairedArchive> repairedKeyedArchive(const foundation::Data& data) {
+    constexpr qsizetype topOffset = 16;  // from the end
+    const auto repaired = repairedList(data);
+    if (!repaired) return std::nullopt;
+    QByteArray bytes = repaired->list.data().toByteArray();
+    if (const auto holder = holderOf(*repaired))
+        qToBigEndian(*holder, bytes.data() + bytes.size() - topOffset);
+    return RepairedArchive{foundation::Data(bytes), !isXml(data)};
+}
+
 std::optional<Messages> keyedMessages(const foundation::Data& data) {
-    const bool isXml = foundation::XmlPropertyListReader::looksLikeXml(data.view()) ||
-                       data.view().contains("<key>");
-    const auto repaired = isXml ? repairedXml(data) : repairedBinary(data);
+    const auto repaired = repairedList(data);
     if (!repaired) return std::nullopt;
     try {
         Messages result = Salvage(*repaired).run();

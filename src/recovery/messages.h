@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "foundation/data.h"
+#include "recovery/recovery.h"
 #include "transcript/instant_message.h"
 #include "transcript/presentity.h"
 
@@ -35,5 +36,8 @@ struct Messages {
 
 /// Of a binary or XML keyed archive; nothing when none of its messages can be read.
 [[nodiscard]] std::optional<Messages> keyedMessages(const foundation::Data& data);
+
+/// The archive that they are found in.
+[[nodiscard]] std::optional<RepairedArchive> repairedKeyedArchive(const foundation::Data& data);
 
 }  // namespace vell::recovery

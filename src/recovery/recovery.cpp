@@ -125,4 +125,11 @@ std::optional<Recovered> recoverChatLog(const foundation::Data& data,
     return Recovered{convertTimeline(std::move(timeline), data.size(), fileDate, calendar), extent};
 }
 
+std::optional<RepairedArchive> repairedArchive(const foundation::Data& data) {
+    if (auto keyed = repairedKeyedArchive(data)) return keyed;
+    auto repair =
+        foundation::non_keyed::repairStream(data.view(), sharedClassRegistry(), classShapes());
+    return RepairedArchive{foundation::Data(repair.bytes)};
+}
+
 }  // namespace vell::recovery

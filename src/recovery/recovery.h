@@ -36,4 +36,11 @@ struct Recovered {
                                                       std::optional<foundation::Date> fileDate,
                                                       const foundation::Calendar& calendar);
 
+/// An archive with what can be read of a damaged one, for looking into it.
+struct RepairedArchive {
+    foundation::Data data;
+    bool keepsPlaces = true;  ///< objects are where they are in the file
+};
+[[nodiscard]] std::optional<RepairedArchive> repairedArchive(const foundation::Data& data);
+
 }  // namespace vell::recovery

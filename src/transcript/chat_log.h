@@ -169,10 +169,19 @@ class TesselChatLog {
         return index < continuations_.size() && continuations_[index];
     }
 
+    /// The numbers of the archived objects that the messages with events were, in the same order;
+    /// nothing for what is no archive's. Empty in logs that were merged or changed.
+    [[nodiscard]] const std::vector<std::optional<quint32>>& archivedMessages() const {
+        return archivedMessages_;
+    }
+    void setArchivedMessages(std::vector<std::optional<quint32>> numbers) {
+        archivedMessages_ = std::move(numbers);
+    }
+
     /// The same messages with their days and minutes marked anew, as a clock elsewhere showed them.
     [[nodiscard]] TesselChatLog markedIn(const foundation::Calendar& calendar) const;
 
-    /// Compares all of the above except where messages end.
+    /// Compares all of the above except where messages end and what they were.
     friend bool operator==(const TesselChatLog& a, const TesselChatLog& b) {
         return a.serviceID_ == b.serviceID_ && a.ownUserID_ == b.ownUserID_ &&
                a.otherUserIDs_ == b.otherUserIDs_ && a.furtherOwnUserIDs_ == b.furtherOwnUserIDs_ &&
@@ -188,6 +197,7 @@ class TesselChatLog {
     QSet<TesselUserID> furtherOwnUserIDs_;
     std::vector<Event> events_;
     std::vector<bool> continuations_;
+    std::vector<std::optional<quint32>> archivedMessages_;
 };
 
 }  // namespace vell

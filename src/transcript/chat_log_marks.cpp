@@ -59,7 +59,9 @@ TesselChatLog TesselChatLog::markedIn(const foundation::Calendar& calendar) cons
         }
         append(date, event.sender, event.value);
     }
-    return withEvents(std::move(events), std::move(continuations));
+    TesselChatLog result = withEvents(std::move(events), std::move(continuations));
+    result.setArchivedMessages(archivedMessages_);
+    return result;
 }
 
 }  // namespace vell

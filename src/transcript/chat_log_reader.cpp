@@ -135,6 +135,7 @@ class Conversion {
     QSet<SharedUserID> seen_;
     std::vector<Event> events_;
     std::vector<bool> continuations_;
+    std::vector<std::optional<quint32>> archivedMessages_;
     SharedRuns sharedRuns_;
     Extraction extraction_;  // of the message at hand
     RecentSenders recentSenders_;
@@ -199,7 +200,9 @@ void Conversion::convert(const std::shared_ptr<const InstantMessage>& message) {
     takeSender(message->sender, date);
     appendTimeMarker(date);
     date_ = date;
+    const std::size_t first = events_.size();
     appendContent(*message, message.use_count() > 1);
+    if (events_.size() > first) archivedMessages_.push_back(message->archivedObject);
 }
 
 /// Makes this the current sender, and ends the run of the previous one if it is another.
@@ -302,8 +305,10 @@ TesselChatLog Conversion::finish() {
         own = **candidates.begin();
         others.remove(*candidates.begin());
     }
-    return {serviceID_, std::move(own), usersOf(others), std::move(events_),
-            std::move(continuations_)};
+    TesselChatLog log(serviceID_, std::move(own), usersOf(others), std::move(events_),
+                      std::move(continuations_));
+    log.setArchivedMessages(std::move(archivedMessages_));
+    return log;
 }
 
 }  // namespace

@@ -29,6 +29,7 @@ InstantMessage::InstantMessage(std::optional<foundation::Date> date,
 
 foundation::Value InstantMessage::initWithCoder(foundation::Coder& coder) {
     auto result = foundation::makeObject<InstantMessage>(std::nullopt);
+    result->archivedObject = coder.objectNumber();
     if (coder.isKeyed()) {
         result->sender = coder.decodeObject("Sender").object<Presentity>();
         result->subject = coder.decodeObject("Subject").object<Presentity>();

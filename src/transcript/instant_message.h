@@ -32,7 +32,8 @@ class InstantMessage final : public foundation::Object {
     std::shared_ptr<const Presentity> sender;
     std::shared_ptr<const Presentity> subject;  ///< the addressee
     std::shared_ptr<const foundation::Set> participantIds;
-    quint32 flags = 0;  ///< carried, not interpreted
+    std::optional<quint32> archivedObject;  ///< its number in the archive
+    quint32 flags = 0;                      ///< carried, not interpreted
     bool isRead = true;
 
     [[nodiscard]] QByteArray className() const override { return "InstantMessage"; }

@@ -93,7 +93,7 @@ Value Decoder::decodeNewInstance(quint64 uid, const Instance& instance, const De
     Value value;
     try {
         if (requiresWhole_) requireWhole(instance.dictionary(), demand.key);
-        value = build(instance, info);
+        value = build(uid, instance, info);
     } catch (...) {
         --depth_;
         current_ = enclosing;
@@ -146,13 +146,13 @@ Value Decoder::decodePrimitive(const Node& node, std::string_view key) {
     }
 }
 
-Value Decoder::build(const Instance& instance, const ClassInfo& info) {
+Value Decoder::build(quint64 uid, const Instance& instance, const ClassInfo& info) {
     const auto elements = [&](std::string_view prefix) {
         return decodeElements(instance, "NS.objects", prefix);
     };
     switch (info.kind) {
         case ClassKind::application:
-            return initApplicationObject(instance, info);
+            return initApplicationObject(uid, instance, info);
         case ClassKind::string:
             return decodeString(instance);
         case ClassKind::number:
@@ -187,10 +187,12 @@ Value Decoder::build(const Instance& instance, const ClassInfo& info) {
     return std::make_shared<OpaqueObject>(info.name);
 }
 
-Value Decoder::initApplicationObject(const Instance& instance, const ClassInfo& info) {
+Value Decoder::initApplicationObject(quint64 uid, const Instance& instance, const ClassInfo& info) {
     const Instance* const enclosing = std::exchange(current_, &instance);
+    const quint32 enclosingUid = std::exchange(currentUid_, quint32(uid));
     Value value = info.initWithCoder(coder_);
     current_ = enclosing;
+    currentUid_ = enclosingUid;
     return value;
 }
 

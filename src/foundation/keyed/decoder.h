@@ -36,6 +36,8 @@ class Decoder {
     Value decodeTop(std::string_view key);
     /// The value under the key in the instance of an application class that is being decoded.
     Value decodeKey(std::string_view key);
+    /// The UID of that instance.
+    [[nodiscard]] quint32 currentUid() const { return currentUid_; }
     /// From now on an instance with an unreadable part is an error, also where that part would
     /// not be missed: for damaged archives, in which nothing may look complete that isn't.
     void requireWholeInstances() { requiresWhole_ = true; }
@@ -84,6 +86,7 @@ class Decoder {
     std::map<std::pair<const char*, qsizetype>, std::shared_ptr<const FileWrapper>> fileWrappers_;
     DerivedTexts derivedTexts_;
     const Instance* current_ = nullptr;
+    quint32 currentUid_ = 0;
     int depth_ = 0;
     bool requiresWhole_ = false;
 
@@ -93,8 +96,8 @@ class Decoder {
     Value decodeNewInstance(quint64 uid, const Instance& instance, const Demand& demand);
     void requireWhole(const Node& dictionary, std::string_view key) const;
     Value decodePrimitive(const Node& node, std::string_view key);
-    Value build(const Instance& instance, const ClassInfo& info);
-    Value initApplicationObject(const Instance& instance, const ClassInfo& info);
+    Value build(quint64 uid, const Instance& instance, const ClassInfo& info);
+    Value initApplicationObject(quint64 uid, const Instance& instance, const ClassInfo& info);
     Value decodePart(const Instance& instance, const Key& key, ClassKind kind);
     /// The instance that a UID names if it is of the demanded kind.
     std::optional<Instance> partInstance(quint64 uid, const Demand& demand);

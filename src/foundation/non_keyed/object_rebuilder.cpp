@@ -99,7 +99,7 @@ void ObjectRebuilder::rebuild(quint32 number, const ClassRecord& cls,
     const quint8 height = heightOf(values);
     if (cls.info && cls.info->kind == ClassKind::dictionary)
         return addDictionary(number, values, height);
-    Value result = rebuilt(cls, values);
+    Value result = rebuilt(number, cls, values);
     if (result.isNothing()) return;
     budget_.spendWorking(sizeof(Value));
     table_.set(number, {.kind = ObjectTable::Kind::object,
@@ -108,7 +108,8 @@ void ObjectRebuilder::rebuild(quint32 number, const ClassRecord& cls,
     rebuilt_.emplace_back(std::move(result));
 }
 
-Value ObjectRebuilder::rebuilt(const ClassRecord& cls, std::span<const StreamValue> values) {
+Value ObjectRebuilder::rebuilt(quint32 number, const ClassRecord& cls,
+                               std::span<const StreamValue> values) {
     switch (cls.info ? cls.info->kind : ClassKind::none) {
         case ClassKind::string:
             return string(values);
@@ -133,7 +134,7 @@ Value ObjectRebuilder::rebuilt(const ClassRecord& cls, std::span<const StreamVal
         case ClassKind::fileWrapper:
             return fileWrapper(values);
         case ClassKind::application:
-            if (cls.info->initWithCoder) return application(*cls.info, values);
+            if (cls.info->initWithCoder) return application(number, *cls.info, values);
             return opaque(cls);
         default:
             return opaque(cls);
@@ -344,9 +345,10 @@ Value ObjectRebuilder::fileWrapper(std::span<const StreamValue> values) {
     return known->second;
 }
 
-Value ObjectRebuilder::application(const ClassInfo& info, std::span<const StreamValue> values) {
+Value ObjectRebuilder::application(quint32 number, const ClassInfo& info,
+                                   std::span<const StreamValue> values) {
     budget_.spendKept(applicationObjectSize);
-    PositionalCoder coder(*this, values);
+    PositionalCoder coder(*this, number, values);
     return info.initWithCoder(coder);
 }
 

@@ -52,7 +52,7 @@ class ObjectRebuilder {
         Value value;  ///< made on first use
     };
 
-    Value rebuilt(const ClassRecord& cls, std::span<const StreamValue> values);
+    Value rebuilt(quint32 number, const ClassRecord& cls, std::span<const StreamValue> values);
     Value opaque(const ClassRecord& cls);
     Value string(std::span<const StreamValue> values);
     QString text(std::string_view bytes);
@@ -62,7 +62,7 @@ class ObjectRebuilder {
     Value attributedString(std::span<const StreamValue> values);
     Value textAttachment(std::span<const StreamValue> values);
     Value fileWrapper(std::span<const StreamValue> values);
-    Value application(const ClassInfo& info, std::span<const StreamValue> values);
+    Value application(quint32 number, const ClassInfo& info, std::span<const StreamValue> values);
     void addDictionary(quint32 number, std::span<const StreamValue> values, quint8 height);
     std::shared_ptr<const Attributes> attributesAmong(quint32 firstMember, quint32 memberCount);
     [[nodiscard]] const std::shared_ptr<const Attributes>* attributesOf(const StreamValue& value);

@@ -12,8 +12,8 @@ namespace foundation::non_keyed {
 
 class PositionalCoder final : public Coder {
   public:
-    PositionalCoder(ObjectRebuilder& rebuilder, std::span<const StreamValue> values)
-        : rebuilder_(rebuilder), rest_(values) {}
+    PositionalCoder(ObjectRebuilder& rebuilder, quint32 number, std::span<const StreamValue> values)
+        : rebuilder_(rebuilder), number_(number), rest_(values) {}
 
     [[nodiscard]] bool isKeyed() const override { return false; }
     Value decodeObject(std::string_view) override { return {}; }
@@ -26,6 +26,7 @@ class PositionalCoder final : public Coder {
         if (!next || next->kind != StreamValue::Kind::integer) return std::nullopt;
         return static_cast<quint32>(next->integer);
     }
+    [[nodiscard]] std::optional<quint32> objectNumber() const override { return number_; }
     [[nodiscard]] QString withoutPrefix(const QString& text, qsizetype length) override {
         return rebuilder_.withoutPrefix(text, length);
     }
@@ -41,6 +42,7 @@ class PositionalCoder final : public Coder {
     }
 
     ObjectRebuilder& rebuilder_;
+    quint32 number_;
     std::span<const StreamValue> rest_;
 };
 
