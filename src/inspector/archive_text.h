@@ -8,7 +8,7 @@
 //     #7.Sender = #9
 //     #9.ID = "ada"
 //
-// Objects are written once, in the order of the archive, and referred to by number.
+// Objects are written once, in the order of their numbers, by which they are referred to.
 
 #include <QByteArrayView>
 #include <QString>

@@ -72,8 +72,8 @@ class Inspector(unittest.TestCase):
             with open(path, "wb") as file:
                 file.write(stream)
             self.assertEqual(shown(path), (1, [
-                "non-keyed archive, little-endian", "root[0] = #0", "#1 class A, version 0", "#0 @19 A",
-                "#0[0] = 5 (i)", "#0[1] = "]))
+                "non-keyed archive, little-endian", "root[0] = #0", "#0 @19 A", "#0[0] = 5 (i)",
+                "#1 @20 class A, version 0"]))
 
 
 if __name__ == "__main__":
