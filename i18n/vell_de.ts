@@ -431,6 +431,142 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
     </message>
 </context>
 <context>
+    <name>vell::ArchiveModel</name>
+    <message>
+        <source>object</source>
+        <translation>Objekt</translation>
+    </message>
+    <message>
+        <source>class</source>
+        <translation>Klasse</translation>
+    </message>
+    <message>
+        <source>text</source>
+        <translation>Text</translation>
+    </message>
+    <message>
+        <source>integer</source>
+        <translation>Ganzzahl</translation>
+    </message>
+    <message>
+        <source>real</source>
+        <translation>Kommazahl</translation>
+    </message>
+    <message>
+        <source>boolean</source>
+        <translation>Wahrheitswert</translation>
+    </message>
+    <message>
+        <source>date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>data</source>
+        <translation>Daten</translation>
+    </message>
+    <message>
+        <source>reference</source>
+        <translation>Verweis</translation>
+    </message>
+    <message>
+        <source>array</source>
+        <translation>Liste</translation>
+    </message>
+    <message>
+        <source>set</source>
+        <translation>Menge</translation>
+    </message>
+    <message>
+        <source>dictionary</source>
+        <translation>Zuordnung</translation>
+    </message>
+    <message>
+        <source>struct</source>
+        <translation>Struktur</translation>
+    </message>
+    <message>
+        <source>null</source>
+        <translation>null</translation>
+    </message>
+    <message>
+        <source>invalid</source>
+        <translation>ungültig</translation>
+    </message>
+    <message>
+        <source>Values: %1</source>
+        <translation>Werte: %1</translation>
+    </message>
+    <message>
+        <source>at byte %1</source>
+        <translation>bei Byte %1</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Wert</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>Typ</translation>
+    </message>
+    <message>
+        <source>Byte</source>
+        <translation>Byte</translation>
+    </message>
+</context>
+<context>
+    <name>vell::ArchivePane</name>
+    <message>
+        <source>Archive</source>
+        <translation>Archiv</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>The archive can be read in part only.</source>
+        <translation>Das Archiv ist nur zum Teil lesbar.</translation>
+    </message>
+    <message>
+        <source>The archive can’t be read.</source>
+        <translation>Das Archiv ist nicht lesbar.</translation>
+    </message>
+</context>
+<context>
+    <name>vell::ArchiveTool</name>
+    <message>
+        <source>Show &amp;Archive</source>
+        <translation>&amp;Archiv anzeigen</translation>
+    </message>
+</context>
+<context>
+    <name>vell::ArchiveView</name>
+    <message>
+        <source>Archive</source>
+        <translation>Archiv</translation>
+    </message>
+    <message>
+        <source>&amp;Go to Object</source>
+        <translation>&amp;Gehe zum Objekt</translation>
+    </message>
+    <message>
+        <source>&amp;Copy Value</source>
+        <translation>Wert &amp;kopieren</translation>
+    </message>
+    <message>
+        <source>&amp;Save Value As …</source>
+        <translation>Wert &amp;speichern unter …</translation>
+    </message>
+    <message>
+        <source>Save Value</source>
+        <translation>Wert speichern</translation>
+    </message>
+</context>
+<context>
     <name>vell::ChatFinder</name>
     <message>
         <source>Not a regular expression: %1.</source>

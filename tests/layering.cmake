@@ -21,7 +21,7 @@ set(timeline ${identity} identity)
 set(paper ${timeline} timeline)
 set(library ${identity} identity)
 set(cli ${export} export inspector library recovery)
-set(app ${export} export library paper recovery timeline)
+set(app ${export} export inspector library paper recovery timeline)
 
 # The order inside a folder that has folders of its own, from the top; "." are the files beside them.
 set(timeline_rooms accessibility . painting input layout saving rows text pictures bubbles)

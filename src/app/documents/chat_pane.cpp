@@ -9,6 +9,7 @@
 
 #include "app/desktop/opening.h"
 #include "app/desktop/settings.h"
+#include "app/documents/archive/archive_tool.h"
 #include "app/documents/chat_tools.h"
 #include "app/documents/contacts_bar.h"
 #include "app/documents/find/chat_finder.h"
@@ -51,7 +52,8 @@ ChatPane::ChatPane(const Services& services, QWidget* parent)
     : QMainWindow(parent),
       services_(services),
       pages_(new QStackedWidget),
-      tools_(new ChatTools(*this, services_, history_)) {
+      tools_(new ChatTools(*this, services_, history_)),
+      archive_(new ArchiveTool(*this, chat_, timeline_)) {
     setWindowFlags(Qt::Widget);  // a main window for its docks, inside another window
     auto* content = emptyPage();
     content->setMinimumSize(minimumContent);
@@ -100,6 +102,7 @@ void ChatPane::dropChat() {
     if (!timeline_) return;
     finder_.reset();
     tools_->close();
+    archive_->close();
     showPage(emptyPage());  // deletes the timeline
     timeline_ = nullptr;
     chat_ = {};

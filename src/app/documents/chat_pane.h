@@ -30,6 +30,7 @@ class QVBoxLayout;
 
 namespace vell {
 
+class ArchiveTool;
 class ChatFinder;
 class ChatTools;
 class ContactsBar;
@@ -73,6 +74,8 @@ class ChatPane final : public QMainWindow {
     void addEditCommands(QMenu& menu);
     void addFontCommands(QMenu& menu);
     void addSharedCommand(QMenu& menu);
+    /// Only where files are shown alone.
+    void addArchiveCommand(QMenu& menu);
     void addGoCommands(QMenu& menu);
     /// "Previous Session" and "Next Session".
     void addSessionCommands(QMenu& menu);
@@ -168,6 +171,7 @@ class ChatPane final : public QMainWindow {
     QVBoxLayout* layout_;
     TimelineView* timeline_ = nullptr;
     ChatTools* tools_;
+    ArchiveTool* archive_;
     std::unique_ptr<ChatFinder> finder_;
     FontSizePanel* fontPanel_ = nullptr;
     std::shared_ptr<CallbackGuard> zoneChange_;  // null until the zone changes

@@ -7,6 +7,7 @@
 
 #include "app/desktop/desktop.h"
 #include "app/desktop/settings.h"
+#include "app/documents/archive/archive_tool.h"
 #include "app/documents/chat_pane.h"
 #include "app/documents/chat_tools.h"
 #include "app/documents/find/chat_finder.h"
@@ -67,6 +68,10 @@ void ChatPane::addFontCommands(QMenu& menu) {
 void ChatPane::addSharedCommand(QMenu& menu) {
     for (QAction* action : tools_->addViewCommands(menu))
         enableWithChat(action);
+}
+
+void ChatPane::addArchiveCommand(QMenu& menu) {
+    enableWithChat(archive_->addCommandTo(menu));
 }
 
 void ChatPane::addGoCommands(QMenu& menu) {

@@ -3,6 +3,7 @@
 // The pane of a chat in the time zone that was chosen.
 #include <QBoxLayout>
 
+#include "app/documents/archive/archive_tool.h"
 #include "app/documents/chat_pane.h"
 #include "app/documents/chat_tools.h"
 #include "app/documents/find/chat_finder.h"
@@ -28,6 +29,7 @@ void ChatPane::followTimeZone() {
                 chat_.expansion = expansion;
                 timeline_->setChatlog(chat_.log);
                 tools_->chatChanged();
+                archive_->chatChanged();
                 finder_ = std::make_unique<ChatFinder>(*this, *layout_, *timeline_, history_);
                 Q_EMIT changed();
             });

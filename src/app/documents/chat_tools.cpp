@@ -13,6 +13,7 @@
 #include "app/documents/shared/shared_pane.h"
 #include "app/documents/viewer/picture_viewer.h"
 #include "app/windows/common_commands.h"
+#include "app/windows/placement.h"
 #include "timeline/timeline_view.h"
 #include "toolkit/date_formatters.h"
 
@@ -178,7 +179,7 @@ void ChatTools::toggleSharedPane() {
 void ChatTools::showSharedPane() {
     if (!sharedPane_) {
         makeSharedPane();
-        widenFor(paneWidth);
+        widen(*pane_.window(), paneWidth);
         pane_.resizeDocks({sharedPane_}, {paneWidth}, Qt::Horizontal);
     }
     sharedPane_->show();
@@ -201,15 +202,6 @@ void ChatTools::makeSharedPane() {
     connect(&contents, &ChatContents::ready, sharedPane_, fill);
     const bool isMirrored = pane_.layoutDirection() == Qt::RightToLeft;
     pane_.addDockWidget(isMirrored ? Qt::LeftDockWidgetArea : Qt::RightDockWidgetArea, sharedPane_);
-}
-
-// The chat keeps its width, where the screen has room for it.
-void ChatTools::widenFor(int points) {
-    QWidget& window = *pane_.window();
-    const QRect screen = window.screen()->availableGeometry();
-    const int most = screen.right() - window.frameGeometry().right();
-    if (window.isMaximized() || window.isFullScreen() || most < points) return;
-    window.resize(window.width() + points, window.height());
 }
 
 void ChatTools::goTo(qsizetype row, int pointsAbove) {

@@ -64,7 +64,6 @@ class ChatTools final : public QObject {
     void showSharedPane();
     void makeSharedPane();
     void showPaneAgain(int width);
-    void widenFor(int points);
     /// Brings a row to the top of the view, below this many points of what is above it.
     void goTo(qsizetype row, int pointsAbove = 0);
 

@@ -50,6 +50,7 @@ void DocumentWindow::buildViewMenu(const QToolBar& toolBar) {
     menu.addSeparator();
     menu.addAction(toolBar.toggleViewAction());
     pane_->addSharedCommand(menu);
+    pane_->addArchiveCommand(menu);
     menu.addMenu(new TimeZoneMenu(services_.settings, *this));
     menu.addSeparator();
     QAction* fullScreen =

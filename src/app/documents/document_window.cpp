@@ -95,7 +95,8 @@ void DocumentWindow::loaded(const DocumentLoader::Result& result) {
     pane_->showChat({result.document->sharedChatlog(),
                      std::make_shared<const ExpansionBound>(result.document->expansion()),
                      result.document->data().size(),
-                     isStandardInput(path_) ? QString() : QFileInfo(path_).completeBaseName()});
+                     isStandardInput(path_) ? QString() : QFileInfo(path_).completeBaseName(),
+                     result.document->data(), isRecovery()});
     updateTitles();
     TimelineView& timeline = *pane_->timeline();
     if (const auto place = services_.settings.windowPlace(path_))

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "export/expansion.h"
+#include "foundation/data.h"
 #include "transcript/chat_log.h"
 
 namespace vell {
@@ -19,6 +20,10 @@ struct ShownChat {
     qsizetype fileSize = 0;
     /// What a file that the chat is saved in is called, without extension.
     QString name;
+    /// The file itself, where it is one and can be looked into.
+    foundation::Data bytes{};
+    /// Whether the file is damaged.
+    bool isRecovered = false;
 };
 
 }  // namespace vell

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/windows/placement.h"
 
+#include <QScreen>
 #include <QWidget>
 #include <algorithm>
 #include <optional>
@@ -63,6 +64,13 @@ QPoint freePlace(const QRect& preferred, const QList<QRect>& clear, const QList<
 QRect expectedFrame(const QWidget& window) {
     if (window.isVisible()) return window.frameGeometry();
     return {window.pos(), window.size().grownBy(usualFrame)};
+}
+
+void widen(QWidget& window, int points) {
+    const QRect screen = window.screen()->availableGeometry();
+    const int most = screen.right() - window.frameGeometry().right();
+    if (window.isMaximized() || window.isFullScreen() || most < points) return;
+    window.resize(window.width() + points, window.height());
 }
 
 }  // namespace vell

@@ -24,4 +24,7 @@ inline constexpr QMargins usualFrame(4, 32, 4, 6);
 /// The window's frame, for one that isn't on the screen yet as its size lets expect.
 [[nodiscard]] QRect expectedFrame(const QWidget& window);
 
+/// Makes room for a pane beside what the window shows, where the screen has it.
+void widen(QWidget& window, int points);
+
 }  // namespace vell

@@ -70,6 +70,12 @@ void saveFile(QWidget& window, std::shared_ptr<const FileWrapper> wrapper) {
                 });
 }
 
+void saveData(QWidget& window, const QString& title, const QString& name,
+              const foundation::Data& data) {
+    askAndWrite(window, title, safeFileName(name, Saving::tr("File")),
+                [data](const QString& path) { return writeFile(path, data); });
+}
+
 bool canSave(const FileWrapper& wrapper) {
     return wrapper.isDirectory() || (wrapper.isRegularFile() && wrapper.contents);
 }
