@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+#include "recovery/recovery.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "foundation/plist/binary_property_list.h"
+#include "writers/transcript_writer.h"
+
+namespace vell::recovery {
+namespace {
+
+using namespace Qt::StringLiterals;
+using testing::ElementsAre;
+using writers::words;
+
+constexpr int dayOfSeconds = 86400;
+
+writers::Transcript transcript() {
+    writers::Transcript result{u"AIM"_s, {{u"ann"_s}, {u"bob"_s}}, {1}, {}};
+    for (int i = 0; i < 5; ++i)
+        result.messages.push_back({.sender = i % 2,
+                                   .date = 1e8 + dayOfSeconds * i,
+                                   .body = {words(u"text %1"_s.arg(QString(3, QChar(u'a' + i))))}});
+    return result;
+}
+
+QByteArray binary() {
+    return writers::keyedTranscript(transcript());
+}
+/// As archivers write it: each tag of a container, each key and each value in a line of its own.
+QByteArray xml() {
+    const QByteArray bytes = writers::keyedTranscript(transcript(), {.xml = true});
+    QByteArray result;
+    qsizetype depth = 0;
+    for (qsizetype at = 0; at < bytes.size(); ++at) {
+        const QByteArrayView rest = QByteArrayView(bytes).sliced(at);
+        const bool isContainer = rest.startsWith("<dict>") || rest.startsWith("<array>");
+        const bool isEnd = rest.startsWith("</dict>") || rest.startsWith("</array>");
+        depth -= isEnd;
+        if (rest[0] == '<' && (isEnd || rest[1] != '/')) result += '\n' + QByteArray(depth, '\t');
+        depth += isContainer;
+        result += rest[0];
+    }
+    return result;
+}
+QByteArray nonKeyed() {
+    return writers::nonKeyedTranscript(transcript());
+}
+
+QByteArray changed(QByteArray bytes, QByteArrayView from, QByteArrayView to) {
+    const qsizetype at = bytes.indexOf(from);
+    EXPECT_GE(at, 0) << from.toByteArray().toStdString();
+    return bytes.replace(at, from.size(), to);
+}
+
+/// Whoever wrote a message and its last letter; "-" for a gap.
+std::string recovered(const QByteArray& bytes) {
+    const auto result =
+        recoverChatLog(foundation::Data(bytes), std::nullopt, *foundation::Calendar::named("UTC"));
+    if (!result) return "nothing";
+    std::string shown;
+    bool isFirst = true;
+    for (const TesselChatLog::Event& event : result->log.events()) {
+        const auto* text = std::get_if<TesselChatLog::PlainText>(&event.value);
+        if (!text) continue;
+        if (isFirst) {
+            EXPECT_EQ(text->text, result->extent.summary());
+        }
+        if (!isFirst && !event.sender) shown += "-";
+        if (event.sender) {
+            EXPECT_EQ(event.timestamp.secondsSinceReferenceDate,
+                      1e8 + dayOfSeconds * (text->text.back().unicode() - u'a'));
+            shown += event.sender->userID.front().toLatin1();
+            shown += text->text.back().toLatin1();
+        }
+        isFirst = false;
+    }
+    const std::string expected =
+        result->extent.expected ? std::to_string(*result->extent.expected) : "?";
+    return shown + " of " + expected;
+}
+
+TEST(Recovery, WhatIsWholeComesBackAndNothingElse) {
+    struct Case {
+        const char* what;
+        QByteArray bytes;
+        const char* recovered;
+    };
+    const QByteArray textC = "text ccc";
+    const QByteArray offsets = binary();
+    QByteArray wrongOffset = offsets;
+    wrongOffset[wrongOffset.size() - 60] = '\x07';
+    const Case cases[] = {
+        {"nothing", {}, "nothing"},
+        {"no archive", "these are words", "nothing"},
+        {"binary, without its last byte", binary().chopped(1), "aabbacbdae of 5"},
+        {"binary, without its table", binary().first(binary().indexOf("text ddd")), "aabbac- of 5"},
+        {"binary, an offset wrong", wrongOffset.chopped(1), "aabbacbdae of 5"},
+        {"binary, a text's kind wrong", changed(binary(), "\x58" + textC, "\x08" + textC),
+         "aabb-bdae of 5"},
+        {"binary, a key wrong", changed(binary(), "Sender", "Sendes"), "aabbacbdae of 5"},
+        {"binary, a class wrong", changed(binary(), "InstantMessage", "InstbntMessage"),
+         "aabbacbdae of 5"},
+        {"XML, without its end", xml().first(xml().indexOf("text ddd")), "aabbac- of 5"},
+        {"XML, a tag wrong", changed(xml(), "<string>" + textC, "<strinh>" + textC),
+         "aabbacbdae of 5"},
+        {"XML, a text no UTF-8",
+         changed(xml(), textC,
+                 "text \xff"
+                 "cc"),
+         "aabb-bdae of 5"},
+        {"XML, a line break wrong", changed(xml(), "</string>\n", "</string>x"), "aabbacbdae of 5"},
+        {"XML, a reference wrong", changed(xml(), "<integer>2</integer>", "<integer>x</integer>"),
+         "aabbacbdae of 5"},
+        {"non-keyed, cut", nonKeyed().first(nonKeyed().indexOf("text ddd")), "aabbac- of 5"},
+        {"non-keyed, a text's length wrong", changed(nonKeyed(), "\x08" + textC, "\x7f" + textC),
+         "aabb-bdae of ?"},
+        {"non-keyed, a letter of a class wrong",
+         changed(nonKeyed(), "InstantMessage", "InstbntMessage"), "aabbacbdae of ?"},
+    };
+    for (const Case& test : cases)
+        EXPECT_EQ(recovered(test.bytes), test.recovered) << test.what;
+}
+
+}  // namespace
+}  // namespace vell::recovery
