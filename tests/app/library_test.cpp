@@ -122,10 +122,7 @@ TEST_F(LibraryTest, LeadsFromPeopleToMessages) {
     QTest::keyClick(view("libraryConversations"), Qt::Key_Return);
     EXPECT_TRUE(waitUntil([this] { return windowOf(folder.filePath(u"chats/bob.ichat"_s)); }));
     write(u"bob3.ichat"_s, u"bob"_s, {u"Supper"_s}, 60'000'000);
-    ASSERT_TRUE(waitUntil([this] {
-        return texts("libraryConversations").contains(u"2002"_s) &&
-               texts("libraryConversations").size() == 9;
-    }));
+    ASSERT_TRUE(waitUntil([this] { return texts("libraryConversations").size() == 8; }));
     EXPECT_TRUE(
         view("libraryConversations")->currentIndex().data().toString().startsWith(u"Thu 26"_s));
 }
