@@ -7,6 +7,7 @@
 #include <QPainterPath>
 #include <QStyle>
 #include <QToolTip>
+#include <QtMath>
 #include <algorithm>
 
 #include "app/library/list_row.h"
@@ -71,10 +72,11 @@ QRect BarChart::slot(std::size_t bar) const {
 }
 
 int BarChart::labelWidth() const {
-    int widest = 0;
+    const QFontMetricsF metrics(font(), this);
+    qreal widest = 0;
     for (const Bar& bar : bars_)
-        widest = std::max(widest, fontMetrics().horizontalAdvance(bar.label));
-    return std::min(widest, qRound(width() * mostLabelShare));
+        widest = std::max(widest, metrics.horizontalAdvance(bar.label));
+    return std::min(qCeil(widest) + 1, qRound(width() * mostLabelShare));
 }
 
 QColor BarChart::labelColor() const {

@@ -3,6 +3,7 @@
 
 #include <QLabel>
 #include <QLocale>
+#include <QStyle>
 #include <QTime>
 #include <QVBoxLayout>
 
@@ -18,6 +19,12 @@ constexpr int widest = 720;
 constexpr std::size_t mostWriters = 12;
 constexpr double secondsPerDay = 86400;
 
+/// On the side where lines begin in the user's language, whatever language the text is in.
+void alignWithCharts(QLabel& label) {
+    label.setAlignment(QStyle::visualAlignment(label.layoutDirection(), Qt::AlignLeft) |
+                       Qt::AlignVCenter | Qt::AlignAbsolute);
+}
+
 QLabel* heading(const QString& text, qreal size) {
     auto* label = new QLabel(text);
     label->setTextFormat(Qt::PlainText);
@@ -26,6 +33,7 @@ QLabel* heading(const QString& text, qreal size) {
     if (font.pointSizeF() > 0) font.setPointSizeF(font.pointSizeF() * size);
     font.setWeight(QFont::DemiBold);
     label->setFont(font);
+    alignWithCharts(*label);
     return label;
 }
 
@@ -44,6 +52,7 @@ StatisticsPage::StatisticsPage(const QByteArray& database, QWidget* parent)
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     facts_->setWordWrap(true);
+    alignWithCharts(*facts_);
     facts_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     auto* column = new QWidget;
     column->setMaximumWidth(widest);
