@@ -109,7 +109,7 @@ Verdict Checker::run() {
     ParallelFiles<CheckedFile, ExportJob> files(
         plan_.jobs,
         [this] {
-            return [calendar = options_.calendar.forgetful()](const ExportJob& job) {
+            return [calendar = options_.calendar.withoutCache()](const ExportJob& job) {
                 return checked(job, calendar);
             };
         },

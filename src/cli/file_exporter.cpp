@@ -46,7 +46,7 @@ FileExporter::FileExporter(const Options& options, const ContactsStore& contacts
     : options_(options),
       output_(output),
       isForSeveral_(isForSeveral),
-      context_(options.calendar.forgetful(), options.dateLocale, contacts) {}
+      context_(options.calendar.withoutCache(), options.dateLocale, contacts) {}
 
 FileExporter::~FileExporter() {
     if (current == this) current = nullptr;

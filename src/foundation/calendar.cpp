@@ -105,7 +105,7 @@ bool Calendar::isRule(const QByteArray& zone) {
     return start.match(QString::fromLatin1(zone)).hasMatch();
 }
 
-Calendar Calendar::forgetful() const {
+Calendar Calendar::withoutCache() const {
     Calendar result(zone_);
     result.rule_ = rule_;
     return result;

@@ -30,7 +30,7 @@ class Calendar {
     static bool isRule(const QByteArray& zone);
 
     /// The same zone in a calendar with nothing cached, for another thread.
-    [[nodiscard]] Calendar forgetful() const;
+    [[nodiscard]] Calendar withoutCache() const;
     /// The zone; meaningless where a rule is followed.
     [[nodiscard]] const QTimeZone& timeZone() const { return zone_; }
     [[nodiscard]] bool hasZoneOf(const Calendar& other) const {

@@ -61,13 +61,6 @@ class MessageBuilder {
     }
 };
 
-bool isMarker(const TesselChatLog::Event& event) {
-    return std::holds_alternative<TesselChatLog::NewDay>(event.value) ||
-           std::holds_alternative<TesselChatLog::NewMinute>(event.value) ||
-           std::holds_alternative<TesselChatLog::User>(event.value) ||
-           std::holds_alternative<TesselChatLog::Session>(event.value);
-}
-
 foundation::Date wholeMilliseconds(foundation::Date date) {
     const auto milliseconds = date.millisecondsSinceEpoch();
     return milliseconds ? foundation::Date::fromMillisecondsSinceEpoch(*milliseconds) : date;
@@ -94,7 +87,7 @@ Conversation conversationOf(const TesselChatLog& log, qsizetype fileSize) {
     int lastNumber = -1;
     for (std::size_t i = 0; i < events.size();) {
         const TesselChatLog::Event& first = events[i];
-        if (isMarker(first)) {
+        if (!first.isMessage()) {
             ++i;
             continue;
         }

@@ -13,13 +13,6 @@ namespace {
 
 using Event = TesselChatLog::Event;
 
-bool isMessage(const Event& event) {
-    return !std::holds_alternative<TesselChatLog::NewDay>(event.value) &&
-           !std::holds_alternative<TesselChatLog::NewMinute>(event.value) &&
-           !std::holds_alternative<TesselChatLog::User>(event.value) &&
-           !std::holds_alternative<TesselChatLog::Session>(event.value);
-}
-
 bool isDated(foundation::Date date) {
     return std::isfinite(date.secondsSinceReferenceDate) && !date.isDistantPast();
 }
@@ -158,7 +151,7 @@ MessageOrder::Session MessageOrder::read(const TesselChatLog& log) {
     const auto& events = log.events();
     std::size_t undated = 0;
     for (std::size_t i = 0; i < events.size();) {
-        if (!isMessage(events[i])) {
+        if (!events[i].isMessage()) {
             ++i;
             continue;
         }

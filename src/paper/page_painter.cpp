@@ -145,7 +145,7 @@ RowLayout PagePainter::line(const QString& text, Qt::Alignment side, int width) 
 void PagePainter::paintHeading(PaperCanvas& canvas, const PaperPage& page) const {
     const RowContext& rows = context_.rows();
     const QColor color = onPaper(rows.colors.secondaryLabel);
-    const auto& first = chatlog_.events()[static_cast<size_t>(page.rows.front().event)];
+    const auto& first = chatlog_.event(page.rows.front().event);
     const bool isMirrored = rows.direction == Qt::RightToLeft;
     const auto show = [&](const RowLayout& layout, int top) {
         canvas.text(*layout.text, QPoint(layout.content.x(), top), 0, layout.content.height(),
@@ -163,7 +163,7 @@ void PagePainter::paintHeading(PaperCanvas& canvas, const PaperPage& page) const
 void PagePainter::paint(PaperCanvas& canvas, const PaperPage& page) const {
     paintHeading(canvas, page);
     for (const PaperRow& row : page.rows) {
-        const auto& event = chatlog_.events()[static_cast<size_t>(row.event)];
+        const auto& event = chatlog_.event(row.event);
         std::visit(RowPainterOnPaper(canvas, context_, row, paperTop(row), event),
                    row.view->content());
     }

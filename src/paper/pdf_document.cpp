@@ -42,7 +42,7 @@ class DayMarks {
 
 bool isMessage(const TesselChatLog& chatlog, const PaperRow& row) {
     using Log = TesselChatLog;
-    const auto& value = chatlog.events()[static_cast<size_t>(row.event)].value;
+    const auto& value = chatlog.event(row.event).value;
     const bool isContent = std::holds_alternative<Log::PlainText>(value) ||
                            std::holds_alternative<Log::Image>(value) ||
                            std::holds_alternative<Log::File>(value) ||
@@ -68,7 +68,7 @@ PdfResult writePdf(const TesselChatLog& chatlog, const PaperSetup& setup, QIODev
         canvas.beginPage();
         painter.paint(canvas, *page);
         for (const PaperRow& row : page->rows) {
-            const auto& event = chatlog.events()[static_cast<size_t>(row.event)];
+            const auto& event = chatlog.event(row.event);
             marks.add(event.timestamp, painter.paperTop(row));
             result.messages += isMessage(chatlog, row);
         }

@@ -26,13 +26,6 @@ namespace {
 constexpr QSize idealSize(520, 640);
 constexpr qsizetype longestPhrase = 200;
 
-bool isMessage(const TesselChatLog::Event& event) {
-    return !std::holds_alternative<TesselChatLog::NewDay>(event.value) &&
-           !std::holds_alternative<TesselChatLog::NewMinute>(event.value) &&
-           !std::holds_alternative<TesselChatLog::User>(event.value) &&
-           !std::holds_alternative<TesselChatLog::Session>(event.value);
-}
-
 }  // namespace
 
 TimelineView::TimelineView(std::shared_ptr<const TesselChatLog> chatlog, ContactsStore& contacts,
@@ -106,7 +99,7 @@ void TimelineView::replaceChatlog(std::shared_ptr<const TesselChatLog> chatlog,
                                   const RowMap& rowOf) {
     const auto& visible = layout_.visibleRows();
     const auto kept = std::find_if(visible.begin(), visible.end(), [this](const auto& row) {
-        return isMessage(this->chatlog().events()[static_cast<size_t>(row.index)]);
+        return this->chatlog().event(row.index).isMessage();
     });
     const bool isMessageKept = kept != visible.end();
     const qsizetype row = isMessageKept ? kept->index : scroller_.topRow();
@@ -115,8 +108,8 @@ void TimelineView::replaceChatlog(std::shared_ptr<const TesselChatLog> chatlog,
     std::optional<TextSpan> selected;
     if (hasSelection()) {
         const auto moved = [&](TextPosition at) -> TextPosition {
-            const auto& event = this->chatlog().events()[static_cast<size_t>(at.row)];
-            return {rowOf(at.row), isMessage(event) ? at.offset : 0};
+            const auto& event = this->chatlog().event(at.row);
+            return {rowOf(at.row), event.isMessage() ? at.offset : 0};
         };
         selected = {moved(selectedSpan().from), moved(selectedSpan().to)};
     }

@@ -114,7 +114,7 @@ DateFormatter::DateFormatter(const DateFormatter& other)
     : style_(other.style_),
       prototype_(other.prototype_),
       format_(std::make_unique<Format>(*prototype_)),
-      calendar_(other.calendar_.forgetful()) {}
+      calendar_(other.calendar_.withoutCache()) {}
 
 DateFormatter::~DateFormatter() = default;
 
@@ -224,7 +224,7 @@ void setSharedDateFormat(const QByteArray& locale, const foundation::Calendar& c
 foundation::Calendar sharedCalendar() {
     Prototypes& all = prototypes();
     const std::lock_guard lock(all.lock);
-    return all.calendar.forgetful();
+    return all.calendar.withoutCache();
 }
 
 bool isKnownLocale(const QByteArray& locale) {

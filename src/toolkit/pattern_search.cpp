@@ -45,7 +45,7 @@ constexpr Reason reasons[] = {
 QString reasonFor(UErrorCode status, const UParseError& place) {
     const auto known = std::find_if(std::begin(reasons), std::end(reasons),
                                     [status](const Reason& r) { return r.status == status; });
-    const QString reason = QCoreApplication::translate(
+    QString reason = QCoreApplication::translate(
         "PatternSearch", known == std::end(reasons)
                              ? QT_TRANSLATE_NOOP("PatternSearch", "this can’t stand here")
                              : known->text);

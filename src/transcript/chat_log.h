@@ -113,6 +113,12 @@ class TesselChatLog {
         Value value;
 
         [[nodiscard]] bool isSystemMessage() const { return !sender; }
+        /// Whether this is a message or a piece of one: neither a separator nor the end of a run.
+        [[nodiscard]] bool isMessage() const {
+            return !std::holds_alternative<NewDay>(value) &&
+                   !std::holds_alternative<NewMinute>(value) &&
+                   !std::holds_alternative<User>(value) && !std::holds_alternative<Session>(value);
+        }
         /// For diagnostics: "<Event[3]: ts=… by=<@alice (AIM)> …".
         [[nodiscard]] QString description() const;
 
@@ -163,6 +169,10 @@ class TesselChatLog {
     }
     [[nodiscard]] const QSet<TesselUserID>& otherUserIDs() const { return otherUserIDs_; }
     [[nodiscard]] const std::vector<Event>& events() const { return events_; }
+    /// The event of a row; rows are counted from 0.
+    [[nodiscard]] const Event& event(qsizetype row) const {
+        return events_[static_cast<std::size_t>(row)];
+    }
     /// Whether the event at the index is a further piece of the message that the one before it
     /// belongs to: messages of one sender at one instant couldn't be distinguished otherwise.
     [[nodiscard]] bool continuesMessage(std::size_t index) const {

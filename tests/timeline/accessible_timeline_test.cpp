@@ -184,22 +184,28 @@ TEST_F(AccessibleTimelineTest, ItemsAreBoundedAndRecreated) {
         EXPECT_FALSE(QAccessible::accessibleInterface(id)) << "an item outlives its view";
 }
 
-TEST_F(AccessibleTimelineTest, LinksArePressedAndNothingElse) {
+TEST_F(AccessibleTimelineTest, LinksAndPicturesArePressed) {
     LogBuilder log;
-    log.text(bob, QStringLiteral("http://not.a/link")).add(bob, linkEvent("http://a.b/c", "title"));
+    log.text(bob, QStringLiteral("http://not.a/link"))
+        .add(bob, linkEvent("http://a.b/c", "title"))
+        .add(bob, test::picture({40, 30}));
     const auto view = makeView(log.log(), context_);
     QList<QUrl> opened;
+    QList<qsizetype> pictures;
+    QObject::connect(view.get(), &TimelineView::pictureOpened,
+                     [&](qsizetype row) { pictures += row; });
     view->links().setOpener([&](const QUrl& url) {
         opened += url;
         return true;
     });
     const QString press = QAccessibleActionInterface::pressAction();
-    for (int i = 0; i < 2; ++i) {
+    for (int i = 0; i < 3; ++i) {
         QAccessibleActionInterface* actions = listOf(*view).child(i)->actionInterface();
-        EXPECT_EQ(actions->actionNames().contains(press), i == 1);
+        EXPECT_EQ(actions->actionNames().contains(press), i > 0);
         actions->doAction(press);
     }
     EXPECT_EQ(opened, QList<QUrl>{QUrl(QStringLiteral("http://a.b/c"))});
+    EXPECT_EQ(pictures, QList<qsizetype>{2});
     EXPECT_EQ(listOf(*view).child(1)->text(QAccessible::Description),
               QStringLiteral("http://a.b/c"));
 }

@@ -45,7 +45,7 @@ ChatContents::ChatContents(std::shared_ptr<const TesselChatLog> log,
         Q_EMIT ready();
     };
     foundation::runDetached(
-        [run = run_, log = std::move(log), calendar = calendar.forgetful(), finish] {
+        [run = run_, log = std::move(log), calendar = calendar.withoutCache(), finish] {
             Found found = read(*log, calendar, run->isCancelled);
             run->callbacks.post(
                 [finish, found = std::move(found)]() mutable { finish(std::move(found)); });
@@ -75,10 +75,7 @@ ChatContents::Found ChatContents::read(const TesselChatLog& log,
             if (date) found.days.push_back({*date, row, 0});
             continue;
         }
-        if (std::holds_alternative<TesselChatLog::NewMinute>(event.value) ||
-            std::holds_alternative<TesselChatLog::User>(event.value) ||
-            std::holds_alternative<TesselChatLog::Session>(event.value))
-            continue;
+        if (!event.isMessage()) continue;
         if (isInDay && event.sender && !log.continuesMessage(index)) ++found.days.back().messages;
         if (std::holds_alternative<TesselChatLog::Image>(event.value)) share(SharedKind::picture);
         if (std::holds_alternative<TesselChatLog::Link>(event.value)) share(SharedKind::link);

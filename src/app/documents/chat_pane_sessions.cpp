@@ -47,7 +47,7 @@ void ChatPane::readSessions() {
     const auto index =
         at == paths_.end() ? paths_.size() - 1 : static_cast<std::size_t>(at - paths_.begin());
     reading_ = std::make_shared<CallbackGuard>(this);
-    reader_.emplace(paths_, index, sharedCalendar().forgetful(),
+    reader_.emplace(paths_, index, sharedCalendar().withoutCache(),
                     [this, callbacks = reading_](SessionReader::Result result) {
                         ExpansionBound expansion(*result.chat.log());
                         Sessions sessions{std::move(result), std::move(expansion)};

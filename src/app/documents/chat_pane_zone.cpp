@@ -20,7 +20,8 @@ void ChatPane::followTimeZone() {
     if (!paths_.empty()) return readSessions();
     if (!timeline_) return;
     foundation::runDetached(
-        [this, log = chat_.log, callbacks = zoneChange_, calendar = sharedCalendar().forgetful()] {
+        [this, log = chat_.log, callbacks = zoneChange_,
+         calendar = sharedCalendar().withoutCache()] {
             auto marked = std::make_shared<const TesselChatLog>(log->markedIn(calendar));
             auto expansion = std::make_shared<const ExpansionBound>(*marked);
             callbacks->post([this, log, marked, expansion] {

@@ -35,8 +35,7 @@ void placeBeside(const QWidget& window, QWidget& dialog) {
 }
 
 bool beginsDay(const TesselChatLog& log, qsizetype row) {
-    return std::holds_alternative<TesselChatLog::NewDay>(
-        log.events()[static_cast<size_t>(row)].value);
+    return std::holds_alternative<TesselChatLog::NewDay>(log.event(row).value);
 }
 
 }  // namespace
@@ -128,7 +127,7 @@ void ChatTools::goToDate() {
         connect(&contents, &ChatContents::ready, dateDialog_, fill);
     }
     if (const qsizetype row = dayOf(readRow()); row >= 0) {
-        const auto& event = timeline_->chatlog().events()[static_cast<size_t>(row)];
+        const auto& event = timeline_->chatlog().event(row);
         if (const auto date = localDate(event.timestamp, sharedCalendar()))
             dateDialog_->showDate(*date);
     }

@@ -85,7 +85,7 @@ void StatisticsPage::show(const std::shared_ptr<const LibraryPeople>& people, in
         [this, callbacks = reading_.callbacks(), people, partner, calendar = sharedCalendar()](
             LibraryStore& store, const LibraryThread::IsCancelled& isCancelled) {
             const auto statistics =
-                LibraryStatistics::read(store, *people, partner, calendar.forgetful());
+                LibraryStatistics::read(store, *people, partner, calendar.withoutCache());
             if (isCancelled()) return;
             callbacks->post([this, people, statistics] { take(*people, statistics); });
         });

@@ -9,10 +9,7 @@ namespace vell {
 namespace {
 
 bool isContent(const TesselChatLog::Event& event) {
-    return !event.isSystemMessage() &&
-           !std::holds_alternative<TesselChatLog::NewDay>(event.value) &&
-           !std::holds_alternative<TesselChatLog::NewMinute>(event.value) &&
-           !std::holds_alternative<TesselChatLog::User>(event.value);
+    return !event.isSystemMessage() && event.isMessage();
 }
 
 /// Messages of people; one with links and pictures is several events.

@@ -8,6 +8,7 @@
 
 #include "app/desktop/opening.h"
 #include "toolkit/application_info.h"
+#include "toolkit/mixed_color.h"
 
 namespace vell {
 namespace {
@@ -50,13 +51,7 @@ class LinkLabel final : public QLabel {
                     .arg(opaque(palette().color(color_)).name(), address_, text_));
     }
     [[nodiscard]] QColor opaque(QColor color) const {
-        const QColor below = palette().color(QPalette::Window);
-        const auto mixed = [share = color.alphaF()](float above, float below) {
-            return above * share + below * (1 - share);
-        };
-        return QColor::fromRgbF(mixed(color.redF(), below.redF()),
-                                mixed(color.greenF(), below.greenF()),
-                                mixed(color.blueF(), below.blueF()));
+        return mixed(palette().color(QPalette::Window), color, color.alphaF());
     }
 
     QString text_;

@@ -42,9 +42,9 @@ std::optional<QImage> ContactPictureCache::picture(const QByteArray& encoded) {
         if (const auto known = older_.constFind(digest); known != older_.cend())
             return *recent_.insert(digest, *known);
     }
-    std::optional<QImage> made = contactPicture(encoded);
+    const std::optional<QImage> made = contactPicture(encoded);
     const std::lock_guard lock(mutex_);
-    return *recent_.insert(digest, std::move(made));
+    return *recent_.insert(digest, made);
 }
 
 void ContactPictureCache::age() {

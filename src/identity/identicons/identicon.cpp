@@ -53,9 +53,10 @@ DrawParameters drawParameters(qint64 type, bool inverted, quint32 turn) {
         inverted = !inverted;
     }
     DrawParameters result{{}, inverted, static_cast<int>(turn)};
-    for (const qint64 p : Identicon::cellTypes[static_cast<size_t>(type)])
-        result.points.append(
-            {static_cast<double>(p % 5) * 0.25, static_cast<double>(p / 5) * 0.25});
+    for (const qint64 p : Identicon::cellTypes[static_cast<size_t>(type)]) {
+        const qint64 row = p / 5;
+        result.points.append({static_cast<double>(p % 5) * 0.25, static_cast<double>(row) * 0.25});
+    }
     return result;
 }
 

@@ -134,7 +134,7 @@ QByteArray bytesOfDataUri(QByteArrayView uri) {
 /// The first of several that isn't empty.
 QString firstOf(const QStringList& texts) {
     for (const QString& text : texts)
-        if (const QString simplified = text.simplified(); !simplified.isEmpty()) return simplified;
+        if (QString simplified = text.simplified(); !simplified.isEmpty()) return simplified;
     return {};
 }
 

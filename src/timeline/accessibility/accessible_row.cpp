@@ -46,7 +46,7 @@ struct Spoken {
 }  // namespace
 
 QString accessibleRowName(TimelineView& view, qsizetype row) {
-    const Event& event = view.chatlog().events()[static_cast<size_t>(row)];
+    const Event& event = view.chatlog().event(row);
     if (std::holds_alternative<TesselChatLog::NewDay>(event.value))
         return daySeparatorFormatter().string(event.timestamp);
     if (std::holds_alternative<TesselChatLog::Session>(event.value))
@@ -65,7 +65,7 @@ QString accessibleRowName(TimelineView& view, qsizetype row) {
 }
 
 const Event& AccessibleRow::event() const {
-    return timeline_.view().chatlog().events()[static_cast<size_t>(row_)];
+    return timeline_.view().chatlog().event(row_);
 }
 
 QWindow* AccessibleRow::window() const {
@@ -135,10 +135,9 @@ void* AccessibleRow::interface_cast(QAccessible::InterfaceType type) {
 }
 
 bool AccessibleRow::canBePressed() const {
-    const auto* image = std::get_if<TesselChatLog::Image>(&event().value);
     return role() == QAccessible::Link ||
            std::holds_alternative<TesselChatLog::Session>(event().value) ||
-           (image && image->image().format == foundation::PictureFormat::gif);
+           std::holds_alternative<TesselChatLog::Image>(event().value);
 }
 
 QStringList AccessibleRow::actionNames() const {

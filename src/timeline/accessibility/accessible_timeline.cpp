@@ -200,7 +200,7 @@ void AccessibleTimeline::nameChanged(qsizetype row) const {
 
 void AccessibleTimeline::namesChanged() const {
     for (const qsizetype row : made_) {
-        if (view().chatlog().events()[static_cast<size_t>(row)].sender) nameChanged(row);
+        if (view().chatlog().event(row).sender) nameChanged(row);
     }
 }
 

@@ -195,7 +195,7 @@ qsizetype KeyboardNavigation::onScreen(int direction) const {
 
 // A caption says who has spoken; it is part of the messages above it.
 bool KeyboardNavigation::isCaption(qsizetype row) const {
-    const auto& event = layout_.chatlog().events()[static_cast<size_t>(row)];
+    const auto& event = layout_.chatlog().event(row);
     return std::holds_alternative<TesselChatLog::User>(event.value);
 }
 

@@ -46,7 +46,7 @@ RowInteraction::RowInteraction(QAbstractScrollArea& area, TimelineLayout& layout
     : area_(area), layout_(layout), context_(context), selection_(selection), links_(area) {}
 
 const TesselChatLog::Event& RowInteraction::eventAt(qsizetype row) const {
-    return layout_.chatlog().events()[static_cast<size_t>(row)];
+    return layout_.chatlog().event(row);
 }
 
 const TesselChatLog::Link* RowInteraction::linkAt(const RowPlace& place) const {

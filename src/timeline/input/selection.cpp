@@ -12,7 +12,7 @@ namespace {
 using Event = TesselChatLog::Event;
 
 const Event& eventAt(const TesselChatLog& chatlog, qsizetype row) {
-    return chatlog.events()[static_cast<size_t>(row)];
+    return chatlog.event(row);
 }
 
 bool isPicture(const Event& event) {

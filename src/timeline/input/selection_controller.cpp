@@ -260,7 +260,7 @@ TextPosition SelectionController::movedAcross(TextPosition from, bool forward, T
         if (row < 0) return from;
         return forward ? selection_.rowStart(row) : selection_.rowEnd(row);
     }
-    const auto& event = layout_.chatlog().events()[static_cast<size_t>(from.row)];
+    const auto& event = layout_.chatlog().event(from.row);
     if (std::holds_alternative<TesselChatLog::Image>(event.value)) return edge;
     const QString text = rowText(event);
     return {from.row,

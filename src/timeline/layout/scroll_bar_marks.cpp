@@ -66,7 +66,7 @@ bool ScrollBarMarks::eventFilter(QObject* object, QEvent* event) {
 }
 
 qsizetype ScrollBarMarks::length(qsizetype row) const {
-    return selectableLength(layout_.chatlog().events()[static_cast<size_t>(row)]);
+    return selectableLength(layout_.chatlog().event(row));
 }
 
 double ScrollBarMarks::yOf(const TextPosition& position) const {

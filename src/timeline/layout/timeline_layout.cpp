@@ -43,7 +43,7 @@ void TimelineLayout::noteHeight(qsizetype index, const Row& row) {
 }
 
 std::unique_ptr<TimelineLayout::Row> TimelineLayout::makeRow(qsizetype index) {
-    const TesselChatLog::Event& event = chatlog_->events()[static_cast<size_t>(index)];
+    const TesselChatLog::Event& event = chatlog_->event(index);
     auto row = std::make_unique<Row>(
         Row{TimelineRowView(event, TimelineRowView::isOwn(event, *chatlog_)), {}, ++rowsMade_});
     row->layout = row->view.measure(context_, rowWidth_);

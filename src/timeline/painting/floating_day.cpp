@@ -11,6 +11,7 @@
 #include <variant>
 
 #include "toolkit/date_formatters.h"
+#include "toolkit/mixed_color.h"
 
 namespace vell {
 namespace {
@@ -21,12 +22,6 @@ constexpr qreal fromEdge = 8;  // points
 constexpr qreal sidePadding = 14;
 constexpr qreal dayPadding = 5;
 constexpr float backgroundOpacity = 0.94f;
-
-QColor mixed(const QColor& a, const QColor& b, float part) {
-    return QColor::fromRgbF(a.redF() + (b.redF() - a.redF()) * part,
-                            a.greenF() + (b.greenF() - a.greenF()) * part,
-                            a.blueF() + (b.blueF() - a.blueF()) * part);
-}
 
 }  // namespace
 
@@ -43,7 +38,7 @@ void FloatingDay::follow() {
     if (row < 0) return;
     const Place before = std::exchange(place_, {row, layout_.rowTop(row)});
     if (before.row < 0 || before == place_) return;
-    const auto& event = layout_.chatlog().events()[static_cast<size_t>(row)];
+    const auto& event = layout_.chatlog().event(row);
     setText(dayFormatter().string(event.timestamp));
     isFading_ = false;
     timer_.start(shownMilliseconds, this);

@@ -9,6 +9,8 @@
 #include <cmath>
 #include <utility>
 
+#include "toolkit/mixed_color.h"
+
 namespace vell {
 namespace {
 
@@ -17,12 +19,6 @@ constexpr qreal dayCorner = 6;
 constexpr float faintest = 0.14f;
 constexpr float strongest = 0.85f;
 constexpr float otherMonth = 0.35f;
-
-QColor mixed(const QColor& below, const QColor& above, float part) {
-    const auto mix = [part](float a, float b) { return a + (b - a) * part; };
-    return QColor::fromRgbF(mix(below.redF(), above.redF()), mix(below.greenF(), above.greenF()),
-                            mix(below.blueF(), above.blueF()));
-}
 
 /// The colour of the two that is easier to read on this one.
 QColor legible(const QColor& on, const QColor& a, const QColor& b) {

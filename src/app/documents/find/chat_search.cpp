@@ -52,7 +52,7 @@ class ChatSearch::Finder {
   private:
     void findIn(qsizetype first, qsizetype end) {
         for (qsizetype row = first; row < end && !isEnough(); ++row) {
-            const auto& event = log_->events()[static_cast<size_t>(row)];
+            const auto& event = log_->event(row);
             if (query_.sender && query_.sender != event.sender) continue;
             const QStringView text = searchableText(event);
             if (text.isEmpty()) continue;

@@ -72,7 +72,7 @@ int MatchModel::rowCount(const QModelIndex& parent) const {
 QVariant MatchModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= matches_->size()) return {};
     const TextSpan& match = (*matches_)[index.row()];
-    const auto& event = log_->events()[static_cast<size_t>(match.from.row)];
+    const auto& event = log_->event(match.from.row);
     const auto line = [&] {
         return lineAround(searchableText(event), match.from.offset, match.to.offset);
     };

@@ -49,7 +49,7 @@ qsizetype SharedItems::row(const QModelIndex& index) const {
 
 const TesselChatLog::Event* SharedItems::eventAt(const QModelIndex& index) const {
     const qsizetype row = this->row(index);
-    return row < 0 ? nullptr : &log_->events()[static_cast<size_t>(row)];
+    return row < 0 ? nullptr : &log_->event(row);
 }
 
 QStringList SharedItems::lines(const QModelIndex& index) const {

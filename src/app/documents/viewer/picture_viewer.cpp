@@ -97,7 +97,7 @@ PictureViewer::PictureViewer(QWidget& window, std::shared_ptr<const TesselChatLo
 PictureViewer::~PictureViewer() = default;
 
 const TesselChatLog::Image& PictureViewer::image() const {
-    return std::get<TesselChatLog::Image>(log_->events()[static_cast<size_t>(row_)].value);
+    return std::get<TesselChatLog::Image>(log_->event(row_).value);
 }
 
 QRectF PictureViewer::room() const {
@@ -127,7 +127,7 @@ void PictureViewer::step(qsizetype distance) {
 // ---- what is shown -----------------------------------------------------------------------------
 
 void PictureViewer::describe() {
-    const TesselChatLog::Event& event = log_->events()[static_cast<size_t>(row_)];
+    const TesselChatLog::Event& event = log_->event(row_);
     const QString name = shownText(pictureName(image())).simplified();
     name_->setText(name.isEmpty() ? tr("Picture") : name);
     QStringList details;
