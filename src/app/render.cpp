@@ -98,7 +98,7 @@ int render(const QString& path, const QString& target, bool isDark) {
         const bool isPdf = target.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive);
         return isPdf ? renderPdf(document, path, target) : renderPicture(document, target);
     } catch (const foundation::Error& error) {
-        const QString known = error.debugDescription();
+        const QString& known = error.debugDescription();
         std::fprintf(stderr, "vell: %s could not be opened: %s\n", qUtf8Printable(path),
                      qUtf8Printable(known.isEmpty() ? reason(path) : known));
     } catch (const std::bad_alloc&) {

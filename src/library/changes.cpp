@@ -12,21 +12,21 @@ bool isWithin(QByteArrayView path, const std::string& folder) {
     return path.size() == root.size() || root.endsWith('/') || path[root.size()] == '/';
 }
 
-Changes::Changes(std::vector<KnownFile> known, std::vector<FoundFile> found,
+Changes::Changes(const std::vector<KnownFile>& known, std::vector<FoundFile> found,
                  const std::vector<std::string>& folders) {
     std::vector<KnownFile> gone;
     std::vector<FoundFile> newFiles;
     const auto isEarlier = [](const FoundFile& file, const QByteArray& path) {
         return file.path < path;
     };
-    for (KnownFile& file : known) {
+    for (const KnownFile& file : known) {
         const auto at = std::lower_bound(found.begin(), found.end(), file.file.path, isEarlier);
         const bool isThere = at != found.end() && at->path == file.file.path;
         const bool isWanted = std::any_of(folders.begin(), folders.end(), [&](const auto& folder) {
             return isWithin(file.file.path, folder);
         });
         if (!isThere && isWanted) gone.push_back(file);
-        if (isThere) known_.insert(file.file.path, std::move(file));
+        if (isThere) known_.insert(file.file.path, file);
     }
     for (FoundFile& file : found) {
         const auto at = known_.constFind(file.path);

@@ -19,7 +19,7 @@ class Changes {
     using KnownFile = LibraryStore::KnownFile;
 
     /// What was found is in the order of its paths.
-    Changes(std::vector<KnownFile> known, std::vector<FoundFile> found,
+    Changes(const std::vector<KnownFile>& known, std::vector<FoundFile> found,
             const std::vector<std::string>& folders);
 
     /// New and changed files.

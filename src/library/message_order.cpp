@@ -186,6 +186,8 @@ void MessageOrder::keepFileOrder(Session& session) {
     if (messages.empty()) return;
     std::vector<double> latest;
     std::vector<double> earliest;
+    latest.reserve(messages.size());
+    earliest.reserve(messages.size());
     for (const Message& message : messages)
         latest.push_back(latest.empty() ? message.date : std::max(latest.back(), message.date));
     for (auto message = messages.rbegin(); message != messages.rend(); ++message)

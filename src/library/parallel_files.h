@@ -36,11 +36,11 @@ class ParallelFiles {
     /// result occupies: of those that wait to be taken there are never much more than mostBytes.
     ParallelFiles(std::vector<File> files, const std::function<Work()>& makeWork,
                   std::function<std::size_t(const Result&)> bytes,
-                  std::shared_ptr<const PauseSwitch> pause = {})
+                  const std::shared_ptr<const PauseSwitch>& pause = {})
         : state_(std::make_shared<State>()) {
         state_->files = std::move(files);
         state_->bytes = std::move(bytes);
-        state_->pause = std::move(pause);
+        state_->pause = pause;
         const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
         state_->running = std::min(cores, state_->files.size());
         for (std::size_t i = state_->running; i > 0; --i) {

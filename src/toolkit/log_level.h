@@ -35,7 +35,6 @@ class LogLevel {
     /// The tag as ready-made UTF-8.
     [[nodiscard]] QByteArrayView logPrefixAsBytes() const;
 
-    // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy sees a null pointer in any of these.
     friend auto operator<=>(const LogLevel&, const LogLevel&) = default;
     friend size_t qHash(LogLevel level, size_t seed = 0) { return ::qHash(level.value_, seed); }
 

@@ -15,7 +15,7 @@ constexpr qreal gridSize = 16;
 /// Draws lines on a grid of 16 points, scaled to the icon's size.
 class LineIcon final : public QIconEngine {
   public:
-    explicit LineIcon(QPainterPath lines) : lines_(std::move(lines)) {}
+    explicit LineIcon(const QPainterPath& lines) : lines_(lines) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
         const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
@@ -55,7 +55,7 @@ QIcon copyIcon() {
     lines.quadTo(2.5, 1.5, 4, 1.5);
     lines.lineTo(9, 1.5);
     lines.quadTo(10.5, 1.5, 10.5, 3);
-    return QIcon(new LineIcon(std::move(lines)));
+    return QIcon(new LineIcon(lines));
 }
 
 QIcon peopleIcon() {
@@ -69,7 +69,7 @@ QIcon peopleIcon() {
     lines.moveTo(12.6, 10);
     lines.cubicTo(14.4, 10.6, 15, 12, 15, 13.5);
     lines.lineTo(13, 13.5);
-    return QIcon(new LineIcon(std::move(lines)));
+    return QIcon(new LineIcon(lines));
 }
 
 QIcon sortIcon() {
@@ -79,7 +79,7 @@ QIcon sortIcon() {
         lines.moveTo(2.5, y);
         lines.lineTo(end, y);
     }
-    return QIcon(new LineIcon(std::move(lines)));
+    return QIcon(new LineIcon(lines));
 }
 
 QIcon searchIcon() {
@@ -87,7 +87,7 @@ QIcon searchIcon() {
     lines.addEllipse(QRectF(2.5, 2.5, 8, 8));
     lines.moveTo(9.5, 9.5);
     lines.lineTo(13.5, 13.5);
-    return QIcon(new LineIcon(std::move(lines)));
+    return QIcon(new LineIcon(lines));
 }
 
 QIcon chartIcon() {
@@ -95,7 +95,7 @@ QIcon chartIcon() {
     lines.addRect(QRectF(2.5, 8.5, 2.5, 5));
     lines.addRect(QRectF(6.75, 3, 2.5, 10.5));
     lines.addRect(QRectF(11, 6, 2.5, 7.5));
-    return QIcon(new LineIcon(std::move(lines)));
+    return QIcon(new LineIcon(lines));
 }
 
 QIcon addIcon() {
@@ -104,7 +104,7 @@ QIcon addIcon() {
     lines.lineTo(8, 13);
     lines.moveTo(3, 8);
     lines.lineTo(13, 8);
-    return QIcon(new LineIcon(std::move(lines)));
+    return QIcon(new LineIcon(lines));
 }
 
 }  // namespace vell

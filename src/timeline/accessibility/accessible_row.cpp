@@ -52,7 +52,7 @@ QString accessibleRowName(TimelineView& view, qsizetype row) {
     if (std::holds_alternative<TesselChatLog::Session>(event.value))
         //: A heading above the messages of one file; %1 is the file's name.
         return QCoreApplication::translate("Timeline", "Chat “%1”").arg(rowText(event));
-    const QString time = timeSeparatorFormatter().string(event.timestamp);
+    QString time = timeSeparatorFormatter().string(event.timestamp);
     if (std::holds_alternative<TesselChatLog::NewMinute>(event.value)) return time;
 
     const QString sender =

@@ -139,7 +139,7 @@ QAccessibleInterface* AccessibleTimeline::focusChild() const {
 // ---- names and places --------------------------------------------------------------------------
 
 QString AccessibleTimeline::text(QAccessible::Text kind) const {
-    const QString text = QAccessibleWidget::text(kind);
+    QString text = QAccessibleWidget::text(kind);
     if (kind != QAccessible::Name || !text.isEmpty()) return text;
     return QCoreApplication::translate("Timeline", "Conversation");
 }

@@ -141,7 +141,7 @@ void KeyboardNavigation::jump(qsizetype row, int direction) {
 
 void KeyboardNavigation::page(int direction) {
     const qint64 before = layout_.offset();
-    scroller_.scrollByPixels(direction * scroller_.pagePixels());
+    scroller_.scrollByPixels(qint64{direction} * scroller_.pagePixels());
     if (layout_.visibleRows().empty()) return;
     const bool isAtEnd = layout_.offset() == before;
     choose(wholeRow(isAtEnd ? direction : -1), true);

@@ -89,7 +89,7 @@ QString apparentHost(const QString& word) {
                        "(?:[\\w-]+\\.)+(?:xn--[\\w-]+|\\p{L}{2,}))(?![\\w@-])"),
         QRegularExpression::UseUnicodePropertiesOption);
     if (withScheme.match(word).hasMatch()) {
-        const QString host = hostOf(QUrl(word));
+        QString host = hostOf(QUrl(word));
         if (!host.isEmpty()) return host;
     }
     const QRegularExpressionMatch match = domain.match(word);

@@ -292,7 +292,7 @@ TextPosition SelectionController::movedByPage(TextPosition from, int direction) 
     scroller_.revealText({from, from});
     const QRect caret = layout_.exactCaret(from.row, from.offset);
     const qint64 y = layout_.rowTop(from.row) + caret.center().y();
-    const int page = scroller_.pagePixels();
+    const qint64 page = scroller_.pagePixels();
     const qint64 before = layout_.offset();
     scroller_.scrollByPixels(direction * page);
     const qint64 rest = std::max<qint64>(page - std::abs(layout_.offset() - before), 0);

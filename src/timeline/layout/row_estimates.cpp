@@ -140,8 +140,8 @@ void RowEstimates::prepare(const RowContext& context, int rowWidth) {
     const TextRows lines(false, context, rowWidth);
     heights_[fileClass] = lines.height(typicalFileLine);
     for (int i = 0; i < lengthClasses; ++i) {
-        heights_[static_cast<size_t>(bubbleClass + i)] = bubbles.height(typicalLength(i));
-        heights_[static_cast<size_t>(lineClass + i)] = lines.height(typicalLength(i));
+        heights_[bubbleClass + static_cast<size_t>(i)] = bubbles.height(typicalLength(i));
+        heights_[lineClass + static_cast<size_t>(i)] = lines.height(typicalLength(i));
     }
 }
 

@@ -115,13 +115,13 @@ void PictureCache::decodeNext() {
         threads_->start([this, request = std::move(request), mode, callbacks = callbacks_] {
             DecodedPicture decoded = decodePicture(request.picture, request.key.pixels, mode);
             callbacks->post([this, key = request.key, decoded = std::move(decoded)]() mutable {
-                take(key, std::move(decoded));
+                take(key, decoded);
             });
         });
     }
 }
 
-void PictureCache::take(const Key& key, DecodedPicture decoded) {
+void PictureCache::take(const Key& key, const DecodedPicture& decoded) {
     --running_;
     decodeNext();
     if (!pending_.remove(key)) return;

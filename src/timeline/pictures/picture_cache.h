@@ -68,7 +68,7 @@ class PictureCache final : public QObject {
     };
 
     void decodeNext();
-    void take(const Key& key, DecodedPicture decoded);
+    void take(const Key& key, const DecodedPicture& decoded);
 
     QCache<Key, QImage> images_;  // in bytes
     QHash<const char*, QSize> latest_;

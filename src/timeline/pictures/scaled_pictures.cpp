@@ -8,8 +8,8 @@ QImage ScaledPictures::image(const QImage& picture, QSize pixels) {
     const Key key{picture.cacheKey(), pixels};
     if (const QImage* known = images_.object(key)) return *known;
     // The painter's own format, so that it has nothing to convert either.
-    const QImage scaled = picture.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                              .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    QImage scaled = picture.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                        .convertToFormat(QImage::Format_ARGB32_Premultiplied);
     images_.insert(key, new QImage(scaled), scaled.sizeInBytes());
     return scaled;
 }

@@ -93,7 +93,7 @@ QString writeWrapper(const QString& path, const FileWrapper& wrapper) {
             const int copy = ++copies[own];
             name = copy == 1 ? own : safeFileName(QString::number(copy) + u' ' + own, {});
         } while (QFileInfo::exists(path + u'/' + name));
-        const QString problem = writeWrapper(path + u'/' + name, *child);
+        QString problem = writeWrapper(path + u'/' + name, *child);
         if (!problem.isEmpty()) return problem;
     }
     return {};
