@@ -101,7 +101,7 @@ QString fileName(const foundation::FileWrapper& wrapper) {
 }
 
 QString fileLine(const foundation::FileWrapper& wrapper) {
-    const QString name = fileName(wrapper);
+    QString name = fileName(wrapper);
     switch (wrapper.kind) {
         case foundation::FileWrapper::Kind::regularFile:
             return QStringLiteral("File: ") + name + QStringLiteral(" (") +
