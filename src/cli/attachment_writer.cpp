@@ -173,7 +173,7 @@ QByteArray AttachmentWriter::place(const QByteArray& folder, const QString& name
                                    foundation::Date date) {
     spend(data.size());
     for (;;) {
-        const QByteArray path = nextPath(folder, name);
+        QByteArray path = nextPath(folder, name);
         struct stat status {};
         if (::lstat(path.constData(), &status) == 0) {
             if (holds(path, data)) return path;
@@ -199,7 +199,7 @@ QByteArray AttachmentWriter::placeFolder(const QByteArray& folder, const FileWra
                                          foundation::Date date) {
     spend(0);
     for (;;) {
-        const QByteArray path = nextPath(folder, safeFileName(fileName(wrapper), u"Folder"_s));
+        QByteArray path = nextPath(folder, safeFileName(fileName(wrapper), u"Folder"_s));
         struct stat status {};
         makeFolder(path);
         if (::lstat(path.constData(), &status) != 0 || !S_ISDIR(status.st_mode)) continue;

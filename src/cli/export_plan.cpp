@@ -37,7 +37,7 @@ QString lastPart(const QString& path) {
 
 /// What a folder is called in the tree that mirrors it: "Chats" for "../Chats/", nothing for ".".
 QString mirroredName(const QString& folder) {
-    const QString name = lastPart(folder);
+    QString name = lastPart(folder);
     if (name == u".") return {};
     if (!name.isEmpty() && name != u"..") return name;
     return lastPart(foundation::pathFromArgument(canonicalPath(folder).c_str()));

@@ -167,8 +167,8 @@ void ChatPane::goToWanted() {
     }
     history_.jump([&] {
         timeline_->scroller().scrollToRow(*row);
-        timeline_->scroller().scrollByPixels(
-            -qRound(timeline_->height() / contextPart * timeline_->devicePixelRatioF()));
+        const int context = timeline_->height() / contextPart;
+        timeline_->scroller().scrollByPixels(-qRound(context * timeline_->devicePixelRatioF()));
         timeline_->setCurrentRow(*row);
     });
 }

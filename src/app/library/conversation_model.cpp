@@ -86,7 +86,8 @@ void ConversationModel::arrange() {
 const LibraryConversation* ConversationModel::conversation(const QModelIndex& index) const {
     if (!index.isValid() || kindOf(index) != conversationKind) return nullptr;
     const Heading& month = months_[static_cast<std::size_t>(numberOf(index))];
-    const int shown = shown_[static_cast<std::size_t>(month.first + index.row())];
+    const int shown =
+        shown_[static_cast<std::size_t>(month.first) + static_cast<std::size_t>(index.row())];
     return &people_->contents.conversations[static_cast<std::size_t>(shown)];
 }
 

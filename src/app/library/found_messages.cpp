@@ -149,7 +149,7 @@ void FoundMessages::takeCount(qint64 count) {
 
 QString FoundMessages::origin(const Row& row) const {
     const LibraryPeople& people = *library_.people();
-    const QString sender =
+    QString sender =
         row.sender ? shownText(senderName(*row.sender, contacts_)).simplified() : QString();
     const int conversation = people.conversationAt(row.path);
     if (conversation < 0) return sender;

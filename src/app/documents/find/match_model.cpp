@@ -77,7 +77,7 @@ QVariant MatchModel::data(const QModelIndex& index, int role) const {
         return lineAround(searchableText(event), match.from.offset, match.to.offset);
     };
     const auto origin = [&] {
-        const QString date = daySeparatorFormatter().string(event.timestamp);
+        QString date = daySeparatorFormatter().string(event.timestamp);
         if (!event.sender) return date;
         //: "Jonas, 1 May 2005, 20:05"
         return tr("%1, %2").arg(shownText(senderName(*event.sender, contacts_)), date);

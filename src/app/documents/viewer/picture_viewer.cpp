@@ -139,7 +139,7 @@ void PictureViewer::describe() {
         //: "3 of 120" pictures
         details +=
             tr("%1 of %2")
-                .arg(locale.toString(qlonglong(at + 1)), locale.toString(qlonglong(rows_.size())));
+                .arg(locale.toString(qlonglong{at} + 1), locale.toString(qlonglong(rows_.size())));
     }
     details_->setText(details.join(QStringLiteral(" · ")));
     setAccessibleName(name_->text() + QStringLiteral(", ") + details_->text());
