@@ -122,7 +122,7 @@ void ArchivePane::showMessage(quint64 object) {
     const auto rows = links_.rowsOf(object);
     if (!rows) return;
     const QScopedValueRollback guard(isLeading_, true);
-    const auto& last = timeline_.chatlog().events()[static_cast<size_t>(rows->last)];
+    const auto& last = timeline_.chatlog().event(rows->last);
     timeline_.setCurrentRow(rows->first);
     timeline_.select({{rows->first, 0}, {rows->last, selectableLength(last)}});
 }
