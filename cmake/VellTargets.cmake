@@ -53,6 +53,10 @@ endif()
 if(NOT DEFINED CMAKE_UNITY_BUILD AND NOT VELL_CCACHE)
     set(CMAKE_UNITY_BUILD ON)
     set(CMAKE_UNITY_BUILD_BATCH_SIZE 8)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # GCC takes the files of a batch for headers, whose types mustn't hold those of one file only.
+        add_compile_options(-Wno-subobject-linkage)
+    endif()
 endif()
 
 # vell_precompiled(NAME [EXECUTABLES] [LINK …] [HEADERS …]): headers that other libraries then share, or

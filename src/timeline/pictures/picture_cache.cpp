@@ -114,9 +114,8 @@ void PictureCache::decodeNext() {
             size(request.picture).isEmpty() ? Qt::KeepAspectRatio : Qt::IgnoreAspectRatio;
         threads_->start([this, request = std::move(request), mode, callbacks = callbacks_] {
             DecodedPicture decoded = decodePicture(request.picture, request.key.pixels, mode);
-            callbacks->post([this, key = request.key, decoded = std::move(decoded)]() {
-                take(key, decoded);
-            });
+            callbacks->post(
+                [this, key = request.key, decoded = std::move(decoded)]() { take(key, decoded); });
         });
     }
 }
