@@ -539,7 +539,7 @@ Nichts davon wird geändert oder irgendwohin gesendet. Sie können das in den Ei
 <context>
     <name>vell::ArchiveTool</name>
     <message>
-        <source>Show &amp;Archive</source>
+        <source>Show A&amp;rchive</source>
         <translation>&amp;Archiv anzeigen</translation>
     </message>
 </context>

@@ -20,7 +20,7 @@ ArchiveTool::ArchiveTool(QMainWindow& pane, const ShownChat& chat, TimelineView*
 
 QAction* ArchiveTool::addCommandTo(QMenu& menu) {
     action_ =
-        addCommand(menu, tr("Show &Archive"), {QKeySequence(Qt::Key_F12)}, [this] { toggle(); });
+        addCommand(menu, tr("Show A&rchive"), {QKeySequence(Qt::Key_F12)}, [this] { toggle(); });
     action_->setCheckable(true);
     return action_;
 }
