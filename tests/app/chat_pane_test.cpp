@@ -165,9 +165,10 @@ TEST_F(ChatPaneTest, GoesToWhatWasFoundAndToSessions) {
 TEST_F(ChatPaneTest, FindsAndCopiesAcrossFiles) {
     showAll({paths.begin(), paths.begin() + 5});
     trigger(u"Find …"_s);
-    QTest::keyClicks(QApplication::focusWidget(), u"message 7"_s);
     auto* edit = pane.findChild<QLineEdit*>();
     ASSERT_TRUE(edit && edit->isVisible());
+    EXPECT_EQ(pane.focusWidget(), edit);
+    QTest::keyClicks(edit, u"message 7"_s);
     ASSERT_TRUE(waitUntil([&] { return isSeen(u"file 0 message 7"_s); }));
     const auto before = seen();
     showAll({paths.begin(), paths.begin() + 8});

@@ -70,6 +70,8 @@ void ChatFinder::makeList() {
 
 void ChatFinder::chatReplaced(const TimelineView::RowMap& rowOf) {
     anchor_.row = rowOf(anchor_.row);
+    // A match that is still being looked for is gone to.
+    isStaying_ = isStaying_ || current_ >= 0 || !search_.isRunning();
     search_.setLog(timeline_.sharedChatlog());
     lastPlace_ = timeline_.scroller().place();
     if (list_) {
@@ -80,7 +82,6 @@ void ChatFinder::chatReplaced(const TimelineView::RowMap& rowOf) {
     if (!bar_) return;
     fillPeople();
     if (!bar_->isVisible()) return;
-    isStaying_ = true;
     search_.start(bar_->query(), anchor_.row);
 }
 
