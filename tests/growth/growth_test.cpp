@@ -99,6 +99,7 @@ TEST(Growth, CostsTwiceForTwiceTheSize) {
     const std::pair<const char*, std::function<bool(const QByteArray&)>> tasks[] = {
         {"recover", recover},
         {"load", load},
+        {"archive", [](const QByteArray& path) { return exportAs("archive", path); }},
         {"json", [](const QByteArray& path) { return exportAs("json", path); }},
         {"markdown", [](const QByteArray& path) { return exportAs("markdown", path); }},
         {"text", [](const QByteArray& path) { return exportAs("text", path); }},
