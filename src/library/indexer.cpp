@@ -23,7 +23,10 @@ namespace {
 constexpr qint64 guessAfter = 1000;        // milliseconds
 constexpr qint64 indexLockTimeout = 1000;  // milliseconds
 constexpr std::chrono::milliseconds lockInterval{20};
-constexpr int lowestPriority = 19;
+/// Nice values. There is one writer, which has more to do than one reader: the readers get what it
+/// leaves of the processors, or it would be alone for long at the end.
+constexpr int readersAfterWriter = 5;
+constexpr int backgroundWriter = 14;
 
 /// Held by the one that indexes; the system releases it with the process.
 class IndexingLock {
@@ -54,9 +57,10 @@ class IndexingLock {
     const int descriptor_;
 };
 
-void usePriority(Indexer::Priority priority) {
+void usePriority(Indexer::Priority priority, int lower = 0) {
+    const int usual = priority == Indexer::Priority::background ? backgroundWriter : 0;
     // On Linux that of the calling thread.
-    if (priority == Indexer::Priority::background) ::setpriority(PRIO_PROCESS, 0, lowestPriority);
+    if (usual + lower > 0) ::setpriority(PRIO_PROCESS, 0, usual + lower);
 }
 
 }  // namespace
@@ -103,7 +107,7 @@ class Indexer::Run {
 
     void read(std::vector<FoundFile> toRead, const TranscriptReader::Hashes& known) {
         const auto makeWork = [known, priority = indexer_.priority_] {
-            usePriority(priority);
+            usePriority(priority, readersAfterWriter);
             return [reader = std::make_shared<TranscriptReader>(known),
                     tokenizer = std::make_shared<TextTokenizer>()](const FoundFile& file) {
                 return prepared(reader->read(file), *tokenizer);

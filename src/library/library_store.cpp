@@ -56,7 +56,7 @@ constexpr const char* schema = R"(
         date REAL AS (CASE typeof(time) WHEN 'integer' THEN ((id >> 20) * 86400000 + time) / 1000.0
             ELSE time END));
     CREATE VIRTUAL TABLE words USING fts5(text, content = '', columnsize = 0, tokenize = 'ascii');
-    INSERT INTO words (words, rank) VALUES ('hashsize', 67108864);
+    INSERT INTO words (words, rank) VALUES ('hashsize', 16777216);
     INSERT INTO words (words, rank) VALUES ('pgsz', 8100);
     INSERT INTO words (words, rank) VALUES ('automerge', 0);
 )";
