@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
 //
-// Measures starts of the program against an empty window's, ten long transcripts at once, and the
-// way from a person in the library to the chat with them.
-// Prints each figure beside its limit and exits with 1 when one is exceeded. Run it on an X display
-// and with QT_QPA_PLATFORM=offscreen.
+// Measures starts of the program against an empty window's, ten long transcripts at once, the
+// archive of a large file beside its chat, and the way from a person in the library to the chat
+// with them. Prints each figure beside its limit and exits with 1 when one is exceeded. Run it on
+// an X display and with QT_QPA_PLATFORM=offscreen.
 //
 //     vell-application-benchmark
+#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QListView>
 #include <QMouseEvent>
@@ -17,6 +19,7 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QTreeView>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cstdio>
@@ -46,6 +49,8 @@ constexpr int starts = 15;
 constexpr int manyMessages = 100'000;
 constexpr archive::Sizes librarySize{20'000, 300'000, 0};
 constexpr int choices = 5;
+constexpr std::size_t sample = 10'000;  // messages, to see how many make a large file
+constexpr qsizetype largeBytes = 30'000'000;
 
 struct Start {
     double window = 0;    ///< milliseconds
@@ -165,6 +170,31 @@ void measureManyWindows(const QStringList& files) {
     program.quit();
 }
 
+/// From the command to the tree's first frame, in the window of a loaded chat.
+void measureArchive(const QString& file, const char* form) {
+    vell::Application program;
+    program.open({file});
+    auto* window = static_cast<vell::DocumentWindow*>(program.documentWindows().front());
+    while (!window->isLoaded())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    processEvents(1000);
+    const auto actions = window->findChildren<QAction*>();
+    const auto show = std::ranges::find(actions, u"Show A&rchive"_s, &QAction::text);
+    QElapsedTimer clock;
+    clock.start();
+    const double before = processorMilliseconds();
+    (*show)->trigger();
+    const auto* tree = window->findChild<QTreeView*>(u"archiveView"_s);
+    while (!tree->model() || tree->model()->rowCount() == 0)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    tree->viewport()->repaint();
+    std::printf("the archive of %lld MB, %s\n", QFileInfo(file).size() / 1'000'000, form);
+    report("  to its first frame, by the clock", static_cast<double>(clock.nsecsElapsed()) / 1e6,
+           100, "ms");
+    report("  the window's thread until then", processorMilliseconds() - before, 100, "ms");
+    program.quit();
+}
+
 void click(const QListView& list, const QString& name) {
     const auto found = list.model()->match(list.model()->index(0, 0), Qt::DisplayRole, name);
     if (found.isEmpty()) qFatal("%s isn't listed", qPrintable(name));
@@ -241,6 +271,17 @@ int main(int argc, char** argv) {
         written(home, u"few.ichat"_s, benchmarks::conversation(20, benchmarks::Form::keyed)),
         files.front());
     measureManyWindows(files);
+    using benchmarks::Form;
+    for (const auto& [form, name] :
+         {std::pair(Form::keyed, "keyed"), std::pair(Form::nonKeyed, "non-keyed")}) {
+        const auto messages = [form = form](qsizetype bytes) {
+            return sample * static_cast<std::size_t>(bytes) /
+                   static_cast<std::size_t>(benchmarks::conversation(sample, form).size());
+        };
+        measureArchive(
+            written(home, u"large.ichat"_s, benchmarks::conversation(messages(largeBytes), form)),
+            name);
+    }
     measureLibrary(QDir(home.path()).canonicalPath() + u"/chats"_s);
     return benchmarks::exitCode();
 }
