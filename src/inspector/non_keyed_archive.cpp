@@ -105,12 +105,12 @@ Entry NonKeyedArchive::object(quint64 number) {
             result.count = quint64(object.count);
             result.state[0] = quint32(number);
             if (objects_[object.name].sort == Sort::classRecord)
-                result.value = text(objects_[object.name].name).left(longestClassName);
+                result.value = className(objects_[object.name].name);
             break;
         case Sort::classRecord:
             result.kind = Entry::Kind::classRecord;
             result.type = "class";
-            result.value = u"class %1, version %2"_s.arg(text(object.name).left(longestClassName),
+            result.value = u"class %1, version %2"_s.arg(className(object.name),
                                                          QString::number(object.count));
             break;
         case Sort::cString:
@@ -374,6 +374,14 @@ NonKeyedArchive::Cursor NonKeyedArchive::cursorAt(const Place& place) const {
 
 NonKeyedArchive::Place NonKeyedArchive::placeOf(const Cursor& cursor) const {
     return {offsetOf(cursor), cursor.nextString, cursor.nextObject};
+}
+
+// Many objects may be of one class with a long name, of which only the start is decoded.
+QString NonKeyedArchive::className(quint32 string) const {
+    constexpr std::size_t bytesPerCharacter = 4;
+    const std::string_view start =
+        strings_[string].text.substr(0, bytesPerCharacter * longestClassName);
+    return QString::fromUtf8(start.data(), qsizetype(start.size())).left(longestClassName);
 }
 
 QString NonKeyedArchive::text(quint32 string) const {

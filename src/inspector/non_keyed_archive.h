@@ -86,6 +86,7 @@ class NonKeyedArchive final : public Archive {
     [[nodiscard]] quint32 offsetOf(const Cursor& cursor) const {
         return quint32(cursor.stream.position() - data_.begin());
     }
+    [[nodiscard]] QString className(quint32 string) const;
     [[nodiscard]] QString text(quint32 string) const;
 
     foundation::Data data_;
