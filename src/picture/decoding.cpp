@@ -4,6 +4,7 @@
 #include <QBuffer>
 #include <QColorSpace>
 #include <QImageReader>
+#include <QtEndian>
 #include <optional>
 #include <utility>
 
@@ -28,6 +29,19 @@ bool isDrawing(PictureFormat format) {
     return format == PictureFormat::svg || format == PictureFormat::pdf;
 }
 
+/// Lets an ICNS file's last element end where the file does: the decoder allocates whatever length
+/// an element claims, up to 4 GiB.
+void shortenLastElement(QByteArray& icns) {
+    constexpr qsizetype header = 8;
+    for (qsizetype at = header; icns.size() - at >= header;) {
+        const qsizetype left = icns.size() - at;
+        const auto length = qFromBigEndian<quint32>(icns.constData() + at + 4);
+        if (length > left) qToBigEndian(static_cast<quint32>(left), icns.data() + at + 4);
+        if (length < header || length > left) return;
+        at += length;
+    }
+}
+
 /// A reader over the picture's own bytes, placed at the image to show.
 class Source {
   public:
@@ -36,6 +50,7 @@ class Source {
           data_(*picture.data.load()),
           bytes_(QByteArray::fromRawData(data_.begin(), data_.size())),
           buffer_(&bytes_) {
+        if (picture.format == PictureFormat::icns) shortenLastElement(bytes_);
         buffer_.open(QIODevice::ReadOnly);
         // The format is known: no other decoder may try the bytes.
         reader_.setAutoDetectImageFormat(false);
