@@ -11,6 +11,8 @@
 #include <QTableView>
 #include <QTest>
 
+#include "app/documents/load_log_window.h"
+#include "toolkit/application_info.h"
 #include "windows.h"
 
 namespace {
@@ -133,14 +135,16 @@ TEST_F(OtherWindows, PreferencesKeepContactsAndTheirFiles) {
     EXPECT_FALSE(openWindow("preferences")) << "Return closes";
 }
 
-TEST_F(OtherWindows, SecondaryTextIsLegibleOnDarkThemes) {
+TEST_F(OtherWindows, LabelsAndLinksAreLegibleOnDarkThemes) {
     const QPalette before = QApplication::palette();
     QPalette dark(QColor(49, 54, 59));
     dark.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
     QApplication::setPalette(dark);
     program->showAbout();
+    const vell::LoadLogView log(vell::applicationInfo(), u"log"_s);
     int labels = 0;
-    for (QLabel* label : openWindow("aboutWindow")->findChildren<QLabel*>()) {
+    for (QLabel* label :
+         openWindow("aboutWindow")->findChildren<QLabel*>() + log.findChildren<QLabel*>()) {
         if (label->text().isEmpty()) continue;
         const QImage picture = label->grab().toImage();
         int lightest = 0;
@@ -150,7 +154,7 @@ TEST_F(OtherWindows, SecondaryTextIsLegibleOnDarkThemes) {
         EXPECT_GT(lightest, 120) << label->text().toStdString();
         ++labels;
     }
-    EXPECT_GE(labels, 4);
+    EXPECT_GE(labels, 9);
     QApplication::setPalette(before);
 }
 
