@@ -61,10 +61,11 @@ TEST_F(People, ConversationsAreByWhomTheyAreWith) {
     chat(u"1.ichat"_s, 0, {u"bob"_s}, 4);
     chat(u"2.ichat"_s, 3 * day, {u"bob"_s, u"ben"_s}, 3);
     chat(u"3.ichat"_s, 5 * day, {u"bob"_s}, 2);
-    chat(u"4.ichat"_s, 4 * day, {u"eve"_s}, 2);
+    chat(u"4.ichat"_s, 5 * day - 1200, {u"eve"_s}, 2);
+    chat(u"5.ichat"_s, 5 * day - 1800, {u"eve"_s}, 40);  // the first to begin is the last to end
     QFile::copy(fixture.path(u"3.ichat"_s), fixture.path(u"copy of 3.ichat"_s));
     fixture.write(u"broken.ichat"_s, "nothing");
-    EXPECT_EQ(shown(), "bob 6; eve 2; ben, bob 3");
+    EXPECT_EQ(shown(), "eve 42; bob 6; ben, bob 3");
     const LibraryPeople all = people();
     ASSERT_EQ(all.contents.broken.size(), 1U);
     EXPECT_FALSE(all.contents.broken[0].reason.isEmpty());
@@ -76,8 +77,8 @@ TEST_F(People, ConversationsAreByWhomTheyAreWith) {
     // A copy leads to the conversation that stands for it.
     const int copy = all.conversationAt(fixture.path(u"copy of 3.ichat"_s).toUtf8());
     EXPECT_EQ(copy, 0);
-    EXPECT_EQ(all.partnerOf(copy), 0);
-    EXPECT_EQ(all.pathsOf(0), (std::vector<QByteArray>{fixture.path(u"1.ichat"_s).toUtf8(),
+    EXPECT_EQ(all.partnerOf(copy), 1);
+    EXPECT_EQ(all.pathsOf(1), (std::vector<QByteArray>{fixture.path(u"1.ichat"_s).toUtf8(),
                                                        fixture.path(u"3.ichat"_s).toUtf8()}));
     EXPECT_EQ(LibraryContents::read(store, {fixture.chats + "/other"}).conversations.size(), 0U)
         << "other folders are in the same database";

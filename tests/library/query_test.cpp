@@ -35,6 +35,7 @@ TEST(Query, FindsWhatAPersonMeant) {
         {"in this order", u"車電"_s, u"今日は電車で行く"_s, -1},
         {"narrow and wide kana", u"ｶﾒﾗ"_s, u"新しいカメラ"_s, 0},
         {"Thai inside a sentence", u"แมว"_s, u"ฉันมีแมวสองตัว"_s, 0},
+        {"and what isn't there", u"หมา"_s, u"ฉันมีแมวสองตัว"_s, -1},
         {"Arabic", u"قطار"_s, u"في قطار الصباح"_s, 0},
         {"Persian joined without a blank", u"میخواهم"_s, u"می\u200cخواهم"_s, 0},
         {"emoji, whatever the skin", u"👍"_s, u"ok👍🏽"_s, 0},

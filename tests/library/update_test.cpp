@@ -97,6 +97,14 @@ TEST(Update, FollowsTheFiles) {
     std::filesystem::create_hard_link(fixture.chats + "/one.ichat", fixture.chats + "/two.ichat");
     update();
     EXPECT_EQ(found(store, fixture, u"orange"_s), 2) << "one file under two names";
+    QFile::remove(fixture.path(u"two.ichat"_s));
+    QFile::rename(fixture.path(u"copy 1.ichat"_s), fixture.path(u"copy 2.ichat"_s));
+    update();
+    QFile::remove(fixture.path(u"one.ichat"_s));
+    QFile::copy(fixture.path(u"copy 2.ichat"_s), fixture.path(u"one.ichat"_s));
+    QFile::remove(fixture.path(u"copy 2.ichat"_s));
+    update();
+    EXPECT_EQ(found(store, fixture, u"orange"_s), 0) << "a moved file takes a known one's place";
 }
 
 TEST(Update, OfOneFolderLeavesTheOthers) {
@@ -193,8 +201,13 @@ TEST(Update, WaitsWhilePausedAndShowsWhatItHasWritten) {
     EXPECT_EQ(fileCountsIn(searched).files, 0);
     LibraryStore second(fixture.database);
     EXPECT_THROW(fixture.update(second), DatabaseError) << "one indexes at a time";
+    // A search that goes on doesn't keep the indexer waiting.
+    LibraryStore busy(fixture.database, LibraryStore::Access::read);
+    Statement open = busy.database().prepare("SELECT id FROM people UNION SELECT 1");
+    EXPECT_TRUE(open.step());
     indexer.setPaused(false);
     other.join();
+    open.reset();
     EXPECT_EQ(seen, 1);
     indexer.setPaused(true);
     fixture.chat(u"ben.ichat"_s, {u"plum"_s});
