@@ -164,7 +164,7 @@ void PageWriter::message(Message message) {
     out_.appendNumber(static_cast<int>(sender.color));
     out_.append(" u");
     out_.appendNumber(sender.number);
-    if (*first.sender == log_.ownUserID()) out_.append(" own");
+    if (log_.isOwn(first.sender)) out_.append(" own");
     if (endsRun(message)) out_.append(" last");
     out_.append("\" id=\"m");
     out_.appendNumber(first.sequence);

@@ -23,8 +23,7 @@ constexpr char fixedRules[] = R"(
 body{margin:0 auto;padding:0 16px 32px;max-width:800px;background:var(--ground);color:var(--text);font:16px/1.5 "Helvetica Neue",Helvetica,"Noto Sans",Arial,sans-serif;overflow-wrap:anywhere}
 header{margin:24px 0 8px;text-align:center}
 h1{margin:0;font-size:20px;line-height:1.3}
-header p,.minute,.file,.system{color:var(--faint)}
-header p{margin:4px 0;font-size:13px}
+.minute,.file,.system{color:var(--faint)}
 h2{display:flex;align-items:center;gap:8px;margin:20px 0 8px;font-size:13px;line-height:20px;color:var(--faint)}
 h2::before,h2::after{content:"";flex:1;border-top:1px solid var(--line)}
 .session{margin-top:32px;font-size:16px;color:inherit}
@@ -70,12 +69,11 @@ QByteArray colorRule(Style::Aqua aqua) {
 HtmlStyle::HtmlStyle(const TesselChatLog& log, const ContactsStore& contacts) : css_(fixedRules) {
     for (int color = 0; color < Style::aquaCount; ++color)
         css_ += colorRule(static_cast<Style::Aqua>(color));
-    const SharedUserID own(log.ownUserID());
     std::size_t others = 0;
     for (const TesselChatLog::Event& event : log.events()) {
         if (!event.sender || senders_.contains(event.sender)) continue;
         const int number = static_cast<int>(senders_.size());
-        const Style::Aqua color = event.sender == own
+        const Style::Aqua color = log.isOwn(event.sender)
                                       ? Style::Aqua::blueberry
                                       : participantStyles[others++ % participantStyles.size()];
         senders_.insert(event.sender, {number, color, senderName(*event.sender, contacts)});
