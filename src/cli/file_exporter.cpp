@@ -32,7 +32,8 @@ thread_local FileExporter* current = nullptr;
 
 /// The events that are no marks.
 qint64 pieceCount(const TesselChatLog& log) {
-    return std::count_if(log.events().begin(), log.events().end(), isContent);
+    return std::count_if(log.events().begin(), log.events().end(),
+                         [](const auto& event) { return event.isMessage(); });
 }
 
 }  // namespace

@@ -103,7 +103,7 @@ qint64 CsvRenderer::write(const CsvOptions& options) {
     qint64 messages = 0;
     for (std::size_t i = 0; i < log_.events().size(); ++i) {
         const Event& event = log_.events()[i];
-        if (!isContent(event)) continue;
+        if (!event.isMessage()) continue;
         sequence_ = event.sequence;
         out_.append(file.view());
         out_.appendNumber(event.sequence);

@@ -26,17 +26,6 @@ struct ContentOf {
     Content operator()(const TesselChatLog::User&) const { return std::nullopt; }
 };
 
-struct IsContent {
-    bool operator()(const TesselChatLog::PlainText&) const { return true; }
-    bool operator()(const TesselChatLog::Link&) const { return true; }
-    bool operator()(const TesselChatLog::Image&) const { return true; }
-    bool operator()(const TesselChatLog::File&) const { return true; }
-    bool operator()(const TesselChatLog::Session&) const { return false; }
-    bool operator()(const TesselChatLog::NewDay&) const { return false; }
-    bool operator()(const TesselChatLog::NewMinute&) const { return false; }
-    bool operator()(const TesselChatLog::User&) const { return false; }
-};
-
 bool isEmptyText(const Event& event) {
     const auto* text = plainText(event);
     return text && text->text.isEmpty();
@@ -77,12 +66,8 @@ void PieceReader::appendTextsTo(QString& text) {
     }
 }
 
-bool isContent(const Event& event) {
-    return std::visit(IsContent(), event.value);
-}
-
 bool beginsMessage(const TesselChatLog& log, std::size_t index) {
-    return isContent(log.events()[index]) && !log.continuesMessage(index);
+    return log.events()[index].isMessage() && !log.continuesMessage(index);
 }
 
 qint64 messageCount(const TesselChatLog& log) {

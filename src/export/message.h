@@ -44,8 +44,6 @@ class PieceReader {
     void appendTextsTo(QString& text);
 };
 
-/// Whether the event is a piece of a message; the others are markers.
-[[nodiscard]] bool isContent(const TesselChatLog::Event& event);
 /// Whether the event at the index is the first piece of a message.
 [[nodiscard]] bool beginsMessage(const TesselChatLog& log, std::size_t index);
 /// The number of messages in the log, without which no document is complete.

@@ -14,7 +14,7 @@ struct PageRange {
     int last = std::numeric_limits<int>::max();
 };
 
-/// Called after each page with the events that are done, and all; false ends the work.
+/// Called before each page with the events that are laid out, and all; false ends the work.
 using PaperProgress = std::function<bool(qsizetype done, qsizetype all)>;
 
 }  // namespace vell

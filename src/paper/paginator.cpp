@@ -60,9 +60,7 @@ bool Paginator::fill() {
         RowLayout layout = context_.measure(*view, size_.width());
         if (layout.height <= 0) continue;
         // A page may also begin with the caption of a message on the one before.
-        hasContent = hasContent || !(std::holds_alternative<Log::NewDay>(event.value) ||
-                                     std::holds_alternative<Log::NewMinute>(event.value) ||
-                                     std::holds_alternative<Log::Session>(event.value));
+        hasContent = hasContent || isCaption || event.isMessage();
         height += layout.height + (waiting_.empty() ? 0 : spacing());
         waiting_.push_back({{event_, std::move(view), std::move(layout)}, 0});
     }

@@ -7,7 +7,7 @@
 //     canvas.beginPage();
 //     canvas.fill(…);
 //     canvas.endPage();
-//     canvas.finish(title, outline);
+//     canvas.finish(title, language);
 
 #include <QByteArray>
 #include <QHash>

@@ -3,7 +3,6 @@
 
 #include <QDate>
 #include <QLocale>
-#include <variant>
 
 #include "paper/page_painter.h"
 #include "paper/paginator.h"
@@ -40,14 +39,10 @@ class DayMarks {
     QDate last_;
 };
 
-bool isMessage(const TesselChatLog& chatlog, const PaperRow& row) {
-    using Log = TesselChatLog;
-    const auto& value = chatlog.event(row.event).value;
-    const bool isContent = std::holds_alternative<Log::PlainText>(value) ||
-                           std::holds_alternative<Log::Image>(value) ||
-                           std::holds_alternative<Log::File>(value) ||
-                           std::holds_alternative<Log::Link>(value);
-    return isContent && row.isLast && !chatlog.continuesMessage(static_cast<size_t>(row.event));
+/// Whether a row is what a message is counted by: the end of its first piece.
+bool countsAsMessage(const TesselChatLog& chatlog, const PaperRow& row) {
+    return chatlog.event(row.event).isMessage() && row.isLast &&
+           !chatlog.continuesMessage(static_cast<size_t>(row.event));
 }
 
 }  // namespace
@@ -70,7 +65,7 @@ PdfResult writePdf(const TesselChatLog& chatlog, const PaperSetup& setup, QIODev
         for (const PaperRow& row : page->rows) {
             const auto& event = chatlog.event(row.event);
             marks.add(event.timestamp, painter.paperTop(row));
-            result.messages += isMessage(chatlog, row);
+            result.messages += countsAsMessage(chatlog, row);
         }
         canvas.endPage();
         ++result.pages;

@@ -4,7 +4,6 @@
 // A chat as a PDF: the timeline on pages, with the days as its outline.
 
 #include <QIODevice>
-#include <functional>
 
 #include "paper/page_range.h"
 #include "paper/paper_context.h"
