@@ -229,7 +229,7 @@ class Formats(unittest.TestCase):
                         self.assertEqual(cells[7], expected_cell(text))
                     self.assertEqual(cells[8], expected_cell(event.get("url", event.get("path"))))
                     for cell in row:
-                        self.assertNotIn(cell.strip()[:1], ("=", "+", "-", "@", "\uff1d"))
+                        self.assertNotIn(cell.strip("\u200b \t\r\n")[:1] or " ", "=+-@\uff1d\uff0b\uff0d\uff20")
 
     def rows_of_sqlite(self, written):
         with tempfile.TemporaryDirectory() as folder:

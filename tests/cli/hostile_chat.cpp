@@ -2,8 +2,8 @@
 //
 // hostile_chat FILE: writes a transcript whose names, texts, titles, addresses and file names try
 // to be something else in every format: markup, formulas, quotation marks, line breaks.
-// hostile_chat FILE MESSAGES [non-keyed]: so many messages of that kind, and n00000n, n00001n … at
-// their starts.
+// hostile_chat FILE MESSAGES [non-keyed]: so many messages of that kind, some of each year, and
+// n00000n, n00001n … at their starts.
 #include <QFile>
 
 #include "writers/transcript_writer.h"
@@ -26,6 +26,8 @@ const QStringList hostile{
     u"'=already"_s,
     u" \t=HYPERLINK(\"http://evil.example\")"_s,
     u"\uff1d1+1"_s,
+    u"\uff20SUM(A1)"_s,
+    u"\u200b=1+1"_s,
     u"a,b;c\td\"e\"\"f\"\r\ng\rh\ni"_s,
     u"\"\n\",\"\n"_s,
     u"עברית <b>מודגש</b> \"ציטוט\" ‮evil‬"_s,
@@ -113,8 +115,11 @@ std::vector<writers::Piece> numberedBody(int number) {
 
 writers::Transcript numbered(int messages) {
     writers::Transcript chat = emptyChat();
+    constexpr int messagesInAYear = 4000;
+    constexpr double year = 365.0 * 86'400;
     for (int i = 0; i < messages; ++i) {
-        writers::Message message{.date = 268405445 + 25.0 * i, .body = numberedBody(i)};
+        writers::Message message{.date = 268405445 + 25.0 * i + i / messagesInAYear * year,
+                                 .body = numberedBody(i)};
         if (i % 7 > 0) message.sender = static_cast<std::size_t>(i / 3 % hostile.size());
         chat.messages.push_back(std::move(message));
     }

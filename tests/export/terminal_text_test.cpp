@@ -28,7 +28,7 @@ TEST(TerminalText, ShowsNamesTimesAndIndentedMessages) {
     log.joined().image(u"me"_s, u"/tmp/cat.png"_s).joined().text(u"me"_s, u"\nn\u2067o"_s);
     log.wait(60).newMinute().text(u"me"_s, u"So."_s).user(u"me"_s).wait(60).newMinute();
     log.system(u"User has left\nthe "_s).joined().link({}, u"a:b"_s, u"chat"_s);
-    log.joined().text({}, u"."_s).wait(90000).newDay().text(u"bob"_s, u""_s);
+    log.joined().text({}, u"."_s).wait(90000).newMinute().newDay().text(u"bob"_s, u""_s);
     const auto day = [](double at) { return daySeparatorFormatter().string({at}).toStdString(); };
     const auto time = [](double at) { return timeSeparatorFormatter().string({at}).toStdString(); };
     EXPECT_EQ(terminalText(log), day(0) +
