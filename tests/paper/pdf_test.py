@@ -84,9 +84,28 @@ def check_texts(name, texts, shown):
 
 
 def entries(outline, level=0):
+    """Level, page, and how far down on it; deeper ones are to be folded."""
     for entry in outline:
-        yield level, entry["destpageposfrom1"]
+        yield level, entry["destpageposfrom1"], -entry["dest"][3]
+        check(not entry["open"] or not entry["kids"], f"{entry['title']} is unfolded")
         yield from entries(entry["kids"], level + 1)
+
+
+def check_links(name, pdf):
+    """Each leads somewhere from an area within its page, and is there once."""
+    objects = json.loads(run("qpdf", "--json=1", "--json-key=objects", pdf))["objects"].values()
+    areas = []
+    for page in (each for each in objects if isinstance(each, dict) and each.get("/Type") == "/Page"):
+        _, _, width, height = page["/MediaBox"]
+        for link in page.get("/Annots", []):
+            left, bottom, right, top = link["/Rect"]
+            check(0 < left < right < width and 0 < bottom < top < height, f"{name}: {link['/Rect']}")
+            areas.append((*page["/Contents"].split(), left, top))
+    check(len(areas) == len(set(areas)), f"{name}: a link is there twice")
+    entries_back = [each for each in objects if isinstance(each, dict) and "/Prev" in each]
+    entries_on = [each for each in objects if isinstance(each, dict) and "/Next" in each]
+    check(len(entries_back) == len(entries_on), f"{name}: the outline leads one way only")
+    return len(areas)
 
 
 def check_document(name, transcript, folder):
@@ -99,14 +118,17 @@ def check_document(name, transcript, folder):
 
     objects = json.loads(run("qpdf", "--json", "--json-key=outlines", "--json-key=pages", pdf))
     marks = list(entries(objects["outlines"]))
-    shown_days = sum(level == 2 for level, _ in marks)
+    days_at = [(page, down) for level, page, down in marks if level == 2]
+    shown_days = len(days_at)
     expected = days or min(len(texts), 1)  # what has no day of its own may have no heading
     check(shown_days == expected, f"{name}: {shown_days} of {expected} days in the outline")
-    check(sorted(marks, key=lambda mark: mark[1]) == marks, f"{name}: entries out of order")
+    check(sorted(set(days_at)) == days_at, f"{name}: days out of order, or at the same place")
+    shown = check_links(name, pdf)
+    plain_links = [link for link in links if link.startswith(("http:", "https:", "mailto:"))]
+    check(shown >= len(plain_links), f"{name}: {shown} of {len(plain_links)} links")
     shown_links = run("pdfinfo", "-url", pdf).decode()
-    for link in links:
-        if link.startswith(("http:", "https:", "mailto:")):
-            check(link in shown_links, f"{name}: no link to {link}")
+    for link in plain_links:
+        check(link in shown_links, f"{name}: no link to {link}")
     images = run("pdfimages", "-list", pdf).decode().split("\n")[2:]
     masks = sum(" smask " in image for image in images)
     check(masks <= len(images) / 3, f"{name}: {masks} of {len(images)} pictures are masks")
@@ -125,6 +147,9 @@ def check_numbers(folder):
           f"{len(numbers)} of {NUMBERED} messages, or not in order")
     complaints = run("qpdf", "--check", pdf).decode()
     check("No syntax or stream encoding errors" in complaints, complaints)
+    outline = json.loads(run("qpdf", "--json", "--json-key=outlines", pdf))["outlines"]
+    levels = collections.Counter(level for level, _, _ in entries(outline))
+    check(levels[0] == levels[1] == 3, f"{levels} for one month in each of three years")
 
 
 def main():
