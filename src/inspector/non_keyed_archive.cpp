@@ -18,20 +18,25 @@ constexpr qint64 firstReference = -110;
 constexpr int maximumNesting = 256;
 constexpr qsizetype longestClassName = 200;
 
-void show(Entry* entry, QString value) {
-    if (entry) entry->value = std::move(value);
+// Entries are null where values are skipped.
+
+void showInteger(Entry* entry, qint64 value) {
+    if (entry) entry->value = QString::number(value);
 }
 
-void refer(Entry* entry, std::optional<quint32> number) {
+void showReal(Entry* entry, double value) {
+    if (entry) entry->value = QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
+void showNil(Entry* entry) {
+    if (entry) entry->value = u"nil"_s;
+}
+
+void refer(Entry* entry, quint32 number) {
     if (!entry) return;
-    entry->value = number ? u'#' + QString::number(*number) : u"nil"_s;
-    if (!number) return;
+    entry->value = u'#' + QString::number(number);
     entry->kind = Entry::Kind::reference;
-    entry->target = *number;
-}
-
-QString real(double value) {
-    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+    entry->target = number;
 }
 
 /// Unsigned types are written like the others.
@@ -68,7 +73,7 @@ void NonKeyedArchive::index() {
     Cursor cursor = start_;
     try {
         while (cursor.stream.remaining() > 0) {
-            const SharedString types = readTypes(cursor, cursor.stream.byte());
+            const Types types = readTypes(cursor, cursor.stream.byte());
             for (quint32 at = types.firstOp; at < types.endOp; at = ops_[at].end) {
                 ++rootCount_;
                 readValue(cursor, at, nullptr);
@@ -147,7 +152,7 @@ void NonKeyedArchive::visitGroups(Cursor& cursor, bool isRoot, Range& range) {
     while (!isRoot || cursor.stream.remaining() > 0) {
         const quint8 head = cursor.stream.byte();
         if (!isRoot && head == quint8(Mark::endOfObject)) return;
-        const SharedString types = readTypes(cursor, head);
+        const Types types = readTypes(cursor, head);
         if (!visitTypes(cursor, types.firstOp, types.endOp, range)) return;
     }
 }
@@ -185,27 +190,33 @@ void NonKeyedArchive::readValue(Cursor& cursor, quint32 at, Entry* entry) {
         case '*':
             return readCString(cursor, entry);
         case '#':
-            return refer(entry, readClass(cursor));
+            if (const quint32 cls = readClass(cursor); cls != none)
+                refer(entry, cls);
+            else
+                showNil(entry);
+            return;
         case 'c':
-            return show(entry, QString::number(qint8(stream.byte())));
+            return showInteger(entry, qint8(stream.byte()));
         case 'C':
         case 'B':
-            return show(entry, QString::number(stream.byte()));
+            return showInteger(entry, stream.byte());
         case 'f':
-            return show(entry, real(stream.real32()));
+            return showReal(entry, stream.real32());
         case 'd':
-            return show(entry, real(stream.real64()));
+            return showReal(entry, stream.real64());
         case '+':
             return readBytes(cursor, entry);
         case ':':
         case '%': {
-            const auto string = readString(cursor, stream.byte());
-            if (!entry || !string) return show(entry, u"nil"_s);
+            const quint32 string = readString(cursor, stream.byte());
+            if (string == none) return showNil(entry);
+            if (!entry) return;
             entry->kind = Entry::Kind::text;
-            return show(entry, text(*string));
+            entry->value = text(string);
+            return;
         }
         default:
-            return show(entry, QString::number(integer(stream.integer(), op.type)));
+            return showInteger(entry, integer(stream.integer(), op.type));
     }
 }
 
@@ -251,7 +262,7 @@ void NonKeyedArchive::readObject(Cursor& cursor, Entry* entry) {
     if (head == quint8(Mark::isNew))
         refer(entry, readNewObject(cursor, offset));
     else if (head == quint8(Mark::nil))
-        refer(entry, std::nullopt);
+        showNil(entry);
     else
         refer(entry, readReference(cursor, head, cursor.nextObject));
 }
@@ -270,9 +281,9 @@ quint32 NonKeyedArchive::readNewObject(Cursor& cursor, quint32 offset) {
     Object object;
     object.offset = offset;
     addObject(cursor, object);
-    const auto cls = readClass(cursor);
-    if (!cls) throw MalformedArchive();
-    objects_[self].name = *cls;
+    const quint32 cls = readClass(cursor);
+    if (cls == none) throw MalformedArchive();
+    objects_[self].name = cls;
     objects_[self].body = placeOf(cursor);
     readBody(cursor, self);
     objects_[self].end = placeOf(cursor);
@@ -283,7 +294,7 @@ void NonKeyedArchive::readBody(Cursor& cursor, quint32 self) {
     if (++depth_ > maximumNesting) throw MalformedArchive();
     for (quint8 head = cursor.stream.byte(); head != quint8(Mark::endOfObject);
          head = cursor.stream.byte()) {
-        const SharedString types = readTypes(cursor, head);
+        const Types types = readTypes(cursor, head);
         for (quint32 at = types.firstOp; at < types.endOp; at = ops_[at].end) {
             ++objects_[self].count;
             readValue(cursor, at, nullptr);
@@ -297,45 +308,43 @@ void NonKeyedArchive::readCString(Cursor& cursor, Entry* entry) {
     object.sort = Sort::cString;
     object.offset = offsetOf(cursor);
     const quint8 head = cursor.stream.byte();
-    if (head == quint8(Mark::nil)) return refer(entry, std::nullopt);
+    if (head == quint8(Mark::nil)) return showNil(entry);
     if (head != quint8(Mark::isNew))
         return refer(entry, readReference(cursor, head, cursor.nextObject));
-    const auto string = readString(cursor, cursor.stream.byte());
-    if (!string) throw MalformedArchive();
-    object.name = *string;
+    object.name = readString(cursor, cursor.stream.byte());
+    if (object.name == none) throw MalformedArchive();
     refer(entry, addObject(cursor, object));
 }
 
-/// The number of a class; nothing for nil.
-std::optional<quint32> NonKeyedArchive::readClass(Cursor& cursor) {
-    std::optional<quint32> first;
+/// The number of a class.
+quint32 NonKeyedArchive::readClass(Cursor& cursor) {
+    quint32 first = none;
     Object object;
     object.sort = Sort::classRecord;
     object.offset = offsetOf(cursor);
     quint8 head = cursor.stream.byte();
     while (head == quint8(Mark::isNew)) {
-        const auto name = readString(cursor, cursor.stream.byte());
-        if (!name) throw MalformedArchive();
-        object.name = *name;
+        object.name = readString(cursor, cursor.stream.byte());
+        if (object.name == none) throw MalformedArchive();
         object.count = cursor.stream.integer();
         const quint32 self = addObject(cursor, object);
-        if (!first) first = self;
+        if (first == none) first = self;
         object.offset = offsetOf(cursor);
         head = cursor.stream.byte();
     }
     if (head == quint8(Mark::nil)) return first;
     const quint32 known = readReference(cursor, head, cursor.nextObject);
     if (objects_[known].sort != Sort::classRecord) throw MalformedArchive();
-    return first ? first : known;
+    return first != none ? first : known;
 }
 
-const NonKeyedArchive::SharedString& NonKeyedArchive::readTypes(Cursor& cursor, quint8 head) {
-    const auto string = readString(cursor, head);
-    if (!string) throw MalformedArchive();
-    SharedString& types = strings_[*string];
+NonKeyedArchive::Types NonKeyedArchive::readTypes(Cursor& cursor, quint8 head) {
+    const quint32 string = readString(cursor, head);
+    if (string == none) throw MalformedArchive();
+    auto& [text, types] = strings_[string];
     if (types.endOp == 0) {
         const size_t first = ops_.size();
-        if (!foundation::non_keyed::appendTypeOps(types.text, ops_)) {
+        if (!foundation::non_keyed::appendTypeOps(text, ops_)) {
             ops_.resize(first);
             throw MalformedArchive();
         }
@@ -345,8 +354,8 @@ const NonKeyedArchive::SharedString& NonKeyedArchive::readTypes(Cursor& cursor, 
     return types;
 }
 
-std::optional<quint32> NonKeyedArchive::readString(Cursor& cursor, quint8 head) {
-    if (head == quint8(Mark::nil)) return std::nullopt;
+quint32 NonKeyedArchive::readString(Cursor& cursor, quint8 head) {
+    if (head == quint8(Mark::nil)) return none;
     if (head != quint8(Mark::isNew)) return readReference(cursor, head, cursor.nextString);
     const std::string_view text = cursor.stream.unsharedString();
     if (cursor.nextString == strings_.size()) strings_.push_back({.text = text});
@@ -354,7 +363,7 @@ std::optional<quint32> NonKeyedArchive::readString(Cursor& cursor, quint8 head) 
 }
 
 quint32 NonKeyedArchive::addObject(Cursor& cursor, const Object& object) {
-    if (cursor.nextObject == objects_.size()) objects_.push_back(object);
+    if (cursor.nextObject == objects_.size()) objects_.emplace_back(object);
     return cursor.nextObject++;
 }
 

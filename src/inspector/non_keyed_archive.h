@@ -4,9 +4,11 @@
 // A non-keyed archive. Its objects are numbered as they begin, so one pass notes where each of them
 // is; behind it any object can be read by itself.
 
+#include <limits>
 #include <string_view>
 #include <vector>
 
+#include "foundation/non_keyed/chunked_vector.h"
 #include "foundation/non_keyed/type_string.h"
 #include "foundation/non_keyed/typed_stream.h"
 #include "inspector/archive.h"
@@ -32,6 +34,9 @@ class NonKeyedArchive final : public Archive {
     using TypeOp = foundation::non_keyed::TypeOp;
     using TypedStream = foundation::non_keyed::TypedStream;
 
+    /// In place of a number: nil. An optional takes much longer to return.
+    static constexpr quint32 none = std::numeric_limits<quint32>::max();
+
     enum class Sort : quint8 { object, classRecord, cString };
 
     /// A place in the archive, and what was numbered before it.
@@ -54,10 +59,13 @@ class NonKeyedArchive final : public Archive {
         qint32 count = 0;    ///< values; of a class its version
         Sort sort = Sort::object;
     };
-    struct SharedString {
-        std::string_view text;
+    struct Types {
         quint32 firstOp = 0;
         quint32 endOp = 0;
+    };
+    struct SharedString {
+        std::string_view text;
+        Types types{};
     };
 
     explicit NonKeyedArchive(const foundation::Data& data);
@@ -71,9 +79,9 @@ class NonKeyedArchive final : public Archive {
     void readBody(Cursor& cursor, quint32 self);
     void readBytes(Cursor& cursor, Entry* entry);
     void readCString(Cursor& cursor, Entry* entry);
-    std::optional<quint32> readClass(Cursor& cursor);
-    const SharedString& readTypes(Cursor& cursor, quint8 head);
-    std::optional<quint32> readString(Cursor& cursor, quint8 head);
+    quint32 readClass(Cursor& cursor);
+    Types readTypes(Cursor& cursor, quint8 head);
+    quint32 readString(Cursor& cursor, quint8 head);
     quint32 addObject(Cursor& cursor, const Object& object);
     static quint32 readReference(Cursor& cursor, quint8 head, quint32 size);
 
@@ -91,7 +99,7 @@ class NonKeyedArchive final : public Archive {
 
     foundation::Data data_;
     Cursor start_;
-    std::vector<Object> objects_;
+    foundation::non_keyed::ChunkedVector<Object> objects_;
     std::vector<SharedString> strings_;
     std::vector<TypeOp> ops_;
     quint64 rootCount_ = 0;
