@@ -163,10 +163,62 @@ void Lines::appendForm(QByteArrayView line, const Form& form) {
     result_.append(form.before).append(isWrong ? noNumber : text).append(form.after);
 }
 
+bool isIndented(QByteArrayView xml) {
+    constexpr qsizetype tagsPerLine = 4;
+    return xml.count("\n\t") + xml.count("\n ") > xml.count('<') / tagsPerLine;
+}
+
+bool isContainerEnd(QByteArrayView line) {
+    return line.startsWith("</dict>") || line.startsWith("</array>") || line.startsWith("</plist>");
+}
+
+/// Each tag does, unless it ends a text.
+bool beginsLine(QByteArrayView rest) {
+    return rest.startsWith('<') && (!rest.startsWith("</") || isContainerEnd(rest));
+}
+
+QByteArray withLineBreaks(QByteArrayView xml) {
+    QByteArray result;
+    result.reserve(2 * xml.size());
+    for (qsizetype at = 0; at < xml.size(); ++at) {
+        if (beginsLine(xml.sliced(at)) && !result.endsWith('\n')) result += '\n';
+        result += xml[at];
+    }
+    return result;
+}
+
+/// Dictionaries in an array are the archive's objects, unless they are references. So the depth is
+/// known at each of them, whatever has become of the tags before.
+QByteArray withIndentation(QByteArrayView lines) {
+    constexpr qsizetype deepest = 16;
+    QByteArray result;
+    result.reserve(2 * lines.size());
+    qsizetype depth = 0;
+    qsizetype objectDepth = -1;
+    QByteArrayView previous;
+    for (qsizetype at = 0; at < lines.size();) {
+        const qsizetype end = lines.indexOf('\n', at);
+        const QByteArrayView line = lines.sliced(at, (end < 0 ? lines.size() : end) - at);
+        at += line.size() + 1;
+        const bool isReference =
+            lines.sliced(std::min(at, lines.size())).startsWith("<key>CF$UID<");
+        const bool isObject = line == "<dict>" && !isReference && !previous.startsWith("<key>");
+        if (isContainerEnd(line)) depth = std::max<qsizetype>(depth - 1, 0);
+        if (isObject && objectDepth >= 0) depth = objectDepth;
+        if (beginsLine(line)) result.append(std::min(depth, deepest), '\t');
+        result.append(line).append(end < 0 ? "" : "\n");
+        if (line == "<dict>" || line == "<array>") ++depth;
+        if (line == "<array>" && previous == "<key>$objects</key>") objectDepth = depth;
+        previous = line;
+    }
+    return result;
+}
+
 }  // namespace
 
 QByteArray withCorrectedLines(QByteArrayView xml) {
-    return Lines(xml).corrected();
+    if (isIndented(xml)) return Lines(xml).corrected();
+    return withIndentation(Lines(withLineBreaks(xml)).corrected());
 }
 
 }  // namespace vell::recovery

@@ -4,8 +4,9 @@
 // lines of one indentation: a "<" in a text is always escaped, so a line break, that indentation
 // and a "<" are nothing else. Each element is read by itself; one that can't be is replaced by an
 // array, which no archive has there and nothing can be decoded from.
+#include <QStringConverter>
+#include <QtEndian>
 #include <algorithm>
-#include <vector>
 
 #include "foundation/plist/xml_to_binary.h"
 #include "recovery/names.h"
@@ -34,6 +35,39 @@ QByteArray withoutInvalidUtf8(QByteArrayView bytes) {
         i += isValid ? length : 1;
     }
     return result;
+}
+
+/// UTF-16 with a byte order mark becomes UTF-8, half a character a "<" likewise.
+QByteArray toUtf8(QByteArrayView bytes) {
+    const auto marked = QStringConverter::encodingForData(bytes);
+    const bool isBigEndian = marked == QStringConverter::Utf16BE;
+    if (!isBigEndian && marked != QStringConverter::Utf16LE) return bytes.toByteArray();
+    QString text(bytes.size() / 2 - 1, Qt::Uninitialized);
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char* const unit = bytes.data() + 2 * i + 2;
+        text[i] =
+            QChar(isBigEndian ? qFromBigEndian<quint16>(unit) : qFromLittleEndian<quint16>(unit));
+    }
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (!text[i].isSurrogate()) continue;
+        const bool isPair =
+            i + 1 < text.size() && text[i].isHighSurrogate() && text[i + 1].isLowSurrogate();
+        if (!isPair) text[i] = u'<';
+        if (isPair) ++i;
+    }
+    return text.toUtf8();
+}
+
+/// How far the first bytes of the corrected text are those of the original, but for line breaks and
+/// indentation.
+qsizetype equalBytes(QByteArrayView corrected, QByteArrayView original) {
+    qsizetype same = 0;
+    for (const char byte : corrected) {
+        const bool isSame = same < original.size() && byte == original[same];
+        if (!isSame && byte != '\n' && byte != '\t') break;
+        same += isSame ? 1 : 0;
+    }
+    return same;
 }
 
 bool isValue(QByteArrayView element) {
@@ -68,7 +102,8 @@ qsizetype firstObject(QByteArrayView text) {
 }  // namespace
 
 std::optional<RepairedList> repairedXml(const Data& data) {
-    const QByteArray bytes = withoutInvalidUtf8(withCorrectedLines(data.view()));
+    const QByteArray original = toUtf8(data.view());
+    const QByteArray bytes = withoutInvalidUtf8(withCorrectedLines(original));
     const QByteArrayView text(bytes);
     const qsizetype lineBreak = firstObject(text);
     if (lineBreak < 1) return std::nullopt;
@@ -112,10 +147,10 @@ std::optional<RepairedList> repairedXml(const Data& data) {
     const auto array = objectsArray(*list);
     if (!array) return std::nullopt;
     // Behind the first correction places are those in the corrected text.
-    const qsizetype correct =
-        std::mismatch(bytes.begin(), bytes.end(), data.begin(), data.end()).first - bytes.begin();
-    return RepairedList{*std::move(list), *array,
-                        std::min(damagedAfter < 0 ? end : damagedAfter, correct)};
+    qsizetype place = equalBytes(text.first(damagedAfter < 0 ? end : damagedAfter), original);
+    if (original.size() != data.size())
+        place = 2 * QString::fromUtf8(original.first(place)).size() + 2;
+    return RepairedList{*std::move(list), *array, place};
 }
 
 }  // namespace vell::recovery

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QStringConverter>
+
 #include "foundation/plist/binary_property_list.h"
 #include "writers/transcript_writer.h"
 
@@ -28,9 +30,15 @@ writers::Transcript transcript() {
 QByteArray binary() {
     return writers::keyedTranscript(transcript());
 }
+QByteArray plainXml() {
+    return writers::keyedTranscript(transcript(), {.xml = true});
+}
+QByteArray xmlWithoutLines() {
+    return plainXml().replace('\n', "");
+}
 /// As archivers write it: each tag of a container, each key and each value in a line of its own.
 QByteArray xml() {
-    const QByteArray bytes = writers::keyedTranscript(transcript(), {.xml = true});
+    const QByteArray bytes = plainXml();
     QByteArray result;
     qsizetype depth = 0;
     for (qsizetype at = 0; at < bytes.size(); ++at) {
@@ -43,6 +51,10 @@ QByteArray xml() {
         result += rest[0];
     }
     return result;
+}
+QByteArray utf16(const QByteArray& text) {
+    return QStringEncoder(QStringEncoder::Utf16BE,
+                          QStringEncoder::Flag::WriteBom)(QString::fromUtf8(text));
 }
 QByteArray nonKeyed() {
     return writers::nonKeyedTranscript(transcript());
@@ -59,6 +71,9 @@ std::string recovered(const QByteArray& bytes) {
     const auto result =
         recoverChatLog(foundation::Data(bytes), std::nullopt, *foundation::Calendar::named("UTC"));
     if (!result) return "nothing";
+    if (bytes.startsWith('\x04')) {
+        EXPECT_EQ(result->log.serviceID(), TesselServiceID::aim);
+    }
     std::string shown;
     bool isFirst = true;
     for (const TesselChatLog::Event& event : result->log.events()) {
@@ -113,11 +128,29 @@ TEST(Recovery, WhatIsWholeComesBackAndNothingElse) {
         {"XML, a line break wrong", changed(xml(), "</string>\n", "</string>x"), "aabbacbdae of 5"},
         {"XML, a reference wrong", changed(xml(), "<integer>2</integer>", "<integer>x</integer>"),
          "aabbacbdae of 5"},
+        {"XML without indentation, cut", plainXml().first(plainXml().indexOf("text ddd")),
+         "aabbac- of 5"},
+        {"XML without lines, cut", xmlWithoutLines().first(xmlWithoutLines().indexOf("text ddd")),
+         "aabbac- of 5"},
+        {"XML without lines, tags wrong",
+         changed(changed(xmlWithoutLines(), textC + "</string><key>", textC + "</stxxxx><xxx>"),
+                 "text ddd</string>", "text ddd</strinh>"),
+         "aabb-bdae of 5"},
+        {"XML without lines, the end of an object missing",
+         changed(xmlWithoutLines(), textC + "</string>", textC + "<<<<<<<<<<</string>"),
+         "aabb-bdae of 5"},
+        {"XML in UTF-16, cut", utf16(xml().first(xml().indexOf("text ddd"))), "aabbac- of 5"},
+        {"XML in UTF-16, half a character",
+         changed(utf16(xml()), utf16(textC).sliced(2),
+                 utf16(textC).sliced(2).replace(0, 1, "\xd8")),
+         "aabb-bdae of 5"},
         {"non-keyed, cut", nonKeyed().first(nonKeyed().indexOf("text ddd")), "aabbac- of 5"},
+        {"non-keyed, strings for senders",
+         nonKeyed().replace("\x84\x9b\x92\x9c\x92", "\x84\x9b\x92\x95\x92"), "aabb-bd- of 5"},
         {"non-keyed, a text's length wrong", changed(nonKeyed(), "\x08" + textC, "\x7f" + textC),
-         "aabb-bdae of ?"},
+         "aabb-bdae of 5"},
         {"non-keyed, a letter of a class wrong",
-         changed(nonKeyed(), "InstantMessage", "InstbntMessage"), "aabbacbdae of ?"},
+         changed(nonKeyed(), "InstantMessage", "InstbntMessage"), "aabbacbdae of 5"},
     };
     for (const Case& test : cases)
         EXPECT_EQ(recovered(test.bytes), test.recovered) << test.what;

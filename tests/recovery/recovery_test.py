@@ -15,8 +15,8 @@ import tempfile
 import unittest
 
 export = sys.argv[1]
-COUNT = int(sys.argv[2]) if len(sys.argv) > 2 else 30
-SEED = int(sys.argv[3]) if len(sys.argv) > 3 else 1
+COUNT = int(sys.argv[2]) if len(sys.argv) > 2 else 40
+SEED = int(sys.argv[3]) if len(sys.argv) > 3 else 7
 WORDS = "lamp cat bathtub umbrella räv \u2603 tea \U0001f408 the a we never always <b> & maybe".split()
 
 
@@ -95,9 +95,10 @@ def keyed(chat, xml):
                           sort_keys=xml)
     if xml:
         spans = xml_spans(data)
+        references = [[] for _ in spans]
     else:
-        numbers, links, spans = binary_parts(data, numbers)
-    return data, parts_of(numbers, links, spans)
+        numbers, links, spans, references = binary_parts(data, numbers)
+    return data, parts_of(numbers, links, spans, references)
 
 
 def uids_in(value):
@@ -117,8 +118,9 @@ def without_uids(value):
     return value
 
 
-def parts_of(messages, links, spans):
-    """Of each message: where the objects lie that only it leads to, and those that others share."""
+def parts_of(messages, links, spans, references):
+    """Of each message: where the objects lie that only it leads to; those that others share, and what else
+    leads to any of them."""
     reached = []
     for message in messages:
         found, new = {message}, [message]
@@ -128,7 +130,8 @@ def parts_of(messages, links, spans):
         reached.append(found)
     users = collections.Counter(link for found in reached for link in found)
     return [([spans[link] for link in found if users[link] == 1],
-             [spans[link] for link in found if users[link] > 1]) for found in reached]
+             [spans[link] for link in found if users[link] > 1] +
+             [place for link in found for place in references[link]]) for found in reached]
 
 
 def xml_spans(data):
@@ -142,20 +145,26 @@ def xml_spans(data):
 
 
 def binary_parts(data, messages):
-    """The objects of messages, what each object leads to, and where each lies."""
+    """The objects of messages, what each object leads to, where each lies, and the places of its offset and its
+    number."""
     size, ref, count, _, table = data[-26], data[-25], *struct.unpack(">QQQ", data[-24:])
     offsets = [int.from_bytes(data[table + i * size:table + (i + 1) * size], "big") for i in range(count)]
     spans = list(zip(offsets, [*offsets[1:], table]))
     null = next(i for i in range(count) if data.startswith(b"\x55$null", offsets[i]))
-    elements = max((refs_of(data, offsets[i], ref) for i in range(count)
-                    if data[offsets[i]] >> 4 == 0xa and refs_of(data, offsets[i], ref)[:1] == [null]), key=len)
+    array = max((i for i in range(count) if data[offsets[i]] >> 4 == 0xa and
+                 refs_of(data, offsets[i], ref)[:1] == [null]), key=lambda i: len(refs_of(data, offsets[i], ref)))
+    elements = refs_of(data, offsets[array], ref)
+    references = [[(table + i * size, table + (i + 1) * size)] for i in range(count)]
+    first = spans[array][1] - len(elements) * ref
+    for uid, element in enumerate(elements):
+        references[element].append((first + uid * ref, first + (uid + 1) * ref))
     links = []
     for at in offsets:
         if data[at] >> 4 == 8:
             links.append([elements[int.from_bytes(data[at + 1:at + 2 + (data[at] & 15)], "big")]])
         else:
             links.append(refs_of(data, at, ref) if data[at] >> 4 in (0xa, 0xd) else [])
-    return [elements[uid] for uid in messages], links, spans
+    return [elements[uid] for uid in messages], links, spans, references
 
 
 def refs_of(data, at, ref):

@@ -66,6 +66,8 @@ Value Decoder::decodeAttributedString(const Instance& instance) {
     static constexpr Key attributesKey = "NSAttributes";
     static constexpr Key infoKey = "NSAttributeInfo";
     const Value part = decodePart(instance, stringKey, ClassKind::string);
+    if (requiresWhole_ && !part.string() && instance.ref(stringKey) != none)
+        throw brokenValueError(stringKey.name());
     const QString text = part.string() ? *part.string() : QString();
     const Ref attributes = instance.ref(attributesKey);
     if (attributes == none || text.isEmpty()) return makeObject<AttributedString>(text, nullptr);

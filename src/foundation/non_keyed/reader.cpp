@@ -140,7 +140,7 @@ StreamValue Reader::readObject() {
         if (!mended_.empty() && (untrustedParts_ != untrusted || holdsMended(start)))
             untrusted_.insert(result.number);
     } else {
-        result.number = readReference(head, certainObjects());
+        result.number = readReference(head, std::min(certainObjects(), certainInstances_));
         if (!untrusted_.empty() && untrusted_.contains(result.number)) ++untrustedParts_;
         if (table_[result.number].kind > ObjectTable::Kind::dictionary) throw MalformedArchive();
     }

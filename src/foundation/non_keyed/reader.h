@@ -105,6 +105,7 @@ class Reader {
     [[nodiscard]] bool holdsMended(const char* start) const;
     void noteCollection(Salvage& salvage);
     [[nodiscard]] QByteArray instanceHead() const;
+    [[nodiscard]] quint32 firstDoubtful() const;
     void salvageBehindBreak(Salvage& salvage);
     [[nodiscard]] size_t certainObjects() const {
         return std::min<size_t>(table_.size(), certainObjects_);
@@ -147,6 +148,7 @@ class Reader {
     size_t untrustedParts_ = 0;              ///< references to them
     /// What is numbered behind a break can't be referred to.
     size_t certainObjects_ = std::numeric_limits<size_t>::max();
+    size_t certainInstances_ = std::numeric_limits<size_t>::max();
     size_t certainStrings_ = std::numeric_limits<size_t>::max();
 };
 

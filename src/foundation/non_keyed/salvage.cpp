@@ -26,7 +26,8 @@ Reader::Salvage Reader::salvage(const ClassInfo& wanted, std::vector<qsizetype> 
     Salvage result;
     bool isWhole = false;
     try {
-        readRoot();
+        const auto root = readRoot().object<Array>();
+        if (root && !root->elements.empty()) result.first = root->elements.front();
         isWhole = true;
     } catch (const MalformedArchive&) {
         result.breakOffset = stream_.position() - data_.begin();
@@ -38,7 +39,10 @@ Reader::Salvage Reader::salvage(const ClassInfo& wanted, std::vector<qsizetype> 
                  result.endsInGap});
         result.endsInGap = !isSound(begun);
     }
-    noteCollection(result);
+    if (isWhole)
+        result.storedCount = qint64(begun_.size());
+    else
+        noteCollection(result);
     if (!isWhole && !begun_.empty() && !isFinished(begun_.back())) salvageBehindBreak(result);
     return result;
 }
@@ -81,6 +85,15 @@ QByteArray Reader::instanceHead() const {
     return {};
 }
 
+/// Behind a mended byte numbers may be others than those that were written. Classes are recognised
+/// by what they are; objects are not.
+quint32 Reader::firstDoubtful() const {
+    const auto doubtful = std::find_if(begun_.begin(), begun_.end(), [this](const Begun& begun) {
+        return !mended_.empty() && begun.position - data_.begin() > mended_.front();
+    });
+    return doubtful == begun_.begin() ? begun_.front().number : std::prev(doubtful)->number;
+}
+
 void Reader::salvageBehindBreak(Salvage& salvage) {
     const char* from = begun_.back().position;
     certainObjects_ = begun_.back().number;
@@ -88,6 +101,7 @@ void Reader::salvageBehindBreak(Salvage& salvage) {
     const QByteArray head = instanceHead();
     salvage.endsInGap = true;
     if (head.isEmpty()) return;
+    certainInstances_ = firstDoubtful();
     quint64 readAgain = 0;
     bool followsGap = true;
     while (true) {

@@ -73,6 +73,7 @@ class Repairer {
     [[nodiscard]] bool leadsBack(size_t step) const;
     [[nodiscard]] bool swallows(qsizetype breakPosition) const;
     [[nodiscard]] bool mend(qsizetype breakPosition);
+    [[nodiscard]] std::optional<Mend> unmended(qsizetype breakPosition);
     void tryPlace(qsizetype place, size_t step, qsizetype breakPosition, Mend& best);
     [[nodiscard]] Progress progressBehind(size_t step, qsizetype breakPosition);
 };
@@ -122,17 +123,35 @@ bool Repairer::correctNames() {
     return false;
 }
 
+/// An object that isn't what its owner holds there may have been written so, and a wrong reference
+/// is likely to lead to one: nothing is mended if all behind it can be read, or nothing helps.
+std::optional<Repairer::Mend> Repairer::unmended(qsizetype breakPosition) {
+    const Past& now = past_[next_ % history];
+    const qsizetype place = now.places.empty() ? breakPosition - 1 : now.places.back();
+    skimmer_.setMisfitAllowed(breakPosition, true);
+    skimmer_.returnTo(now.state);
+    return Mend{place, bytes_[place], progressBehind(next_, breakPosition), false, now.state};
+}
+
 bool Repairer::mend(qsizetype breakPosition) {
-    Mend best;
     const StreamSkimmer::State& earliest =
         past_[(next_ - std::min(next_, history - 1)) % history].state;
     const StreamSkimmer::Entries entries = skimmer_.entriesBehind(earliest);
-    for (size_t back = 0; back <= next_ && back < history; ++back) {
+    const std::optional<Mend> nothing =
+        skimmer_.isAtMisfit() ? unmended(breakPosition) : std::nullopt;
+    skimmer_.setMisfitAllowed(breakPosition, false);
+    Mend best = nothing.value_or(Mend());
+    const bool isEnough = best.progress.steps == surelySteps;
+    for (size_t back = 0; !isEnough && budget_ > 0 && back <= next_ && back < history; ++back) {
         const auto& places = past_[(next_ - back) % history].places;
         for (auto place = places.rbegin(); place != places.rend(); ++place)
             tryPlace(*place, next_ - back, breakPosition, best);
     }
-    if (best.progress.steps < fewestSteps) return false;
+    if (best.progress.steps < fewestSteps) {
+        if (!nothing) return false;
+        best = *nothing;
+    }
+    skimmer_.setMisfitAllowed(breakPosition, bytes_[best.place] == best.byte);
     bytes_[best.place] = best.byte;
     // A mark is certain when it is the only one; of references others may fit as well by chance.
     const bool isMark = best.byte == char(Mark::isNew) || best.byte == char(Mark::endOfObject);

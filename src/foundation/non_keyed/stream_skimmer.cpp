@@ -16,7 +16,9 @@ constexpr qint64 firstReference = -110;
 /// Types in all type strings; no real archive has as many.
 constexpr size_t maximumTypes = 1 << 16;
 
+/// Some writers stored numbers for texts.
 bool isSimilar(const ClassInfo& part, const ClassInfo& wanted) {
+    if (part.kind == ClassKind::number && wanted.kind == ClassKind::string) return true;
     return part.kind == ClassKind::application || wanted.kind == ClassKind::application
                ? &part == &wanted
                : part.kind == wanted.kind;
@@ -49,10 +51,18 @@ void StreamSkimmer::returnTo(const State& early, const Entries& entries, const S
     returnTo(late);
 }
 
+void StreamSkimmer::setMisfitAllowed(qsizetype position, bool isAllowed) {
+    if (isAllowed)
+        allowedMisfits_.insert(position);
+    else
+        allowedMisfits_.erase(position);
+}
+
 bool StreamSkimmer::step() {
     places_.clear();
     text_ = {};
     unknownNames_.clear();
+    isAtMisfit_ = false;
     Frame& top = state_.frames.back();
     switch (top.kind) {
         case Frame::Kind::root:
@@ -194,9 +204,10 @@ void StreamSkimmer::checkPart(bool isNil, const ClassInfo* part) {
     if (owner == state_.frames.rend() || !owner->info) return;
     const quint32 index = owner->parts++;
     const ClassShape* const shape = shapeOf(owner->info);
-    if (!isNil && shape && index < shape->parts.size() &&
-        !(part && isSimilar(*part, *shape->parts[index])))
-        throw MalformedArchive();
+    if (isNil || !shape || index >= shape->parts.size()) return;
+    if (part && isSimilar(*part, *shape->parts[index])) return;
+    isAtMisfit_ = !allowedMisfits_.contains(state_.position);
+    if (isAtMisfit_) throw MalformedArchive();
 }
 
 const ClassInfo* StreamSkimmer::readClass(quint8 head) {

@@ -8,6 +8,7 @@
 #include <array>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "foundation/class_registry.h"
@@ -56,6 +57,11 @@ class StreamSkimmer {
     /// Goes back to a state, earlier than all since.
     void returnTo(const State& state);
 
+    /// Whether the last step failed because an object isn't what its owner holds there.
+    [[nodiscard]] bool isAtMisfit() const { return isAtMisfit_; }
+    /// Whether that is let through at this position.
+    void setMisfitAllowed(qsizetype position, bool isAllowed);
+
     /// Some of the archive's bytes.
     struct Text {
         qsizetype begin = 0;
@@ -103,6 +109,8 @@ class StreamSkimmer {
     std::vector<qsizetype> places_;
     Text text_;
     std::vector<Text> unknownNames_;
+    bool isAtMisfit_ = false;
+    std::unordered_set<qsizetype> allowedMisfits_;
 
     quint8 byte();
     qint64 integer(quint8 head);
