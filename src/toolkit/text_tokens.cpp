@@ -57,7 +57,6 @@ TextTokenizer::Role TextTokenizer::roleOf(char32_t character) {
         case U_WB_EXTEND:
             return Role::word;
         case U_WB_FORMAT:
-        case U_WB_ZWJ:
             return Role::invisible;
         default:
             return Role::separator;

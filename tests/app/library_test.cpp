@@ -43,10 +43,14 @@ class LibraryTest : public test::Windows {
         QFile::remove(QFile::decodeName(LibraryStore::defaultPath()));
     }
 
-    void write(const QString& name, const QString& other, const QStringList& texts,
+    /// Ann's chat with somebody, or with several: "bob+eve".
+    void write(const QString& name, const QString& others, const QStringList& texts,
                double begin = 10'000'000) const {
-        writers::Transcript chat{
-            .service = u"AIM"_s, .people = {{u"ann"_s}, {other}}, .participants = {1}};
+        writers::Transcript chat{.service = u"AIM"_s, .people = {{u"ann"_s}}};
+        for (const QString& other : others.split(u'+')) {
+            chat.participants.push_back(chat.people.size());
+            chat.people.push_back({other});
+        }
         for (const QString& text : texts) {
             chat.messages.push_back({.sender = chat.messages.size() % 2,
                                      .date = begin + 60.0 * double(chat.messages.size()),
@@ -86,6 +90,15 @@ class LibraryTest : public test::Windows {
                                 Qt::MatchStartsWith | Qt::MatchCaseSensitive | Qt::MatchRecursive);
         ASSERT_FALSE(found.isEmpty()) << qPrintable(text);
         list.setCurrentIndex(found.front());
+    }
+    /// In the menu of the person that is chosen.
+    void triggerInMenu(const QString& begin) const {
+        QAbstractItemView& people = *view("libraryPeople");
+        Q_EMIT people.customContextMenuRequested(people.visualRect(people.currentIndex()).center());
+        for (QAction* action : window->findChildren<QAction*>()) {
+            if (action->text().startsWith(begin)) return action->trigger();
+        }
+        FAIL() << qPrintable(begin);
     }
     void search(const QString& text) const {
         window->findChild<QLineEdit*>(u"librarySearch"_s)->setText(text);
@@ -147,6 +160,17 @@ TEST_F(LibraryTest, FollowsTheFolders) {
     QFile::remove(folder.filePath(u"chats/eve.ichat"_s));
     EXPECT_TRUE(waitUntil([this] { return !texts("libraryPeople").contains(u"eve"_s); }));
     EXPECT_EQ(view("libraryPeople")->currentIndex().data(), u"Everybody"_s);
+    // A folder that is added while another is indexed.
+    for (const QString& name : {u"kim"_s, u"lea"_s}) {
+        QDir(folder.path()).mkpath(name);
+        write(u"../%1/chat.ichat"_s.arg(name), name, {u"Hello"_s});
+    }
+    program->addToLibrary({folder.filePath(u"kim"_s)});
+    program->addToLibrary({folder.filePath(u"lea"_s)});
+    EXPECT_TRUE(waitUntil([this] {
+        const QStringList people = texts("libraryPeople");
+        return people.contains(u"kim"_s) && people.contains(u"lea"_s);
+    }));
 }
 
 TEST_F(LibraryTest, SearchesAsOneTypes) {
@@ -199,15 +223,26 @@ TEST_F(LibraryTest, GoesToWhatWasFound) {
 }
 
 TEST_F(LibraryTest, JoinsPeopleByDragging) {
+    write(u"jun.ichat"_s, u"jun"_s, {u"Hello"_s}, 15'000'000);
+    write(u"group.ichat"_s, u"bob+zoe"_s, {u"Hello"_s}, 9'000'000);
     openLibrary();
+    ASSERT_TRUE(waitUntil([this] { return texts("libraryPeople").size() == 5; }));
     QAbstractItemModel& model = *view("libraryPeople")->model();
     const QModelIndex bob = model.index(1, 0);
     const QModelIndex eve = model.index(2, 0);
     const std::unique_ptr<QMimeData> data(model.mimeData({eve}));
     EXPECT_FALSE(model.canDropMimeData(data.get(), Qt::LinkAction, -1, -1, eve)) << "onto itself";
     EXPECT_FALSE(model.canDropMimeData(data.get(), Qt::LinkAction, -1, -1, model.index(0, 0)));
+    EXPECT_FALSE(model.canDropMimeData(data.get(), Qt::LinkAction, -1, -1, model.index(4, 0)))
+        << "a group is no person";
+    const std::unique_ptr<QMimeData> jun(model.mimeData({model.index(3, 0)}));
     model.dropMimeData(data.get(), Qt::LinkAction, -1, -1, bob);
-    const QStringList joined{u"Everybody"_s, u"bob"_s};
+    const QString group = u"bob, zoe"_s;
+    EXPECT_TRUE(waitUntil([&] {
+        return texts("libraryPeople") == QStringList{u"Everybody"_s, u"bob"_s, u"jun"_s, group};
+    }));
+    model.dropMimeData(jun.get(), Qt::LinkAction, -1, -1, model.index(1, 0));
+    const QStringList joined{u"Everybody"_s, u"bob"_s, group};
     ASSERT_TRUE(waitUntil([&] { return texts("libraryPeople") == joined; }));
     search(u"from:eve"_s);
     EXPECT_TRUE(waitUntil([this] { return texts("libraryFound").size() == 2; }))
@@ -216,6 +251,10 @@ TEST_F(LibraryTest, JoinsPeopleByDragging) {
     start();
     openLibrary();
     EXPECT_EQ(texts("libraryPeople"), joined) << "in the next session, too";
+    choose("libraryPeople", u"bob"_s);
+    triggerInMenu(u"&Separate"_s);
+    const QStringList apart{u"Everybody"_s, u"bob"_s, u"eve"_s, u"jun"_s, group};
+    EXPECT_TRUE(waitUntil([&] { return texts("libraryPeople") == apart; }));
 }
 
 TEST_F(LibraryTest, JoinsAnybodyOfMany) {
@@ -224,13 +263,7 @@ TEST_F(LibraryTest, JoinsAnybodyOfMany) {
     openLibrary();
     ASSERT_TRUE(waitUntil([this] { return texts("libraryPeople").size() == 23; }));
     choose("libraryPeople", u"eve"_s);
-    QAbstractItemView& people = *view("libraryPeople");
-    Q_EMIT people.customContextMenuRequested(people.visualRect(people.currentIndex()).center());
-    QAction* other = nullptr;
-    for (QAction* action : window->findChildren<QAction*>())
-        other = action->text().startsWith(u"&Somebody"_s) ? action : other;
-    ASSERT_TRUE(other);
-    other->trigger();
+    triggerInMenu(u"&Somebody"_s);
     auto* dialog = window->findChild<QDialog*>(u"joinDialog"_s);
     ASSERT_TRUE(dialog);
     const QAbstractItemModel& model = *dialog->findChild<QAbstractItemView*>()->model();
@@ -241,7 +274,7 @@ TEST_F(LibraryTest, JoinsAnybodyOfMany) {
     QTest::keyClick(dialog->findChild<QLineEdit*>(), Qt::Key_Return);
     EXPECT_TRUE(waitUntil([this] { return !texts("libraryPeople").contains(u"eve"_s); }));
     EXPECT_EQ(texts("libraryPeople").size(), 22);
-    EXPECT_EQ(people.currentIndex().data(), u"friend10"_s) << "who is eve, too";
+    EXPECT_EQ(view("libraryPeople")->currentIndex().data(), u"friend10"_s) << "who is eve, too";
 }
 
 TEST_F(LibraryTest, WorksWithoutAnIndex) {

@@ -58,6 +58,10 @@ PersonAliases::Addresses addresses(const QStringList& accounts) {
 }
 
 TEST_F(People, ConversationsAreByWhomTheyAreWith) {
+    writers::Transcript silent{.service = u"AIM"_s, .people = {{u"ann"_s}, {u"kim"_s}}};
+    silent.participants = {1};
+    silent.messages.push_back({.sender = 0, .date = 9 * day, .body = {}});
+    fixture.write(u"0.ichat"_s, writers::keyedTranscript(silent));
     chat(u"1.ichat"_s, 0, {u"bob"_s}, 4);
     chat(u"2.ichat"_s, 3 * day, {u"bob"_s, u"ben"_s}, 3);
     chat(u"3.ichat"_s, 5 * day, {u"bob"_s}, 2);
@@ -65,7 +69,7 @@ TEST_F(People, ConversationsAreByWhomTheyAreWith) {
     chat(u"5.ichat"_s, 5 * day - 1800, {u"eve"_s}, 40);  // the first to begin is the last to end
     QFile::copy(fixture.path(u"3.ichat"_s), fixture.path(u"copy of 3.ichat"_s));
     fixture.write(u"broken.ichat"_s, "nothing");
-    EXPECT_EQ(shown(), "eve 42; bob 6; ben, bob 3");
+    EXPECT_EQ(shown(), "eve 42; bob 6; ben, bob 3; kim 0");
     const LibraryPeople all = people();
     ASSERT_EQ(all.contents.broken.size(), 1U);
     EXPECT_FALSE(all.contents.broken[0].reason.isEmpty());
@@ -145,17 +149,19 @@ TEST_F(People, StatisticsCountEachMessageOnce) {
     chat(u"2.ichat"_s, newYear + 2 * 365 * day + 7 * 3600, {u"eve"_s}, 3);
     chat(u"3.ichat"_s, newYear + 2 * 365 * day, {u"bob"_s}, 2);
     QFile::copy(fixture.path(u"2.ichat"_s), fixture.path(u"4.ichat"_s));
+    chat(u"5.ichat"_s, newYear + 2 * 365 * day + 3600, {u"bob"_s, u"eve"_s}, 6);
     aliases.join(addresses({u"bob"_s}), addresses({u"eve"_s}));
     const foundation::Calendar utc(QTimeZone::utc());
     const LibraryPeople joined = people();
     const auto all = LibraryStatistics::read(store, joined, -1, utc);
-    EXPECT_EQ(all.messages, 9);
-    EXPECT_EQ(all.years, (std::map<int, qint64>{{2001, 2}, {2002, 2}, {2003, 0}, {2004, 5}}));
+    EXPECT_EQ(all.messages, 15);
+    EXPECT_EQ(all.years, (std::map<int, qint64>{{2001, 2}, {2002, 2}, {2003, 0}, {2004, 11}}));
     EXPECT_EQ(all.hours[23], 2);
     EXPECT_EQ(all.hours[7], 3);
     ASSERT_EQ(all.writers.size(), 2U);
-    EXPECT_EQ(joined.nameOf(all.writers[0].person), u"ann"_s);
-    EXPECT_EQ(all.writers[1].messages, 4) << "bob's and eve's";
+    EXPECT_EQ(joined.nameOf(all.writers[0].person), u"bob"_s);
+    EXPECT_EQ(all.writers[0].messages, 8) << "bob's and eve's";
+    EXPECT_EQ(all.writers[1].messages, 7);
     EXPECT_EQ(all.span->begin.secondsSinceReferenceDate, newYear - 120);
     EXPECT_EQ(all.silence->begin.secondsSinceReferenceDate, newYear + 60);
     EXPECT_EQ(all.silence->end.secondsSinceReferenceDate, newYear + 2 * 365 * day);
@@ -181,6 +187,7 @@ TEST(QueryTerms, AreReplacedWithoutTouchingWords) {
         {"a name falls apart", u"x"_s, u"from"_s, {u"Ann \"A\" Lee"_s}, u"from:\"Ann A Lee\" x"_s},
         {"a quoted name isn't found again", u"from:\"Ann Lee\" x"_s, u"from"_s, {}, u"x"_s},
         {"a phrase is taken for a filter", u"\"in:2007 b\""_s, u"in"_s, {}, u"\"in:2007 b\""_s},
+        {"what follows a colon is a filter", u":in:2007 x"_s, u"in"_s, {}, u":in:2007 x"_s},
         {"the word's space goes", u"in:2007 word "_s, u"in"_s, {}, u"word "_s},
     };
     for (const Row& row : rows) {

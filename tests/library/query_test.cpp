@@ -52,6 +52,9 @@ TEST(Query, FindsWhatAPersonMeant) {
     ASSERT_EQ(marked.size(), 2U);
     EXPECT_EQ(marked[0].position, 3);
     EXPECT_EQ(marked[0].length, 5) << "the accent belongs to its letter";
+    tokenizer.read(u"電車電車"_s);
+    EXPECT_EQ(stretchesOf(Query::parse(u"電車"_s), tokenizer).size(), 2U);
+    EXPECT_EQ(stretchesOf(Query::parse(u"電車 車電"_s), tokenizer).size(), 1U) << "they overlap";
 }
 
 TEST(Query, ReadsFilters) {

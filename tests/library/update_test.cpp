@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "archive.h"
+#include "library/batch_writer.h"
 #include "library/file_list.h"
 #include "library/fixture.h"
 
@@ -163,6 +164,29 @@ TEST(Update, GoesOnAfterBeingKilled) {
     LibraryStore other(indexIn(fixture, u"undisturbed"_s));
     EXPECT_EQ(dump(store), dump(other));
     store.database().run("INSERT INTO words (words) VALUES ('integrity-check')");
+}
+
+TEST(Update, WritesInBatches) {
+    const Fixture fixture;
+    for (const QString& name : {u"ann.ichat"_s, u"ben.ichat"_s, u"eve.ichat"_s})
+        fixture.chat(name, {u"plum"_s, u"pear"_s});
+    LibraryStore store(fixture.database);
+    TextTokenizer tokenizer;
+    BatchWriter writer(store, [] { return false; });
+    const auto add = [&](const FoundFile& file) {
+        writer.add(prepared(TranscriptReader().read(file), tokenizer));
+        writer.flush();
+    };
+    const auto files = transcriptsIn({fixture.chats}, test::neverStops, {});
+    std::for_each(files.begin(), files.end(), add);
+    // The number of the last one becomes that of the next one to come.
+    const auto last = store.files().back();
+    writer.remove(last.id);
+    writer.flush();
+    add(last.file);
+    writer.update(last.id, last.file);
+    writer.flush();
+    EXPECT_EQ(dump(store), freshDump(fixture));
 }
 
 TEST(Update, StopsWhenAsked) {
