@@ -115,12 +115,13 @@ PagePainter::PagePainter(const TesselChatLog& chatlog, PaperContext& context,
       area_(setup.format.area()) {
     const RowContext& rows = context.rows();
     lineHeight_ = rows.px(QFontMetricsF(rows.fonts.body).height()) + 1;
-    heading_ = lineHeight_ + rows.px(belowHeading);
-    foot_ = lineHeight_ + rows.px(aboveFoot);
+    headingHeight_ = lineHeight_ + rows.px(belowHeading);
+    footHeight_ = lineHeight_ + rows.px(aboveFoot);
 }
 
 QSize PagePainter::rowsSize() const {
-    return QSize(area_.width(), area_.height() - heading_ - foot_).expandedTo(QSize(1, 1));
+    return QSize(area_.width(), area_.height() - headingHeight_ - footHeight_)
+        .expandedTo(QSize(1, 1));
 }
 
 // One line: what is too long for it is elided.

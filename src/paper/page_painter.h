@@ -22,7 +22,7 @@ class PagePainter {
     /// The room that the rows of a page have.
     [[nodiscard]] QSize rowsSize() const;
     /// Where a row stands on the paper.
-    [[nodiscard]] int paperTop(const PaperRow& row) const { return heading_ + row.top; }
+    [[nodiscard]] int paperTop(const PaperRow& row) const { return headingHeight_ + row.top; }
 
     void paint(PaperCanvas& canvas, const PaperPage& page) const;
 
@@ -35,8 +35,8 @@ class PagePainter {
     QString title_;
     QSize area_;
     int lineHeight_;
-    int heading_;  // height
-    int foot_;
+    int headingHeight_;
+    int footHeight_;
 };
 
 }  // namespace vell
