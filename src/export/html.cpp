@@ -1,23 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "export/html.h"
 
-#include <algorithm>
-#include <array>
-
 #include "export/chat_log_visitor.h"
 #include "identity/contacts/sender_name.h"
 #include "toolkit/date_formatters.h"
+#include "toolkit/link_schemes.h"
 
 namespace vell {
 namespace {
-
-/// Whether a document may lead there on a click.
-bool isSafe(const QString& address) {
-    static constexpr std::array schemes{"http:", "https:", "ftp:", "mailto:"};
-    return std::any_of(schemes.begin(), schemes.end(), [&](const char* scheme) {
-        return address.startsWith(QLatin1StringView(scheme), Qt::CaseInsensitive);
-    });
-}
 
 class HtmlWriter final : public ChatLogVisitor {
   public:
@@ -61,7 +51,7 @@ class HtmlWriter final : public ChatLogVisitor {
     void operator()(const QString& words) { text(words); }
     void operator()(const TesselChatLog::Link* link) {
         const QString& address = link->url->absoluteString();
-        if (!isSafe(address)) {
+        if (!hasPlainScheme(address)) {
             text(linkInText(*link));
             return;
         }

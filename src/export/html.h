@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // A chat log as HTML for a clipboard: a paragraph a message, a heading a day. Texts stand as they
-// are, only links that are safe in a document can be followed, and nothing is loaded.
+// are, only links that a click may lead to can be followed, and nothing is loaded.
 
 #include "export/text_sink.h"
 
