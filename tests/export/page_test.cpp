@@ -131,10 +131,10 @@ TEST(ArchiveIndex, CountsEverybodysMessagesByMonthAndKnowsThoseWhoOnlyWrote) {
     };
     QByteArray index;
     writeArchiveIndex({entry(u"few"_s, u"1"_s, 0, 2), entry(u"many"_s, u"2"_s, 2009, 30),
-                       entry(u"many"_s, u"3"_s, 2009, 500)},
+                       entry(u"many"_s, u"3"_s, 2009, 1500)},
                       context, [&](QByteArrayView bytes) { index += bytes; });
     EXPECT_THAT(found(index, u"<li><a[^>]*>([^<]*)</a>"_s), ElementsAre(u"many"_s, u"few"_s));
-    EXPECT_THAT(found(index, u"<summary>([^<]*)"_s), ElementsAre(u"530"_s));
+    EXPECT_THAT(found(index, u"<summary>([^<]*)"_s), ElementsAre(u"1,530"_s));
     EXPECT_THAT(found(index, u"<td><a href=\"([^\"]*)"_s), ElementsAre(u"1#a"_s));
 }
 

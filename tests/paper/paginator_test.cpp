@@ -11,6 +11,7 @@
 #include <QPdfWriter>
 #include <QRandomGenerator>
 #include <QTextLayout>
+#include <QTransform>
 
 #include "export/log_builder.h"
 #include "paper/canvas.h"
@@ -247,10 +248,19 @@ TEST(PainterCanvas, EmojiAreInColors) {
     const auto page = Paginator(log, context, pagePainter.rowsSize()).next();
     pagePainter.paint(canvas, *page);
     painter.end();
-    int colored = 0;
-    for (int i = 0; i < image.width() * image.height(); ++i)
-        colored += image.pixelColor(i % image.width(), i / image.width()).saturation() > 100;
-    EXPECT_GT(colored, 10);
+    QRect colored;
+    for (int i = 0; i < image.width() * image.height(); ++i) {
+        const QPoint place(i % image.width(), i / image.width());
+        if (image.pixelColor(place).saturation() > 100) colored |= QRect(place, QSize(1, 1));
+    }
+    const PaperRow& row = page->rows.front();
+    const QRectF line = QRectF(row.layout.content.translated(0, pagePainter.paperTop(row)));
+    EXPECT_GT(colored.width() * colored.height(), 50);
+    EXPECT_TRUE(QTransform::fromTranslate(PaperFormat::margin, PaperFormat::margin)
+                    .scale(PaperFormat::scale, PaperFormat::scale)
+                    .mapRect(line)
+                    .toAlignedRect()
+                    .contains(colored));
 }
 
 TEST(LightEmoji, AreAsWideAsTheOthers) {
