@@ -41,6 +41,20 @@ std::vector<ClassShape> classShapes() {
     return result;
 }
 
+/// Whether a message has such a part there.
+bool fits(size_t index, const foundation::Value& part) {
+    switch (index) {
+        case 0:
+            return part.object<Presentity>() != nullptr;
+        case 1:
+            return part.date() != nullptr;
+        case 2:
+            return part.object<foundation::AttributedString>() != nullptr;
+        default:
+            return true;
+    }
+}
+
 std::optional<Messages> nonKeyedMessages(const foundation::Data& data) {
     const auto& registry = sharedClassRegistry();
     foundation::non_keyed::StreamRepair repair =
@@ -48,7 +62,7 @@ std::optional<Messages> nonKeyedMessages(const foundation::Data& data) {
     try {
         Reader reader(foundation::Data(repair.bytes), registry);
         Reader::Salvage salvage =
-            reader.salvage(*registry.find("InstantMessage"), std::move(repair.mended));
+            reader.salvage(*registry.find("InstantMessage"), std::move(repair.mended), fits);
         Messages result;
         for (const auto& [value, followsGap] : salvage.instances) {
             auto message = value.object<InstantMessage>();

@@ -9,8 +9,8 @@
 
 namespace vell::recovery {
 
-/// The same text in lines with the tags, the indentation and the known keys corrected. A number that
-/// is none becomes one that no object has.
+/// The same text in lines with the tags, the indentation and the known keys corrected. A number
+/// that is none becomes one that no object has.
 [[nodiscard]] QByteArray withCorrectedLines(QByteArrayView xml);
 
 }  // namespace vell::recovery

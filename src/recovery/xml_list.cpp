@@ -4,14 +4,12 @@
 // lines of one indentation: a "<" in a text is always escaped, so a line break, that indentation
 // and a "<" are nothing else. Each element is read by itself; one that can't be is replaced by an
 // array, which no archive has there and nothing can be decoded from.
-#include <QStringConverter>
-#include <QtEndian>
 #include <algorithm>
 
 #include "foundation/plist/xml_to_binary.h"
 #include "recovery/names.h"
 #include "recovery/repaired_list.h"
-#include "recovery/xml_lines.h"
+#include "recovery/xml_text.h"
 
 namespace vell::recovery {
 namespace {
@@ -21,54 +19,6 @@ using foundation::Data;
 
 constexpr qsizetype widestIndentation = 16;
 constexpr QByteArrayView unreadable = "<array/>";
-
-/// Bytes that are no UTF-8 become a "<", which the element around them doesn't survive.
-QByteArray withoutInvalidUtf8(QByteArrayView bytes) {
-    QByteArray result = bytes.toByteArray();
-    if (bytes.isValidUtf8()) return result;
-    for (qsizetype i = 0; i < result.size();) {
-        const auto lead = static_cast<unsigned char>(result[i]);
-        const qsizetype length = lead < 0x80 ? 1 : lead < 0xe0 ? 2 : lead < 0xf0 ? 3 : 4;
-        const bool isValid =
-            i + length <= result.size() && QByteArrayView(result).sliced(i, length).isValidUtf8();
-        if (!isValid) result[i] = '<';
-        i += isValid ? length : 1;
-    }
-    return result;
-}
-
-/// UTF-16 with a byte order mark becomes UTF-8, half a character a "<" likewise.
-QByteArray toUtf8(QByteArrayView bytes) {
-    const auto marked = QStringConverter::encodingForData(bytes);
-    const bool isBigEndian = marked == QStringConverter::Utf16BE;
-    if (!isBigEndian && marked != QStringConverter::Utf16LE) return bytes.toByteArray();
-    QString text(bytes.size() / 2 - 1, Qt::Uninitialized);
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const char* const unit = bytes.data() + 2 * i + 2;
-        text[i] =
-            QChar(isBigEndian ? qFromBigEndian<quint16>(unit) : qFromLittleEndian<quint16>(unit));
-    }
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        if (!text[i].isSurrogate()) continue;
-        const bool isPair =
-            i + 1 < text.size() && text[i].isHighSurrogate() && text[i + 1].isLowSurrogate();
-        if (!isPair) text[i] = u'<';
-        if (isPair) ++i;
-    }
-    return text.toUtf8();
-}
-
-/// How far the first bytes of the corrected text are those of the original, but for line breaks and
-/// indentation.
-qsizetype equalBytes(QByteArrayView corrected, QByteArrayView original) {
-    qsizetype same = 0;
-    for (const char byte : corrected) {
-        const bool isSame = same < original.size() && byte == original[same];
-        if (!isSame && byte != '\n' && byte != '\t') break;
-        same += isSame ? 1 : 0;
-    }
-    return same;
-}
 
 bool isValue(QByteArrayView element) {
     return foundation::binaryFromXml(Data(element.toByteArray())).has_value();
@@ -102,9 +52,8 @@ qsizetype firstObject(QByteArrayView text) {
 }  // namespace
 
 std::optional<RepairedList> repairedXml(const Data& data) {
-    const QByteArray original = toUtf8(data.view());
-    const QByteArray bytes = withoutInvalidUtf8(withCorrectedLines(original));
-    const QByteArrayView text(bytes);
+    const XmlText xml(data);
+    const QByteArrayView text = xml.corrected();
     const qsizetype lineBreak = firstObject(text);
     if (lineBreak < 1) return std::nullopt;
     const qsizetype null = std::max(text.indexOf('<', lineBreak), lineBreak);
@@ -146,11 +95,8 @@ std::optional<RepairedList> repairedXml(const Data& data) {
     if (!list) return std::nullopt;
     const auto array = objectsArray(*list);
     if (!array) return std::nullopt;
-    // Behind the first correction places are those in the corrected text.
-    qsizetype place = equalBytes(text.first(damagedAfter < 0 ? end : damagedAfter), original);
-    if (original.size() != data.size())
-        place = 2 * QString::fromUtf8(original.first(place)).size() + 2;
-    return RepairedList{*std::move(list), *array, place};
+    return RepairedList{*std::move(list), *array,
+                        xml.placeInFile(damagedAfter < 0 ? end : damagedAfter)};
 }
 
 }  // namespace vell::recovery

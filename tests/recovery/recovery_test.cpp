@@ -71,6 +71,7 @@ std::string recovered(const QByteArray& bytes) {
     const auto result =
         recoverChatLog(foundation::Data(bytes), std::nullopt, *foundation::Calendar::named("UTC"));
     if (!result) return "nothing";
+    EXPECT_LE(result->extent.damagedAfter, bytes.size());
     if (bytes.startsWith('\x04')) {
         EXPECT_EQ(result->log.serviceID(), TesselServiceID::aim);
     }

@@ -161,6 +161,8 @@ void Reader::readObjectBody(quint32 number, const ClassRecord& cls) {
             values_.size() - first > maximumElements_ + 1)
             throw MalformedArchive();
     }
+    if (wanted_ && cls.info == wanted_ && holdsMisfit(std::span(values_).subspan(first)))
+        untrusted_.insert(number);
     rebuilder_.rebuild(number, cls, std::span(values_).subspan(first));
     values_.resize(first);
 }

@@ -6,6 +6,7 @@
 // rebuilder when it ends, so one pass over the archive is enough.
 
 #include <deque>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <span>
@@ -48,8 +49,10 @@ class Reader {
     };
     /// Reads up to the first break, and behind it every instance of the class that refers only to
     /// what was numbered before: the numbers of what follows a break are unknown.
-    /// An object with one of the mended bytes, offsets in ascending order, is lost as well.
-    Salvage salvage(const ClassInfo& wanted, std::vector<qsizetype> mended);
+    /// An object with one of the mended bytes, offsets in ascending order, is lost as well, and an
+    /// instance with an object that doesn't fit: a wrong number is likely to lead to one.
+    using Fits = std::function<bool(size_t index, const Value& part)>;
+    Salvage salvage(const ClassInfo& wanted, std::vector<qsizetype> mended, Fits fits);
     [[nodiscard]] bool atEnd() const { return stream_.remaining() == 0; }
 
   private:
@@ -103,6 +106,7 @@ class Reader {
         return isFinished(begun) && !untrusted_.contains(begun.number);
     }
     [[nodiscard]] bool holdsMended(const char* start) const;
+    [[nodiscard]] bool holdsMisfit(std::span<const StreamValue> values);
     void noteCollection(Salvage& salvage);
     [[nodiscard]] QByteArray instanceHead() const;
     [[nodiscard]] quint32 firstDoubtful() const;
@@ -142,6 +146,7 @@ class Reader {
 
     // Of salvage().
     const ClassInfo* wanted_ = nullptr;
+    Fits fits_;
     std::vector<Begun> begun_;
     std::vector<qsizetype> mended_;
     std::unordered_set<quint32> untrusted_;  ///< objects with a mended byte or such a part

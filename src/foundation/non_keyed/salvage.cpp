@@ -20,8 +20,9 @@ constexpr quint64 repeatedReading = 8;
 
 }  // namespace
 
-Reader::Salvage Reader::salvage(const ClassInfo& wanted, std::vector<qsizetype> mended) {
+Reader::Salvage Reader::salvage(const ClassInfo& wanted, std::vector<qsizetype> mended, Fits fits) {
     wanted_ = &wanted;
+    fits_ = std::move(fits);
     mended_ = std::move(mended);
     Salvage result;
     bool isWhole = false;
@@ -51,6 +52,13 @@ Reader::Salvage Reader::salvage(const ClassInfo& wanted, std::vector<qsizetype> 
 bool Reader::holdsMended(const char* start) const {
     const auto first = std::lower_bound(mended_.begin(), mended_.end(), start - data_.begin());
     return first != mended_.end() && *first < stream_.position() - data_.begin();
+}
+
+bool Reader::holdsMisfit(std::span<const StreamValue> values) {
+    for (size_t i = 0; i < values.size(); ++i)
+        if (values[i].kind == StreamValue::Kind::object && !fits_(i, rebuilder_.value(values[i])))
+            return true;
+    return false;
 }
 
 /// The values of unfinished objects are those of the root and, if the break is inside it, those of
@@ -116,7 +124,7 @@ void Reader::salvageBehindBreak(Salvage& salvage) {
         try {
             const StreamValue instance = readObject();
             const Value& value = rebuilder_.value(instance);
-            if (value.isNothing()) throw MalformedArchive();
+            if (value.isNothing() || untrusted_.contains(instance.number)) throw MalformedArchive();
             salvage.instances.push_back({value, followsGap});
             followsGap = false;
             from = stream_.position();

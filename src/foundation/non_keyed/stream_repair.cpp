@@ -28,6 +28,13 @@ constexpr quint64 baseBudget = 3'000'000;
 constexpr qsizetype headerSize = 16;
 constexpr qsizetype mostHeaderErrors = 6;
 
+qsizetype differences(const char* bytes, const QByteArray& known) {
+    qsizetype count = 0;
+    for (qsizetype i = 0; i < known.size(); ++i)
+        count += bytes[i] != known[i] ? 1 : 0;
+    return count;
+}
+
 class Repairer {
   public:
     Repairer(StreamRepair& result, bool isBigEndian, const ClassRegistry& registry,
@@ -112,10 +119,7 @@ bool Repairer::correctNames() {
         for (const ClassShape& shape : shapes_) {
             const QByteArray& known = shape.owner->name;
             if (known.size() != name.size) continue;
-            qsizetype wrong = 0;
-            for (qsizetype i = 0; i < name.size; ++i)
-                wrong += at[i] != known[i] ? 1 : 0;
-            if (wrong != 1) continue;
+            if (differences(at, known) != 1) continue;
             std::copy(known.begin(), known.end(), at);
             return true;
         }
@@ -227,10 +231,7 @@ std::optional<bool> correctHeader(QByteArray& bytes) {
     const QByteArray headers[] = {QByteArray("\x04\x0bstreamtyped\x81\xe8\x03", headerSize),
                                   QByteArray("\x04\x0btypedstream\x81\x03\xe8", headerSize)};
     for (const QByteArray& header : headers) {
-        qsizetype wrong = 0;
-        for (qsizetype i = 0; i < headerSize; ++i)
-            wrong += bytes[i] != header[i] ? 1 : 0;
-        if (wrong > mostHeaderErrors) continue;
+        if (differences(bytes.constData(), header) > mostHeaderErrors) continue;
         std::copy(header.begin(), header.end(), bytes.begin());
         return &header == &headers[1];
     }

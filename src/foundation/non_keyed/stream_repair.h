@@ -3,7 +3,8 @@
 //
 // Finds the bytes at which a damaged non-keyed archive has lost its grammar: each break is mended
 // by the one byte with which reading goes on longest, so that what stands behind it keeps its
-// numbers. What a mended byte belongs to can't be trusted; everything else can.
+// numbers. What a mended byte belongs to can't be trusted; everything else can. Bytes that are left
+// as they are although their object isn't what its owner holds there count as mended.
 
 #include <QByteArray>
 #include <vector>
