@@ -116,6 +116,23 @@ class Archive:
         self.keys("F12")
         wait_for(lambda: not a11y.find(self.window, "tree", a11y.named("Archive")), "the pane to close")
 
+    def look_into_a_damaged_file(self):
+        """Its objects are where they are in the file, and follow the chat too."""
+        damaged = self.desktop.path("cut.ichat")
+        with open(self.sample, "rb") as whole, open(damaged, "wb") as cut:
+            cut.write(whole.read()[:-40])
+        self.desktop.start(self.vell, damaged)
+        dialog = a11y.window(a11y.named("Vell"), "dialog")
+        a11y.press(a11y.wait_find(dialog, "button", a11y.named("Show What Can Be Read")))
+        self.window = a11y.window(a11y.holding("(recovered)"), "frame")
+        self.number = self.desktop.window(".*recovered")
+        self.chat = a11y.wait_find(self.window, "list")
+        self.keys("F12")
+        self.tree = a11y.wait_find(self.window, "tree", a11y.named("Archive"))
+        self.wait_current(f"#{self.messages[0]}, InstantMessage, object, at byte ")
+        self.follow_the_chat()
+        self.close()
+
 
 need("xdotool")
 need_accessibility()
@@ -124,4 +141,5 @@ with Desktop() as desktop:
     import pyatspi
     archive = Archive(desktop, *sys.argv[1:3])
     a11y.play(archive.start, archive.open, archive.follow_a_reference, archive.lead_the_chat,
-              archive.follow_the_chat, archive.save, archive.close)
+              archive.follow_the_chat, archive.save, archive.close,
+              archive.look_into_a_damaged_file)
