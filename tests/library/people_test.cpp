@@ -169,6 +169,10 @@ TEST_F(People, StatisticsCountEachMessageOnce) {
     const LibraryPeople apart = people();
     ASSERT_EQ(apart.partners[0].name, u"eve"_s);
     EXPECT_EQ(LibraryStatistics::read(store, apart, 0, utc).messages, 3);
+    QStringList writers;
+    for (const auto& writer : LibraryStatistics::read(store, apart, -1, utc).writers)
+        writers.append(apart.nameOf(writer.person));
+    EXPECT_EQ(writers, (QStringList{u"ann"_s, u"bob"_s, u"eve"_s}));
     EXPECT_FALSE(LibraryStatistics::read(store, LibraryPeople({}, {}, {}), -1, utc).span);
 }
 

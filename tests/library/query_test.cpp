@@ -39,6 +39,7 @@ TEST(Query, FindsWhatAPersonMeant) {
         {"Arabic", u"قطار"_s, u"في قطار الصباح"_s, 0},
         {"Persian joined without a blank", u"میخواهم"_s, u"می\u200cخواهم"_s, 0},
         {"emoji, whatever the skin", u"👍"_s, u"ok👍🏽"_s, 0},
+        {"and another", u"👎"_s, u"ok👍🏽"_s, -1},
         {"an unknown key is a word", u"re:invent"_s, u"re: invent"_s, 0},
         {"a very long word, cut", u"a"_s.repeated(300), u"a"_s.repeated(400), 0},
     };

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "foundation/local_path.h"
+#include "library/changes.h"
 #include "library/library_people.h"
 #include "toolkit/callback_guard.h"
 
@@ -71,13 +72,19 @@ class FolderWatch::Worker final : public QObject {
         QSet<QString> paths;
         for (const QByteArray& folder : std::as_const(wanted))
             paths.insert(foundation::pathFromArgument(folder.constData()));
+        appeared_.removeIf([&folders](const QString& path) {
+            const QByteArray bytes = foundation::pathBytes(path);
+            return std::none_of(folders.begin(), folders.end(),
+                                [&](const auto& folder) { return isWithin(bytes, folder); });
+        });
         watchOnly(paths);
     }
 
   private:
-    void watchOnly(const QSet<QString>& wanted) {
-        const QStringList watched = watcher_.directories();
-        const QSet<QString> before(watched.begin(), watched.end());
+    void watchOnly(QSet<QString> wanted) {
+        const QSet<QString> before = watched();
+        appeared_.intersect(before);  // the others have gone
+        wanted.unite(appeared_);
         if (const auto old = before - wanted; !old.isEmpty()) watcher_.removePaths(old.values());
         *isComplete_ = true;
         const qsizetype known = watcher_.directories().size();
@@ -85,12 +92,25 @@ class FolderWatch::Worker final : public QObject {
         // What changed between the reading of a folder and this moment wasn't noticed.
         if (watcher_.directories().size() > known) timer_.start(burst);
     }
-    /// A folder that has just appeared may be filled before it is known to hold files.
+    /// Folders that have just appeared may be filled later.
     void watchBelow(const QString& folder) {
-        QStringList below;
-        for (const QString& name : QDir(folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
-            below.append(folder + u'/' + name);
+        const QSet<QString> known = watched();
+        QStringList below{folder};
+        for (qsizetype at = 0; at < below.size() && below.size() <= limit_; ++at) {
+            const QDir parent(below[at]);
+            for (const QString& name :
+                 parent.entryList(QDir::Dirs | QDir::NoSymLinks | QDir::NoDotAndDotDot)) {
+                const QString path = parent.filePath(name);
+                if (!known.contains(path)) below.append(path);
+            }
+        }
+        below.removeFirst();
+        appeared_.unite(QSet<QString>(below.begin(), below.end()));
         add(below);
+    }
+    [[nodiscard]] QSet<QString> watched() const {
+        const QStringList folders = watcher_.directories();
+        return {folders.begin(), folders.end()};
     }
     void add(QStringList folders) {
         const qsizetype room = std::max(limit_ - watcher_.directories().size(), qsizetype{0});
@@ -105,6 +125,8 @@ class FolderWatch::Worker final : public QObject {
     const std::shared_ptr<std::atomic<bool>> isComplete_;
     const qsizetype limit_ = folderLimit();
     QFileSystemWatcher watcher_{this};
+    /// Watched though no transcript in them is known.
+    QSet<QString> appeared_;
     QTimer timer_{this};
 };
 
