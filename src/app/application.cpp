@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "app/desktop/desktop.h"
-#include "app/desktop/legible_palette.h"
+#include "app/desktop/secondary_text.h"
 #include "app/documents/dates/time_zones.h"
 #include "app/documents/document_window.h"
 #include "app/documents/load_log_window.h"
@@ -54,7 +54,7 @@ OpenFailures::Cause causeOf(const foundation::Error& error) {
 Application::Application(std::shared_ptr<FileReader> reader)
     : loader_(reader ? std::move(reader) : std::make_shared<DiskFileReader>(), loadThread_.queue(),
               presentLoadLogWindowIfNecessary) {
-    keepPaletteLegible();
+    repairSecondaryText();
     if (!settings_.timeZone().isEmpty()) useTimeZone(settings_.timeZone());
     connect(&settings_, &Settings::timeZoneChanged, this, &useTimeZone);
     openContacts();
@@ -351,7 +351,7 @@ void Application::rememberPlaces() const {
 
 bool Application::eventFilter(QObject* object, QEvent* event) {
     if (event->type() == QEvent::Quit) beginQuitting();
-    if (object == qApp && event->type() == QEvent::ApplicationPaletteChange) keepPaletteLegible();
+    if (object == qApp && event->type() == QEvent::ApplicationPaletteChange) repairSecondaryText();
     return QObject::eventFilter(object, event);
 }
 

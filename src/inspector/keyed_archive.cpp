@@ -182,7 +182,7 @@ QString KeyedArchive::className(quint64 uid) {
     const auto known = classNames_.constFind(uid);
     if (known != classNames_.cend()) return *known;
     const Node record = list_.node(list_.element(objects_, uid));
-    const QString name = text(list_.node(find(record, "$classname"))).left(longestName);
+    QString name = text(list_.node(find(record, "$classname"))).left(longestName);
     classNames_.insert(uid, name);
     return name;
 }

@@ -83,7 +83,7 @@ QByteArray withoutPictures(QRawFont font) {
     QByteArray& os2 = tables["OS/2"];
     if (head.size() < locationFormatPlace + 2 || hhea.size() < advanceCountPlace + 2 ||
         tables["maxp"].size() < glyphCountPlace + 2 || os2.size() < leastSize ||
-        hmtx.size() < 4 * numberAt(hhea, advanceCountPlace))
+        hmtx.size() < qsizetype{4} * numberAt(hhea, advanceCountPlace))
         return {};
 
     // Bitmaps have other advances than the tables say: all of them by the same factor.
@@ -103,7 +103,8 @@ QByteArray withoutPictures(QRawFont font) {
 
     setNumber(head, locationFormatPlace, 0);
     tables["glyf"] = QByteArray(4, '\0');  // no outlines
-    tables["loca"] = QByteArray(2 * (numberAt(tables["maxp"], glyphCountPlace) + 1), '\0');
+    tables["loca"] =
+        QByteArray(qsizetype{2} * (numberAt(tables["maxp"], glyphCountPlace) + 1), '\0');
     tables["name"] = nameTable();
     return fontOf(tables);
 }

@@ -15,12 +15,10 @@ namespace {
 
 using namespace Qt::StringLiterals;
 using foundation::ClassInfo;
-using foundation::ClassKind;
 using foundation::Value;
 using foundation::keyed::Archive;
 using foundation::keyed::Kind;
 using foundation::keyed::Node;
-using foundation::keyed::none;
 
 class Salvage final : public foundation::Coder {
   public:

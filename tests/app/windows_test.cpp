@@ -141,6 +141,7 @@ TEST_F(OtherWindows, LabelsAndLinksAreLegibleOnDarkThemes) {
     dark.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
     QApplication::setPalette(dark);
     program->showAbout();
+    ASSERT_LT(QApplication::palette().color(QPalette::Window).lightness(), 70);
     const vell::LoadLogView log(vell::applicationInfo(), u"log"_s);
     int labels = 0;
     for (QLabel* label :

@@ -5,6 +5,7 @@
 #include <QEvent>
 #include <QMouseEvent>
 #include <QUrl>
+#include <cstdlib>
 
 #include "app/desktop/opening.h"
 #include "toolkit/application_info.h"
@@ -12,6 +13,9 @@
 
 namespace vell {
 namespace {
+
+/// Of 255 shades of grey between a link and what is behind it.
+constexpr int legibleDifference = 60;
 
 /// Rich text has its colours written into it, so it is written anew for another palette.
 class LinkLabel final : public QLabel {
@@ -48,10 +52,16 @@ class LinkLabel final : public QLabel {
   private:
     void write() {
         setText(QStringLiteral("<a style=\"color: %1\" href=\"%2\">%3</a>")
-                    .arg(opaque(palette().color(color_)).name(), address_, text_));
+                    .arg(shownColor().name(), address_, text_));
     }
-    [[nodiscard]] QColor opaque(QColor color) const {
-        return mixed(palette().color(QPalette::Window), color, color.alphaF());
+    /// Opaque; dark themes of the toolkit leave links a dark blue, which is made lighter.
+    [[nodiscard]] QColor shownColor() const {
+        const QColor window = palette().color(QPalette::Window);
+        const QColor color = palette().color(color_);
+        const QColor opaque = mixed(window, color, color.alphaF());
+        const int difference = qGray(opaque.rgb()) - qGray(window.rgb());
+        if (std::abs(difference) >= legibleDifference) return opaque;
+        return mixed(opaque, palette().color(QPalette::WindowText), 0.5F);
     }
 
     QString text_;

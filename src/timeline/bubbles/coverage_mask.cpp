@@ -101,10 +101,8 @@ CoverageMask CoverageMask::blurred(double sigma) const {
         std::fill(sums.begin(), sums.end(), 0.5f);
         for (int tap = first; tap <= last; ++tap) {
             if (rows[tap] == 0) continue;
-            addWeighted(
-                sums.data(),
-                across.data() + (static_cast<size_t>(y) + static_cast<size_t>(tap)) * rowSize,
-                weights[static_cast<size_t>(tap + reach)], width_);
+            addWeighted(sums.data(), across.data() + static_cast<size_t>(y + tap) * rowSize,
+                        weights[static_cast<size_t>(tap + reach)], width_);
         }
         uint8_t* out = result.bytes_.data() + static_cast<size_t>(y) * rowSize;
         for (size_t x = 0; x < rowSize; ++x) {

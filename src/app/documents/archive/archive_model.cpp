@@ -211,7 +211,7 @@ QString ArchiveModel::shown(const Entry& entry) const {
             return u'"' + foundation::printable(entry.value, longestText) + u'"';
         case Entry::Kind::bytes: {
             const QByteArrayView bytes = entry.bytes.view();
-            const QString size = QLocale().formattedDataSize(bytes.size());
+            QString size = QLocale().formattedDataSize(bytes.size());
             if (bytes.isEmpty()) return size;
             const QByteArrayView start = bytes.first(std::min(bytes.size(), shownBytes));
             const QString hex = QString::fromLatin1(start.toByteArray().toHex(' '));
