@@ -148,6 +148,7 @@ def check_numbers(folder):
     complaints = run("qpdf", "--check", pdf).decode()
     check("No syntax or stream encoding errors" in complaints, complaints)
     outline = json.loads(run("qpdf", "--json", "--json-key=outlines", pdf))["outlines"]
+    check(all(month["kids"] for year in outline for month in year["kids"]), "a day in no month")
     levels = collections.Counter(level for level, _, _ in entries(outline))
     check(levels[0] == levels[1] == 3, f"{levels} for one month in each of three years")
 
