@@ -2,8 +2,11 @@
 #include "inspector/non_keyed_archive.h"
 
 #include <QLocale>
+#include <algorithm>
 #include <limits>
 #include <utility>
+
+#include "foundation/object_memory.h"
 
 namespace vell::inspector {
 
@@ -17,6 +20,9 @@ constexpr qint64 firstReference = -110;
 /// Objects in one another.
 constexpr int maximumNesting = 256;
 constexpr qsizetype longestClassName = 200;
+/// What real archives need for one object at least, and how many are made room for.
+constexpr size_t bytesPerObject = 20;
+constexpr size_t mostReserved = size_t(1) << 22;
 
 // Entries are null where values are skipped.
 
@@ -70,6 +76,8 @@ NonKeyedArchive::NonKeyedArchive(const foundation::Data& data)
     : data_(data), start_{TypedStream(data_)} {}
 
 void NonKeyedArchive::index() {
+    objects_.reserve(std::min(size_t(data_.size()) / bytesPerObject, mostReserved));
+    foundation::useLargePages(objects_.data(), objects_.capacity() * sizeof(Object));
     Cursor cursor = start_;
     try {
         while (cursor.stream.remaining() > 0) {
@@ -363,7 +371,7 @@ quint32 NonKeyedArchive::readString(Cursor& cursor, quint8 head) {
 }
 
 quint32 NonKeyedArchive::addObject(Cursor& cursor, const Object& object) {
-    if (cursor.nextObject == objects_.size()) objects_.emplace_back(object);
+    if (cursor.nextObject == objects_.size()) objects_.push_back(object);
     return cursor.nextObject++;
 }
 

@@ -8,7 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "foundation/non_keyed/chunked_vector.h"
 #include "foundation/non_keyed/type_string.h"
 #include "foundation/non_keyed/typed_stream.h"
 #include "inspector/archive.h"
@@ -99,7 +98,7 @@ class NonKeyedArchive final : public Archive {
 
     foundation::Data data_;
     Cursor start_;
-    foundation::non_keyed::ChunkedVector<Object> objects_;
+    std::vector<Object> objects_;
     std::vector<SharedString> strings_;
     std::vector<TypeOp> ops_;
     quint64 rootCount_ = 0;
