@@ -30,6 +30,15 @@ writers::Transcript transcript() {
 QByteArray binary() {
     return writers::keyedTranscript(transcript());
 }
+/// Of more objects than a reference of one byte can name, with texts that aren't ASCII.
+QByteArray largeBinary() {
+    writers::Transcript large = transcript();
+    for (int i = 0; i < 150; ++i) {
+        large.participants.push_back(large.people.size());
+        large.people.push_back({u"r\u00e4v %1"_s.arg(i)});
+    }
+    return writers::keyedTranscript(large);
+}
 QByteArray plainXml() {
     return writers::keyedTranscript(transcript(), {.xml = true});
 }
@@ -111,6 +120,7 @@ TEST(Recovery, WhatIsWholeComesBackAndNothingElse) {
         {"nothing", {}, "nothing"},
         {"no archive", "these are words", "nothing"},
         {"binary, without its last byte", binary().chopped(1), "aabbacbdae of 5"},
+        {"a large binary, without its last byte", largeBinary().chopped(1), "aabbacbdae of 5"},
         {"binary, without its table", binary().first(binary().indexOf("text ddd")), "aabbac- of 5"},
         {"binary, an offset wrong", wrongOffset.chopped(1), "aabbacbdae of 5"},
         {"binary, a text's kind wrong", changed(binary(), "\x58" + textC, "\x08" + textC),
@@ -121,6 +131,7 @@ TEST(Recovery, WhatIsWholeComesBackAndNothingElse) {
         {"XML, without its end", xml().first(xml().indexOf("text ddd")), "aabbac- of 5"},
         {"XML, a tag wrong", changed(xml(), "<string>" + textC, "<strinh>" + textC),
          "aabbacbdae of 5"},
+        {"XML, a key wrong", changed(xml(), "<key>Sender", "<key>Sendes"), "aabbacbdae of 5"},
         {"XML, a text no UTF-8",
          changed(xml(), textC,
                  "text \xff"
