@@ -153,10 +153,14 @@ TEST(KeyedArchive, UnknownClassesKeysAndSharedValuesAreShown) {
     const auto odd = archive.object({u"Odd"_s}, {{u"ke y"_s, 1.5},
                                                  {u"data"_s, QByteArray("\x00\x01", 2)},
                                                  {u"self"_s, writers::Uid{2}},
+                                                 {u"snow"_s, u"\u2603"_s},
                                                  {u"list"_s, shared}});
     archive.setTop(u"root"_s, odd);
     Opening opening = openArchive(foundation::Data(archive.binary()));
     ASSERT_TRUE(opening.archive);
+    // The objects aren't among the rest.
+    EXPECT_EQ(parts(*opening.archive, opening.archive->root(), 0).size(),
+              opening.archive->root().count);
     QStringList seen;
     for (quint64 number = 0; number < opening.archive->objectCount(); ++number) {
         const Entry object = opening.archive->object(number);
@@ -170,6 +174,7 @@ TEST(KeyedArchive, UnknownClassesKeysAndSharedValuesAreShown) {
     }
     EXPECT_TRUE(seen.contains(u".ke y=real1.5"_s)) << seen.join(u'|').toStdString();
     EXPECT_TRUE(seen.contains(u".data=data"_s));
+    EXPECT_TRUE(seen.contains(u".snow=text\u2603"_s));
     EXPECT_TRUE(seen.contains(u".self=reference#2"_s));
 }
 
