@@ -53,8 +53,12 @@ class Salvage final : public foundation::Coder {
 
     [[nodiscard]] std::vector<quint64> elements(quint64 uid) const;
     [[nodiscard]] std::vector<quint64> messageList() const;
+    void placeUnlisted(std::vector<quint64>& list) const;
     void refuseStrayReferences();
     void readRoot();
+    [[nodiscard]] bool isMessage(quint64 uid) const {
+        return uid < roles_.size() && roles_[uid] != Role::other;
+    }
     Value decoded(quint64 uid);
     void add(quint64 uid);
 };
@@ -104,14 +108,38 @@ std::vector<quint64> Salvage::messageList() const {
     for (quint64 uid = 0; uid < archive_.objectCount() && budget > 0; ++uid) {
         std::vector<quint64> list = elements(uid);
         budget -= std::min<quint64>(budget, list.size() + 1);
-        const auto messages = std::count_if(list.begin(), list.end(), [this](quint64 element) {
-            return element < roles_.size() && roles_[element] == Role::message;
-        });
+        const auto messages = std::count_if(list.begin(), list.end(),
+                                            [this](quint64 element) { return isMessage(element); });
         if (messages <= most) continue;
         most = messages;
         best = std::move(list);
     }
     return best;
+}
+
+/// Messages are numbered in the list's order. A wrong reference in it meant the one that isn't
+/// listed and has a number between those of its neighbours, if there is only one.
+void Salvage::placeUnlisted(std::vector<quint64>& list) const {
+    std::vector<bool> isListed(roles_.size());
+    for (const quint64 uid : list)
+        if (uid < isListed.size()) isListed[uid] = true;
+    std::vector<quint64> unlisted;
+    for (quint64 uid = 0; uid < roles_.size(); ++uid)
+        if (isMessage(uid) && !isListed[uid]) unlisted.push_back(uid);
+    quint64 before = 0;
+    for (size_t i = 0; i < list.size() && !unlisted.empty(); ++i) {
+        if (isMessage(list[i])) {
+            before = list[i];
+            continue;
+        }
+        const bool isLast = i + 1 == list.size();
+        if (!isLast && !isMessage(list[i + 1])) continue;
+        const auto at = std::upper_bound(unlisted.begin(), unlisted.end(), before);
+        const auto end =
+            isLast ? unlisted.end() : std::lower_bound(at, unlisted.end(), list[i + 1]);
+        const bool isAlone = i == 0 || isMessage(list[i - 1]);
+        if (isAlone && end - at == 1) list[i] = *at;
+    }
 }
 
 /// Each instance is listed once, in the order of writing. One that is listed again, out of order,
@@ -162,7 +190,8 @@ Messages Salvage::run() {
         if (decoder_.knownClass(uid) == wanted) roles_[uid] = Role::message;
     refuseStrayReferences();
     readRoot();
-    const std::vector<quint64> list = messageList();
+    std::vector<quint64> list = messageList();
+    placeUnlisted(list);
     for (const quint64 uid : list) {
         add(uid);
         if (uid < roles_.size()) roles_[uid] = Role::placed;

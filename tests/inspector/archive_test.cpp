@@ -86,6 +86,15 @@ TEST(NonKeyedArchive, EachKindOfValueIsALine) {
          },
          {"root[0] = struct of 2", "root[0][0] = 1 (i)", "root[0][1] = array of 2",
           "root[0][1][0] = 2 (i)", "root[0][1][1] = 3 (i)", "root[1] = 4 (i)"}},
+        {"C strings in arrays",
+         [](auto& archive) {
+             archive.group("i[2*]*");
+             archive.integer(7);
+             for (const char* text : {"a", "b", "a"})
+                 archive.cString(text);
+         },
+         {"root[0] = 7 (i)", "root[1] = array of 2", "root[1][0] = #0 (*)", "root[1][1] = #1 (*)",
+          "root[2] = #0 (*)", "#0 @25 = \"a\" (*)", "#1 @29 = \"b\" (*)"}},
         {"C strings, one of them twice",
          [](auto& archive) { archive.group("**"), archive.cString("x"), archive.cString("x"); },
          {"root[0] = #0 (*)", "root[1] = #0 (*)", "#0 @20 = \"x\" (*)"}},
@@ -145,6 +154,12 @@ TEST(NonKeyedArchive, DamagedOnesAreReadUpToTheBreak) {
                 << line.toStdString();
     }
     EXPECT_EQ(lines("no archive").last(), "! it begins like no archive");
+    for (int further = 3; further < 9; ++further) {  // behind its class and that one's parent
+        const QByteArray ahead = archivedByItself([&](NonKeyedArchiveWriter& archive) {
+            archive.reference(archive.string(u"one"_s) + further);
+        });
+        EXPECT_TRUE(lines(ahead).last().startsWith("! it can't be read on")) << further;
+    }
 }
 
 TEST(KeyedArchive, UnknownClassesKeysAndSharedValuesAreShown) {

@@ -7,6 +7,7 @@
 #include <QStringConverter>
 
 #include "foundation/plist/binary_property_list.h"
+#include "recovery/repaired_list.h"
 #include "writers/transcript_writer.h"
 
 namespace vell::recovery {
@@ -75,6 +76,20 @@ QByteArray changed(QByteArray bytes, QByteArrayView from, QByteArrayView to) {
     return bytes.replace(at, from.size(), to);
 }
 
+/// Lets a key of a message, counted from 0, refer to what another key of it does.
+QByteArray referring(QByteArray xml, const QByteArray& key, int message, const QByteArray& other) {
+    const auto reference = [&](const QByteArray& name) {
+        qsizetype at = -1;
+        for (int i = 0; i <= message; ++i)
+            at = xml.indexOf("<key>" + name + "</key>", at + 1);
+        at = xml.indexOf("<integer>", at) + qsizetype(qstrlen("<integer>"));
+        return std::pair(at, xml.indexOf('<', at) - at);
+    };
+    const auto [from, length] = reference(other);
+    const auto [to, oldLength] = reference(key);
+    return xml.replace(to, oldLength, xml.sliced(from, length));
+}
+
 /// Whoever wrote a message and its last letter; "-" for a gap.
 std::string recovered(const QByteArray& bytes) {
     const auto result =
@@ -140,6 +155,9 @@ TEST(Recovery, WhatIsWholeComesBackAndNothingElse) {
         {"XML, a line break wrong", changed(xml(), "</string>\n", "</string>x"), "aabbacbdae of 5"},
         {"XML, a reference wrong", changed(xml(), "<integer>2</integer>", "<integer>x</integer>"),
          "aabbacbdae of 5"},
+        {"XML, a person for a time", referring(xml(), "Time", 2, "Sender"), "aabb-bdae of 5"},
+        {"binary, a 32-bit real", changed(binary(), "\x54$top", {"\x22\0\0\0\0", 5}).chopped(1),
+         "aabbacbdae of 5"},
         {"XML without indentation, cut", plainXml().first(plainXml().indexOf("text ddd")),
          "aabbac- of 5"},
         {"XML without lines, cut", xmlWithoutLines().first(xmlWithoutLines().indexOf("text ddd")),
@@ -166,6 +184,42 @@ TEST(Recovery, WhatIsWholeComesBackAndNothingElse) {
     };
     for (const Case& test : cases)
         EXPECT_EQ(recovered(test.bytes), test.recovered) << test.what;
+}
+
+TEST(Recovery, WrongReferencesInventNothing) {
+    const QByteArray whole = binary();
+    const auto list = foundation::BinaryPropertyList::open(foundation::Data(whole));
+    const auto objects = list->node(objectsArray(*list).value());
+    const qsizetype first =
+        whole.indexOf(QByteArray(objects.payload(), qsizetype(objects.count())));
+    std::vector<qsizetype> instances;
+    for (quint64 i = 0; i < objects.count(); ++i)
+        if (list->node(list->element(objects, i)).kind() ==
+            foundation::BinaryPropertyList::Kind::dictionary)
+            instances.push_back(first + qsizetype(i));
+    ASSERT_GT(instances.size(), 20);
+    for (const qsizetype to : instances)
+        for (const qsizetype from : instances) {
+            QByteArray bytes = whole;
+            bytes[to] = bytes[from];
+            const std::string shown = recovered(bytes);
+            for (const char* message : {"aa", "bb", "ac", "bd", "ae"})
+                EXPECT_EQ(shown.find(message), shown.rfind(message)) << shown;
+        }
+}
+
+TEST(Recovery, NumbersThatAreNoneLeaveTheListOfMessages) {
+    const QByteArray whole = xml();
+    const QByteArray begin = "<integer>";
+    int complete = 0;
+    for (qsizetype at = whole.indexOf(begin, whole.indexOf("$objects")); at >= 0;
+         at = whole.indexOf(begin, at + 1)) {
+        const std::string shown = recovered(QByteArray(whole).replace(at + begin.size(), 1, "x"));
+        // Without the attributes that all have none of them is whole.
+        EXPECT_TRUE(shown.ends_with(" of 5") || shown == "nothing") << at << ' ' << shown;
+        complete += shown == "aabbacbdae of 5";
+    }
+    EXPECT_GE(complete, 5) << "an element of the list is known by its neighbours";
 }
 
 }  // namespace
