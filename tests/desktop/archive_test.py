@@ -97,6 +97,9 @@ class Archive:
         text = self.text_of(self.messages[1])
         self.click(next(row for row in self.chat if text[:20] in row.name))
         self.wait_current(f"#{self.messages[1]}, InstantMessage")
+        self.keys("Down")
+        self.wait_current(f"#{self.messages[2]}, InstantMessage")
+        assert not self.selected(), "who walks through the chat selects nothing"
 
     def save(self):
         number = next(number for number, value in enumerate(self.objects) if isinstance(value, bytes))
