@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "inspector/non_keyed_archive.h"
 
-#include <QLocale>
 #include <algorithm>
 #include <limits>
 #include <utility>
 
 #include "foundation/object_memory.h"
+#include "inspector/shown_values.h"
 
 namespace vell::inspector {
 
@@ -23,27 +23,6 @@ constexpr qsizetype longestClassName = 200;
 /// What real archives need for one object at least, and how many are made room for.
 constexpr size_t bytesPerObject = 20;
 constexpr size_t mostReserved = size_t(1) << 22;
-
-// Entries are null where values are skipped.
-
-void showInteger(Entry* entry, qint64 value) {
-    if (entry) entry->value = QString::number(value);
-}
-
-void showReal(Entry* entry, double value) {
-    if (entry) entry->value = QString::number(value, 'g', QLocale::FloatingPointShortest);
-}
-
-void showNil(Entry* entry) {
-    if (entry) entry->value = u"nil"_s;
-}
-
-void refer(Entry* entry, quint32 number) {
-    if (!entry) return;
-    entry->value = u'#' + QString::number(number);
-    entry->kind = Entry::Kind::reference;
-    entry->target = number;
-}
 
 /// Unsigned types are written like the others.
 qint64 integer(qint64 value, char type) {

@@ -6,6 +6,7 @@
 
 #include <QRegularExpression>
 
+#include "foundation/plist/binary_property_list.h"
 #include "inspector/archive_text.h"
 #include "writers/keyed_archive_writer.h"
 #include "writers/non_keyed_archive_writer.h"
@@ -191,6 +192,25 @@ TEST(KeyedArchive, UnknownClassesKeysAndSharedValuesAreShown) {
     EXPECT_TRUE(seen.contains(u".data=data"_s));
     EXPECT_TRUE(seen.contains(u".snow=text\u2603"_s));
     EXPECT_TRUE(seen.contains(u".self=reference#2"_s));
+}
+
+TEST(KeyedArchive, AContainerUnderTwoKeysIsWrittenOnce) {
+    using foundation::BinaryPropertyList;
+    KeyedArchiveWriter archive;
+    const std::vector words(3, archive.string(u"word"_s));
+    archive.setTop(u"root"_s, archive.object({u"Odd"_s}, {{u"a"_s, words}, {u"b"_s, words}}));
+    QByteArray bytes = archive.binary();
+    const auto list = BinaryPropertyList::open(foundation::Data(bytes));
+    for (BinaryPropertyList::Ref ref = 0; ref < list->objectCount(); ++ref) {
+        const auto node = list->node(ref);
+        if (node.kind() != BinaryPropertyList::Kind::dictionary || node.count() != 3) continue;
+        if (list->node(list->value(node, 0)).kind() != BinaryPropertyList::Kind::array) continue;
+        const qsizetype values = node.payload() - list->data().begin() + 3;
+        bytes[values + 1] = bytes[values];
+    }
+    const QByteArray shown = lines(bytes).join('\n');
+    EXPECT_TRUE(shown.contains(".b = array of 3, the same as above\n")) << shown.toStdString();
+    EXPECT_EQ(shown.count("[2] = "), 1);
 }
 
 TEST(KeyedArchive, BothFormsShowTheSame) {
